@@ -1,0 +1,108 @@
+#!/usr/bin/env bash
+# One entry point for newcomers and CI: installs what is missing, builds, and runs a job.
+#
+#   ./quorvex.sh build   configure and build (incremental)
+#   ./quorvex.sh test    build, then run every test: the normal build and the sanitizer build
+#   ./quorvex.sh demo    build, then run a generation on the bundled sample
+#   ./quorvex.sh bench   build, then run the benchmarks
+#   ./quorvex.sh fuzz [seconds]   build the libFuzzer targets with clang and run each briefly
+set -euo pipefail
+cd "$(dirname "$0")"
+ROOT=$(pwd)
+
+# Debian packages the build, the tests and the demo need.
+PACKAGES=(
+  cmake ninja-build g++ clang clang-format pkg-config
+  libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev
+  libxml2-dev libzip-dev libsqlite3-dev sqlite3 unixodbc unixodbc-dev libpcre2-dev
+  mdbtools mdbtools-dev odbc-mdbtools
+  postgresql odbc-postgresql mariadb-server odbc-mariadb
+  lua5.4
+)
+
+log() { printf '\033[1m== %s\033[0m\n' "$*" >&2; }
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+ensure_packages() {
+  local missing=()
+  for p in "${PACKAGES[@]}"; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+  log "installing: ${missing[*]}"
+  as_root apt-get update -qq
+  # Server packages must not try to start services during installation (no init system in CI).
+  as_root env DEBIAN_FRONTEND=noninteractive RUNLEVEL=1 \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+configure() {
+  local preset=$1 dir=$2
+  if [ ! -f "$dir/build.ninja" ]; then
+    cmake --preset "$preset" >/dev/null
+  fi
+}
+
+build() {
+  local preset=${1:-default} dir=build
+  [ "$preset" = asan ] && dir=build-asan
+  [ "$preset" = fuzz ] && dir=build-fuzz
+  configure "$preset" "$dir"
+  log "building ($preset)"
+  cmake --build --preset "$preset"
+}
+
+run_tests() {
+  local preset=$1
+  log "testing ($preset)"
+  ctest --preset "$preset"
+}
+
+cmd=${1:-help}
+shift || true
+case "$cmd" in
+  build)
+    ensure_packages
+    build default
+    ;;
+  test)
+    ensure_packages
+    build default
+    run_tests default
+    build asan
+    run_tests asan
+    ;;
+  demo)
+    ensure_packages
+    build default
+    exec "$ROOT/examples/demo.sh" "$ROOT/build"
+    ;;
+  bench)
+    ensure_packages
+    build default
+    exec "$ROOT/bench/run.sh" "$ROOT/build" "$@"
+    ;;
+  fuzz)
+    ensure_packages
+    build fuzz
+    seconds=${1:-60}
+    for f in "$ROOT"/build-fuzz/fuzz/fuzz_*; do
+      [ -x "$f" ] || continue
+      name=$(basename "$f")
+      mkdir -p "$ROOT/build-fuzz/corpus/$name"
+      log "fuzzing $name for ${seconds}s"
+      "$f" -max_total_time="$seconds" -timeout=10 "$ROOT/build-fuzz/corpus/$name" \
+        "$ROOT/fuzz/seeds/${name#fuzz_}" 2>&1 | tail -n 3
+    done
+    ;;
+  help | -h | --help)
+    sed -n '2,9p' "$0" | sed 's/^# \{0,1\}//'
+    ;;
+  *)
+    echo "unknown command: $cmd (try: $0 help)" >&2
+    exit 2
+    ;;
+esac

@@ -1,0 +1,438 @@
+// VBScript's conversion and comparison rules for Variants.
+#include "automation/convert.h"
+
+#include <cfloat>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "automation/date_time.h"
+#include "automation/error.h"
+#include "automation/object.h"
+#include "automation/safe_array.h"
+
+namespace qv {
+
+namespace {
+
+[[noreturn]] void Mismatch() { throw Error(kErrTypeMismatch); }
+[[noreturn]] void Overflow() { throw Error(kErrOverflow); }
+[[noreturn]] void NullUse() { throw Error(kErrInvalidUseOfNull); }
+
+bool IsBlank(Char c) { return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n'; }
+
+StringView TrimWhite(StringView s) {
+  size_t b = 0, e = s.size();
+  while (b < e && IsBlank(s[b])) ++b;
+  while (e > b && IsBlank(s[e - 1])) --e;
+  return s.substr(b, e - b);
+}
+
+std::optional<double> ParseRadix(StringView digits, int radix) {
+  if (digits.empty()) return std::nullopt;
+  uint64_t value = 0;
+  for (Char c : digits) {
+    int d;
+    if (c >= u'0' && c <= u'9') {
+      d = c - u'0';
+    } else if (radix == 16 && c >= u'a' && c <= u'f') {
+      d = c - u'a' + 10;
+    } else if (radix == 16 && c >= u'A' && c <= u'F') {
+      d = c - u'A' + 10;
+    } else {
+      return std::nullopt;
+    }
+    if (d >= radix) return std::nullopt;
+    value = value * radix + d;
+    if (value > 0xFFFFFFFFull) return std::nullopt;
+  }
+  // Like the literals: a value that fits 16 bits is an Integer, else a Long, both with the
+  // top bit as the sign.
+  if (value <= 0xFFFF) return static_cast<double>(static_cast<int16_t>(value));
+  return static_cast<double>(static_cast<int32_t>(static_cast<uint32_t>(value)));
+}
+
+double NumberOf(const Variant& v);
+
+// The numeric value of a value already known to be numeric.
+double NumericPayload(const Variant& v) {
+  switch (v.type()) {
+    case VarType::Empty:
+      return 0;
+    case VarType::Boolean:
+      return v.as_bool() ? -1 : 0;
+    case VarType::Byte:
+      return v.as_byte();
+    case VarType::Integer:
+      return v.as_integer();
+    case VarType::Long:
+      return v.as_long();
+    case VarType::Single:
+      return v.as_single();
+    case VarType::Double:
+      return v.as_double();
+    case VarType::Currency:
+      return static_cast<double>(v.as_currency()) / 10000.0;
+    case VarType::Date:
+      return v.as_date();
+    default:
+      return NumberOf(v);
+  }
+}
+
+// Any value as a double, with VBScript's errors.
+double NumberOf(const Variant& v) {
+  switch (v.type()) {
+    case VarType::Null:
+      NullUse();
+    case VarType::String: {
+      const auto n = ParseNumberText(v.as_string());
+      if (!n) Mismatch();
+      return *n;
+    }
+    case VarType::Object:
+      return NumberOf(ValueOf(v));
+    case VarType::Error:
+    case VarType::Array:
+      Mismatch();
+    default:
+      return NumericPayload(v);
+  }
+}
+
+int64_t WholeNumber(const Variant& v, double lo, double hi) {
+  if (v.type() == VarType::Currency) {
+    // Exact banker's rounding of the ten-thousandths.
+    const int64_t c = v.as_currency();
+    int64_t q = c / 10000, r = c % 10000;
+    if (r > 5000 || (r == 5000 && (q & 1))) ++q;
+    if (r < -5000 || (r == -5000 && (q & 1))) --q;
+    if (q < lo || q > hi) Overflow();
+    return q;
+  }
+  const double d = RoundHalfEven(NumberOf(v));
+  if (!(d >= lo && d <= hi)) Overflow();
+  return static_cast<int64_t>(d);
+}
+
+}  // namespace
+
+double RoundHalfEven(double value) { return std::nearbyint(value); }
+
+std::optional<double> ParseNumberText(StringView text) {
+  StringView s = TrimWhite(text);
+  if (s.size() >= 2 && s[0] == u'&') {
+    const Char k = s[1];
+    if (k == u'H' || k == u'h') return ParseRadix(s.substr(2), 16);
+    if (k == u'O' || k == u'o') return ParseRadix(s.substr(2), 8);
+    return std::nullopt;
+  }
+  bool negative = false, parens = false;
+  if (!s.empty() && s[0] == u'(' && s.back() == u')') {
+    parens = true;
+    s = TrimWhite(s.substr(1, s.size() - 2));
+  }
+  auto skip_currency = [&] {
+    if (!s.empty() && s[0] == u'$') s = TrimWhite(s.substr(1));
+  };
+  skip_currency();
+  if (!s.empty() && (s[0] == u'+' || s[0] == u'-')) {
+    negative = s[0] == u'-';
+    s = TrimWhite(s.substr(1));
+  }
+  skip_currency();
+  if (parens && negative) return std::nullopt;
+  std::string clean;
+  clean.reserve(s.size());
+  size_t i = 0;
+  int digits = 0;
+  while (i < s.size() && ((s[i] >= u'0' && s[i] <= u'9') || (s[i] == u',' && digits > 0))) {
+    if (s[i] != u',') {
+      clean.push_back(static_cast<char>(s[i]));
+      ++digits;
+    }
+    ++i;
+  }
+  if (i < s.size() && s[i] == u'.') {
+    clean.push_back('.');
+    ++i;
+    while (i < s.size() && s[i] >= u'0' && s[i] <= u'9') {
+      clean.push_back(static_cast<char>(s[i]));
+      ++digits;
+      ++i;
+    }
+  }
+  if (digits == 0) return std::nullopt;
+  if (i < s.size() && (s[i] == u'e' || s[i] == u'E' || s[i] == u'd' || s[i] == u'D')) {
+    size_t j = i + 1;
+    std::string exponent = "e";
+    if (j < s.size() && (s[j] == u'+' || s[j] == u'-')) exponent.push_back(static_cast<char>(s[j++]));
+    const size_t first = j;
+    while (j < s.size() && s[j] >= u'0' && s[j] <= u'9') exponent.push_back(static_cast<char>(s[j++]));
+    if (j == first) return std::nullopt;
+    clean += exponent;
+    i = j;
+  }
+  if (i != s.size()) return std::nullopt;
+  double value = std::strtod(clean.c_str(), nullptr);
+  if (!std::isfinite(value)) return std::nullopt;
+  if (negative || parens) value = -value;
+  return value;
+}
+
+std::optional<bool> ParseBoolText(StringView text) {
+  const StringView s = TrimWhite(text);
+  if (EqualsNoCase(s, u"true")) return true;
+  if (EqualsNoCase(s, u"false")) return false;
+  const auto n = ParseNumberText(s);
+  if (!n) return std::nullopt;
+  return *n != 0;
+}
+
+Variant ValueOf(const Variant& v) {
+  if (!v.is_object()) return v;
+  Variant current = v;
+  for (int depth = 0; current.is_object() && depth < 16; ++depth) {
+    Object* object = current.as_object();
+    if (!object) throw Error(kErrObjectNotSet);
+    current = object->DefaultValue();
+  }
+  if (current.is_object()) throw Error(kErrNotSupported);
+  return current;
+}
+
+bool ToBool(const Variant& v) {
+  switch (v.type()) {
+    case VarType::Boolean:
+      return v.as_bool();
+    case VarType::String: {
+      const auto b = ParseBoolText(v.as_string());
+      if (!b) Mismatch();
+      return *b;
+    }
+    case VarType::Object:
+      return ToBool(ValueOf(v));
+    default:
+      return NumberOf(v) != 0;
+  }
+}
+
+uint8_t ToByte(const Variant& v) { return static_cast<uint8_t>(WholeNumber(v, 0, 255)); }
+
+int16_t ToInteger(const Variant& v) {
+  if (v.type() == VarType::Integer) return v.as_integer();
+  return static_cast<int16_t>(WholeNumber(v, -32768, 32767));
+}
+
+int32_t ToLong(const Variant& v) {
+  if (v.type() == VarType::Long) return v.as_long();
+  return static_cast<int32_t>(WholeNumber(v, -2147483648.0, 2147483647.0));
+}
+
+float ToSingle(const Variant& v) {
+  const double d = NumberOf(v);
+  if (std::fabs(d) > FLT_MAX) Overflow();
+  return static_cast<float>(d);
+}
+
+double ToDouble(const Variant& v) { return NumberOf(v); }
+
+int64_t ToCurrency(const Variant& v) {
+  if (v.type() == VarType::Currency) return v.as_currency();
+  const double scaled = RoundHalfEven(NumberOf(v) * 10000.0);
+  if (!(std::fabs(scaled) < 9.2233720368547758e18)) Overflow();
+  return static_cast<int64_t>(scaled);
+}
+
+double ToDate(const Variant& v) {
+  double d;
+  switch (v.type()) {
+    case VarType::Date:
+      return v.as_date();
+    case VarType::String: {
+      const auto parsed = ParseDateText(v.as_string());
+      if (!parsed) Mismatch();
+      return *parsed;
+    }
+    case VarType::Object:
+      return ToDate(ValueOf(v));
+    default:
+      d = NumberOf(v);
+  }
+  if (!(d >= kMinDate && d < kMaxDate + 1)) Overflow();
+  return d;
+}
+
+String DoubleText(double value) {
+  if (value == 0) return u"0";
+  char buf[40];
+  std::snprintf(buf, sizeof buf, "%.15G", value);
+  return String::FromUtf8(buf);
+}
+
+String SingleText(float value) {
+  if (value == 0) return u"0";
+  char buf[40];
+  std::snprintf(buf, sizeof buf, "%.7G", static_cast<double>(value));
+  return String::FromUtf8(buf);
+}
+
+String CurrencyText(int64_t scaled) {
+  const bool negative = scaled < 0;
+  const uint64_t magnitude = negative ? 0 - static_cast<uint64_t>(scaled) : scaled;
+  String out = NumberText(static_cast<int64_t>(magnitude / 10000));
+  uint64_t fraction = magnitude % 10000;
+  if (fraction) {
+    Char digits[5] = {u'.', 0, 0, 0, 0};
+    for (int i = 4; i >= 1; --i) {
+      digits[i] = static_cast<Char>(u'0' + fraction % 10);
+      fraction /= 10;
+    }
+    size_t n = 5;
+    while (digits[n - 1] == u'0') --n;
+    out.Append(StringView(digits, n));
+  }
+  return negative ? u"-" + out : out;
+}
+
+String ToString(const Variant& v) {
+  switch (v.type()) {
+    case VarType::Empty:
+      return {};
+    case VarType::Null:
+      NullUse();
+    case VarType::Boolean:
+      return v.as_bool() ? u"True" : u"False";
+    case VarType::Byte:
+      return NumberText(v.as_byte());
+    case VarType::Integer:
+      return NumberText(v.as_integer());
+    case VarType::Long:
+      return NumberText(v.as_long());
+    case VarType::Single:
+      return SingleText(v.as_single());
+    case VarType::Double:
+      return DoubleText(v.as_double());
+    case VarType::Currency:
+      return CurrencyText(v.as_currency());
+    case VarType::Date:
+      return DateText(v.as_date());
+    case VarType::String:
+      return v.as_string();
+    case VarType::Object:
+      return ToString(ValueOf(v));
+    case VarType::Error:
+      return u"Error " + NumberText(v.as_error() & 0xFFFF);
+    default:
+      Mismatch();
+  }
+}
+
+namespace {
+
+Comparison FromInt(int c) {
+  return c < 0 ? Comparison::Less : (c > 0 ? Comparison::Greater : Comparison::Equal);
+}
+
+Comparison CompareNumbers(const Variant& a, const Variant& b) {
+  if (a.type() == VarType::Currency && b.type() == VarType::Currency) {
+    return FromInt(a.as_currency() < b.as_currency() ? -1 : a.as_currency() > b.as_currency());
+  }
+  const double x = NumericPayload(a), y = NumericPayload(b);
+  return FromInt(x < y ? -1 : (x > y ? 1 : 0));
+}
+
+Comparison CompareTexts(StringView a, StringView b, bool text_compare) {
+  return FromInt(text_compare ? CompareNoCase(a, b) : CompareBinary(a, b));
+}
+
+}  // namespace
+
+Comparison Compare(const Variant& left, const Variant& right, bool text_compare, uint8_t hints) {
+  const Variant a = ValueOf(left);
+  const Variant b = ValueOf(right);
+  if (a.is_null() || b.is_null()) return Comparison::Null;
+  if (a.is_array() || b.is_array() || a.is_error() || b.is_error()) Mismatch();
+  const bool a_num = a.is_numeric_type(), b_num = b.is_numeric_type();
+  if (a.is_empty() && b.is_empty()) return Comparison::Equal;
+  if (a.is_empty()) return b.is_string() ? CompareTexts(u"", b.as_string(), text_compare)
+                                         : CompareNumbers(Variant(int16_t{0}), b);
+  if (b.is_empty()) return a.is_string() ? CompareTexts(a.as_string(), u"", text_compare)
+                                         : CompareNumbers(a, Variant(int16_t{0}));
+  if (a_num && b_num) return CompareNumbers(a, b);
+  if (a.is_string() && b.is_string()) return CompareTexts(a.as_string(), b.as_string(), text_compare);
+  // One number, one string.
+  const bool number_is_left = a_num;
+  const Variant& number = number_is_left ? a : b;
+  const Variant& text = number_is_left ? b : a;
+  const bool number_literal = hints & (number_is_left ? kLeftIsLiteral : kRightIsLiteral);
+  const bool text_literal = hints & (number_is_left ? kRightIsLiteral : kLeftIsLiteral);
+  Comparison c;
+  if (number_literal) {
+    const auto n = ParseNumberText(text.as_string());
+    if (!n) Mismatch();
+    c = CompareNumbers(number, Variant(*n));
+  } else if (text_literal) {
+    c = CompareTexts(ToString(number), text.as_string(), text_compare);
+  } else {
+    c = Comparison::Less;  // a number is less than a string
+  }
+  if (!number_is_left && c != Comparison::Equal) {
+    c = c == Comparison::Less ? Comparison::Greater : Comparison::Less;
+  }
+  return c;
+}
+
+String TypeNameOf(const Variant& v) {
+  switch (v.type()) {
+    case VarType::Empty:
+      return u"Empty";
+    case VarType::Null:
+      return u"Null";
+    case VarType::Integer:
+      return u"Integer";
+    case VarType::Long:
+      return u"Long";
+    case VarType::Single:
+      return u"Single";
+    case VarType::Double:
+      return u"Double";
+    case VarType::Currency:
+      return u"Currency";
+    case VarType::Date:
+      return u"Date";
+    case VarType::String:
+      return u"String";
+    case VarType::Boolean:
+      return u"Boolean";
+    case VarType::Byte:
+      return u"Byte";
+    case VarType::Error:
+      return u"Error";
+    case VarType::Object:
+      return v.as_object() ? v.as_object()->TypeName() : String(u"Nothing");
+    case VarType::Array: {
+      switch (v.as_array()->element_type()) {
+        case VarType::Byte:
+          return u"Byte()";
+        case VarType::String:
+          return u"String()";
+        case VarType::Integer:
+          return u"Integer()";
+        case VarType::Long:
+          return u"Long()";
+        case VarType::Double:
+          return u"Double()";
+        case VarType::Object:
+          return u"Object()";
+        default:
+          return u"Variant()";
+      }
+    }
+    default:
+      return u"Unknown";
+  }
+}
+
+}  // namespace qv
