@@ -16,16 +16,26 @@ namespace qv {
 
 namespace {
 
-[[noreturn]] void Mismatch() { throw Error(kErrTypeMismatch); }
-[[noreturn]] void Overflow() { throw Error(kErrOverflow); }
-[[noreturn]] void NullUse() { throw Error(kErrInvalidUseOfNull); }
+[[noreturn]] void Mismatch() {
+  throw Error(kErrTypeMismatch);
+}
+[[noreturn]] void Overflow() {
+  throw Error(kErrOverflow);
+}
+[[noreturn]] void NullUse() {
+  throw Error(kErrInvalidUseOfNull);
+}
 
-bool IsBlank(Char c) { return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n'; }
+bool IsBlank(Char c) {
+  return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n';
+}
 
 StringView TrimWhite(StringView s) {
   size_t b = 0, e = s.size();
-  while (b < e && IsBlank(s[b])) ++b;
-  while (e > b && IsBlank(s[e - 1])) --e;
+  while (b < e && IsBlank(s[b]))
+    ++b;
+  while (e > b && IsBlank(s[e - 1]))
+    --e;
   return s.substr(b, e - b);
 }
 
@@ -118,7 +128,9 @@ int64_t WholeNumber(const Variant& v, double lo, double hi) {
 
 }  // namespace
 
-double RoundHalfEven(double value) { return std::nearbyint(value); }
+double RoundHalfEven(double value) {
+  return std::nearbyint(value);
+}
 
 std::optional<double> ParseNumberText(StringView text) {
   StringView s = TrimWhite(text);
@@ -167,9 +179,11 @@ std::optional<double> ParseNumberText(StringView text) {
   if (i < s.size() && (s[i] == u'e' || s[i] == u'E' || s[i] == u'd' || s[i] == u'D')) {
     size_t j = i + 1;
     std::string exponent = "e";
-    if (j < s.size() && (s[j] == u'+' || s[j] == u'-')) exponent.push_back(static_cast<char>(s[j++]));
+    if (j < s.size() && (s[j] == u'+' || s[j] == u'-'))
+      exponent.push_back(static_cast<char>(s[j++]));
     const size_t first = j;
-    while (j < s.size() && s[j] >= u'0' && s[j] <= u'9') exponent.push_back(static_cast<char>(s[j++]));
+    while (j < s.size() && s[j] >= u'0' && s[j] <= u'9')
+      exponent.push_back(static_cast<char>(s[j++]));
     if (j == first) return std::nullopt;
     clean += exponent;
     i = j;
@@ -218,7 +232,9 @@ bool ToBool(const Variant& v) {
   }
 }
 
-uint8_t ToByte(const Variant& v) { return static_cast<uint8_t>(WholeNumber(v, 0, 255)); }
+uint8_t ToByte(const Variant& v) {
+  return static_cast<uint8_t>(WholeNumber(v, 0, 255));
+}
 
 int16_t ToInteger(const Variant& v) {
   if (v.type() == VarType::Integer) return v.as_integer();
@@ -236,7 +252,9 @@ float ToSingle(const Variant& v) {
   return static_cast<float>(d);
 }
 
-double ToDouble(const Variant& v) { return NumberOf(v); }
+double ToDouble(const Variant& v) {
+  return NumberOf(v);
+}
 
 int64_t ToCurrency(const Variant& v) {
   if (v.type() == VarType::Currency) return v.as_currency();
@@ -290,7 +308,8 @@ String CurrencyText(int64_t scaled) {
       fraction /= 10;
     }
     size_t n = 5;
-    while (digits[n - 1] == u'0') --n;
+    while (digits[n - 1] == u'0')
+      --n;
     out.Append(StringView(digits, n));
   }
   return negative ? u"-" + out : out;
@@ -356,12 +375,15 @@ Comparison Compare(const Variant& left, const Variant& right, bool text_compare,
   if (a.is_array() || b.is_array() || a.is_error() || b.is_error()) Mismatch();
   const bool a_num = a.is_numeric_type(), b_num = b.is_numeric_type();
   if (a.is_empty() && b.is_empty()) return Comparison::Equal;
-  if (a.is_empty()) return b.is_string() ? CompareTexts(u"", b.as_string(), text_compare)
-                                         : CompareNumbers(Variant(int16_t{0}), b);
-  if (b.is_empty()) return a.is_string() ? CompareTexts(a.as_string(), u"", text_compare)
-                                         : CompareNumbers(a, Variant(int16_t{0}));
+  if (a.is_empty())
+    return b.is_string() ? CompareTexts(u"", b.as_string(), text_compare)
+                         : CompareNumbers(Variant(int16_t{0}), b);
+  if (b.is_empty())
+    return a.is_string() ? CompareTexts(a.as_string(), u"", text_compare)
+                         : CompareNumbers(a, Variant(int16_t{0}));
   if (a_num && b_num) return CompareNumbers(a, b);
-  if (a.is_string() && b.is_string()) return CompareTexts(a.as_string(), b.as_string(), text_compare);
+  if (a.is_string() && b.is_string())
+    return CompareTexts(a.as_string(), b.as_string(), text_compare);
   // One number, one string.
   const bool number_is_left = a_num;
   const Variant& number = number_is_left ? a : b;

@@ -33,7 +33,9 @@ void CivilFromDays(int64_t z, int& y, int& m, int& d) {
 
 const int64_t kEpochDays = DaysFromCivil(1899, 12, 30);
 
-bool IsLeap(int y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
+bool IsLeap(int y) {
+  return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
+}
 
 int DaysInMonth(int y, int m) {
   static constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
@@ -46,15 +48,16 @@ int ExpandYear(int year) {
   return year;
 }
 
-constexpr const char16_t* kMonths[] = {u"January", u"February", u"March",     u"April",
-                                       u"May",     u"June",     u"July",      u"August",
-                                       u"September", u"October", u"November", u"December"};
+constexpr const char16_t* kMonths[] = {u"January",   u"February", u"March",    u"April",
+                                       u"May",       u"June",     u"July",     u"August",
+                                       u"September", u"October",  u"November", u"December"};
 constexpr const char16_t* kWeekdays[] = {u"Sunday",   u"Monday", u"Tuesday", u"Wednesday",
                                          u"Thursday", u"Friday", u"Saturday"};
 
 void AppendNumber(String& out, int value, int width) {
   String digits = NumberText(value);
-  for (int i = static_cast<int>(digits.size()); i < width; ++i) out.Append(u'0');
+  for (int i = static_cast<int>(digits.size()); i < width; ++i)
+    out.Append(u'0');
   out.Append(digits);
 }
 
@@ -196,8 +199,8 @@ bool Tokenize(StringView text, std::vector<DateToken>& out) {
     }
     if ((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z')) {
       size_t j = i;
-      while (j < text.size() && ((text[j] >= u'a' && text[j] <= u'z') ||
-                                 (text[j] >= u'A' && text[j] <= u'Z'))) {
+      while (j < text.size() &&
+             ((text[j] >= u'a' && text[j] <= u'z') || (text[j] >= u'A' && text[j] <= u'Z'))) {
         ++j;
       }
       StringView word = text.substr(i, j - i);

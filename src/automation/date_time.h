@@ -10,8 +10,8 @@
 
 namespace qv {
 
-inline constexpr double kMinDate = -657434.0;          // 1/1/100
-inline constexpr double kMaxDate = 2958465.99999999;   // 12/31/9999 23:59:59
+inline constexpr double kMinDate = -657434.0;         // 1/1/100
+inline constexpr double kMaxDate = 2958465.99999999;  // 12/31/9999 23:59:59
 
 struct DateParts {
   int year = 1899;

@@ -11,11 +11,17 @@ void Enumerator::Skip(uint32_t count) {
   }
 }
 
-void Enumerator::Reset() { throw Error(445); }
+void Enumerator::Reset() {
+  throw Error(445);
+}
 
-Ref<Enumerator> Enumerator::Clone() { throw Error(445); }
+Ref<Enumerator> Enumerator::Clone() {
+  throw Error(445);
+}
 
-Ref<Enumerator> Object::NewEnum() { throw Error(kErrNotACollection); }
+Ref<Enumerator> Object::NewEnum() {
+  throw Error(kErrNotACollection);
+}
 
 DispId Object::RequireId(StringView name) {
   const DispId id = GetIdOfName(name);

@@ -70,6 +70,8 @@ class Object : public RefCounted {
 
 // Argument checking for member implementations.
 void CheckArgCount(Args args, size_t min, size_t max);  // raises 450 outside [min, max]
-inline bool HasArg(Args args, size_t i) { return i < args.size() && !args[i].is_missing(); }
+inline bool HasArg(Args args, size_t i) {
+  return i < args.size() && !args[i].is_missing();
+}
 
 }  // namespace qv

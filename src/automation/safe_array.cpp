@@ -65,7 +65,9 @@ size_t SafeArray::FlatIndex(std::span<const int32_t> indexes) const {
   return flat;
 }
 
-Variant& SafeArray::At(std::span<const int32_t> indexes) { return data_[FlatIndex(indexes)]; }
+Variant& SafeArray::At(std::span<const int32_t> indexes) {
+  return data_[FlatIndex(indexes)];
+}
 
 const Variant& SafeArray::At(std::span<const int32_t> indexes) const {
   return data_[FlatIndex(indexes)];
@@ -94,7 +96,8 @@ void SafeArray::Redim(std::span<const ArrayBound> bounds, bool preserve) {
 
 void SafeArray::ResetElements() {
   if (locked()) throw Error(kErrArrayLocked);
-  for (Variant& v : data_) v = EmptyElement();
+  for (Variant& v : data_)
+    v = EmptyElement();
 }
 
 Ref<SafeArray> SafeArray::Clone() const {

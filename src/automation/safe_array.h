@@ -26,7 +26,8 @@ class SafeArray : public RefCounted {
   // Raises 9 for more than 60 dimensions and 7 when the elements would not fit in memory.
   SafeArray(VarType element_type, std::span<const ArrayBound> bounds);
   // A one-dimensional array from 0 holding the given values.
-  static Ref<SafeArray> FromValues(std::vector<Variant> values, VarType element_type = VarType::Variant);
+  static Ref<SafeArray> FromValues(std::vector<Variant> values,
+                                   VarType element_type = VarType::Variant);
 
   VarType element_type() const { return element_type_; }
   int dimensions() const { return static_cast<int>(bounds_.size()); }

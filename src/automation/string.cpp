@@ -1,11 +1,11 @@
 // The shared UTF-16 string, its UTF-8 edges, and the one case-folding rule of the system.
 #include "automation/string.h"
 
+#include <locale.h>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
 #include <cwctype>
-#include <locale.h>
 #include <new>
 #include <vector>
 
@@ -17,7 +17,9 @@ namespace {
 
 constexpr size_t kMaxLength = 0x7FFFFFF0;  // VBScript's strings stop short of 2^31 units
 
-[[noreturn]] void ThrowOutOfMemory() { throw Error(kErrOutOfMemory); }
+[[noreturn]] void ThrowOutOfMemory() {
+  throw Error(kErrOutOfMemory);
+}
 
 }  // namespace
 
@@ -49,7 +51,8 @@ String::String(StringView text) {
 String::String(size_t count, Char fill) {
   if (count == 0) return;
   rep_ = Allocate(count);
-  for (size_t i = 0; i < count; ++i) rep_->data[i] = fill;
+  for (size_t i = 0; i < count; ++i)
+    rep_->data[i] = fill;
   rep_->size = static_cast<uint32_t>(count);
   rep_->data[count] = 0;
 }
@@ -206,7 +209,9 @@ std::string String::ToUtf8(StringView text) {
   return out;
 }
 
-std::string String::ToUtf8() const { return ToUtf8(view()); }
+std::string String::ToUtf8() const {
+  return ToUtf8(view());
+}
 
 namespace {
 
@@ -259,7 +264,8 @@ String ToLower(StringView text) {
   String out(text);
   if (out.empty()) return out;
   Char* p = const_cast<Char*>(out.data());  // out is unique: freshly made
-  for (size_t i = 0; i < out.size(); ++i) p[i] = ToLowerChar(p[i]);
+  for (size_t i = 0; i < out.size(); ++i)
+    p[i] = ToLowerChar(p[i]);
   return out;
 }
 
@@ -267,7 +273,8 @@ String ToUpper(StringView text) {
   String out(text);
   if (out.empty()) return out;
   Char* p = const_cast<Char*>(out.data());
-  for (size_t i = 0; i < out.size(); ++i) p[i] = ToUpperChar(p[i]);
+  for (size_t i = 0; i < out.size(); ++i)
+    p[i] = ToUpperChar(p[i]);
   return out;
 }
 
@@ -305,8 +312,10 @@ size_t HashNoCase(StringView text) noexcept {
 
 StringView TrimBlanks(StringView text) noexcept {
   size_t b = 0, e = text.size();
-  while (b < e && text[b] == u' ') ++b;
-  while (e > b && text[e - 1] == u' ') --e;
+  while (b < e && text[b] == u' ')
+    ++b;
+  while (e > b && text[e - 1] == u' ')
+    --e;
   return text.substr(b, e - b);
 }
 

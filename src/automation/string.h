@@ -53,8 +53,12 @@ class String {
 
   friend bool operator==(const String& a, const String& b) noexcept { return a.view() == b.view(); }
   friend bool operator==(const String& a, StringView b) noexcept { return a.view() == b; }
-  friend bool operator==(const String& a, const Char* b) noexcept { return a.view() == StringView(b); }
-  friend auto operator<=>(const String& a, const String& b) noexcept { return a.view() <=> b.view(); }
+  friend bool operator==(const String& a, const Char* b) noexcept {
+    return a.view() == StringView(b);
+  }
+  friend auto operator<=>(const String& a, const String& b) noexcept {
+    return a.view() <=> b.view();
+  }
 
   String& operator+=(StringView text) {
     Append(text);
@@ -76,13 +80,23 @@ class String {
 };
 
 String operator+(StringView a, StringView b);
-inline String operator+(const String& a, StringView b) { return a.view() + b; }
-inline String operator+(const String& a, const String& b) { return a.view() + b.view(); }
-inline String operator+(const String& a, const Char* b) { return a.view() + StringView(b); }
-inline String operator+(const Char* a, const String& b) { return StringView(a) + b.view(); }
+inline String operator+(const String& a, StringView b) {
+  return a.view() + b;
+}
+inline String operator+(const String& a, const String& b) {
+  return a.view() + b.view();
+}
+inline String operator+(const String& a, const Char* b) {
+  return a.view() + StringView(b);
+}
+inline String operator+(const Char* a, const String& b) {
+  return StringView(a) + b.view();
+}
 
 // Shorthand for text that starts out as UTF-8 in the source or the outside world.
-inline String Str(std::string_view utf8) { return String::FromUtf8(utf8); }
+inline String Str(std::string_view utf8) {
+  return String::FromUtf8(utf8);
+}
 
 // Case rules shared by every case-insensitive comparison in the system. Letters of the whole
 // Basic Multilingual Plane fold by the Unicode simple case mapping.

@@ -41,19 +41,36 @@ inline constexpr int32_t kMissingArgument = static_cast<int32_t>(0x80020004);
 class Variant {
  public:
   Variant() noexcept : type_(VarType::Empty) { u_.i64 = 0; }
-  Variant(bool v) noexcept : type_(VarType::Boolean) { u_.i64 = 0; u_.b = v; }  // NOLINT
-  Variant(int16_t v) noexcept : type_(VarType::Integer) { u_.i64 = 0; u_.i16 = v; }  // NOLINT
-  Variant(int32_t v) noexcept : type_(VarType::Long) { u_.i64 = 0; u_.i32 = v; }  // NOLINT
-  Variant(uint8_t v) noexcept : type_(VarType::Byte) { u_.i64 = 0; u_.u8 = v; }  // NOLINT
-  Variant(float v) noexcept : type_(VarType::Single) { u_.i64 = 0; u_.f = v; }  // NOLINT
+  Variant(bool v) noexcept : type_(VarType::Boolean) {
+    u_.i64 = 0;
+    u_.b = v;
+  }  // NOLINT
+  Variant(int16_t v) noexcept : type_(VarType::Integer) {
+    u_.i64 = 0;
+    u_.i16 = v;
+  }  // NOLINT
+  Variant(int32_t v) noexcept : type_(VarType::Long) {
+    u_.i64 = 0;
+    u_.i32 = v;
+  }  // NOLINT
+  Variant(uint8_t v) noexcept : type_(VarType::Byte) {
+    u_.i64 = 0;
+    u_.u8 = v;
+  }  // NOLINT
+  Variant(float v) noexcept : type_(VarType::Single) {
+    u_.i64 = 0;
+    u_.f = v;
+  }                                                                  // NOLINT
   Variant(double v) noexcept : type_(VarType::Double) { u_.d = v; }  // NOLINT
-  Variant(String v) noexcept : type_(VarType::String) { new (&u_.s) String(std::move(v)); }  // NOLINT
-  Variant(StringView v) : Variant(String(v)) {}  // NOLINT
+  Variant(String v) noexcept : type_(VarType::String) {
+    new (&u_.s) String(std::move(v));
+  }                                               // NOLINT
+  Variant(StringView v) : Variant(String(v)) {}   // NOLINT
   Variant(const Char* v) : Variant(String(v)) {}  // NOLINT
-  Variant(Object* object) noexcept;  // NOLINT: a null pointer is Nothing
+  Variant(Object* object) noexcept;               // NOLINT: a null pointer is Nothing
   template <class T, class = std::enable_if_t<std::is_base_of_v<Object, T>>>
   Variant(const Ref<T>& object) noexcept : Variant(static_cast<Object*>(object.get())) {}  // NOLINT
-  Variant(Ref<SafeArray> array) noexcept;  // NOLINT
+  Variant(Ref<SafeArray> array) noexcept;                                                  // NOLINT
   // Guards against pointers silently becoming Booleans.
   template <class T, class = std::enable_if_t<!std::is_base_of_v<Object, T>>>
   Variant(T*) = delete;
@@ -181,6 +198,8 @@ class Variant {
 
 static_assert(sizeof(Variant) == 16, "a Variant is two words");
 
-inline void swap(Variant& a, Variant& b) noexcept { a.swap(b); }
+inline void swap(Variant& a, Variant& b) noexcept {
+  a.swap(b);
+}
 
 }  // namespace qv

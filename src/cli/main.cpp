@@ -1,25 +1,25 @@
-// The quorvex command: the host that drives the engine from a terminal or a script.
+// The quorvex command: the host that drives the engine from a terminal or from scripts.
+// Results go to stdout, progress and failures to stderr; a failed command exits non-zero.
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
-#include <string>
 
-namespace {
-
-std::string VersionText() {
-  return std::to_string(QV_VERSION_MAJOR) + "." + std::to_string(QV_VERSION_MINOR) + "." +
-         std::to_string(QV_VERSION_PATCH) + "." + std::to_string(QV_VERSION_BUILD);
-}
-
-}  // namespace
+#include "cli/commands.h"
+#include "cli/version_text.h"
 
 int main(int argc, char** argv) {
-  CLI::App app{"Quorvex: generates a database-driven web application from a live database and a "
-               "template package."};
-  app.set_version_flag("--version", VersionText(), "Print the engine version and exit");
-  app.require_subcommand(0);
-  CLI11_PARSE(app, argc, argv);
-  if (argc == 1) {
+  CLI::App app{
+      "Quorvex: generates a database-driven web application from a live database and a template "
+      "package.\nRun 'quorvex <command> --help' for the options of a command."};
+  app.set_version_flag("--version", qv::cli::EngineVersionText(), "Print the engine version");
+  app.require_subcommand(0, 1);
+  qv::cli::AddVersionCommand(app);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    return app.exit(e);
+  }
+  if (app.get_subcommands().empty()) {
     std::fputs(app.help().c_str(), stdout);
   }
   return 0;

@@ -21,12 +21,11 @@ class Counter : public DispatchObject<Counter> {
             .Property(
                 u"Value", [](Counter& c, Args) { return Variant(c.value); },
                 [](Counter& c, Args, const Variant& v) { c.value = ToLong(v); })
-            .Property(
-                u"Item",
-                [](Counter& c, Args a) {
-                  CheckArgCount(a, 1, 1);
-                  return Variant(c.value * ToLong(a[0]));
-                })
+            .Property(u"Item",
+                      [](Counter& c, Args a) {
+                        CheckArgCount(a, 1, 1);
+                        return Variant(c.value * ToLong(a[0]));
+                      })
             .Method(u"Bump",
                     [](Counter& c, Args a) {
                       CheckArgCount(a, 0, 1);

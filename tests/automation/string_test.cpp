@@ -41,7 +41,9 @@ TEST(String, Utf8EdgesRoundTripAndRejectMalformedBytes) {
   EXPECT_EQ(s.size(), 9u);  // the emoji takes two UTF-16 units, as VBScript's Len counts
   EXPECT_EQ(s[3], 0xE9);
   EXPECT_EQ(s.ToUtf8(), text);
-  EXPECT_EQ(String::FromUtf8("a\xFF" "b"), String(u"a\uFFFDb"));
+  EXPECT_EQ(String::FromUtf8("a\xFF"
+                             "b"),
+            String(u"a\uFFFDb"));
   EXPECT_EQ(String::FromUtf8("\xC0\xAF"), String(u"\uFFFD\uFFFD"));  // overlong form
   EXPECT_EQ(String::FromUtf8("\xE2\x82"), String(u"\uFFFD\uFFFD"));  // truncated sequence
 }

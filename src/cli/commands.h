@@ -1,0 +1,15 @@
+// The subcommands of `quorvex`, one file each. Each Add...Command registers its options and its
+// callback on the application; main() lists them in the order `--help` shows them.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace qv::cli {
+
+// Exit status of a command that failed. A failing command prints its words (usually ProjErr)
+// on stderr and throws CLI::RuntimeError(kExitFailure); main() turns that into the exit status.
+inline constexpr int kExitFailure = 1;
+
+void AddVersionCommand(CLI::App& app);
+
+}  // namespace qv::cli
