@@ -61,6 +61,12 @@ class ClassRegistry {
   std::unordered_map<String, Factory, NoCaseHash, NoCaseEqual> factories_;
 };
 
+// The statement `Mid(target, start[, length]) = value`: the target's text with `value` written
+// over it from `start`, never longer than before. Pass Variant::Missing() for a left-out
+// length. Raises 94 for Null and 5 for a start beyond the text, as the statement does.
+String MidAssign(const Variant& target, const Variant& start, const Variant& length,
+                 const Variant& value);
+
 // The object behind `New RegExp`.
 Ref<Object> NewRegExp();
 

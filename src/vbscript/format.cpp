@@ -1,0 +1,227 @@
+// The formatting family of the runtime library: FormatNumber, FormatCurrency, FormatPercent
+// and FormatDateTime under 1033 ("1,234.57", "($1,234.57)", "12.50%", "Tuesday, March 7,
+// 2006"), with their tri-state arguments (-2 the locale's default, -1 true, 0 false).
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+#include "automation/date_time.h"
+#include "vbscript/format_lib.h"
+#include "vbscript/runtime_lib.h"
+
+namespace qv::vbs {
+
+namespace {
+
+constexpr int32_t kTriTrue = -1;
+constexpr int32_t kTriFalse = 0;
+constexpr int32_t kTriDefault = -2;
+
+// A tri-state argument: true, false, or the locale default when left out or -2.
+bool TriState(Args a, size_t i, bool locale_default) {
+  const int32_t n = OptionalLong(a, i, kTriDefault);
+  if (n == kTriDefault) return locale_default;
+  if (n == kTriTrue) return true;
+  if (n == kTriFalse) return false;
+  // Windows reads any other number as true.
+  return true;
+}
+
+// The decimal digits of a value: `digits` holds the whole part then the fraction, with
+// `whole` digits before the decimal point.
+struct Decimal {
+  bool negative = false;
+  std::string digits;
+  int whole = 0;
+};
+
+// Fifteen significant digits, the precision a double prints with in VBScript; rounding for
+// display then works on that text, half away from zero, as Windows does.
+Decimal DecimalOfDouble(double value) {
+  Decimal d;
+  d.negative = std::signbit(value) && value != 0;
+  char buf[48];
+  std::snprintf(buf, sizeof buf, "%.14e", std::fabs(value));
+  const std::string text(buf);
+  const size_t e = text.find('e');
+  d.digits = text.substr(0, 1) + text.substr(2, e - 2);
+  d.whole = std::stoi(text.substr(e + 1)) + 1;
+  if (value == 0) d.whole = 1;
+  return d;
+}
+
+Decimal DecimalOfCurrency(int64_t scaled) {
+  Decimal d;
+  d.negative = scaled < 0;
+  const uint64_t magnitude = d.negative ? 0 - static_cast<uint64_t>(scaled) : scaled;
+  std::string text = std::to_string(magnitude);
+  while (text.size() < 5)
+    text.insert(text.begin(), '0');
+  d.digits = text;
+  d.whole = static_cast<int>(text.size()) - 4;
+  return d;
+}
+
+// Whole-part digits (at least "0") and exactly `places` fraction digits, rounded half up.
+void RoundDecimal(const Decimal& d, int places, std::string& whole, std::string& fraction) {
+  // Digit i counts from d.digits[0], the digit of the place 10^(whole-1).
+  auto digit_at = [&](int i) -> int {
+    if (i < 0 || i >= static_cast<int>(d.digits.size())) return 0;
+    return d.digits[i] - '0';
+  };
+  const int keep = d.whole + places;  // digits kept, counted from d.digits[0]
+  std::string kept;
+  if (keep > 0) {
+    for (int i = 0; i < keep; ++i)
+      kept.push_back(static_cast<char>('0' + digit_at(i)));
+  }
+  const bool round_up = keep >= 0 && digit_at(keep) >= 5;
+  if (round_up) {
+    int i = static_cast<int>(kept.size()) - 1;
+    while (i >= 0 && kept[i] == '9') {
+      kept[i] = '0';
+      --i;
+    }
+    if (i >= 0) {
+      ++kept[i];
+    } else {
+      kept.insert(kept.begin(), '1');
+    }
+  }
+  // Split `kept` into the whole part and the fraction.
+  const int fraction_len = places;
+  while (static_cast<int>(kept.size()) < fraction_len)
+    kept.insert(kept.begin(), '0');
+  whole = kept.substr(0, kept.size() - fraction_len);
+  fraction = kept.substr(kept.size() - fraction_len);
+  const size_t nonzero = whole.find_first_not_of('0');
+  whole = nonzero == std::string::npos ? std::string() : whole.substr(nonzero);
+}
+
+String GroupedText(const std::string& whole, bool group) {
+  String out;
+  const size_t n = whole.size();
+  for (size_t i = 0; i < n; ++i) {
+    if (group && i > 0 && (n - i) % 3 == 0) out.Append(u',');
+    out.Append(static_cast<Char>(whole[i]));
+  }
+  return out;
+}
+
+Decimal DecimalOf(const Variant& v) {
+  if (v.type() == VarType::Currency) return DecimalOfCurrency(v.as_currency());
+  return DecimalOfDouble(ToDouble(v));
+}
+
+int32_t PlacesArg(Args a, size_t i) {
+  const int32_t places = OptionalLong(a, i, -1);
+  if (places < -1 || places > 255) Raise(kErrInvalidCall);
+  return places == -1 ? 2 : places;
+}
+
+enum class Style { Number, Currency, Percent };
+
+Variant FormatWith(Args a, Style style) {
+  const Variant v = ValueOf(a[0]);
+  const int32_t places = PlacesArg(a, 1);
+  const NumberStyle ns{places, TriState(a, 2, true), TriState(a, 3, style == Style::Currency),
+                       TriState(a, 4, true)};
+  if (v.is_null()) return Variant::Null();
+  if (style == Style::Percent) {
+    Decimal d = DecimalOf(v);
+    d.whole += 2;  // times 100, exactly, on the digits
+    return FormatDecimal(d.negative, d.digits, d.whole, ns, u"", u"%");
+  }
+  const Decimal d = DecimalOf(v);
+  return FormatDecimal(d.negative, d.digits, d.whole, ns, style == Style::Currency ? u"$" : u"",
+                       u"");
+}
+
+Variant FormatNumber(RuntimeState&, Args a) {
+  return FormatWith(a, Style::Number);
+}
+Variant FormatCurrency(RuntimeState&, Args a) {
+  return FormatWith(a, Style::Currency);
+}
+Variant FormatPercent(RuntimeState&, Args a) {
+  return FormatWith(a, Style::Percent);
+}
+
+String ShortTimeText(double date) {
+  const auto p = SplitDate(date);
+  if (!p) return {};
+  Char text[5] = {static_cast<Char>(u'0' + p->hour / 10), static_cast<Char>(u'0' + p->hour % 10),
+                  u':', static_cast<Char>(u'0' + p->minute / 10),
+                  static_cast<Char>(u'0' + p->minute % 10)};
+  return String(StringView(text, 5));
+}
+
+String LongDateText(double date) {
+  const auto p = SplitDate(date);
+  if (!p) return {};
+  return WeekdayNameText(p->weekday, false) + u", " + MonthNameText(p->month, false) + u" " +
+         NumberText(p->day) + u", " + NumberText(p->year);
+}
+
+Variant FormatDateTime(RuntimeState&, Args a) {
+  const Variant v = ValueOf(a[0]);
+  const int32_t kind = OptionalLong(a, 1, 0);
+  if (kind < 0 || kind > 4) Raise(kErrInvalidCall);
+  if (v.is_null()) return Variant::Null();
+  const double d = ToDate(v);
+  switch (kind) {
+    case 1:
+      return LongDateText(d);
+    case 2:
+      return ShortDateText(d);
+    case 3:
+      return LongTimeText(d);
+    case 4:
+      return ShortTimeText(d);
+    default:
+      return DateText(d);
+  }
+}
+
+constexpr BuiltinFunction kFormatFunctions[] = {
+    {u"FormatCurrency", FormatCurrency, 1, 5},
+    {u"FormatDateTime", FormatDateTime, 1, 2},
+    {u"FormatNumber", FormatNumber, 1, 5},
+    {u"FormatPercent", FormatPercent, 1, 5},
+};
+
+}  // namespace
+
+String FormatDecimal(bool negative, const std::string& digits, int whole_digits,
+                     const NumberStyle& style, StringView prefix, StringView suffix) {
+  Decimal d{negative, digits, whole_digits};
+  std::string whole, fraction;
+  RoundDecimal(d, style.places, whole, fraction);
+  const bool zero = whole.empty() && fraction.find_first_not_of('0') == std::string::npos;
+  String body(prefix);
+  if (whole.empty()) {
+    if (style.leading_digit || style.places == 0) body.Append(u'0');
+  } else {
+    body.Append(GroupedText(whole, style.group_digits));
+  }
+  if (style.places > 0) {
+    body.Append(u'.');
+    body.Append(String::FromUtf8(fraction));
+  }
+  body.Append(suffix);
+  if (!negative || zero) return body;
+  if (style.parentheses) return u"(" + body + u")";
+  return u"-" + body;
+}
+
+String FormatNumberText(double value, int places) {
+  const Decimal d = DecimalOfDouble(value);
+  return FormatDecimal(d.negative, d.digits, d.whole, NumberStyle{places, true, false, true}, u"",
+                       u"");
+}
+
+std::span<const BuiltinFunction> FormatFunctions() {
+  return kFormatFunctions;
+}
+
+}  // namespace qv::vbs

@@ -1,0 +1,20 @@
+// Text helpers of the string family that other parts of the library share: the core of
+// Replace and the ANSI code page of locale 1033 behind Asc, Chr and String.
+#pragma once
+
+#include <cstdint>
+
+#include "automation/string.h"
+
+namespace qv::vbs {
+
+// Replace's work once its arguments are checked: `start` is 1-based and at least 1, `count`
+// -1 for all. Returns the text from `start` on, as Replace does.
+String ReplaceText(StringView expr, StringView find, StringView with, int32_t start, int32_t count,
+                   bool text_compare);
+
+// Windows-1252 codes and characters; characters outside the code page give "?" (63).
+Char AnsiToChar(uint8_t code);
+int CharToAnsi(Char c);
+
+}  // namespace qv::vbs
