@@ -1,0 +1,582 @@
+// ODBC backend: handles, diagnostics, catalogue functions and result fetching over unixODBC's
+// wide-character API (its SQLWCHAR is UTF-16, the engine's own text form).
+#include "platform/data/odbc_backend.h"
+
+#include <odbcinst.h>
+#include <sql.h>
+#include <sqlext.h>
+#include <sqlucode.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "automation/date_time.h"
+#include "platform/data/connection_string.h"
+#include "platform/data/data_types.h"
+#include "platform/data/provider_error.h"
+#include "platform/data/type_mapping.h"
+
+namespace qv::data {
+namespace {
+
+constexpr StringView kSource = u"Quorvex ODBC";
+
+static_assert(sizeof(SQLWCHAR) == sizeof(Char), "unixODBC must use 16-bit SQLWCHAR");
+
+SQLWCHAR* W(const String& text) {
+  return reinterpret_cast<SQLWCHAR*>(const_cast<Char*>(text.data()));
+}
+
+String FromW(const SQLWCHAR* text, size_t length) {
+  return String(StringView(reinterpret_cast<const Char*>(text), length));
+}
+
+bool Succeeded(SQLRETURN rc) {
+  return rc == SQL_SUCCESS || rc == SQL_SUCCESS_WITH_INFO;
+}
+
+int32_t NumberForState(StringView state, StringView message) {
+  const String lower = ToLower(message);
+  if (state == u"28000" || lower.view().find(u"authentication failed") != StringView::npos ||
+      lower.view().find(u"access denied for user") != StringView::npos) {
+    return kErrLoginFailed;
+  }
+  if (state == u"42S02" || state == u"42P01") return kErrNoSuchTable;
+  if (state.starts_with(u"42")) return kErrSyntax;
+  return kErrProviderFailure;
+}
+
+// All diagnostic records of a handle.
+std::vector<ErrorRecord> Diagnostics(SQLSMALLINT type, SQLHANDLE handle) {
+  std::vector<ErrorRecord> records;
+  for (SQLSMALLINT i = 1; handle; ++i) {
+    SQLWCHAR state[6] = {};
+    SQLINTEGER native = 0;
+    SQLWCHAR message[2048] = {};
+    SQLSMALLINT length = 0;
+    const SQLRETURN rc = SQLGetDiagRecW(type, handle, i, state, &native, message,
+                                        static_cast<SQLSMALLINT>(std::size(message)), &length);
+    if (!Succeeded(rc)) break;
+    ErrorRecord record;
+    record.sql_state = FromW(state, 5);
+    const size_t shown = std::min<size_t>(static_cast<size_t>(std::max<SQLSMALLINT>(length, 0)),
+                                          std::size(message) - 1);
+    record.description = FromW(message, shown);
+    record.native_error = native;
+    record.source = String(kSource);
+    record.number = NumberForState(record.sql_state, record.description);
+    records.push_back(std::move(record));
+  }
+  return records;
+}
+
+[[noreturn]] void Fail(SQLSMALLINT type, SQLHANDLE handle, StringView what) {
+  auto records = Diagnostics(type, handle);
+  if (records.empty()) {
+    records.push_back({kErrProviderFailure, 0, String(what) + u" failed.", String(kSource), {}});
+  }
+  // A login failure anywhere in the list decides the number of the error raised.
+  for (const auto& record : records) {
+    if (record.number == kErrLoginFailed) records.front().number = kErrLoginFailed;
+  }
+  throw ProviderError(std::move(records));
+}
+
+class Handle {
+ public:
+  Handle(SQLSMALLINT type, SQLHANDLE parent) : type_(type) {
+    if (!Succeeded(SQLAllocHandle(type, parent, &handle_))) {
+      handle_ = SQL_NULL_HANDLE;
+      throw ProviderError(kErrProviderFailure,
+                          u"The ODBC driver manager could not allocate a "
+                          u"handle.",
+                          String(kSource));
+    }
+  }
+  ~Handle() {
+    if (handle_) SQLFreeHandle(type_, handle_);
+  }
+  Handle(const Handle&) = delete;
+  Handle& operator=(const Handle&) = delete;
+  SQLHANDLE get() const { return handle_; }
+  void Check(SQLRETURN rc, StringView what) const {
+    if (!Succeeded(rc)) Fail(type_, handle_, what);
+  }
+
+ private:
+  SQLSMALLINT type_;
+  SQLHANDLE handle_ = SQL_NULL_HANDLE;
+};
+
+// Reads column `column` of the current row as text; nothing when it is NULL.
+std::optional<String> GetText(SQLHSTMT stmt, SQLUSMALLINT column) {
+  String text;
+  SQLWCHAR buffer[2048];
+  for (;;) {
+    SQLLEN indicator = 0;
+    const SQLRETURN rc = SQLGetData(stmt, column, SQL_C_WCHAR, buffer, sizeof buffer, &indicator);
+    if (rc == SQL_NO_DATA) break;
+    if (!Succeeded(rc)) Fail(SQL_HANDLE_STMT, stmt, u"Reading a value");
+    if (indicator == SQL_NULL_DATA) return std::nullopt;
+    const size_t capacity = std::size(buffer) - 1;
+    const size_t available =
+        indicator == SQL_NO_TOTAL || indicator < 0
+            ? capacity
+            : std::min(capacity, static_cast<size_t>(indicator) / sizeof(SQLWCHAR));
+    text.Append(StringView(reinterpret_cast<const Char*>(buffer), available));
+    if (rc == SQL_SUCCESS) break;
+  }
+  return text;
+}
+
+std::optional<std::vector<uint8_t>> GetBytes(SQLHSTMT stmt, SQLUSMALLINT column) {
+  std::vector<uint8_t> bytes;
+  uint8_t buffer[8192];
+  for (;;) {
+    SQLLEN indicator = 0;
+    const SQLRETURN rc = SQLGetData(stmt, column, SQL_C_BINARY, buffer, sizeof buffer, &indicator);
+    if (rc == SQL_NO_DATA) break;
+    if (!Succeeded(rc)) Fail(SQL_HANDLE_STMT, stmt, u"Reading a value");
+    if (indicator == SQL_NULL_DATA) return std::nullopt;
+    const size_t available = indicator == SQL_NO_TOTAL || indicator < 0
+                                 ? sizeof buffer
+                                 : std::min(sizeof buffer, static_cast<size_t>(indicator));
+    bytes.insert(bytes.end(), buffer, buffer + available);
+    if (rc == SQL_SUCCESS) break;
+  }
+  return bytes;
+}
+
+template <class T>
+std::optional<T> GetFixed(SQLHSTMT stmt, SQLUSMALLINT column, SQLSMALLINT c_type) {
+  T value{};
+  SQLLEN indicator = 0;
+  const SQLRETURN rc = SQLGetData(stmt, column, c_type, &value, sizeof value, &indicator);
+  if (!Succeeded(rc)) Fail(SQL_HANDLE_STMT, stmt, u"Reading a value");
+  if (indicator == SQL_NULL_DATA) return std::nullopt;
+  return value;
+}
+
+Variant ReadValue(SQLHSTMT stmt, SQLUSMALLINT column, int32_t type) {
+  switch (type) {
+    case adBoolean: {
+      const auto v = GetFixed<unsigned char>(stmt, column, SQL_C_BIT);
+      return v ? Variant(*v != 0) : Variant::Null();
+    }
+    case adSmallInt: {
+      const auto v = GetFixed<SQLSMALLINT>(stmt, column, SQL_C_SSHORT);
+      return v ? Variant(static_cast<int16_t>(*v)) : Variant::Null();
+    }
+    case adUnsignedTinyInt: {
+      const auto v = GetFixed<unsigned char>(stmt, column, SQL_C_UTINYINT);
+      return v ? Variant(static_cast<uint8_t>(*v)) : Variant::Null();
+    }
+    case adInteger:
+    case adBigInt: {
+      const auto v = GetFixed<SQLBIGINT>(stmt, column, SQL_C_SBIGINT);
+      return v ? IntegerValue(*v) : Variant::Null();
+    }
+    case adSingle: {
+      const auto v = GetFixed<float>(stmt, column, SQL_C_FLOAT);
+      return v ? Variant(*v) : Variant::Null();
+    }
+    case adDouble:
+    case adNumeric: {
+      const auto v = GetFixed<double>(stmt, column, SQL_C_DOUBLE);
+      return v ? Variant(*v) : Variant::Null();
+    }
+    case adDBDate:
+    case adDBTime:
+    case adDBTimeStamp: {
+      const auto v = GetFixed<SQL_TIMESTAMP_STRUCT>(stmt, column, SQL_C_TYPE_TIMESTAMP);
+      if (!v) return Variant::Null();
+      const double time = TimeFromParts(v->hour, v->minute, v->second);
+      if (type == adDBTime) return Variant::Date(time);
+      const auto day = DateFromParts(v->year, v->month, v->day);
+      return day ? Variant::Date(CombineDateTime(*day, time)) : Variant::Null();
+    }
+    case adBinary:
+    case adVarBinary:
+    case adLongVarBinary: {
+      const auto bytes = GetBytes(stmt, column);
+      return bytes ? ByteArray(*bytes) : Variant::Null();
+    }
+    default: {
+      const auto text = GetText(stmt, column);
+      return text ? Variant(*text) : Variant::Null();
+    }
+  }
+}
+
+// Walks a catalogue result set, handing each row's reader to `row`.
+template <class F>
+void ForEachRow(SQLHSTMT stmt, F&& row) {
+  for (;;) {
+    const SQLRETURN rc = SQLFetch(stmt);
+    if (rc == SQL_NO_DATA) return;
+    if (!Succeeded(rc)) Fail(SQL_HANDLE_STMT, stmt, u"Fetching a row");
+    row();
+  }
+}
+
+Variant TextOrNull(SQLHSTMT stmt, SQLUSMALLINT column) {
+  const auto text = GetText(stmt, column);
+  return text ? Variant(*text) : Variant::Null();
+}
+
+int64_t IntOr(SQLHSTMT stmt, SQLUSMALLINT column, int64_t fallback) {
+  return GetFixed<SQLBIGINT>(stmt, column, SQL_C_SBIGINT).value_or(fallback);
+}
+
+class OdbcBackend final : public Backend {
+ public:
+  OdbcBackend() : env_(SQL_HANDLE_ENV, SQL_NULL_HANDLE) {
+    SQLSetEnvAttr(env_.get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
+    dbc_ = std::make_unique<Handle>(SQL_HANDLE_DBC, env_.get());
+  }
+  ~OdbcBackend() override {
+    if (connected_) SQLDisconnect(dbc_->get());
+    dbc_.reset();
+  }
+
+  void Connect(const String& text, int32_t timeout) {
+    const auto seconds = reinterpret_cast<SQLPOINTER>(static_cast<intptr_t>(timeout));
+    SQLSetConnectAttr(dbc_->get(), SQL_ATTR_LOGIN_TIMEOUT, seconds, 0);
+    SQLSetConnectAttr(dbc_->get(), SQL_ATTR_CONNECTION_TIMEOUT, seconds, 0);
+    SQLWCHAR out[1024];
+    SQLSMALLINT out_length = 0;
+    dbc_->Check(SQLDriverConnectW(dbc_->get(), nullptr, W(text), SQL_NTS, out,
+                                  static_cast<SQLSMALLINT>(std::size(out)), &out_length,
+                                  SQL_DRIVER_NOPROMPT),
+                u"Connecting");
+    connected_ = true;
+    const String quote = Info(SQL_IDENTIFIER_QUOTE_CHAR);
+    if (!quote.empty() && quote != u" ") quote_ = quote;
+  }
+
+  std::optional<Variant> Property(StringView name) override {
+    static const std::pair<StringView, SQLUSMALLINT> kInfo[] = {
+        {u"DBMS Name", SQL_DBMS_NAME},
+        {u"DBMS Version", SQL_DBMS_VER},
+        {u"Provider Name", SQL_DRIVER_NAME},
+        {u"Provider Version", SQL_DRIVER_VER},
+        {u"Driver Name", SQL_DRIVER_NAME},
+        {u"Driver Version", SQL_DRIVER_VER},
+        {u"Driver ODBC Version", SQL_DRIVER_ODBC_VER},
+        {u"Data Source Name", SQL_DATA_SOURCE_NAME},
+        {u"Current Catalog", SQL_DATABASE_NAME},
+        {u"Server Name", SQL_SERVER_NAME},
+        {u"User Name", SQL_USER_NAME},
+    };
+    for (const auto& [key, id] : kInfo) {
+      if (EqualsNoCase(name, key)) return Variant(Info(id));
+    }
+    return std::nullopt;
+  }
+
+  std::vector<String> PropertyNames() override {
+    return {u"DBMS Name",           u"DBMS Version",     u"Provider Name",
+            u"Provider Version",    u"Driver Name",      u"Driver Version",
+            u"Driver ODBC Version", u"Data Source Name", u"Current Catalog",
+            u"Server Name",         u"User Name"};
+  }
+
+  std::pair<String, String> NameQuotes() const override { return {quote_, quote_}; }
+
+  Rowset OpenSchema(int32_t schema_id, const std::vector<Variant>& restrictions) override {
+    Rowset rowset = MakeSchemaRowset(schema_id);
+    const auto catalog = RestrictionText(restrictions, 0);
+    const auto schema = RestrictionText(restrictions, 1);
+    switch (schema_id) {
+      case adSchemaTables:
+        Tables(rowset, catalog, schema, RestrictionText(restrictions, 2));
+        break;
+      case adSchemaColumns:
+        Columns(rowset, catalog, schema, RestrictionText(restrictions, 2));
+        break;
+      case adSchemaPrimaryKeys:
+        for (const auto& [cat, sch, table] :
+             KeyTargets(catalog, schema, RestrictionText(restrictions, 2))) {
+          PrimaryKeys(rowset, cat, sch, table);
+        }
+        break;
+      case adSchemaIndexes:
+        for (const auto& [cat, sch, table] :
+             KeyTargets(catalog, schema, RestrictionText(restrictions, 4))) {
+          Indexes(rowset, cat, sch, table);
+        }
+        break;
+    }
+    return rowset;
+  }
+
+  Rowset Execute(StringView sql) override {
+    Handle stmt(SQL_HANDLE_STMT, dbc_->get());
+    const String text(sql);
+    stmt.Check(SQLExecDirectW(stmt.get(), W(text), SQL_NTS), u"Running the statement");
+    Rowset rowset;
+    SQLSMALLINT count = 0;
+    stmt.Check(SQLNumResultCols(stmt.get(), &count), u"Reading the columns");
+    for (SQLUSMALLINT i = 1; i <= static_cast<SQLUSMALLINT>(count); ++i) {
+      rowset.columns.push_back(Describe(stmt.get(), i));
+    }
+    if (count == 0) return rowset;
+    ForEachRow(stmt.get(), [&] {
+      auto& row = rowset.rows.emplace_back();
+      for (SQLUSMALLINT i = 1; i <= static_cast<SQLUSMALLINT>(count); ++i) {
+        row.push_back(ReadValue(stmt.get(), i, rowset.columns[i - 1].type));
+      }
+    });
+    return rowset;
+  }
+
+ private:
+  using Target = std::tuple<std::optional<String>, std::optional<String>, String>;
+
+  String Info(SQLUSMALLINT id) {
+    SQLWCHAR buffer[512] = {};
+    SQLSMALLINT length = 0;
+    if (!Succeeded(SQLGetInfoW(dbc_->get(), id, buffer, sizeof buffer, &length))) return {};
+    const size_t chars =
+        std::min(static_cast<size_t>(std::max<SQLSMALLINT>(length, 0)) / sizeof(SQLWCHAR),
+                 std::size(buffer) - 1);
+    return FromW(buffer, chars);
+  }
+
+  // A catalogue argument: the text, or NULL for "any".
+  static SQLWCHAR* Arg(const std::optional<String>& value) { return value ? W(*value) : nullptr; }
+  static SQLSMALLINT Len(const std::optional<String>& value) {
+    return value ? static_cast<SQLSMALLINT>(value->size()) : 0;
+  }
+
+  void Tables(Rowset& rowset, const std::optional<String>& catalog,
+              const std::optional<String>& schema, const std::optional<String>& table) {
+    Handle stmt(SQL_HANDLE_STMT, dbc_->get());
+    stmt.Check(SQLTablesW(stmt.get(), Arg(catalog), Len(catalog), Arg(schema), Len(schema),
+                          Arg(table), Len(table), nullptr, 0),
+               u"Listing the tables");
+    ForEachRow(stmt.get(), [&] {
+      auto& row = rowset.AddRow();
+      rowset.Set(row, u"TABLE_CATALOG", TextOrNull(stmt.get(), 1));
+      rowset.Set(row, u"TABLE_SCHEMA", TextOrNull(stmt.get(), 2));
+      rowset.Set(row, u"TABLE_NAME", TextOrNull(stmt.get(), 3));
+      Variant type = TextOrNull(stmt.get(), 4);
+      // MySQL-family drivers call base tables "BASE TABLE"; ADO's vocabulary is "TABLE".
+      if (type.is_string() && type.as_string() == u"BASE TABLE") type = String(u"TABLE");
+      rowset.Set(row, u"TABLE_TYPE", type);
+      rowset.Set(row, u"DESCRIPTION", TextOrNull(stmt.get(), 5));
+    });
+  }
+
+  void Columns(Rowset& rowset, const std::optional<String>& catalog,
+               const std::optional<String>& schema, const std::optional<String>& table) {
+    Handle stmt(SQL_HANDLE_STMT, dbc_->get());
+    stmt.Check(SQLColumnsW(stmt.get(), Arg(catalog), Len(catalog), Arg(schema), Len(schema),
+                           Arg(table), Len(table), nullptr, 0),
+               u"Listing the columns");
+    ForEachRow(stmt.get(), [&] {
+      auto& row = rowset.AddRow();
+      rowset.Set(row, u"TABLE_CATALOG", TextOrNull(stmt.get(), 1));
+      rowset.Set(row, u"TABLE_SCHEMA", TextOrNull(stmt.get(), 2));
+      rowset.Set(row, u"TABLE_NAME", TextOrNull(stmt.get(), 3));
+      rowset.Set(row, u"COLUMN_NAME", TextOrNull(stmt.get(), 4));
+      const auto sql_type = static_cast<int16_t>(IntOr(stmt.get(), 5, SQL_WVARCHAR));
+      const int64_t size = IntOr(stmt.get(), 7, 0);
+      const int64_t digits = IntOr(stmt.get(), 9, 0);
+      const int64_t nullable = IntOr(stmt.get(), 11, SQL_NULLABLE_UNKNOWN);
+      const Variant default_value = TextOrNull(stmt.get(), 13);
+      const int64_t ordinal = IntOr(stmt.get(), 17, 0);
+      const MappedType mapped = MapOdbcType(sql_type, size);
+      const bool is_nullable = nullable != SQL_NO_NULLS;
+      rowset.Set(row, u"ORDINAL_POSITION", static_cast<int32_t>(ordinal));
+      rowset.Set(row, u"COLUMN_HASDEFAULT", !default_value.is_null());
+      rowset.Set(row, u"COLUMN_DEFAULT", default_value);
+      rowset.Set(row, u"IS_NULLABLE", is_nullable);
+      rowset.Set(row, u"COLUMN_FLAGS", is_nullable ? adFldIsNullable | adFldMayBeNull : 0);
+      rowset.Set(row, u"DATA_TYPE", static_cast<int32_t>(mapped.type));
+      rowset.Set(row, u"CHARACTER_MAXIMUM_LENGTH", mapped.defined_size);
+      rowset.Set(row, u"NUMERIC_PRECISION", static_cast<int32_t>(size));
+      rowset.Set(row, u"NUMERIC_SCALE", static_cast<int32_t>(digits));
+    });
+  }
+
+  // The tables a key or index request covers: the one named, or every base table.
+  std::vector<Target> KeyTargets(const std::optional<String>& catalog,
+                                 const std::optional<String>& schema,
+                                 const std::optional<String>& table) {
+    std::vector<Target> targets;
+    Rowset tables = MakeSchemaRowset(adSchemaTables);
+    Tables(tables, catalog, schema, table);
+    for (const auto& row : tables.rows) {
+      if (table && !(row[2].is_string() && row[2].as_string() == *table)) continue;
+      if (!table && !(row[3].is_string() && row[3].as_string() == u"TABLE")) continue;
+      targets.emplace_back(
+          row[0].is_string() ? std::optional<String>(row[0].as_string()) : std::nullopt,
+          row[1].is_string() ? std::optional<String>(row[1].as_string()) : std::nullopt,
+          row[2].is_string() ? row[2].as_string() : String());
+    }
+    if (targets.empty() && table) targets.emplace_back(catalog, schema, *table);
+    return targets;
+  }
+
+  // The key's columns and name, in key order.
+  std::pair<std::vector<String>, String> KeyOf(const std::optional<String>& catalog,
+                                               const std::optional<String>& schema,
+                                               const String& table) {
+    Handle stmt(SQL_HANDLE_STMT, dbc_->get());
+    std::optional<String> name(table);
+    stmt.Check(SQLPrimaryKeysW(stmt.get(), Arg(catalog), Len(catalog), Arg(schema), Len(schema),
+                               Arg(name), Len(name)),
+               u"Reading the primary key");
+    std::vector<std::pair<int64_t, String>> columns;
+    String key_name;
+    ForEachRow(stmt.get(), [&] {
+      const auto column = GetText(stmt.get(), 4);
+      const int64_t seq = IntOr(stmt.get(), 5, 0);
+      const auto pk = GetText(stmt.get(), 6);
+      if (column) columns.emplace_back(seq, *column);
+      if (pk) key_name = *pk;
+    });
+    std::sort(columns.begin(), columns.end(),
+              [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::vector<String> names;
+    for (auto& [seq, column] : columns)
+      names.push_back(std::move(column));
+    return {std::move(names), key_name};
+  }
+
+  void PrimaryKeys(Rowset& rowset, const std::optional<String>& catalog,
+                   const std::optional<String>& schema, const String& table) {
+    const auto [columns, key_name] = KeyOf(catalog, schema, table);
+    for (size_t i = 0; i < columns.size(); ++i) {
+      auto& row = rowset.AddRow();
+      if (catalog) rowset.Set(row, u"TABLE_CATALOG", *catalog);
+      if (schema) rowset.Set(row, u"TABLE_SCHEMA", *schema);
+      rowset.Set(row, u"TABLE_NAME", table);
+      rowset.Set(row, u"COLUMN_NAME", columns[i]);
+      rowset.Set(row, u"ORDINAL", static_cast<int32_t>(i + 1));
+      if (!key_name.empty()) rowset.Set(row, u"PK_NAME", key_name);
+    }
+  }
+
+  void Indexes(Rowset& rowset, const std::optional<String>& catalog,
+               const std::optional<String>& schema, const String& table) {
+    const auto [key_columns, key_name] = KeyOf(catalog, schema, table);
+    Handle stmt(SQL_HANDLE_STMT, dbc_->get());
+    std::optional<String> name(table);
+    stmt.Check(SQLStatisticsW(stmt.get(), Arg(catalog), Len(catalog), Arg(schema), Len(schema),
+                              Arg(name), Len(name), SQL_INDEX_ALL, SQL_QUICK),
+               u"Reading the indexes");
+    struct Entry {
+      String index;
+      bool unique;
+      int32_t ordinal;
+      String column;
+    };
+    std::vector<Entry> entries;
+    ForEachRow(stmt.get(), [&] {
+      const int64_t type = IntOr(stmt.get(), 7, SQL_TABLE_STAT);
+      if (type == SQL_TABLE_STAT) return;
+      const bool non_unique = IntOr(stmt.get(), 4, 1) != 0;
+      const auto index = GetText(stmt.get(), 6);
+      const int64_t ordinal = IntOr(stmt.get(), 8, 0);
+      const auto column = GetText(stmt.get(), 9);
+      if (!index) return;
+      entries.push_back(
+          {*index, !non_unique, static_cast<int32_t>(ordinal), column.value_or(String())});
+    });
+    // ODBC does not say which index carries the primary key: it is the one named like the key,
+    // or, without a key name, the unique one over exactly the key's columns.
+    std::map<String, std::set<String>> columns_of;
+    for (const Entry& e : entries)
+      columns_of[e.index].insert(e.column);
+    const std::set<String> key_set(key_columns.begin(), key_columns.end());
+    for (const Entry& e : entries) {
+      const bool primary =
+          !key_set.empty() && e.unique &&
+          (key_name.empty() ? columns_of[e.index] == key_set : e.index == key_name);
+      auto& row = rowset.AddRow();
+      if (catalog) rowset.Set(row, u"TABLE_CATALOG", *catalog);
+      if (schema) rowset.Set(row, u"TABLE_SCHEMA", *schema);
+      rowset.Set(row, u"TABLE_NAME", table);
+      rowset.Set(row, u"INDEX_NAME", e.index);
+      rowset.Set(row, u"PRIMARY_KEY", primary);
+      rowset.Set(row, u"UNIQUE", e.unique);
+      rowset.Set(row, u"CLUSTERED", false);
+      rowset.Set(row, u"TYPE", static_cast<int16_t>(1));
+      rowset.Set(row, u"ORDINAL_POSITION", e.ordinal);
+      rowset.Set(row, u"COLUMN_NAME", e.column);
+    }
+  }
+
+  ColumnInfo Describe(SQLHSTMT stmt, SQLUSMALLINT column) {
+    SQLWCHAR name[512] = {};
+    SQLSMALLINT name_length = 0;
+    SQLSMALLINT sql_type = 0;
+    SQLULEN size = 0;
+    SQLSMALLINT digits = 0;
+    SQLSMALLINT nullable = SQL_NULLABLE_UNKNOWN;
+    if (!Succeeded(SQLDescribeColW(stmt, column, name, static_cast<SQLSMALLINT>(std::size(name)),
+                                   &name_length, &sql_type, &size, &digits, &nullable))) {
+      Fail(SQL_HANDLE_STMT, stmt, u"Describing a column");
+    }
+    ColumnInfo info;
+    info.name =
+        FromW(name, std::min<size_t>(static_cast<size_t>(std::max<SQLSMALLINT>(name_length, 0)),
+                                     std::size(name) - 1));
+    const MappedType mapped = MapOdbcType(sql_type, static_cast<int64_t>(size));
+    info.type = mapped.type;
+    info.defined_size = mapped.defined_size;
+    SQLLEN auto_unique = 0;
+    if (Succeeded(SQLColAttributeW(stmt, column, SQL_DESC_AUTO_UNIQUE_VALUE, nullptr, 0, nullptr,
+                                   &auto_unique))) {
+      info.auto_increment = auto_unique == SQL_TRUE;
+    }
+    SQLLEN updatable = SQL_ATTR_READWRITE_UNKNOWN;
+    SQLColAttributeW(stmt, column, SQL_DESC_UPDATABLE, nullptr, 0, nullptr, &updatable);
+    if (nullable != SQL_NO_NULLS) info.attributes |= adFldIsNullable | adFldMayBeNull;
+    if (updatable == SQL_ATTR_WRITE) info.attributes |= adFldUpdatable;
+    if (updatable == SQL_ATTR_READWRITE_UNKNOWN) info.attributes |= adFldUnknownUpdatable;
+    if (info.type == adLongVarWChar || info.type == adLongVarChar || info.type == adLongVarBinary) {
+      info.attributes |= adFldLong;
+    } else if (info.type != adVarWChar && info.type != adVarChar && info.type != adVarBinary) {
+      info.attributes |= adFldFixed;
+    }
+    return info;
+  }
+
+  Handle env_;
+  std::unique_ptr<Handle> dbc_;
+  bool connected_ = false;
+  String quote_ = u"\"";
+};
+
+}  // namespace
+
+std::unique_ptr<Backend> OpenOdbcBackend(StringView connection_string, StringView user,
+                                         StringView password, int32_t timeout_seconds) {
+  ConnectionString cs = ConnectionString::Parse(connection_string);
+  cs.Remove(u"Provider");
+  if (!user.empty()) cs.Set(u"UID", user);
+  if (!password.empty()) cs.Set(u"PWD", password);
+  auto backend = std::make_unique<OdbcBackend>();
+  backend->Connect(cs.ToText(), timeout_seconds);
+  return backend;
+}
+
+std::optional<String> FindOdbcDriver(StringView name_part) {
+  char buffer[16384] = {};
+  WORD length = 0;
+  if (!SQLGetInstalledDrivers(buffer, sizeof buffer, &length)) return std::nullopt;
+  const String wanted = ToLower(name_part);
+  for (const char* p = buffer; p < buffer + sizeof buffer && *p;) {
+    const std::string_view name(p);
+    const String driver = String::FromUtf8(name);
+    if (ToLower(driver).view().find(wanted) != StringView::npos) return driver;
+    p += name.size() + 1;
+  }
+  return std::nullopt;
+}
+
+}  // namespace qv::data

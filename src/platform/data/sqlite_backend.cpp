@@ -1,0 +1,417 @@
+// SQLite backend: catalogue, schema rowsets and statements over one sqlite3 handle.
+#include "platform/data/sqlite_backend.h"
+
+#include <sqlite3.h>
+
+#include <map>
+
+#include "platform/data/data_types.h"
+#include "platform/data/provider_error.h"
+#include "platform/data/type_mapping.h"
+
+namespace qv::data {
+namespace {
+
+constexpr StringView kSource = u"Quorvex SQLite";
+
+String FromUtf8(const unsigned char* text) {
+  return text ? String::FromUtf8(reinterpret_cast<const char*>(text)) : String();
+}
+String FromUtf8(const char* text) {
+  return text ? String::FromUtf8(text) : String();
+}
+
+String QuoteName(StringView name) {
+  String quoted(u"\"");
+  for (const Char c : name) {
+    quoted.Append(c);
+    if (c == u'"') quoted.Append(c);
+  }
+  quoted.Append(u'"');
+  return quoted;
+}
+
+// The error number a failed SQLite call maps to.
+int32_t NumberFor(int code, StringView message) {
+  if (message.find(u"no such table") != StringView::npos) return kErrNoSuchTable;
+  if ((code & 0xff) == SQLITE_ERROR) return kErrSyntax;
+  return kErrProviderFailure;
+}
+
+class Statement {
+ public:
+  Statement(sqlite3* db, StringView sql) {
+    const std::string text = String::ToUtf8(sql);
+    const int rc =
+        sqlite3_prepare_v2(db, text.c_str(), static_cast<int>(text.size()), &stmt_, nullptr);
+    if (rc != SQLITE_OK) {
+      const String message = FromUtf8(sqlite3_errmsg(db));
+      throw ProviderError(NumberFor(rc, message), message, String(kSource), {},
+                          sqlite3_extended_errcode(db));
+    }
+    if (!stmt_) {
+      throw ProviderError(kErrSyntax, u"The statement is empty.", String(kSource));
+    }
+  }
+  ~Statement() { sqlite3_finalize(stmt_); }
+  Statement(const Statement&) = delete;
+  Statement& operator=(const Statement&) = delete;
+
+  // True while a row is there; a failure raises.
+  bool Step() {
+    const int rc = sqlite3_step(stmt_);
+    if (rc == SQLITE_ROW) return true;
+    if (rc == SQLITE_DONE) return false;
+    sqlite3* db = sqlite3_db_handle(stmt_);
+    const String message = FromUtf8(sqlite3_errmsg(db));
+    throw ProviderError(NumberFor(rc, message), message, String(kSource), {},
+                        sqlite3_extended_errcode(db));
+  }
+  String Text(int column) const { return FromUtf8(sqlite3_column_text(stmt_, column)); }
+  int64_t Int(int column) const { return sqlite3_column_int64(stmt_, column); }
+  bool IsNull(int column) const { return sqlite3_column_type(stmt_, column) == SQLITE_NULL; }
+  sqlite3_stmt* get() const { return stmt_; }
+
+ private:
+  sqlite3_stmt* stmt_ = nullptr;
+};
+
+struct TableColumn {
+  String name;
+  String declared;
+  bool not_null = false;
+  int pk_position = 0;  // 1-based position in the primary key, 0 when not a key column
+  Variant default_value;
+};
+
+struct TableShape {
+  std::vector<TableColumn> columns;
+  int key_columns = 0;
+  bool has_autoincrement = false;  // declared with AUTOINCREMENT
+  // The column that aliases the rowid (INTEGER PRIMARY KEY), if any.
+  std::optional<size_t> RowidColumn() const {
+    if (key_columns != 1) return std::nullopt;
+    for (size_t i = 0; i < columns.size(); ++i) {
+      if (columns[i].pk_position == 1 && EqualsNoCase(columns[i].declared, u"INTEGER")) return i;
+    }
+    return std::nullopt;
+  }
+};
+
+Variant ValueOf(sqlite3_stmt* stmt, int column, int32_t type) {
+  switch (sqlite3_column_type(stmt, column)) {
+    case SQLITE_NULL:
+      return Variant::Null();
+    case SQLITE_INTEGER: {
+      const int64_t value = sqlite3_column_int64(stmt, column);
+      switch (type) {
+        case adBoolean:
+          return Variant(value != 0);
+        case adSmallInt:
+          if (value >= INT16_MIN && value <= INT16_MAX) return Variant(static_cast<int16_t>(value));
+          break;
+        case adUnsignedTinyInt:
+          if (value >= 0 && value <= 255) return Variant(static_cast<uint8_t>(value));
+          break;
+        case adCurrency:
+          return Variant::Currency(value * 10000);
+        case adDouble:
+          return Variant(static_cast<double>(value));
+        default:
+          break;
+      }
+      return IntegerValue(value);
+    }
+    case SQLITE_FLOAT: {
+      const double value = sqlite3_column_double(stmt, column);
+      if (type == adCurrency) return *CurrencyFromText(String::FromUtf8(std::to_string(value)));
+      // SQLite keeps REAL dates as Julian day numbers.
+      if (type == adDBDate || type == adDBTimeStamp) return Variant::Date(value - 2415018.5);
+      return Variant(value);
+    }
+    case SQLITE_TEXT: {
+      const String text = FromUtf8(sqlite3_column_text(stmt, column));
+      if (type == adDBDate || type == adDBTime || type == adDBTimeStamp || type == adDate) {
+        if (auto date = ParseIsoDateTime(text)) return Variant::Date(*date);
+      }
+      if (type == adCurrency) {
+        if (auto money = CurrencyFromText(text)) return *money;
+      }
+      return Variant(text);
+    }
+    default: {
+      const auto* bytes = static_cast<const uint8_t*>(sqlite3_column_blob(stmt, column));
+      const int size = sqlite3_column_bytes(stmt, column);
+      return ByteArray(std::span<const uint8_t>(bytes, bytes ? static_cast<size_t>(size) : 0));
+    }
+  }
+}
+
+class SqliteBackend final : public Backend {
+ public:
+  SqliteBackend(sqlite3* db, String path) : db_(db), path_(std::move(path)) {}
+  ~SqliteBackend() override { sqlite3_close_v2(db_); }
+
+  std::optional<Variant> Property(StringView name) override {
+    if (EqualsNoCase(name, u"DBMS Name")) return Variant(String(u"SQLite"));
+    if (EqualsNoCase(name, u"DBMS Version")) return Variant(FromUtf8(sqlite3_libversion()));
+    if (EqualsNoCase(name, u"Provider Name")) return Variant(String(kSource));
+    if (EqualsNoCase(name, u"Provider Version")) return Variant(FromUtf8(sqlite3_libversion()));
+    if (EqualsNoCase(name, u"Data Source")) return Variant(path_);
+    return std::nullopt;
+  }
+
+  std::vector<String> PropertyNames() override {
+    return {u"DBMS Name", u"DBMS Version", u"Provider Name", u"Provider Version", u"Data Source"};
+  }
+
+  std::pair<String, String> NameQuotes() const override { return {u"\"", u"\""}; }
+
+  Rowset OpenSchema(int32_t schema_id, const std::vector<Variant>& restrictions) override {
+    Rowset rowset = MakeSchemaRowset(schema_id);
+    if (schema_id == adSchemaTables) {
+      FillTables(rowset);
+      return rowset;
+    }
+    const auto table = RestrictionText(restrictions, schema_id == adSchemaIndexes ? 4 : 2);
+    for (const String& name : table ? std::vector<String>{*table} : TableNames()) {
+      if (schema_id == adSchemaColumns) FillColumns(rowset, name);
+      if (schema_id == adSchemaPrimaryKeys) FillKeys(rowset, name);
+      if (schema_id == adSchemaIndexes) FillIndexes(rowset, name);
+    }
+    return rowset;
+  }
+
+  Rowset Execute(StringView sql) override {
+    Statement stmt(db_, sql);
+    Rowset rowset;
+    const int count = sqlite3_column_count(stmt.get());
+    std::map<String, TableShape> shapes;
+    for (int i = 0; i < count; ++i)
+      rowset.columns.push_back(Describe(stmt.get(), i, shapes));
+    while (stmt.Step()) {
+      auto& row = rowset.rows.emplace_back();
+      row.reserve(static_cast<size_t>(count));
+      for (int i = 0; i < count; ++i) {
+        row.push_back(ValueOf(stmt.get(), i, rowset.columns[static_cast<size_t>(i)].type));
+      }
+    }
+    return rowset;
+  }
+
+ private:
+  std::vector<String> TableNames() {
+    std::vector<String> names;
+    Statement stmt(db_, u"SELECT name FROM sqlite_master WHERE type IN ('table','view')");
+    while (stmt.Step())
+      names.push_back(stmt.Text(0));
+    return names;
+  }
+
+  void FillTables(Rowset& rowset) {
+    Statement stmt(db_,
+                   u"SELECT name, type FROM sqlite_master WHERE type IN ('table','view') "
+                   u"ORDER BY type, name");
+    while (stmt.Step()) {
+      const String name = stmt.Text(0);
+      const bool system = ToLower(name).view().starts_with(u"sqlite_");
+      auto& row = rowset.AddRow();
+      rowset.Set(row, u"TABLE_NAME", name);
+      const String type = stmt.Text(1) == u"view" ? u"VIEW" : system ? u"SYSTEM TABLE" : u"TABLE";
+      rowset.Set(row, u"TABLE_TYPE", type);
+    }
+  }
+
+  TableShape Shape(StringView table) {
+    TableShape shape;
+    Statement info(db_, u"PRAGMA table_info(" + QuoteName(table) + u")");
+    while (info.Step()) {
+      TableColumn column;
+      column.name = info.Text(1);
+      column.declared = info.Text(2);
+      column.not_null = info.Int(3) != 0;
+      if (!info.IsNull(4)) column.default_value = info.Text(4);
+      column.pk_position = static_cast<int>(info.Int(5));
+      if (column.pk_position > 0) ++shape.key_columns;
+      shape.columns.push_back(std::move(column));
+    }
+    Statement sql(db_, u"SELECT sql FROM sqlite_master WHERE name = " + Literal(table));
+    if (sql.Step()) {
+      shape.has_autoincrement =
+          ToUpper(sql.Text(0)).view().find(u"AUTOINCREMENT") != StringView::npos;
+    }
+    return shape;
+  }
+
+  static String Literal(StringView text) {
+    String quoted(u"'");
+    for (const Char c : text) {
+      quoted.Append(c);
+      if (c == u'\'') quoted.Append(c);
+    }
+    quoted.Append(u'\'');
+    return quoted;
+  }
+
+  void FillColumns(Rowset& rowset, const String& table) {
+    const TableShape shape = Shape(table);
+    const auto rowid = shape.RowidColumn();
+    for (size_t i = 0; i < shape.columns.size(); ++i) {
+      const TableColumn& column = shape.columns[i];
+      const MappedType mapped = MapSqliteDeclaredType(column.declared);
+      const bool nullable = !column.not_null && rowid != i;
+      auto& row = rowset.AddRow();
+      rowset.Set(row, u"TABLE_NAME", table);
+      rowset.Set(row, u"COLUMN_NAME", column.name);
+      rowset.Set(row, u"ORDINAL_POSITION", static_cast<int32_t>(i + 1));
+      rowset.Set(row, u"COLUMN_HASDEFAULT", !column.default_value.is_empty());
+      if (!column.default_value.is_empty())
+        rowset.Set(row, u"COLUMN_DEFAULT", column.default_value);
+      rowset.Set(row, u"COLUMN_FLAGS", Attributes(mapped, nullable, true));
+      rowset.Set(row, u"IS_NULLABLE", nullable);
+      rowset.Set(row, u"DATA_TYPE", static_cast<int32_t>(mapped.type));
+      if (IsText(mapped.type)) rowset.Set(row, u"CHARACTER_MAXIMUM_LENGTH", mapped.defined_size);
+    }
+  }
+
+  void FillKeys(Rowset& rowset, const String& table) {
+    const TableShape shape = Shape(table);
+    std::vector<const TableColumn*> keys(static_cast<size_t>(shape.key_columns), nullptr);
+    for (const TableColumn& column : shape.columns) {
+      if (column.pk_position > 0 && column.pk_position <= shape.key_columns) {
+        keys[static_cast<size_t>(column.pk_position - 1)] = &column;
+      }
+    }
+    for (size_t i = 0; i < keys.size(); ++i) {
+      if (!keys[i]) continue;
+      auto& row = rowset.AddRow();
+      rowset.Set(row, u"TABLE_NAME", table);
+      rowset.Set(row, u"COLUMN_NAME", keys[i]->name);
+      rowset.Set(row, u"ORDINAL", static_cast<int32_t>(i + 1));
+    }
+  }
+
+  void FillIndexes(Rowset& rowset, const String& table) {
+    const TableShape shape = Shape(table);
+    // The rowid key has no index of its own in SQLite; it is listed as one, as other
+    // databases list the index behind their primary key.
+    if (const auto rowid = shape.RowidColumn()) {
+      AddIndexRow(rowset, table, u"pk_" + table, true, true, 1, shape.columns[*rowid].name);
+    }
+    Statement list(db_, u"PRAGMA index_list(" + QuoteName(table) + u")");
+    while (list.Step()) {
+      const String name = list.Text(1);
+      const bool unique = list.Int(2) != 0;
+      const bool primary = list.Text(3) == u"pk";
+      Statement info(db_, u"PRAGMA index_info(" + QuoteName(name) + u")");
+      while (info.Step()) {
+        AddIndexRow(rowset, table, name, primary, unique, static_cast<int32_t>(info.Int(0) + 1),
+                    info.Text(2));
+      }
+    }
+  }
+
+  static void AddIndexRow(Rowset& rowset, const String& table, const String& index, bool primary,
+                          bool unique, int32_t ordinal, const String& column) {
+    auto& row = rowset.AddRow();
+    rowset.Set(row, u"TABLE_NAME", table);
+    rowset.Set(row, u"INDEX_NAME", index);
+    rowset.Set(row, u"PRIMARY_KEY", primary);
+    rowset.Set(row, u"UNIQUE", unique);
+    rowset.Set(row, u"CLUSTERED", false);
+    rowset.Set(row, u"TYPE", static_cast<int16_t>(1));
+    rowset.Set(row, u"ORDINAL_POSITION", ordinal);
+    rowset.Set(row, u"COLUMN_NAME", column);
+  }
+
+  static bool IsText(int32_t type) {
+    return type == adWChar || type == adVarWChar || type == adLongVarWChar || type == adChar ||
+           type == adVarChar || type == adLongVarChar;
+  }
+
+  static int32_t Attributes(const MappedType& mapped, bool nullable, bool updatable) {
+    int32_t bits = 0;
+    if (nullable) bits |= adFldIsNullable | adFldMayBeNull;
+    if (updatable) bits |= adFldUpdatable;
+    if (mapped.type == adLongVarWChar || mapped.type == adLongVarBinary) {
+      bits |= adFldLong;
+    } else if (!IsText(mapped.type)) {
+      bits |= adFldFixed;
+    }
+    return bits;
+  }
+
+  ColumnInfo Describe(sqlite3_stmt* stmt, int index, std::map<String, TableShape>& shapes) {
+    ColumnInfo info;
+    info.name = FromUtf8(sqlite3_column_name(stmt, index));
+    const MappedType mapped = MapSqliteDeclaredType(FromUtf8(sqlite3_column_decltype(stmt, index)));
+    info.type = mapped.type;
+    info.defined_size = mapped.defined_size;
+    info.auto_increment = false;
+    const char* table = sqlite3_column_table_name(stmt, index);
+    const char* origin = sqlite3_column_origin_name(stmt, index);
+    if (!table || !origin) {
+      info.attributes = Attributes(mapped, true, false);
+      return info;
+    }
+    const String table_name = FromUtf8(table);
+    auto found = shapes.find(table_name);
+    if (found == shapes.end()) found = shapes.emplace(table_name, Shape(table_name)).first;
+    const TableShape& shape = found->second;
+    const String column_name = FromUtf8(origin);
+    const auto rowid = shape.RowidColumn();
+    bool nullable = true;
+    for (size_t i = 0; i < shape.columns.size(); ++i) {
+      if (!EqualsNoCase(shape.columns[i].name, column_name)) continue;
+      nullable = !shape.columns[i].not_null && rowid != i;
+      info.auto_increment = rowid == i;
+    }
+    info.attributes = Attributes(mapped, nullable, true);
+    return info;
+  }
+
+  sqlite3* db_;
+  String path_;
+};
+
+}  // namespace
+
+std::unique_ptr<Backend> OpenSqliteBackend(StringView path) {
+  const String file(path);
+  if (file.empty()) {
+    throw ProviderError(kErrProviderFailure,
+                        u"No SQLite file is named: give Data Source=<file> in the connection "
+                        u"string.",
+                        String(kSource));
+  }
+  const std::string utf8 = file.ToUtf8();
+  sqlite3* db = nullptr;
+  int rc = sqlite3_open_v2(utf8.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, nullptr);
+  if (rc != SQLITE_OK) {
+    sqlite3_close_v2(db);
+    db = nullptr;
+    rc = sqlite3_open_v2(utf8.c_str(), &db, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
+  }
+  if (rc != SQLITE_OK) {
+    const int code = sqlite3_extended_errcode(db);
+    sqlite3_close_v2(db);
+    throw ProviderError(kErrProviderFailure,
+                        u"Cannot open the SQLite database \"" + file +
+                            u"\": the file does not exist or cannot be read.",
+                        String(kSource), {}, code);
+  }
+  sqlite3_busy_timeout(db, 5000);
+  // Opening is lazy: reading the catalogue is what tells a database from any other file.
+  rc = sqlite3_exec(db, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
+  if (rc != SQLITE_OK) {
+    const String reason = FromUtf8(sqlite3_errmsg(db));
+    const int code = sqlite3_extended_errcode(db);
+    sqlite3_close_v2(db);
+    throw ProviderError(kErrProviderFailure,
+                        u"Cannot open the SQLite database \"" + file + u"\": " + reason + u".",
+                        String(kSource), {}, code);
+  }
+  return std::make_unique<SqliteBackend>(db, file);
+}
+
+}  // namespace qv::data
