@@ -1,0 +1,131 @@
+// The placement of an added session keeps the list's historical behaviour exactly: extension
+// packages were written against it.
+#include "templates/sessions.h"
+
+#include <limits>
+
+#include "automation/convert.h"
+#include "templates/list_enumerator.h"
+
+namespace qv {
+namespace {
+
+const TyxSession& SessionArg(const Variant& v) {
+  auto* session = v.is_object() ? dynamic_cast<TyxSession*>(v.as_object()) : nullptr;
+  if (!session) throw Error(kErrTypeMismatch);
+  return *session;
+}
+
+}  // namespace
+
+const DispatchTable<TyxSessions>& TyxSessions::Table() {
+  static const auto table =
+      DispatchTable<TyxSessions>(u"TyxSessions")
+          .Property(u"Item",
+                    [](TyxSessions& s, Args a) {
+                      CheckArgCount(a, 1, 1);
+                      return Variant(s.Item(ToLong(a[0])));
+                    })
+          .Default(u"Item")
+          .Property(u"Count", [](TyxSessions& s, Args) { return Variant(s.Count()); })
+          .Method(u"AddSession",
+                  [](TyxSessions& s, Args a) {
+                    CheckArgCount(a, 3, 3);
+                    return Variant(s.AddSession(SessionArg(a[0]), ToString(a[1]), ToString(a[2])));
+                  })
+          .Method(u"ChangeSession",
+                  [](TyxSessions& s, Args a) {
+                    CheckArgCount(a, 2, 2);
+                    return Variant(s.ChangeSession(ToString(a[0]), SessionArg(a[1])));
+                  })
+          .Method(u"DeleteSession",
+                  [](TyxSessions& s, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    return Variant(s.DeleteSession(ToString(a[0])));
+                  })
+          .Method(u"SessionExist", [](TyxSessions& s, Args a) {
+            CheckArgCount(a, 1, 1);
+            return Variant(s.SessionExist(ToString(a[0])));
+          });
+  return table;
+}
+
+Ref<Enumerator> TyxSessions::NewEnum() {
+  return templates::EnumerateSlots(items_);
+}
+
+void TyxSessions::Grow() {
+  if (count_ == std::numeric_limits<int16_t>::max()) throw Error(kErrOverflow);
+  ++count_;
+  items_.resize(count_ + 1);
+}
+
+void TyxSessions::Load(const XmlNode& xml_control) {
+  for (const XmlNode& child : xml_control.childNodes()) {
+    if (ToLower(child.nodeName()) != u"session") continue;
+    auto session = MakeRef<TyxSession>();
+    session->Load(child);
+    Grow();
+    items_[count_] = std::move(session);
+  }
+}
+
+int32_t TyxSessions::Find(StringView value) const {
+  for (int32_t i = 1; i <= count_; ++i) {
+    if (items_[i]->SessValue == value) return i;
+  }
+  return 0;
+}
+
+bool TyxSessions::SessionExist(StringView value) const {
+  return Find(value) != 0;
+}
+
+bool TyxSessions::AddSession(const TyxSession& session, StringView loc, StringView loctype) {
+  if (SessionExist(session.SessValue)) return false;
+  int32_t position = Find(loc);
+  if (position == 0) position = count_ + 1;
+  if (loctype == u"after" && position < count_) ++position;
+  if (position == count_) ++position;  // before the last item is the same as behind it
+  // Take the values before moving anything: `session` may be an item of this very list.
+  const String type = session.SessType, value = session.SessValue, ifile = session.SessIFile,
+               cond = session.SessCond, ext = session.SessExt, action = session.SessAction;
+  Grow();
+  for (int32_t i = count_ - 1; i >= position; --i)
+    items_[i + 1] = items_[i];
+  items_[position] = MakeRef<TyxSession>();
+  TyxSession& last = *items_[count_];
+  last.SessType = type;
+  last.SessValue = value;
+  last.SessIFile = ifile;
+  last.SessCond = cond;
+  last.SessExt = ext;
+  last.SessAction = action;
+  return true;
+}
+
+bool TyxSessions::ChangeSession(StringView value, const TyxSession& session) {
+  const int32_t index = Find(value);
+  if (index == 0) return false;
+  TyxSession& target = *items_[index];
+  if (!session.SessIFile.empty()) target.SessIFile = session.SessIFile;
+  if (!session.SessCond.empty()) target.SessCond = session.SessCond;
+  target.SessExt = session.SessExt;
+  target.SessAction = session.SessAction;
+  return true;
+}
+
+bool TyxSessions::DeleteSession(StringView value) {
+  const int32_t index = Find(value);
+  if (index == 0) return false;
+  items_.erase(items_.begin() + index);
+  --count_;
+  return true;
+}
+
+Ref<TyxSession> TyxSessions::Item(int32_t index) const {
+  if (index < 1 || index > count_) return nullptr;
+  return items_[index];
+}
+
+}  // namespace qv
