@@ -17,11 +17,12 @@ namespace {
 
 using templates::FindLastCrLf;
 using templates::FindLastNoCase;
-using templates::FindText;
 using templates::kNotFound;
 
 constexpr StringView kOpen = u"<!--##";
 constexpr StringView kClose = u"##-->";
+const templates::TextFinder kOpenFinder(kOpen);
+const templates::TextFinder kCloseFinder(kClose);
 constexpr StringView kSigns = u"=~@$";
 constexpr StringView kFunction = u"Function ";
 constexpr size_t kFunctionWord = 8;  // "Function" without its blank
@@ -62,7 +63,7 @@ void TyParser::Parse(String source) {
   blocks_.assign(1, TyBlock{});
   const StringView text = source_.view();
   size_t content = 0;
-  size_t tag = FindText(text, kOpen, 0);
+  size_t tag = kOpenFinder.Find(text, 0);
   struct CursorToLast {
     TyParser& p;
     ~CursorToLast() { p.current_ = ToPos(p.blocks_.size() - 1); }
@@ -70,9 +71,9 @@ void TyParser::Parse(String source) {
 
   while (tag != kNotFound) {
     if (tag > content) AddContent(content, tag);
-    const size_t close = FindText(text, kClose, tag);
+    const size_t close = kCloseFinder.Find(text, tag);
     if (close == kNotFound) return ReportAt(u"***Incomplete Block", tag);
-    const size_t next = FindText(text, kOpen, tag + kOpen.size());
+    const size_t next = kOpenFinder.Find(text, tag + kOpen.size());
     if (next != kNotFound && next < close) return ReportAt(u"***Nested Blocks found", next);
     AddTag(tag, close);
     content = close + kClose.size();

@@ -14,6 +14,8 @@ namespace {
 
 constexpr StringView kOpen = u"<!--##";
 constexpr StringView kClose = u"##-->";
+const TextFinder kOpenFinder(kOpen);
+const TextFinder kCloseFinder(kClose);
 constexpr StringView kSession = u"session";
 constexpr StringView kInclude = u"include";
 constexpr StringView kEndSession = u"/session##-->";
@@ -25,37 +27,37 @@ constexpr size_t kMaxIncludeDepth = 200;
 String SessionReader::GetSession(StringView source, StringView id) {
   const String wanted = ToLower(id);
   const size_t word_end = kOpen.size() + kSession.size();
-  for (size_t open = FindTagWord(source, kOpen, kSession, 0); open != kNotFound;) {
-    const size_t close = FindText(source, kClose, open + word_end);
+  for (size_t open = FindTagWord(source, kOpenFinder, kSession, 0); open != kNotFound;) {
+    const size_t close = kCloseFinder.Find(source, open + word_end);
     if (close == kNotFound) return String();
     const StringView name = TrimBlanks(source.substr(open + word_end, close - open - word_end));
     const size_t body = close + kClose.size();
     if (ToLower(name) == wanted) {
-      const size_t end = FindTagWord(source, kOpen, kEndSession, body);
+      const size_t end = FindTagWord(source, kOpenFinder, kEndSession, body);
       if (end == kNotFound) return String();
       return ExpandIncludes(source.substr(body, end - body));
     }
-    open = FindTagWord(source, kOpen, kSession, body);
+    open = FindTagWord(source, kOpenFinder, kSession, body);
   }
   return String();
 }
 
 String SessionReader::ExpandIncludes(StringView body) {
   const size_t word_end = kOpen.size() + kInclude.size();
-  size_t tag = FindTagWord(body, kOpen, kInclude, 0);
+  size_t tag = FindTagWord(body, kOpenFinder, kInclude, 0);
   if (tag == kNotFound) return String(body);
   String out;
   size_t copy = 0;
   while (tag != kNotFound) {
     out.Append(body.substr(copy, tag - copy));
-    const size_t close = FindText(body, kClose, tag + word_end);
+    const size_t close = kCloseFinder.Find(body, tag + word_end);
     if (close == kNotFound) {
       out.Append(body.substr(tag));
       return out;
     }
     out.Append(IncludedText(body.substr(tag + word_end, close - tag - word_end)).view());
     copy = close + kClose.size();
-    tag = FindTagWord(body, kOpen, kInclude, copy);
+    tag = FindTagWord(body, kOpenFinder, kInclude, copy);
   }
   out.Append(body.substr(copy));
   return out;
