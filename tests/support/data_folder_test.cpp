@@ -1,0 +1,38 @@
+// Finding the data folder: the environment first, then the build tree this test runs in.
+#include "support/data_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace qv {
+namespace {
+
+TEST(DataFolderTest, EnvironmentThenTheBuildTree) {
+  const char* saved = std::getenv("QUORVEX_DATA_DIR");
+  const std::string saved_value = saved ? saved : "";
+
+  ::setenv("QUORVEX_DATA_DIR", "/opt/somewhere/../quorvex-data", 1);
+  EXPECT_EQ(DataFolder(), std::filesystem::path("/opt/quorvex-data"));
+
+  ::unsetenv("QUORVEX_DATA_DIR");
+  // The test runs from the build tree, whose share/quorvex the build filled from share/.
+  const std::filesystem::path expected = std::filesystem::path(QV_BINARY_DIR) / "share" / "quorvex";
+  EXPECT_EQ(std::filesystem::weakly_canonical(DataFolder()),
+            std::filesystem::weakly_canonical(expected));
+  EXPECT_TRUE(std::filesystem::exists(DataFolder() / "machine-settings"));
+
+  ::setenv("QUORVEX_DATA_DIR", "", 1);  // empty counts as unset
+  EXPECT_EQ(std::filesystem::weakly_canonical(DataFolder()),
+            std::filesystem::weakly_canonical(expected));
+
+  if (saved) {
+    ::setenv("QUORVEX_DATA_DIR", saved_value.c_str(), 1);
+  } else {
+    ::unsetenv("QUORVEX_DATA_DIR");
+  }
+}
+
+}  // namespace
+}  // namespace qv
