@@ -1,0 +1,352 @@
+// Scripting.FileSystemObject: the path functions work on text alone; everything else goes to
+// std::filesystem through the objects of file_objects.h.
+#include "vbscript/filesystem.h"
+
+#include <fnmatch.h>
+
+#include <cstdlib>
+#include <random>
+
+#include "automation/convert.h"
+#include "vbscript/file_objects.h"
+#include "vbscript/text_stream.h"
+
+namespace qv::vbs {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+[[noreturn]] void Raise(int32_t number) {
+  throw Error(number);
+}
+
+bool IsSeparator(Char c) {
+  return c == u'/' || c == u'\\';
+}
+
+String PathArg(Args a, size_t i) {
+  if (i >= a.size() || a[i].is_missing()) Raise(kErrArgumentNotOptional);
+  return ToString(a[i]);
+}
+
+bool OptionalBool(Args a, size_t i, bool fallback) {
+  if (!HasArg(a, i)) return fallback;
+  return ToBool(a[i]);
+}
+
+// The path without trailing separators, but never less than a lone root separator.
+StringView StripTrailing(StringView p) {
+  while (p.size() > 1 && IsSeparator(p.back()))
+    p.remove_suffix(1);
+  return p;
+}
+
+size_t LastSeparator(StringView p) {
+  for (size_t i = p.size(); i > 0; --i) {
+    if (IsSeparator(p[i - 1])) return i - 1;
+  }
+  return StringView::npos;
+}
+
+String FileNameOf(StringView path) {
+  const StringView p = StripTrailing(path);
+  if (p.size() == 1 && IsSeparator(p[0])) return {};
+  const size_t at = LastSeparator(p);
+  return String(at == StringView::npos ? p : p.substr(at + 1));
+}
+
+String ParentOf(StringView path) {
+  const StringView p = StripTrailing(path);
+  const size_t at = LastSeparator(p);
+  if (at == StringView::npos || (p.size() == 1)) return {};
+  if (at == 0) return String(u"/");
+  String out(p.substr(0, at));
+  std::u16string text(out.view());
+  for (Char& c : text) {
+    if (c == u'\\') c = u'/';
+  }
+  return String(StringView(text));
+}
+
+String BaseNameOf(StringView path) {
+  const String name = FileNameOf(path);
+  const size_t dot = name.view().rfind(u'.');
+  return dot == StringView::npos ? name : String(name.view().substr(0, dot));
+}
+
+String ExtensionOf(StringView path) {
+  const String name = FileNameOf(path);
+  const size_t dot = name.view().rfind(u'.');
+  return dot == StringView::npos ? String() : String(name.view().substr(dot + 1));
+}
+
+String BuildPath(StringView path, StringView name) {
+  if (path.empty()) return String(name);
+  if (IsSeparator(path.back()) || (!name.empty() && IsSeparator(name[0]))) return path + name;
+  return path + StringView(u"/") + name;
+}
+
+bool HasWildcard(const fs::path& p) {
+  const std::string name = p.filename().string();
+  return name.find_first_of("*?") != std::string::npos;
+}
+
+// The paths a source names: itself, or with "*" and "?" in its last part every match in its
+// folder. Raises `missing` when nothing matches.
+std::vector<fs::path> Sources(const fs::path& spec, bool folders, int32_t missing) {
+  std::error_code ec;
+  std::vector<fs::path> out;
+  if (!HasWildcard(spec)) {
+    const bool found =
+        folders ? fs::is_directory(spec, ec) : fs::exists(spec, ec) && !fs::is_directory(spec, ec);
+    if (!found) {
+      const fs::path parent = spec.parent_path();
+      if (!parent.empty() && !fs::is_directory(parent, ec)) Raise(kErrPathNotFound);
+      Raise(missing);
+    }
+    out.push_back(spec);
+    return out;
+  }
+  const fs::path folder = spec.parent_path().empty() ? fs::path(".") : spec.parent_path();
+  const std::string pattern = spec.filename().string();
+  if (!fs::is_directory(folder, ec)) Raise(kErrPathNotFound);
+  for (const auto& entry : fs::directory_iterator(folder, ec)) {
+    std::error_code type_ec;
+    if (entry.is_directory(type_ec) != folders) continue;
+    if (fnmatch(pattern.c_str(), entry.path().filename().c_str(), 0) == 0)
+      out.push_back(entry.path());
+  }
+  if (out.empty()) Raise(missing);
+  return out;
+}
+
+// Where a source goes: into `dest` when it ends with a separator or the source had wildcards
+// (the destination is then a folder), else onto `dest` itself.
+fs::path Target(const String& dest, const fs::path& source, bool many) {
+  const fs::path d = NativePath(dest);
+  const bool folder = !dest.empty() && IsSeparator(dest.view().back());
+  if (folder || many) return d / source.filename();
+  return d;
+}
+
+void CopyFiles(Args a, bool folders) {
+  CheckArgCount(a, 2, 3);
+  const fs::path spec = NativePath(PathArg(a, 0));
+  const String dest = PathArg(a, 1);
+  const bool overwrite = OptionalBool(a, 2, true);
+  const auto sources = Sources(spec, folders, folders ? kErrPathNotFound : kErrFileNotFound);
+  const bool many = HasWildcard(spec);
+  for (const fs::path& s : sources) {
+    const fs::path to = Target(dest, s, many);
+    std::error_code ec;
+    if (!folders && fs::is_directory(to, ec)) Raise(kErrPermissionDenied);
+    CopyItem(s, to, overwrite);
+  }
+}
+
+void MoveFiles(Args a, bool folders) {
+  CheckArgCount(a, 2, 2);
+  const fs::path spec = NativePath(PathArg(a, 0));
+  const String dest = PathArg(a, 1);
+  const auto sources = Sources(spec, folders, folders ? kErrPathNotFound : kErrFileNotFound);
+  const bool many = HasWildcard(spec);
+  for (const fs::path& s : sources)
+    MoveItem(s, Target(dest, s, many));
+}
+
+void DeleteFiles(Args a, bool folders) {
+  CheckArgCount(a, 1, 2);
+  const fs::path spec = NativePath(PathArg(a, 0));
+  const bool force = OptionalBool(a, 1, false);
+  for (const fs::path& p : Sources(spec, folders, folders ? kErrPathNotFound : kErrFileNotFound))
+    DeleteItem(p, force);
+}
+
+Variant OpenTextFile(Args a) {
+  CheckArgCount(a, 1, 4);
+  const fs::path p = NativePath(PathArg(a, 0));
+  const int32_t mode = HasArg(a, 1) ? ToLong(a[1]) : 1;
+  if (mode != 1 && mode != 2 && mode != 8) Raise(kErrInvalidCall);
+  const bool create = OptionalBool(a, 2, false);
+  const int32_t format = HasArg(a, 3) ? ToLong(a[3]) : 0;
+  if (format < -2 || format > 0) Raise(kErrInvalidCall);
+  return Variant(TextStream::Open(p.string(), static_cast<IoMode>(mode), create,
+                                  static_cast<TextFormat>(format)));
+}
+
+Variant CreateTextFile(Args a) {
+  CheckArgCount(a, 1, 3);
+  const fs::path p = NativePath(PathArg(a, 0));
+  std::error_code ec;
+  if (!OptionalBool(a, 1, true) && fs::exists(p, ec)) Raise(kErrFileExists);
+  const auto format = OptionalBool(a, 2, false) ? TextFormat::Unicode : TextFormat::Ascii;
+  return Variant(TextStream::Open(p.string(), IoMode::Writing, true, format));
+}
+
+Variant CreateFolder(Args a) {
+  CheckArgCount(a, 1, 1);
+  const fs::path p = NativePath(PathArg(a, 0));
+  std::error_code ec;
+  if (fs::exists(p, ec)) Raise(kErrFileExists);
+  const fs::path parent = p.parent_path();
+  if (!parent.empty() && !fs::is_directory(parent, ec)) Raise(kErrPathNotFound);
+  if (!fs::create_directory(p, ec)) Raise(kErrPermissionDenied);
+  return Variant(MakeRef<Folder>(p));
+}
+
+String TempFolder() {
+  const char* tmp = std::getenv("TMPDIR");
+  return String::FromUtf8(tmp && *tmp ? tmp : "/tmp");
+}
+
+Variant SpecialFolder(Args a) {
+  CheckArgCount(a, 1, 1);
+  switch (ToLong(a[0])) {
+    case 0:  // the system's own folder
+      return Variant(MakeRef<Folder>("/usr"));
+    case 1:  // its libraries
+      return Variant(MakeRef<Folder>("/usr/lib"));
+    case 2:
+      return Variant(MakeRef<Folder>(NativePath(TempFolder())));
+    default:
+      Raise(kErrInvalidCall);
+  }
+}
+
+String TempName() {
+  static std::minstd_rand generator(std::random_device{}());
+  const uint32_t n = generator() & 0xFFFFF;
+  char buf[16];
+  std::snprintf(buf, sizeof buf, "rad%05X.tmp", n);
+  return String::FromUtf8(buf);
+}
+
+bool DriveNameOk(const String& name) {
+  return name == u"/" || name == u"\\";
+}
+
+}  // namespace
+
+const DispatchTable<FileSystemObject>& FileSystemObject::Table() {
+  using F = FileSystemObject;
+  static const auto table =
+      DispatchTable<F>(u"FileSystemObject")
+          .Method(u"BuildPath",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 2, 2);
+                    return Variant(BuildPath(PathArg(a, 0), PathArg(a, 1)));
+                  })
+          .Method(u"GetAbsolutePathName",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    return Variant(ScriptPath(NativePath(PathArg(a, 0))));
+                  })
+          .Method(u"GetBaseName",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    return Variant(BaseNameOf(PathArg(a, 0)));
+                  })
+          .Method(u"GetExtensionName",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    return Variant(ExtensionOf(PathArg(a, 0)));
+                  })
+          .Method(u"GetFileName",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    return Variant(FileNameOf(PathArg(a, 0)));
+                  })
+          .Method(u"GetParentFolderName",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    return Variant(ParentOf(PathArg(a, 0)));
+                  })
+          .Method(u"GetDriveName",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    return Variant(String());
+                  })
+          .Method(u"GetTempName",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 0, 0);
+                    return Variant(TempName());
+                  })
+          .Method(u"FileExists",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    std::error_code ec;
+                    const fs::path p = NativePath(PathArg(a, 0));
+                    return Variant(fs::exists(p, ec) && !fs::is_directory(p, ec));
+                  })
+          .Method(u"FolderExists",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    std::error_code ec;
+                    return Variant(fs::is_directory(NativePath(PathArg(a, 0)), ec));
+                  })
+          .Method(u"DriveExists",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    return Variant(DriveNameOk(PathArg(a, 0)));
+                  })
+          .Method(u"GetFile",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    const fs::path p = NativePath(PathArg(a, 0));
+                    std::error_code ec;
+                    if (!fs::exists(p, ec) || fs::is_directory(p, ec)) Raise(kErrFileNotFound);
+                    return Variant(MakeRef<File>(fs::absolute(p, ec)));
+                  })
+          .Method(u"GetFolder",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    const fs::path p = NativePath(PathArg(a, 0));
+                    std::error_code ec;
+                    if (!fs::is_directory(p, ec)) Raise(kErrPathNotFound);
+                    return Variant(MakeRef<Folder>(fs::absolute(p, ec).lexically_normal()));
+                  })
+          .Method(u"GetDrive",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    if (!DriveNameOk(PathArg(a, 0))) Raise(68);  // "Device unavailable"
+                    return Variant(MakeRef<Drive>());
+                  })
+          .Property(u"Drives", [](F&, Args) { return Variant(MakeRef<DriveList>()); })
+          .Method(u"GetSpecialFolder", [](F&, Args a) { return SpecialFolder(a); })
+          .Method(u"CreateFolder", [](F&, Args a) { return CreateFolder(a); })
+          .Method(u"CreateTextFile", [](F&, Args a) { return CreateTextFile(a); })
+          .Method(u"OpenTextFile", [](F&, Args a) { return OpenTextFile(a); })
+          .Method(u"CopyFile",
+                  [](F&, Args a) {
+                    CopyFiles(a, false);
+                    return Variant();
+                  })
+          .Method(u"CopyFolder",
+                  [](F&, Args a) {
+                    CopyFiles(a, true);
+                    return Variant();
+                  })
+          .Method(u"MoveFile",
+                  [](F&, Args a) {
+                    MoveFiles(a, false);
+                    return Variant();
+                  })
+          .Method(u"MoveFolder",
+                  [](F&, Args a) {
+                    MoveFiles(a, true);
+                    return Variant();
+                  })
+          .Method(u"DeleteFile",
+                  [](F&, Args a) {
+                    DeleteFiles(a, false);
+                    return Variant();
+                  })
+          .Method(u"DeleteFolder", [](F&, Args a) {
+            DeleteFiles(a, true);
+            return Variant();
+          });
+  return table;
+}
+
+}  // namespace qv::vbs

@@ -1,0 +1,315 @@
+// VBScript.RegExp over PCRE2's 16-bit library. The options that make PCRE2 read patterns as
+// JavaScript does: \uXXXX and \xXX escapes (ALT_BSUX), a back reference to a group that took
+// no part matches the empty text (MATCH_UNSET_BACKREF), "[]" and "[^]" are legal
+// (ALLOW_EMPTY_CLASS), and "$" without Multiline matches only at the very end (DOLLAR_ENDONLY).
+#define PCRE2_CODE_UNIT_WIDTH 16
+#include "vbscript/regexp.h"
+
+#include <pcre2.h>
+
+#include "automation/convert.h"
+#include "automation/safe_array.h"
+#include "vbscript/runtime.h"
+
+namespace qv::vbs {
+
+struct RegExp::Compiled {
+  pcre2_code* code = nullptr;
+  pcre2_match_data* match = nullptr;
+  uint32_t groups = 0;
+  ~Compiled() {
+    pcre2_match_data_free(match);
+    pcre2_code_free(code);
+  }
+};
+
+RegExp::~RegExp() = default;
+
+void RegExp::set_pattern(String pattern) {
+  pattern_ = std::move(pattern);
+  compiled_.reset();
+}
+
+const RegExp::Compiled& RegExp::Compile() {
+  uint32_t options = PCRE2_ALT_BSUX | PCRE2_MATCH_UNSET_BACKREF | PCRE2_ALLOW_EMPTY_CLASS;
+  if (ignore_case) options |= PCRE2_CASELESS;
+  if (multiline) {
+    options |= PCRE2_MULTILINE;
+  } else {
+    options |= PCRE2_DOLLAR_ENDONLY;
+  }
+  if (compiled_ && compiled_options_ == options) return *compiled_;
+  compiled_.reset();
+  int error_code = 0;
+  PCRE2_SIZE error_offset = 0;
+  auto c = std::make_unique<Compiled>();
+  c->code = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern_.data()), pattern_.size(), options,
+                          &error_code, &error_offset, nullptr);
+  if (!c->code) throw Error(kErrRegExpSyntax);
+  c->match = pcre2_match_data_create_from_pattern(c->code, nullptr);
+  if (!c->match) throw Error(kErrOutOfMemory);
+  pcre2_pattern_info(c->code, PCRE2_INFO_CAPTURECOUNT, &c->groups);
+  compiled_ = std::move(c);
+  compiled_options_ = options;
+  return *compiled_;
+}
+
+namespace {
+
+// Runs one match from `start`; the number of pairs set, or 0 for no match.
+int MatchAt(pcre2_code* code, pcre2_match_data* data, StringView text, size_t start) {
+  const int rc = pcre2_match(code, reinterpret_cast<PCRE2_SPTR>(text.data()), text.size(), start, 0,
+                             data, nullptr);
+  if (rc == PCRE2_ERROR_NOMATCH) return 0;
+  // Limits (backtracking, depth) end the search quietly instead of failing the script.
+  if (rc < 0) return 0;
+  return rc;
+}
+
+// Walks the matches as JavaScript does: after an empty match the search moves on one unit.
+template <class OnMatch>
+void ForEachMatch(pcre2_code* code, pcre2_match_data* data, StringView text, bool all,
+                  OnMatch on_match) {
+  size_t start = 0;
+  while (start <= text.size()) {
+    if (!MatchAt(code, data, text, start)) return;
+    const PCRE2_SIZE* ov = pcre2_get_ovector_pointer(data);
+    on_match(ov);
+    if (!all) return;
+    start = ov[1] > ov[0] ? ov[1] : ov[1] + 1;
+  }
+}
+
+}  // namespace
+
+bool RegExp::Test(StringView text) {
+  const Compiled& c = Compile();
+  return MatchAt(c.code, c.match, text, 0) > 0;
+}
+
+std::vector<MatchData> RegExp::Matches(StringView text) {
+  const Compiled& c = Compile();
+  std::vector<MatchData> out;
+  ForEachMatch(c.code, c.match, text, global, [&](const PCRE2_SIZE* ov) {
+    MatchData m;
+    m.first_index = static_cast<int32_t>(ov[0]);
+    m.value = String(text.substr(ov[0], ov[1] - ov[0]));
+    for (uint32_t g = 1; g <= c.groups; ++g) {
+      if (ov[2 * g] == PCRE2_UNSET) {
+        m.groups.emplace_back();
+      } else {
+        m.groups.emplace_back(String(text.substr(ov[2 * g], ov[2 * g + 1] - ov[2 * g])));
+      }
+    }
+    out.push_back(std::move(m));
+  });
+  return out;
+}
+
+namespace {
+
+// Appends the replacement with $1..$99, $&, $`, $' and $$ filled in from one match.
+void Expand(String& out, StringView replacement, StringView text, const PCRE2_SIZE* ov,
+            uint32_t groups) {
+  auto group_text = [&](uint32_t g) {
+    if (ov[2 * g] == PCRE2_UNSET) return StringView();
+    return text.substr(ov[2 * g], ov[2 * g + 1] - ov[2 * g]);
+  };
+  for (size_t i = 0; i < replacement.size(); ++i) {
+    const Char c = replacement[i];
+    if (c != u'$' || i + 1 >= replacement.size()) {
+      out.Append(c);
+      continue;
+    }
+    const Char n = replacement[i + 1];
+    if (n == u'$') {
+      out.Append(u'$');
+      ++i;
+    } else if (n == u'&') {
+      out.Append(group_text(0));
+      ++i;
+    } else if (n == u'`') {
+      out.Append(text.substr(0, ov[0]));
+      ++i;
+    } else if (n == u'\'') {
+      out.Append(text.substr(ov[1]));
+      ++i;
+    } else if (n >= u'0' && n <= u'9') {
+      // Two digits when they name a group, else one; a group that does not exist is text.
+      const uint32_t one = n - u'0';
+      const bool has_two =
+          i + 2 < replacement.size() && replacement[i + 2] >= u'0' && replacement[i + 2] <= u'9';
+      const uint32_t two = has_two ? one * 10 + (replacement[i + 2] - u'0') : 0;
+      if (has_two && two >= 1 && two <= groups) {
+        out.Append(group_text(two));
+        i += 2;
+      } else if (one >= 1 && one <= groups) {
+        out.Append(group_text(one));
+        ++i;
+      } else {
+        out.Append(c);
+      }
+    } else {
+      out.Append(c);
+    }
+  }
+}
+
+}  // namespace
+
+String RegExp::Replace(StringView text, StringView replacement) {
+  const Compiled& c = Compile();
+  String out;
+  size_t copied = 0;
+  ForEachMatch(c.code, c.match, text, global, [&](const PCRE2_SIZE* ov) {
+    out.Append(text.substr(copied, ov[0] - copied));
+    Expand(out, replacement, text, ov, c.groups);
+    copied = ov[1];
+  });
+  if (copied == 0 && out.empty()) return String(text);
+  out.Append(text.substr(copied));
+  return out;
+}
+
+namespace {
+
+class SubMatches : public DispatchObject<SubMatches> {
+ public:
+  explicit SubMatches(std::vector<Variant> groups) : groups_(std::move(groups)) {}
+  static const DispatchTable<SubMatches>& Table() {
+    static const auto table =
+        DispatchTable<SubMatches>(u"ISubMatches")
+            .Property(u"Item",
+                      [](SubMatches& s, Args a) {
+                        CheckArgCount(a, 1, 1);
+                        const int32_t i = ToLong(a[0]);
+                        if (i < 0 || static_cast<size_t>(i) >= s.groups_.size())
+                          throw Error(kErrInvalidCall);
+                        return s.groups_[i];
+                      })
+            .Default(u"Item")
+            .Property(u"Count", [](SubMatches& s, Args a) {
+              CheckArgCount(a, 0, 0);
+              return Variant(static_cast<int32_t>(s.groups_.size()));
+            });
+    return table;
+  }
+  Ref<Enumerator> NewEnum() override;
+
+ private:
+  std::vector<Variant> groups_;
+};
+
+class ListEnumerator : public Enumerator {
+ public:
+  explicit ListEnumerator(std::vector<Variant> items) : items_(std::move(items)) {}
+  bool Next(Variant& item) override {
+    if (at_ >= items_.size()) return false;
+    item = items_[at_++];
+    return true;
+  }
+  void Reset() override { at_ = 0; }
+
+ private:
+  std::vector<Variant> items_;
+  size_t at_ = 0;
+};
+
+Ref<Enumerator> SubMatches::NewEnum() {
+  return MakeRef<ListEnumerator>(groups_);
+}
+
+class Match : public DispatchObject<Match> {
+ public:
+  explicit Match(MatchData data) : data_(std::move(data)) {}
+  static const DispatchTable<Match>& Table() {
+    static const auto table =
+        DispatchTable<Match>(u"IMatch2")
+            .Property(u"Value", [](Match& m, Args) { return Variant(m.data_.value); })
+            .Default(u"Value")
+            .Property(u"FirstIndex", [](Match& m, Args) { return Variant(m.data_.first_index); })
+            .Property(
+                u"Length",
+                [](Match& m, Args) { return Variant(static_cast<int32_t>(m.data_.value.size())); })
+            .Property(u"SubMatches",
+                      [](Match& m, Args) { return Variant(MakeRef<SubMatches>(m.data_.groups)); });
+    return table;
+  }
+
+ private:
+  MatchData data_;
+};
+
+class MatchCollection : public DispatchObject<MatchCollection> {
+ public:
+  explicit MatchCollection(std::vector<MatchData> matches) {
+    for (MatchData& m : matches)
+      items_.emplace_back(MakeRef<Match>(std::move(m)));
+  }
+  static const DispatchTable<MatchCollection>& Table() {
+    static const auto table =
+        DispatchTable<MatchCollection>(u"IMatchCollection2")
+            .Property(u"Item",
+                      [](MatchCollection& c, Args a) {
+                        CheckArgCount(a, 1, 1);
+                        const int32_t i = ToLong(a[0]);
+                        if (i < 0 || static_cast<size_t>(i) >= c.items_.size())
+                          throw Error(kErrInvalidCall);
+                        return c.items_[i];
+                      })
+            .Default(u"Item")
+            .Property(u"Count", [](MatchCollection& c, Args a) {
+              CheckArgCount(a, 0, 0);
+              return Variant(static_cast<int32_t>(c.items_.size()));
+            });
+    return table;
+  }
+  Ref<Enumerator> NewEnum() override { return MakeRef<ListEnumerator>(items_); }
+
+ private:
+  std::vector<Variant> items_;
+};
+
+String TextArg(Args a, size_t i) {
+  CheckArgCount(a, i + 1, i + 1);
+  return ToString(a[i]);
+}
+
+bool BoolArg(const Variant& v) {
+  return ToBool(v);
+}
+
+}  // namespace
+
+const DispatchTable<RegExp>& RegExp::Table() {
+  static const auto table =
+      DispatchTable<RegExp>(u"IRegExp2")
+          .Property(
+              u"Pattern", [](RegExp& r, Args) { return Variant(r.pattern_); },
+              [](RegExp& r, Args, const Variant& v) { r.set_pattern(ToString(v)); })
+          .Property(
+              u"Global", [](RegExp& r, Args) { return Variant(r.global); },
+              [](RegExp& r, Args, const Variant& v) { r.global = BoolArg(v); })
+          .Property(
+              u"IgnoreCase", [](RegExp& r, Args) { return Variant(r.ignore_case); },
+              [](RegExp& r, Args, const Variant& v) { r.ignore_case = BoolArg(v); })
+          .Property(
+              u"Multiline", [](RegExp& r, Args) { return Variant(r.multiline); },
+              [](RegExp& r, Args, const Variant& v) { r.multiline = BoolArg(v); })
+          .Method(u"Test", [](RegExp& r, Args a) { return Variant(r.Test(TextArg(a, 0))); })
+          .Method(u"Execute",
+                  [](RegExp& r, Args a) {
+                    return Variant(MakeRef<MatchCollection>(r.Matches(TextArg(a, 0))));
+                  })
+          .Method(u"Replace", [](RegExp& r, Args a) {
+            CheckArgCount(a, 2, 2);
+            return Variant(r.Replace(ToString(a[0]), ToString(a[1])));
+          });
+  return table;
+}
+
+Ref<Object> NewRegExp() {
+  return MakeRef<RegExp>();
+}
+
+}  // namespace qv::vbs

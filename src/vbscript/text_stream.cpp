@@ -1,0 +1,285 @@
+// Scripting.TextStream: decoding on open for reading, encoding on each write, and the line
+// and column counting that Line and Column report.
+#include "vbscript/text_stream.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "automation/convert.h"
+
+namespace qv::vbs {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void Raise(int32_t number) {
+  throw Error(number);
+}
+
+// The error an open failed with, in VBScript's numbers.
+[[noreturn]] void RaiseOpenFailure(const std::string& path) {
+  std::error_code ec;
+  const fs::path p(path);
+  if (!p.parent_path().empty() && !fs::is_directory(p.parent_path(), ec)) Raise(kErrPathNotFound);
+  if (fs::is_directory(p, ec)) Raise(kErrPermissionDenied);
+  if (errno == ENOENT) Raise(kErrFileNotFound);
+  Raise(kErrPermissionDenied);
+}
+
+std::u16string DecodeUtf16(const std::string& bytes, size_t from, bool big_endian) {
+  std::u16string out;
+  out.reserve((bytes.size() - from) / 2);
+  for (size_t i = from; i + 1 < bytes.size(); i += 2) {
+    const auto lo = static_cast<uint8_t>(bytes[i + (big_endian ? 1 : 0)]);
+    const auto hi = static_cast<uint8_t>(bytes[i + (big_endian ? 0 : 1)]);
+    out.push_back(static_cast<char16_t>(lo | (hi << 8)));
+  }
+  return out;
+}
+
+// Honours a BOM whatever was asked; without one, `unicode` chooses UTF-16LE over UTF-8.
+std::u16string Decode(const std::string& bytes, bool unicode) {
+  if (bytes.size() >= 3 && bytes.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+    return std::u16string(String::FromUtf8(std::string_view(bytes).substr(3)).view());
+  }
+  if (bytes.size() >= 2 && bytes.compare(0, 2, "\xFF\xFE") == 0)
+    return DecodeUtf16(bytes, 2, false);
+  if (bytes.size() >= 2 && bytes.compare(0, 2, "\xFE\xFF") == 0) return DecodeUtf16(bytes, 2, true);
+  if (unicode) return DecodeUtf16(bytes, 0, false);
+  return std::u16string(String::FromUtf8(bytes).view());
+}
+
+}  // namespace
+
+TextStream::~TextStream() {
+  if (file_) std::fclose(file_);
+}
+
+Ref<TextStream> TextStream::Open(const std::string& path, IoMode mode, bool create,
+                                 TextFormat format) {
+  auto stream = MakeRef<TextStream>();
+  stream->mode_ = mode;
+  stream->unicode_ = format == TextFormat::Unicode;
+  std::error_code ec;
+  const bool exists = fs::exists(path, ec);
+  if (fs::is_directory(path, ec)) Raise(kErrPermissionDenied);
+  if (mode == IoMode::Reading) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) RaiseOpenFailure(path);
+    const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    stream->text_ = Decode(bytes, stream->unicode_);
+    return stream;
+  }
+  if (!exists && !create) Raise(kErrFileNotFound);
+  const bool append = mode == IoMode::Appending;
+  errno = 0;
+  stream->file_ = std::fopen(path.c_str(), append ? "ab" : "wb");
+  if (!stream->file_) RaiseOpenFailure(path);
+  const bool empty = !append || std::ftell(stream->file_) == 0;
+  if (stream->unicode_ && empty) std::fwrite("\xFF\xFE", 1, 2, stream->file_);
+  return stream;
+}
+
+void TextStream::RequireReading() const {
+  if (mode_ != IoMode::Reading) Raise(kErrBadFileMode);
+  if (file_ == nullptr && at_ == SIZE_MAX) Raise(kErrBadFileNameOrNumber);
+}
+
+void TextStream::RequireWriting() const {
+  if (mode_ == IoMode::Reading) Raise(kErrBadFileMode);
+  if (!file_) Raise(kErrBadFileNameOrNumber);
+}
+
+void TextStream::Advance(size_t count) {
+  for (size_t i = 0; i < count && at_ < text_.size(); ++i, ++at_) {
+    if (text_[at_] == u'\n') {
+      ++line_;
+      column_ = 1;
+    } else {
+      ++column_;
+    }
+  }
+}
+
+bool TextStream::AtEndOfStream() const {
+  RequireReading();
+  return at_ >= text_.size();
+}
+
+bool TextStream::AtEndOfLine() const {
+  RequireReading();
+  return at_ >= text_.size() || text_[at_] == u'\r' || text_[at_] == u'\n';
+}
+
+String TextStream::Read(int32_t count) {
+  RequireReading();
+  if (count < 0) Raise(kErrInvalidCall);
+  if (at_ >= text_.size() && count > 0) Raise(kErrInputPastEnd);
+  const size_t n = std::min(static_cast<size_t>(count), text_.size() - at_);
+  String out(StringView(text_).substr(at_, n));
+  Advance(n);
+  return out;
+}
+
+String TextStream::ReadLine() {
+  RequireReading();
+  if (at_ >= text_.size()) Raise(kErrInputPastEnd);
+  size_t end = at_;
+  while (end < text_.size() && text_[end] != u'\r' && text_[end] != u'\n')
+    ++end;
+  String out(StringView(text_).substr(at_, end - at_));
+  size_t next = end;
+  if (next < text_.size() && text_[next] == u'\r') ++next;
+  if (next < text_.size() && text_[next] == u'\n') ++next;
+  at_ = end;
+  Advance(next - end);
+  if (next > end && text_[next - 1] == u'\r') {
+    // A lone CR ends a line too.
+    ++line_;
+    column_ = 1;
+  }
+  return out;
+}
+
+String TextStream::ReadAll() {
+  RequireReading();
+  if (at_ >= text_.size()) Raise(kErrInputPastEnd);
+  String out(StringView(text_).substr(at_));
+  Advance(text_.size() - at_);
+  return out;
+}
+
+void TextStream::Skip(int32_t count) {
+  RequireReading();
+  if (count < 0) Raise(kErrInvalidCall);
+  if (at_ >= text_.size() && count > 0) Raise(kErrInputPastEnd);
+  Advance(static_cast<size_t>(count));
+}
+
+void TextStream::SkipLine() {
+  ReadLine();
+}
+
+void TextStream::Write(StringView text) {
+  RequireWriting();
+  if (unicode_) {
+    std::string bytes;
+    bytes.reserve(text.size() * 2);
+    for (const Char c : text) {
+      bytes.push_back(static_cast<char>(c & 0xFF));
+      bytes.push_back(static_cast<char>(c >> 8));
+    }
+    std::fwrite(bytes.data(), 1, bytes.size(), file_);
+  } else {
+    const std::string bytes = String::ToUtf8(text);
+    std::fwrite(bytes.data(), 1, bytes.size(), file_);
+  }
+  for (const Char c : text) {
+    if (c == u'\n') {
+      ++line_;
+      column_ = 1;
+    } else {
+      ++column_;
+    }
+  }
+  if (std::ferror(file_)) Raise(kErrDeviceIo);
+}
+
+void TextStream::WriteLine(StringView text) {
+  Write(text);
+  Write(u"\r\n");
+}
+
+void TextStream::WriteBlankLines(int32_t count) {
+  if (count < 0) Raise(kErrInvalidCall);
+  for (int32_t i = 0; i < count; ++i)
+    Write(u"\r\n");
+}
+
+void TextStream::Close() {
+  if (file_) {
+    const bool failed = std::fclose(file_) != 0;
+    file_ = nullptr;
+    mode_ = IoMode::Writing;
+    if (failed) Raise(kErrDeviceIo);
+    return;
+  }
+  text_.clear();
+  at_ = SIZE_MAX;
+}
+
+namespace {
+
+String TextArg(Args a, size_t i) {
+  if (i >= a.size()) return {};
+  return ToString(a[i]);
+}
+
+}  // namespace
+
+const DispatchTable<TextStream>& TextStream::Table() {
+  using T = TextStream;
+  static const auto table =
+      DispatchTable<T>(u"TextStream")
+          .Method(u"Read",
+                  [](T& t, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    return Variant(t.Read(ToLong(a[0])));
+                  })
+          .Method(u"ReadLine",
+                  [](T& t, Args a) {
+                    CheckArgCount(a, 0, 0);
+                    return Variant(t.ReadLine());
+                  })
+          .Method(u"ReadAll",
+                  [](T& t, Args a) {
+                    CheckArgCount(a, 0, 0);
+                    return Variant(t.ReadAll());
+                  })
+          .Method(u"Skip",
+                  [](T& t, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    t.Skip(ToLong(a[0]));
+                    return Variant();
+                  })
+          .Method(u"SkipLine",
+                  [](T& t, Args a) {
+                    CheckArgCount(a, 0, 0);
+                    t.SkipLine();
+                    return Variant();
+                  })
+          .Method(u"Write",
+                  [](T& t, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    t.Write(TextArg(a, 0));
+                    return Variant();
+                  })
+          .Method(u"WriteLine",
+                  [](T& t, Args a) {
+                    CheckArgCount(a, 0, 1);
+                    t.WriteLine(TextArg(a, 0));
+                    return Variant();
+                  })
+          .Method(u"WriteBlankLines",
+                  [](T& t, Args a) {
+                    CheckArgCount(a, 1, 1);
+                    t.WriteBlankLines(ToLong(a[0]));
+                    return Variant();
+                  })
+          .Method(u"Close",
+                  [](T& t, Args a) {
+                    CheckArgCount(a, 0, 0);
+                    t.Close();
+                    return Variant();
+                  })
+          .Property(u"AtEndOfStream", [](T& t, Args) { return Variant(t.AtEndOfStream()); })
+          .Property(u"AtEndOfLine", [](T& t, Args) { return Variant(t.AtEndOfLine()); })
+          .Property(u"Line", [](T& t, Args) { return Variant(t.line()); })
+          .Property(u"Column", [](T& t, Args) { return Variant(t.column()); });
+  return table;
+}
+
+}  // namespace qv::vbs
