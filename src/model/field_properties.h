@@ -1,0 +1,110 @@
+// The registration list of a field, in the order that is also the order of the attributes of
+// Field in the project file. X(Name, Type, Registry, File, Sync); see bag_accessors.h.
+#pragma once
+
+#include "model/bag_accessors.h"
+
+// clang-format off
+#define QV_FIELD_PROPERTIES(X) \
+  X(FldSync, Boolean, QV_REG_NONE, 0, 0) \
+  X(FldSeq, Integer, QV_REG_NONE, 1, 0) \
+  X(FldName, String, QV_REG_NONE, 1, 0) \
+  X(FldAlias, Boolean, QV_REG_NONE, 1, 0) \
+  X(FldSourceName, String, QV_REG_NONE, 1, 0) \
+  X(FldSourceTable, String, QV_REG_NONE, 1, 0) \
+  X(FldSourceField, String, QV_REG_NONE, 1, 0) \
+  X(FldType, Integer, QV_REG_NONE, 1, 0) \
+  X(FldSupport, Boolean, QV_REG_NONE, 1, 0) \
+  X(FldSize, Long, QV_REG_NONE, 1, 0) \
+  X(FldUniqueIdx, Boolean, QV_REG_NONE, 1, 0) \
+  X(FldZeroLen, Boolean, QV_REG_NONE, 1, 0) \
+  X(FldReq, Boolean, QV_REG_NONE, 1, 0) \
+  X(FldIsPrimaryKey, Boolean, QV_REG_NONE, 1, 0) \
+  X(FldAutoIncrement, Boolean, QV_REG_NONE, 1, 0) \
+  X(FldAttribute, Long, QV_REG_NONE, 1, 0) \
+  X(FldMin, Variant, QV_REG_NONE, 1, 1) \
+  X(FldMax, Variant, QV_REG_NONE, 1, 1) \
+  X(FldErrMsg, String, QV_REG_NONE, 1, 1) \
+  X(FldValidate, String, QV_REG_NONE, 1, 1) \
+  X(FldRequired, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldPopCalendar, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldGenerate, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldList, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldView, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldEdit, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldAdd, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldSearch, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldBasicSearch, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldExtendedBasicSearch, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldRegister, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldSrchOpr, String, QV_REG_NONE, 1, 1) \
+  X(FldSrchOpr2, String, QV_REG_NONE, 1, 1) \
+  X(FldDefault, Variant, QV_REG_NONE, 1, 1) \
+  X(FldCaption, String, QV_REG_NONE, 1, 1) \
+  X(FldVar, String, QV_REG_NONE, 0, 0) \
+  X(FldViewTag, String, QV_REG_NONE, 1, 1) \
+  X(FldHtmlTag, String, QV_REG_NONE, 1, 1) \
+  X(FldHtmlTagReadOnly, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldTagSize, Integer, QV_REG_NONE, 1, 1) \
+  X(FldTagMaxLength, Long, QV_REG_NONE, 1, 1) \
+  X(FldTagHiddenValue, String, QV_REG_NONE, 1, 1) \
+  X(FldSelectType, String, QV_REG_NONE, 1, 1) \
+  X(FldTagValues, String, QV_REG_NONE, 1, 1) \
+  X(FldTagLnkTbl, String, QV_REG_NONE, 1, 1) \
+  X(FldTagLnkFld, String, QV_REG_NONE, 1, 1) \
+  X(FldTagLnkDisplay, String, QV_REG_NONE, 1, 1) \
+  X(FldTagLnkDisp2, String, QV_REG_NONE, 1, 1) \
+  X(FldTagLnkOrderBy, String, QV_REG_NONE, 1, 1) \
+  X(FldTagLnkOrderType, String, QV_REG_NONE, 1, 1) \
+  X(FldTagLnkDistinct, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldTagCols, Integer, QV_REG_NONE, 1, 1) \
+  X(FldTagRows, Integer, QV_REG_NONE, 1, 1) \
+  X(FldTagImgWidth, Integer, QV_REG_NONE, 1, 1) \
+  X(FldTagImgHeight, Integer, QV_REG_NONE, 1, 1) \
+  X(FldTagAType, String, QV_REG_NONE, 1, 1) \
+  X(FldTagATarget, String, QV_REG_NONE, 1, 1) \
+  X(FldTagAPrefix, String, QV_REG_TEXT, 1, 1) \
+  X(FldTagASuffix, String, QV_REG_NONE, 1, 1) \
+  X(FldBold, Boolean, QV_REG_TEXT, 1, 1) \
+  X(FldItalic, Boolean, QV_REG_TEXT, 1, 1) \
+  X(FldAlign, String, QV_REG_TEXT, 1, 1) \
+  X(FldFmtType, String, QV_REG_NONE, 1, 1) \
+  X(FldDtFormat, Integer, QV_REG_NONE, 1, 1) \
+  X(FldNumDigits, Integer, QV_REG_NUMBER, 1, 1) \
+  X(FldIncLeadDigit, Integer, QV_REG_NONE, 1, 1) \
+  X(FldUseParen, Integer, QV_REG_NONE, 1, 1) \
+  X(FldGpDigits, Integer, QV_REG_NONE, 1, 1) \
+  X(FileNameFld, String, QV_REG_NONE, 1, 1) \
+  X(FileTypeFld, String, QV_REG_NONE, 1, 1) \
+  X(FileSizeFld, String, QV_REG_NONE, 1, 1) \
+  X(ImageWidthFld, String, QV_REG_NONE, 1, 1) \
+  X(ImageHeightFld, String, QV_REG_NONE, 1, 1) \
+  X(FldHrefFld, String, QV_REG_NONE, 1, 1) \
+  X(FldStrFunc, String, QV_REG_NONE, 1, 1) \
+  X(FldUseDHTMLEditor, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldMemoMaxLength, Integer, QV_REG_NUMBER, 1, 1) \
+  X(FldSelectSize, Integer, QV_REG_NONE, 1, 1) \
+  X(FldSelectMultiple, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldSelectFilter, String, QV_REG_NONE, 1, 1) \
+  X(FldSelectFilterFld, String, QV_REG_NONE, 1, 1) \
+  X(FldParentSelect, String, QV_REG_NONE, 1, 1) \
+  X(FldSelectAllowAdd, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldQuoteS, String, QV_REG_NONE, 1, 0) \
+  X(FldQuoteE, String, QV_REG_NONE, 1, 0) \
+  X(FldColumnWidth, String, QV_REG_NONE, 1, 1) \
+  X(FldColumnWrap, Boolean, QV_REG_TEXT, 1, 1) \
+  X(FldAggregate, String, QV_REG_NONE, 1, 1) \
+  X(FldGroupBy, Integer, QV_REG_NONE, 1, 1) \
+  X(FldGroupByShowSummary, Boolean, QV_REG_TEXT, 1, 1) \
+  X(FldOrderBy, Integer, QV_REG_NONE, 1, 0) \
+  X(FldOrder, String, QV_REG_NONE, 1, 0) \
+  X(FldRptAggSum, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldRptAggAvg, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldRptAggMin, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldRptAggMax, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldRepeatColumns, Integer, QV_REG_NUMBER, 1, 1) \
+  X(FldUploadPath, String, QV_REG_NONE, 1, 1) \
+  X(FldCheckDuplicate, Boolean, QV_REG_NONE, 1, 1) \
+  X(FldPageIndex, Integer, QV_REG_NONE, 1, 1) \
+  X(FldAjax, Boolean, QV_REG_NONE, 1, 1)
+// clang-format on
