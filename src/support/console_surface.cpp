@@ -19,8 +19,8 @@ void ConsoleSurface::SetMode(StatusMode mode) {
 }
 
 StatusMode ConsoleSurface::effective_mode() const {
-  if (mode_ != StatusMode::kAuto) return mode_;
   if (!out_) return StatusMode::kQuiet;
+  if (mode_ != StatusMode::kAuto) return mode_;
   return ::isatty(::fileno(out_)) ? StatusMode::kTerminal : StatusMode::kPlain;
 }
 
