@@ -1,0 +1,208 @@
+// The runner's WScript object and its helpers.
+#include "cli/wscript.h"
+
+#include <chrono>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <thread>
+
+#include "automation/convert.h"
+
+namespace qv::cli {
+namespace {
+
+String EchoText(const Variant& v) {
+  if (v.is_null()) return u"Null";
+  if (v.is_empty()) return {};
+  return ToString(v.is_object() ? ValueOf(v) : v);
+}
+
+class ListEnumerator : public Enumerator {
+ public:
+  explicit ListEnumerator(std::vector<String> items) : items_(std::move(items)) {}
+  bool Next(Variant& item) override {
+    if (next_ >= items_.size()) return false;
+    item = Variant(items_[next_++]);
+    return true;
+  }
+  void Reset() override { next_ = 0; }
+
+ private:
+  std::vector<String> items_;
+  size_t next_ = 0;
+};
+
+Variant ArgumentAt(ScriptArguments& a, Args args) {
+  CheckArgCount(args, 1, 1);
+  const int32_t i = ToLong(args[0]);
+  if (i < 0 || static_cast<size_t>(i) >= a.items().size()) throw Error(kErrSubscript);
+  return Variant(a.items()[i]);
+}
+
+}  // namespace
+
+void ConsoleStream::Write(StringView text) {
+  const std::string utf8 = String::ToUtf8(text);
+  std::fwrite(utf8.data(), 1, utf8.size(), file_);
+  std::fflush(file_);
+}
+
+const DispatchTable<ConsoleStream>& ConsoleStream::Table() {
+  static const auto table = DispatchTable<ConsoleStream>(u"TextStream")
+                                .Method(u"Write",
+                                        [](ConsoleStream& s, Args args) {
+                                          CheckArgCount(args, 1, 1);
+                                          s.Write(EchoText(args[0]));
+                                          return Variant();
+                                        })
+                                .Method(u"WriteLine",
+                                        [](ConsoleStream& s, Args args) {
+                                          CheckArgCount(args, 0, 1);
+                                          String line = args.empty() ? String() : EchoText(args[0]);
+                                          line.Append(u'\n');
+                                          s.Write(line);
+                                          return Variant();
+                                        })
+                                .Method(u"WriteBlankLines", [](ConsoleStream& s, Args args) {
+                                  CheckArgCount(args, 1, 1);
+                                  const int32_t n = ToLong(args[0]);
+                                  for (int32_t i = 0; i < n; ++i)
+                                    s.Write(u"\n");
+                                  return Variant();
+                                });
+  return table;
+}
+
+const DispatchTable<ScriptArguments>& ScriptArguments::Table() {
+  static const auto table =
+      DispatchTable<ScriptArguments>(u"Arguments")
+          .Method(u"Item", ArgumentAt)
+          .Property(u"Count", [](ScriptArguments& a,
+                                 Args) { return Variant(static_cast<int32_t>(a.items().size())); })
+          .Property(u"Length", [](ScriptArguments& a,
+                                  Args) { return Variant(static_cast<int32_t>(a.items().size())); })
+          .Default(u"Item");
+  return table;
+}
+
+Ref<Enumerator> ScriptArguments::NewEnum() {
+  return MakeRef<ListEnumerator>(items_);
+}
+
+WScriptObject::WScriptObject(vbs::Engine& engine, String full_name, std::vector<String> arguments)
+    : engine_(engine),
+      full_name_(std::move(full_name)),
+      arguments_(MakeRef<ScriptArguments>(std::move(arguments))),
+      out_(MakeRef<ConsoleStream>(stdout)),
+      err_(MakeRef<ConsoleStream>(stderr)) {}
+
+const DispatchTable<WScriptObject>& WScriptObject::Table() {
+  static const auto table =
+      DispatchTable<WScriptObject>(u"Object")
+          .Method(u"Echo",
+                  [](WScriptObject& w, Args args) {
+                    String line;
+                    for (size_t i = 0; i < args.size(); ++i) {
+                      if (i) line.Append(u' ');
+                      line.Append(EchoText(args[i]).view());
+                    }
+                    line.Append(u'\n');
+                    w.out_->Write(line);
+                    return Variant();
+                  })
+          .Property(u"Arguments", [](WScriptObject& w, Args) { return Variant(w.arguments_); })
+          .Method(u"Quit",
+                  [](WScriptObject&, Args args) -> Variant {
+                    CheckArgCount(args, 0, 1);
+                    std::fflush(stdout);
+                    throw ScriptQuit{args.empty() ? 0 : ToLong(args[0])};
+                  })
+          .Property(u"StdOut", [](WScriptObject& w, Args) { return Variant(w.out_); })
+          .Property(u"StdErr", [](WScriptObject& w, Args) { return Variant(w.err_); })
+          .Property(u"ScriptFullName", [](WScriptObject& w, Args) { return Variant(w.full_name_); })
+          .Property(u"ScriptName",
+                    [](WScriptObject& w, Args) {
+                      const StringView full = w.full_name_.view();
+                      const size_t slash = full.find_last_of(u"/\\");
+                      return Variant(slash == StringView::npos ? full : full.substr(slash + 1));
+                    })
+          .Property(u"Name", [](WScriptObject&, Args) { return Variant(u"Windows Script Host"); })
+          .Property(u"Version", [](WScriptObject&, Args) { return Variant(u"5.8"); })
+          .Property(u"Interactive", [](WScriptObject&, Args) { return Variant(false); })
+          .Method(u"Sleep",
+                  [](WScriptObject&, Args args) {
+                    CheckArgCount(args, 1, 1);
+                    const int32_t ms = ToLong(args[0]);
+                    if (ms > 0) std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+                    return Variant();
+                  })
+          .Method(u"CreateObject", [](WScriptObject& w, Args args) {
+            CheckArgCount(args, 1, 2);
+            const String id = ToString(args[0]);
+            Ref<Object> object = w.engine_.Registry().Create(id);
+            if (!object) {
+              throw Error(kErrCannotCreateObject,
+                          StandardErrorText(kErrCannotCreateObject) + u": '" + id + u"'");
+            }
+            return Variant(object);
+          });
+  return table;
+}
+
+const DispatchTable<CounterObject>& CounterObject::Table() {
+  static const auto table =
+      DispatchTable<CounterObject>(u"Counter")
+          .Property(
+              u"Value", [](CounterObject& c, Args) { return Variant(c.value); },
+              [](CounterObject& c, Args, const Variant& v) { c.value = ToLong(v); })
+          .Method(u"Increment",
+                  [](CounterObject& c, Args) {
+                    ++c.value;
+                    return Variant(c.value);
+                  })
+          .Default(u"Value");
+  return table;
+}
+
+bool ReadScriptFile(const std::string& path, String& text) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return false;
+  const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  String raw;
+  if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF &&
+      static_cast<unsigned char>(bytes[1]) == 0xFE) {
+    for (size_t i = 2; i + 1 < bytes.size(); i += 2) {
+      raw.Append(static_cast<Char>(static_cast<unsigned char>(bytes[i]) |
+                                   (static_cast<unsigned char>(bytes[i + 1]) << 8)));
+    }
+  } else if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFE &&
+             static_cast<unsigned char>(bytes[1]) == 0xFF) {
+    for (size_t i = 2; i + 1 < bytes.size(); i += 2) {
+      raw.Append(static_cast<Char>((static_cast<unsigned char>(bytes[i]) << 8) |
+                                   static_cast<unsigned char>(bytes[i + 1])));
+    }
+  } else {
+    std::string_view body(bytes);
+    if (body.size() >= 3 && body.substr(0, 3) == "\xEF\xBB\xBF") body.remove_prefix(3);
+    raw = String::FromUtf8(body);
+  }
+  String out;
+  out.Reserve(raw.size() + raw.size() / 16);
+  const StringView v = raw.view();
+  for (size_t i = 0; i < v.size(); ++i) {
+    if (v[i] == '\n' && (i == 0 || v[i - 1] != '\r')) out.Append(u'\r');
+    out.Append(v[i]);
+  }
+  text = std::move(out);
+  return true;
+}
+
+std::string ErrorReport(const std::string& path, const vbs::ScriptError& error) {
+  std::ostringstream s;
+  s << path << "(" << error.Line() << ", " << error.Column() << ") " << error.Source().ToUtf8()
+    << ": " << error.Description().ToUtf8();
+  return s.str();
+}
+
+}  // namespace qv::cli

@@ -1,0 +1,1083 @@
+// The bytecode compiler. Each procedure is compiled on its own: a first walk finds its
+// declared and implicitly created locals, a second emits code. Loops, With and Select keep
+// their state in hidden locals, so the value stack is empty between statements and an error
+// under On Error Resume Next can simply continue at the next statement.
+#include "vbscript/compiler.h"
+
+#include <unordered_map>
+#include <unordered_set>
+
+#include "vbscript/errors.h"
+#include "vbscript/operators.h"
+
+namespace qv::vbs {
+namespace {
+
+using NameSet = std::unordered_set<String, NoCaseHash, NoCaseEqual>;
+
+enum class NameKind { Local, Ref, Field, Method, Global, Constant, Result };
+
+struct Resolved {
+  NameKind kind;
+  int32_t index = 0;
+  Variant value;
+};
+
+uint8_t VarKindOf(NameKind k) {
+  switch (k) {
+    case NameKind::Local:
+    case NameKind::Result:
+      return kVarLocal;
+    case NameKind::Ref:
+      return kVarRef;
+    case NameKind::Field:
+      return kVarField;
+    default:
+      return kVarGlobal;
+  }
+}
+
+bool IsVariable(NameKind k) {
+  return k == NameKind::Local || k == NameKind::Ref || k == NameKind::Field ||
+         k == NameKind::Global || k == NameKind::Result;
+}
+
+[[noreturn]] void Fail(int32_t number, int32_t line, int32_t column) {
+  throw CompileError(number, line, column);
+}
+
+// Folds a constant's value (a literal, possibly negated).
+Variant ConstantValue(const Expr& e) {
+  if (e.kind == ExprKind::Literal) return e.value;
+  if (e.kind == ExprKind::Unary && e.un == UnOp::Neg && e.object) {
+    return OpNeg(ConstantValue(*e.object));
+  }
+  if (e.kind == ExprKind::Paren && e.object) return ConstantValue(*e.object);
+  Fail(kCeExpectedLiteral, e.line, e.column);
+}
+
+bool IsLiteral(const Expr& e) {
+  return e.kind == ExprKind::Literal || (e.kind == ExprKind::Unary && e.un == UnOp::Neg &&
+                                         e.object && e.object->kind == ExprKind::Literal);
+}
+
+// Names the module-level code of this unit declares or assigns.
+struct UnitNames {
+  NameSet globals;
+};
+
+class ProcCompiler {
+ public:
+  ProcCompiler(Module& module, Proc& proc, const UnitNames& unit, ClassInfo* cls, const Proc* outer)
+      : module_(module), proc_(proc), unit_(unit), cls_(cls) {
+    if (outer) {
+      // The caller's locals, reached through references.
+      for (size_t i = 0; i < outer->local_names.size(); ++i) {
+        AddLocal(outer->local_names[i]);
+        proc_.byref.push_back(1);
+        ref_.push_back(true);
+      }
+      proc_.nparams = static_cast<uint16_t>(outer->local_names.size());
+    }
+  }
+
+  void CompileProcedure(const ProcDecl& decl) {
+    proc_.name = decl.name;
+    proc_.kind = decl.kind;
+    proc_.is_public = decl.is_public;
+    for (const auto& p : decl.params) {
+      if (FindLocal(p.name) >= 0) Fail(kCeNameRedefined, decl.line, decl.column);
+      AddLocal(p.name);
+      proc_.byref.push_back(p.by_val ? 0 : 1);
+      ref_.push_back(!p.by_val);
+    }
+    proc_.nparams = static_cast<uint16_t>(decl.params.size());
+    if (proc_.has_return_value()) {
+      proc_.result_slot = AddLocal(String());
+      own_name_ = decl.name;
+    }
+    Prescan(decl.body, false);
+    DeclareImplicit();
+    cur_line_ = decl.line;
+    cur_col_ = decl.column;
+    EmitArrays();
+    Block(decl.body);
+    Finish();
+  }
+
+  void CompileTop(const vbs::Block& body) {
+    proc_.is_top_level = true;
+    Prescan(body, true);
+    Block(body);
+    Finish();
+  }
+
+  void CompileExpr(const Expr& e) {
+    proc_.kind = ProcKind::Function;
+    proc_.result_slot = AddLocal(String());
+    cur_line_ = e.line;
+    cur_col_ = e.column;
+    MarkStatement(e.line, e.column);
+    Expression(e);
+    Emit(Op::StoreLocal, -1, proc_.result_slot);
+    Finish();
+  }
+
+  std::vector<std::pair<String, Variant>> module_constants;
+  std::vector<String> module_variables;
+
+ private:
+  // --- locals -------------------------------------------------------------------------------
+  int32_t AddLocal(const String& name) {
+    proc_.local_names.push_back(name);
+    if (!name.empty()) locals_.emplace(name, static_cast<int32_t>(proc_.local_names.size() - 1));
+    if (proc_.local_names.size() > 60000) Fail(kCeOutOfMemory, cur_line_, cur_col_);
+    return static_cast<int32_t>(proc_.local_names.size() - 1);
+  }
+  int32_t Hidden() { return AddLocal(String()); }
+  int32_t FindLocal(StringView name) const {
+    const auto it = locals_.find(name);
+    return it == locals_.end() ? -1 : it->second;
+  }
+
+  bool IsKnownGlobal(StringView name) const {
+    if (unit_.globals.count(name)) return true;
+    if (const GlobalSlot* s = module_.FindSlot(name); s && s->kind != SlotKind::Undefined)
+      return true;
+    if (Module* g = module_.global()) {
+      if (const GlobalSlot* s = g->FindSlot(name); s && s->kind != SlotKind::Undefined) return true;
+    }
+    return false;
+  }
+
+  void Prescan(const vbs::Block& body, bool top) {
+    for (const auto& s : body)
+      PrescanStmt(*s, top);
+  }
+
+  void Candidate(const Expr* target) {
+    if (target && target->kind == ExprKind::Name && !target->has_args)
+      candidates_.push_back(target->name);
+  }
+
+  void PrescanStmt(const Stmt& s, bool top) {
+    switch (s.kind) {
+      case StmtKind::Dim:
+        for (const auto& v : s.vars) {
+          if (top) continue;
+          if (FindLocal(v.name) >= 0 && FindLocal(v.name) >= proc_.nparams)
+            Fail(kCeNameRedefined, v.line, v.column);
+          if (FindLocal(v.name) < 0) AddLocal(v.name);
+          if (v.is_array) arrays_.push_back(&v);
+        }
+        break;
+      case StmtKind::ReDim:
+        for (const auto& t : s.redim_targets)
+          Candidate(t.get());
+        break;
+      case StmtKind::Assign:
+        Candidate(s.target.get());
+        break;
+      case StmtKind::For:
+      case StmtKind::ForEach:
+        Candidate(s.target.get());
+        break;
+      default:
+        break;
+    }
+    for (const auto& b : s.blocks)
+      Prescan(b, top);
+    for (const auto& c : s.cases)
+      Prescan(c.body, top);
+  }
+
+  void DeclareImplicit() {
+    if (module_option_explicit()) return;
+    for (const auto& name : candidates_) {
+      if (FindLocal(name) >= 0) continue;
+      if (!own_name_.empty() && EqualsNoCase(name, own_name_)) continue;
+      if (cls_ && cls_->Find(name) >= 0) continue;
+      if (IsKnownGlobal(name)) continue;
+      AddLocal(name);
+    }
+  }
+  bool module_option_explicit() const { return proc_.option_explicit; }
+
+  Resolved Resolve(StringView name) {
+    const int32_t local = FindLocal(name);
+    if (local >= 0) {
+      const bool is_ref = static_cast<size_t>(local) < ref_.size() && ref_[local];
+      return {is_ref ? NameKind::Ref : NameKind::Local, local, {}};
+    }
+    if (const auto it = local_consts_.find(name); it != local_consts_.end())
+      return {NameKind::Constant, 0, it->second};
+    if (cls_) {
+      const int32_t m = cls_->Find(name);
+      if (m >= 0) {
+        const ClassMember& member = cls_->members[m];
+        if (member.field >= 0) return {NameKind::Field, member.field, {}};
+        return {NameKind::Method, m, {}};
+      }
+    }
+    return {NameKind::Global, LinkSlot(name), {}};
+  }
+
+  int32_t LinkSlot(StringView name) {
+    const auto it = links_.find(name);
+    if (it != links_.end()) return it->second;
+    proc_.globals.push_back(module_.Slot(name));
+    const auto index = static_cast<int32_t>(proc_.globals.size() - 1);
+    links_.emplace(String(name), index);
+    return index;
+  }
+
+  int32_t Constant(Variant v) {
+    proc_.consts.push_back(std::move(v));
+    return static_cast<int32_t>(proc_.consts.size() - 1);
+  }
+
+  int32_t Site(StringView name) {
+    proc_.sites.push_back(MemberSite{String(name)});
+    return static_cast<int32_t>(proc_.sites.size() - 1);
+  }
+
+  // --- emission -----------------------------------------------------------------------------
+  size_t Emit(Op op, int delta, int32_t a = 0, uint32_t n = 0, uint8_t flags = 0, int32_t b = 0) {
+    Instr in;
+    in.op = op;
+    in.a = a;
+    in.n = static_cast<uint16_t>(n);
+    in.flags = flags;
+    in.b = b;
+    proc_.code.push_back(in);
+    proc_.lines.push_back(cur_line_);
+    proc_.columns.push_back(cur_col_);
+    proc_.stmt_start.push_back(pending_start_ ? 1 : 0);
+    pending_start_ = false;
+    depth_ += delta;
+    if (depth_ > static_cast<int>(proc_.max_stack)) proc_.max_stack = depth_;
+    return proc_.code.size() - 1;
+  }
+  size_t Here() const { return proc_.code.size(); }
+  void Patch(size_t at, size_t target) { proc_.code[at].a = static_cast<int32_t>(target); }
+  void PatchB(size_t at, size_t target) { proc_.code[at].b = static_cast<int32_t>(target); }
+
+  void MarkStatement(int32_t line, int32_t column) {
+    cur_line_ = line;
+    cur_col_ = column;
+    pending_start_ = true;
+  }
+
+  void Finish() {
+    MarkStatement(cur_line_, cur_col_);
+    Emit(Op::Return, 0);
+    proc_.nlocals = static_cast<uint16_t>(proc_.local_names.size());
+    proc_.max_stack += 2;
+  }
+
+  void EmitArrays() {
+    for (const VarDecl* v : arrays_) {
+      const Resolved r = Resolve(v->name);
+      for (const auto& b : v->bounds)
+        Emit(Op::PushConst, 1, Constant(ConstantValue(*b)));
+      Emit(Op::DimArray, -static_cast<int>(v->bounds.size()), r.index,
+           static_cast<uint32_t>(v->bounds.size()), VarKindOf(r.kind));
+    }
+  }
+
+  // --- expressions --------------------------------------------------------------------------
+  void Expression(const Expr& e) {
+    switch (e.kind) {
+      case ExprKind::Literal:
+        Emit(Op::PushConst, 1, Constant(e.value));
+        return;
+      case ExprKind::Paren:
+        Expression(*e.object);
+        return;
+      case ExprKind::Me:
+        if (!cls_) Fail(kCeInvalidMe, e.line, e.column);
+        Emit(Op::PushMe, 1);
+        return;
+      case ExprKind::New:
+        Emit(Op::New, 1, LinkSlot(e.name));
+        return;
+      case ExprKind::Unary:
+        if (e.un == UnOp::Neg && e.object->kind == ExprKind::Literal &&
+            e.object->value.is_numeric_type()) {
+          Emit(Op::PushConst, 1, Constant(OpNeg(e.object->value)));
+          return;
+        }
+        Expression(*e.object);
+        Emit(e.un == UnOp::Neg ? Op::Neg : Op::Not, 0);
+        return;
+      case ExprKind::Binary:
+        Binary(e);
+        return;
+      case ExprKind::Name:
+        NameValue(e, true);
+        return;
+      case ExprKind::Member:
+        MemberValue(e, true);
+        return;
+      case ExprKind::Index: {
+        Expression(*e.object);
+        uint32_t mask = 0;
+        Arguments(e.args, mask);
+        Emit(Op::IndexValue, -static_cast<int>(e.args.size()), 0,
+             static_cast<uint32_t>(e.args.size()), kWantResult, static_cast<int32_t>(mask));
+        return;
+      }
+    }
+  }
+
+  // Left-leaning chains are compiled from their leftmost operand up, without recursion.
+  void Binary(const Expr& top) {
+    std::vector<const Expr*> spine;
+    const Expr* cur = &top;
+    while (cur->kind == ExprKind::Binary) {
+      spine.push_back(cur);
+      cur = cur->object.get();
+    }
+    Expression(*cur);
+    for (auto it = spine.rbegin(); it != spine.rend(); ++it)
+      BinaryStep(**it);
+  }
+
+  void BinaryStep(const Expr& e) {
+    Expression(*e.right);
+    static constexpr Op kOps[] = {Op::Add, Op::Sub, Op::Mul,    Op::Div, Op::IntDiv,
+                                  Op::Mod, Op::Pow, Op::Concat, Op::Eq,  Op::Ne,
+                                  Op::Lt,  Op::Le,  Op::Gt,     Op::Ge,  Op::Is,
+                                  Op::And, Op::Or,  Op::Xor,    Op::Eqv, Op::Imp};
+    uint8_t hints = 0;
+    if (IsLiteral(*e.object)) hints |= kLeftIsLiteral;
+    if (IsLiteral(*e.right)) hints |= kRightIsLiteral;
+    Emit(kOps[static_cast<int>(e.bin)], -1, 0, 0, hints);
+  }
+
+  void Arguments(const std::vector<ExprPtr>& args, uint32_t& mask) {
+    if (args.size() > 0xFFFF) Fail(kCeOutOfMemory, cur_line_, cur_col_);
+    for (size_t i = 0; i < args.size(); ++i) {
+      const Expr& a = *args[i];
+      if (a.kind == ExprKind::Name && !a.has_args && i < 32) {
+        const Resolved r = Resolve(a.name);
+        if (IsVariable(r.kind)) {
+          static constexpr Op kArgOps[] = {Op::ArgLocal, Op::ArgRef, Op::ArgGlobal, Op::ArgField};
+          Emit(kArgOps[VarKindOf(r.kind)], 1,
+               r.kind == NameKind::Result ? proc_.result_slot : r.index);
+          mask |= 1u << i;
+          continue;
+        }
+      }
+      Expression(a);
+    }
+  }
+
+  // A name as a value (want) or as a call statement (!want).
+  void NameValue(const Expr& e, bool want) {
+    const uint8_t want_flag = want ? kWantResult : 0;
+    if (!own_name_.empty() && EqualsNoCase(e.name, own_name_) && !e.has_args) {
+      if (want) Emit(Op::LoadLocal, 1, proc_.result_slot);
+      return;
+    }
+    Resolved r = Resolve(e.name);
+    if (!own_name_.empty() && EqualsNoCase(e.name, own_name_) && cls_ &&
+        r.kind != NameKind::Method) {
+      r = {NameKind::Global, LinkSlot(e.name), {}};
+    }
+    const auto argc = static_cast<uint32_t>(e.args.size());
+    switch (r.kind) {
+      case NameKind::Constant:
+        if (e.has_args) Fail(kCeExpectedEndOfStatement, e.line, e.column);
+        if (want) Emit(Op::PushConst, 1, Constant(r.value));
+        return;
+      case NameKind::Method: {
+        uint32_t mask = 0;
+        Arguments(e.args, mask);
+        Emit(Op::CallMethod, -static_cast<int>(argc) + (want ? 1 : 0), r.index, argc, want_flag,
+             static_cast<int32_t>(mask));
+        return;
+      }
+      case NameKind::Global:
+        if (!e.has_args && want) {
+          Emit(Op::LoadGlobal, 1, r.index);
+          return;
+        }
+        {
+          uint32_t mask = 0;
+          Arguments(e.args, mask);
+          Emit(Op::CallGlobal, -static_cast<int>(argc) + (want ? 1 : 0), r.index, argc, want_flag,
+               static_cast<int32_t>(mask));
+        }
+        return;
+      default:
+        break;
+    }
+    const uint8_t kind = VarKindOf(r.kind);
+    const int32_t slot = r.kind == NameKind::Result ? proc_.result_slot : r.index;
+    if (!e.has_args && want) {
+      static constexpr Op kLoads[] = {Op::LoadLocal, Op::LoadRef, Op::LoadGlobal, Op::LoadField};
+      Emit(kLoads[kind], 1, slot);
+      return;
+    }
+    uint32_t mask = 0;
+    Arguments(e.args, mask);
+    Emit(Op::Index, -static_cast<int>(argc) + (want ? 1 : 0), slot, argc,
+         static_cast<uint8_t>(kind | want_flag), static_cast<int32_t>(mask));
+  }
+
+  void WithObject(const Expr& e) {
+    if (with_slots_.empty()) Fail(kCeSyntax, e.line, e.column);
+    Emit(Op::LoadLocal, 1, with_slots_.back());
+  }
+
+  void MemberValue(const Expr& e, bool want) {
+    // Me.x inside the class reaches private members and fields directly.
+    if (e.object && e.object->kind == ExprKind::Me && cls_) {
+      const int32_t m = cls_->Find(e.name);
+      if (m >= 0) {
+        Expr inner;
+        inner.kind = ExprKind::Name;
+        inner.line = e.line;
+        inner.column = e.column;
+        inner.name = e.name;
+        inner.has_args = e.has_args;
+        // Borrow the arguments for the duration of the call.
+        auto& args = const_cast<std::vector<ExprPtr>&>(e.args);
+        inner.args = std::move(args);
+        const String saved = own_name_;
+        own_name_ = String();
+        NameValue(inner, want);
+        own_name_ = saved;
+        args = std::move(inner.args);
+        return;
+      }
+    }
+    if (e.object) {
+      Expression(*e.object);
+    } else {
+      WithObject(e);
+    }
+    uint32_t mask = 0;
+    Arguments(e.args, mask);
+    const auto argc = static_cast<uint32_t>(e.args.size());
+    Emit(Op::CallMember, -static_cast<int>(argc) - 1 + (want ? 1 : 0), Site(e.name), argc,
+         want ? kWantResult : 0, static_cast<int32_t>(mask));
+  }
+
+  // --- statements ---------------------------------------------------------------------------
+  void Block(const vbs::Block& body) {
+    for (const auto& s : body)
+      Statement(*s);
+  }
+
+  void Statement(const Stmt& s) {
+    MarkStatement(s.line, s.column);
+    depth_ = 0;
+    switch (s.kind) {
+      case StmtKind::Assign:
+        Assign(s);
+        break;
+      case StmtKind::Call:
+        CallStatement(*s.target);
+        break;
+      case StmtKind::Dim:
+        Dim(s);
+        break;
+      case StmtKind::ReDim:
+        ReDim(s);
+        break;
+      case StmtKind::Const:
+        Const(s);
+        break;
+      case StmtKind::Erase:
+        Erase(s);
+        break;
+      case StmtKind::If:
+        If(s);
+        break;
+      case StmtKind::Select:
+        Select(s);
+        break;
+      case StmtKind::For:
+        For(s);
+        break;
+      case StmtKind::ForEach:
+        ForEach(s);
+        break;
+      case StmtKind::Do:
+        Do(s);
+        break;
+      case StmtKind::While:
+        While(s);
+        break;
+      case StmtKind::Exit:
+        Exit(s);
+        break;
+      case StmtKind::With:
+        With(s);
+        break;
+      case StmtKind::OnErrorResumeNext:
+        Emit(Op::OnError, 0, 1);
+        break;
+      case StmtKind::OnErrorGoto0:
+        Emit(Op::OnError, 0, 0);
+        break;
+      case StmtKind::Nop:
+        Emit(Op::Nop, 0);
+        break;
+    }
+  }
+
+  // The leftmost operand of a chain of `&`, when it is the plain name `name`.
+  static bool StartsWithName(const Expr& e, StringView name, std::vector<const Expr*>& rest) {
+    const Expr* cur = &e;
+    while (cur->kind == ExprKind::Binary && cur->bin == BinOp::Concat) {
+      rest.push_back(cur->right.get());
+      cur = cur->object.get();
+    }
+    if (rest.empty()) return false;
+    return cur->kind == ExprKind::Name && !cur->has_args && EqualsNoCase(cur->name, name);
+  }
+
+  void Assign(const Stmt& s) {
+    const Expr& t = *s.target;
+    const uint8_t set = s.flag ? kSetFlag : 0;
+    if (t.kind == ExprKind::Name && !t.has_args) {
+      Resolved r = Resolve(t.name);
+      if (!own_name_.empty() && EqualsNoCase(t.name, own_name_)) {
+        r = {NameKind::Result, proc_.result_slot, {}};
+      }
+      if (r.kind == NameKind::Constant) Fail(kCeSyntax, t.line, t.column);
+      if (r.kind == NameKind::Method) {
+        // A property of Me assigned from inside the class.
+        Emit(Op::PushMe, 1);
+        Expression(*s.value);
+        Emit(Op::StoreMember, -2, Site(t.name), 0, set);
+        return;
+      }
+      const uint8_t kind = VarKindOf(r.kind);
+      const int32_t slot = r.kind == NameKind::Result ? proc_.result_slot : r.index;
+      std::vector<const Expr*> rest;
+      if (!s.flag && StartsWithName(*s.value, t.name, rest)) {
+        for (auto it = rest.rbegin(); it != rest.rend(); ++it) {
+          Expression(**it);
+          Emit(Op::Append, -1, slot, 0, kind);
+        }
+        return;
+      }
+      Expression(*s.value);
+      static constexpr Op kStores[] = {Op::StoreLocal, Op::StoreRef, Op::StoreGlobal,
+                                       Op::StoreField};
+      Emit(kStores[kind], -1, slot, 0, set);
+      return;
+    }
+    const auto argc = static_cast<uint32_t>(t.args.size());
+    if (t.kind == ExprKind::Name) {
+      Resolved r = Resolve(t.name);
+      if (r.kind == NameKind::Constant) Fail(kCeSyntax, t.line, t.column);
+      if (r.kind == NameKind::Method) {
+        Emit(Op::PushMe, 1);
+        for (const auto& a : t.args)
+          Expression(*a);
+        Expression(*s.value);
+        Emit(Op::StoreMember, -static_cast<int>(argc) - 2, Site(t.name), argc, set);
+        return;
+      }
+      for (const auto& a : t.args)
+        Expression(*a);
+      Expression(*s.value);
+      const int32_t slot = r.kind == NameKind::Result ? proc_.result_slot : r.index;
+      Emit(Op::StoreIndex, -static_cast<int>(argc) - 1, slot, argc,
+           static_cast<uint8_t>(VarKindOf(r.kind) | set));
+      return;
+    }
+    if (t.kind == ExprKind::Member) {
+      if (t.object && t.object->kind == ExprKind::Me && cls_ && cls_->Find(t.name) >= 0 &&
+          cls_->members[cls_->Find(t.name)].field >= 0) {
+        const int32_t field = cls_->members[cls_->Find(t.name)].field;
+        for (const auto& a : t.args)
+          Expression(*a);
+        Expression(*s.value);
+        if (t.has_args) {
+          Emit(Op::StoreIndex, -static_cast<int>(argc) - 1, field, argc,
+               static_cast<uint8_t>(kVarField | set));
+        } else {
+          Emit(Op::StoreField, -1, field, 0, set);
+        }
+        return;
+      }
+      if (t.object) {
+        Expression(*t.object);
+      } else {
+        WithObject(t);
+      }
+      for (const auto& a : t.args)
+        Expression(*a);
+      Expression(*s.value);
+      Emit(Op::StoreMember, -static_cast<int>(argc) - 2, Site(t.name), argc, set);
+      return;
+    }
+    if (t.kind == ExprKind::Index) {
+      Expression(*t.object);
+      for (const auto& a : t.args)
+        Expression(*a);
+      Expression(*s.value);
+      Emit(Op::StoreIndexValue, -static_cast<int>(argc) - 2, 0, argc, set);
+      return;
+    }
+    Fail(kCeExpectedStatement, t.line, t.column);
+  }
+
+  void CallStatement(const Expr& e) {
+    switch (e.kind) {
+      case ExprKind::Name:
+        NameValue(e, false);
+        return;
+      case ExprKind::Member:
+        MemberValue(e, false);
+        return;
+      case ExprKind::Index:
+        Expression(e);
+        Emit(Op::Pop, -1);
+        return;
+      default:
+        Fail(kCeExpectedStatement, e.line, e.column);
+    }
+  }
+
+  void Dim(const Stmt& s) {
+    for (const auto& v : s.vars) {
+      if (!proc_.is_top_level) continue;  // locals were declared by the first walk
+      module_variables.push_back(v.name);
+      if (!v.is_array || v.bounds.empty()) {
+        if (v.is_array) {
+          Emit(Op::DimArray, 0, LinkSlot(v.name), 0, kVarGlobal);
+        }
+        continue;
+      }
+      for (const auto& b : v.bounds)
+        Emit(Op::PushConst, 1, Constant(ConstantValue(*b)));
+      Emit(Op::DimArray, -static_cast<int>(v.bounds.size()), LinkSlot(v.name),
+           static_cast<uint32_t>(v.bounds.size()), kVarGlobal);
+    }
+    if (!proc_.is_top_level) {
+      // Dynamic arrays of a procedure (`Dim a()`) start as empty arrays.
+      for (const auto& v : s.vars) {
+        if (v.is_array && v.bounds.empty()) {
+          const Resolved r = Resolve(v.name);
+          Emit(Op::DimArray, 0, r.index, 0, VarKindOf(r.kind));
+        }
+      }
+    }
+  }
+
+  void ReDim(const Stmt& s) {
+    for (size_t i = 0; i < s.redim_targets.size(); ++i) {
+      const Expr& t = *s.redim_targets[i];
+      const auto& bounds = s.vars[i].bounds;
+      const auto n = static_cast<uint32_t>(bounds.size());
+      if (t.kind == ExprKind::Member) {
+        if (t.object) {
+          Expression(*t.object);
+        } else {
+          WithObject(t);
+        }
+        for (const auto& b : bounds)
+          Expression(*b);
+        Emit(Op::ReDimMember, -static_cast<int>(n) - 1, Site(t.name), n, 0, s.flag ? 1 : 0);
+        continue;
+      }
+      const Resolved r = Resolve(t.name);
+      if (!IsVariable(r.kind)) Fail(kCeSyntax, t.line, t.column);
+      for (const auto& b : bounds)
+        Expression(*b);
+      Emit(Op::ReDim, -static_cast<int>(n),
+           r.kind == NameKind::Result ? proc_.result_slot : r.index, n, VarKindOf(r.kind),
+           s.flag ? 1 : 0);
+    }
+  }
+
+  void Const(const Stmt& s) {
+    for (const auto& v : s.vars) {
+      Variant value = ConstantValue(*v.value);
+      if (proc_.is_top_level) {
+        module_constants.emplace_back(v.name, value);
+      }
+      local_consts_[v.name] = std::move(value);
+    }
+  }
+
+  void Erase(const Stmt& s) {
+    const Expr& t = *s.target;
+    if (t.kind != ExprKind::Name) Fail(kCeSyntax, t.line, t.column);
+    const Resolved r = Resolve(t.name);
+    if (!IsVariable(r.kind)) Fail(kCeSyntax, t.line, t.column);
+    Emit(Op::Erase, 0, r.index, 0, VarKindOf(r.kind));
+  }
+
+  void If(const Stmt& s) {
+    std::vector<size_t> ends;
+    for (size_t i = 0; i < s.conditions.size(); ++i) {
+      if (i > 0) MarkStatement(s.conditions[i]->line, s.conditions[i]->column);
+      Expression(*s.conditions[i]);
+      const size_t skip = Emit(Op::JmpFalse, -1);
+      Block(s.blocks[i]);
+      if (i + 1 < s.blocks.size()) ends.push_back(Emit(Op::Jmp, 0));
+      Patch(skip, Here());
+    }
+    if (s.has_else) Block(s.blocks.back());
+    for (size_t e : ends)
+      Patch(e, Here());
+  }
+
+  void Select(const Stmt& s) {
+    const int32_t hidden = Hidden();
+    Expression(*s.value);
+    Emit(Op::StoreLocal, -1, hidden);
+    std::vector<size_t> to_body(s.cases.size(), 0);
+    std::vector<std::vector<size_t>> jumps(s.cases.size());
+    for (size_t i = 0; i < s.cases.size(); ++i) {
+      for (const auto& v : s.cases[i].values) {
+        Emit(Op::LoadLocal, 1, hidden);
+        Expression(*v);
+        Emit(Op::Eq, -1, 0, 0, IsLiteral(*v) ? kRightIsLiteral : 0);
+        jumps[i].push_back(Emit(Op::JmpTrue, -1));
+      }
+    }
+    // No case matched: Case Else, or the end.
+    size_t no_match = Emit(Op::Jmp, 0);
+    std::vector<size_t> ends;
+    for (size_t i = 0; i < s.cases.size(); ++i) {
+      const size_t start = Here();
+      if (s.cases[i].values.empty()) Patch(no_match, start), no_match = SIZE_MAX;
+      for (size_t j : jumps[i])
+        Patch(j, start);
+      Block(s.cases[i].body);
+      ends.push_back(Emit(Op::Jmp, 0));
+    }
+    if (no_match != SIZE_MAX) Patch(no_match, Here());
+    for (size_t e : ends)
+      Patch(e, Here());
+    Emit(Op::PushEmpty, 1);
+    Emit(Op::StoreLocal, -1, hidden);
+  }
+
+  struct LoopScope {
+    ExitKind kind;
+    std::vector<size_t> exits;
+  };
+
+  Resolved LoopVariable(const Expr& var) {
+    Resolved r = Resolve(var.name);
+    if (!own_name_.empty() && EqualsNoCase(var.name, own_name_))
+      r = {NameKind::Result, proc_.result_slot, {}};
+    if (!IsVariable(r.kind)) Fail(kCeInvalidForVariable, var.line, var.column);
+    if (r.kind == NameKind::Result) r.index = proc_.result_slot;
+    return r;
+  }
+
+  void For(const Stmt& s) {
+    const Resolved r = LoopVariable(*s.target);
+    const int32_t hidden = Hidden();
+    Hidden();
+    Expression(*s.value);
+    Expression(*s.to);
+    if (s.step) {
+      Expression(*s.step);
+    } else {
+      Emit(Op::PushConst, 1, Constant(Variant(int16_t{1})));
+    }
+    const size_t init =
+        Emit(Op::ForInit, -3, r.index, static_cast<uint32_t>(hidden), VarKindOf(r.kind));
+    const size_t body = Here();
+    loops_.push_back({ExitKind::For, {}});
+    Block(s.blocks[0]);
+    MarkStatement(s.line, s.column);
+    Emit(Op::ForNext, 0, r.index, static_cast<uint32_t>(hidden), VarKindOf(r.kind),
+         static_cast<int32_t>(body));
+    PatchB(init, Here());
+    EndLoop();
+  }
+
+  void ForEach(const Stmt& s) {
+    const Resolved r = LoopVariable(*s.target);
+    const int32_t hidden = Hidden();
+    Hidden();
+    Expression(*s.value);
+    Emit(Op::ForEachInit, -1, 0, static_cast<uint32_t>(hidden));
+    const size_t next =
+        Emit(Op::ForEachNext, 0, r.index, static_cast<uint32_t>(hidden), VarKindOf(r.kind));
+    loops_.push_back({ExitKind::For, {}});
+    Block(s.blocks[0]);
+    Emit(Op::Jmp, 0, static_cast<int32_t>(next));
+    PatchB(next, Here());
+    EndLoop();
+    Emit(Op::PushEmpty, 1);
+    Emit(Op::StoreLocal, -1, hidden);
+  }
+
+  void EndLoop() {
+    for (size_t e : loops_.back().exits)
+      Patch(e, Here());
+    loops_.pop_back();
+  }
+
+  void Do(const Stmt& s) {
+    const size_t top = Here();
+    loops_.push_back({ExitKind::Do, {}});
+    size_t exit_jump = SIZE_MAX;
+    if (s.test == LoopTest::WhileBefore || s.test == LoopTest::UntilBefore) {
+      Expression(*s.value);
+      exit_jump = Emit(s.test == LoopTest::WhileBefore ? Op::JmpFalse : Op::JmpTrue, -1);
+    }
+    Block(s.blocks[0]);
+    if (s.test == LoopTest::WhileAfter || s.test == LoopTest::UntilAfter) {
+      MarkStatement(s.value->line, s.value->column);
+      Expression(*s.value);
+      Emit(s.test == LoopTest::WhileAfter ? Op::JmpTrue : Op::JmpFalse, -1,
+           static_cast<int32_t>(top));
+    } else {
+      Emit(Op::Jmp, 0, static_cast<int32_t>(top));
+    }
+    if (exit_jump != SIZE_MAX) Patch(exit_jump, Here());
+    EndLoop();
+  }
+
+  void While(const Stmt& s) {
+    const size_t top = Here();
+    Expression(*s.value);
+    const size_t exit_jump = Emit(Op::JmpFalse, -1);
+    Block(s.blocks[0]);
+    Emit(Op::Jmp, 0, static_cast<int32_t>(top));
+    Patch(exit_jump, Here());
+  }
+
+  void Exit(const Stmt& s) {
+    if (s.exit == ExitKind::Do || s.exit == ExitKind::For) {
+      for (auto it = loops_.rbegin(); it != loops_.rend(); ++it) {
+        if (it->kind == s.exit) {
+          it->exits.push_back(Emit(Op::Jmp, 0));
+          return;
+        }
+      }
+      Fail(kCeInvalidExit, s.line, s.column);
+    }
+    if (proc_.is_top_level) Fail(kCeInvalidExit, s.line, s.column);
+    Emit(Op::Return, 0);
+  }
+
+  void With(const Stmt& s) {
+    const int32_t hidden = Hidden();
+    Expression(*s.target);
+    Emit(Op::StoreLocal, -1, hidden, 0, 0);
+    with_slots_.push_back(hidden);
+    Block(s.blocks[0]);
+    with_slots_.pop_back();
+    Emit(Op::PushEmpty, 1);
+    Emit(Op::StoreLocal, -1, hidden);
+  }
+
+  Module& module_;
+  Proc& proc_;
+  const UnitNames& unit_;
+  ClassInfo* cls_;
+  std::unordered_map<String, int32_t, NoCaseHash, NoCaseEqual> locals_;
+  std::unordered_map<String, Variant, NoCaseHash, NoCaseEqual> local_consts_;
+  std::unordered_map<String, int32_t, NoCaseHash, NoCaseEqual> links_;
+  std::vector<bool> ref_;
+  std::vector<String> candidates_;
+  std::vector<const VarDecl*> arrays_;
+  std::vector<int32_t> with_slots_;
+  std::vector<LoopScope> loops_;
+  String own_name_;
+  int32_t cur_line_ = 1;
+  int32_t cur_col_ = 1;
+  bool pending_start_ = false;
+  int depth_ = 0;
+};
+
+void CollectTopNames(const Block& body, NameSet& names) {
+  for (const auto& s : body) {
+    switch (s->kind) {
+      case StmtKind::Dim:
+      case StmtKind::Const:
+        for (const auto& v : s->vars)
+          names.insert(v.name);
+        break;
+      case StmtKind::Assign:
+      case StmtKind::For:
+      case StmtKind::ForEach:
+        if (s->target->kind == ExprKind::Name && !s->target->has_args)
+          names.insert(s->target->name);
+        break;
+      case StmtKind::ReDim:
+        for (const auto& t : s->redim_targets)
+          if (t->kind == ExprKind::Name) names.insert(t->name);
+        break;
+      default:
+        break;
+    }
+    for (const auto& b : s->blocks)
+      CollectTopNames(b, names);
+    for (const auto& c : s->cases)
+      CollectTopNames(c.body, names);
+  }
+}
+
+std::unique_ptr<Proc> NewProc(Module& module, const String& source, bool explicit_) {
+  auto p = std::make_unique<Proc>();
+  p->module = &module;
+  p->source = source;
+  p->option_explicit = explicit_;
+  return p;
+}
+
+Ref<ClassInfo> BuildClass(const ClassDecl& decl, Module& module) {
+  auto cls = MakeRef<ClassInfo>();
+  cls->name = decl.name;
+  cls->module = Ref<Module>(&module);
+  auto add = [&](const String& name, int32_t line, int32_t column) -> ClassMember& {
+    const int32_t existing = cls->Find(name);
+    if (existing >= 0) return cls->members[existing];
+    (void)line;
+    (void)column;
+    cls->members.push_back(ClassMember{name});
+    cls->index.emplace(name, static_cast<int32_t>(cls->members.size() - 1));
+    return cls->members.back();
+  };
+  for (const auto& f : decl.fields) {
+    if (cls->Find(f.var.name) >= 0) Fail(kCeNameRedefined, f.var.line, f.var.column);
+    ClassMember& m = add(f.var.name, f.var.line, f.var.column);
+    m.is_public = f.is_public;
+    m.field = static_cast<int32_t>(cls->fields.size());
+    FieldInit init;
+    init.is_array = f.var.is_array;
+    for (const auto& b : f.var.bounds)
+      init.uppers.push_back(ToLong(ConstantValue(*b)));
+    cls->fields.push_back(std::move(init));
+  }
+  for (const auto& p : decl.procs) {
+    const int32_t existing = cls->Find(p->name);
+    if (existing >= 0) {
+      const ClassMember& m = cls->members[existing];
+      const bool property = p->kind >= ProcKind::PropertyGet;
+      if (m.field >= 0 || m.method || !property) Fail(kCeNameRedefined, p->line, p->column);
+    }
+    ClassMember& m = add(p->name, p->line, p->column);
+    m.is_public = p->is_public;
+    if (p->is_default) {
+      if (cls->default_member >= 0 && cls->default_member != cls->Find(p->name))
+        Fail(kCeMultipleDefault, p->line, p->column);
+      cls->default_member = cls->Find(p->name);
+    }
+  }
+  return cls;
+}
+
+}  // namespace
+
+CompiledUnit CompileProgram(const Program& program, Module& module, const String& source,
+                            const Proc* outer) {
+  CompiledUnit unit;
+  UnitNames names;
+  CollectTopNames(program.body, names.globals);
+  for (const auto& p : program.procs)
+    names.globals.insert(p->name);
+  for (const auto& c : program.classes)
+    names.globals.insert(c->name);
+
+  // Procedures of the same name: the last one wins, as in VBScript.
+  for (const auto& decl : program.procs) {
+    auto proc = NewProc(module, source, program.option_explicit);
+    ProcCompiler pc(module, *proc, names, nullptr, nullptr);
+    pc.CompileProcedure(*decl);
+    unit.procs.push_back(std::move(proc));
+  }
+  for (const auto& cdecl : program.classes) {
+    Ref<ClassInfo> cls = BuildClass(*cdecl, module);
+    for (const auto& decl : cdecl->procs) {
+      auto proc = NewProc(module, source, program.option_explicit);
+      proc->cls = cls.get();
+      ProcCompiler pc(module, *proc, names, cls.get(), nullptr);
+      pc.CompileProcedure(*decl);
+      ClassMember& m = cls->members[cls->Find(decl->name)];
+      const Proc* p = proc.get();
+      switch (decl->kind) {
+        case ProcKind::Sub:
+        case ProcKind::Function:
+          if (decl->kind == ProcKind::Sub && EqualsNoCase(decl->name, u"Class_Initialize")) {
+            if (!decl->params.empty()) Fail(kCeInitTermArgs, decl->line, decl->column);
+            cls->initialize = p;
+          }
+          if (decl->kind == ProcKind::Sub && EqualsNoCase(decl->name, u"Class_Terminate")) {
+            if (!decl->params.empty()) Fail(kCeInitTermArgs, decl->line, decl->column);
+            cls->terminate = p;
+          }
+          m.method = p;
+          break;
+        case ProcKind::PropertyGet:
+          m.get = p;
+          break;
+        case ProcKind::PropertyLet:
+          m.let = p;
+          break;
+        case ProcKind::PropertySet:
+          m.set = p;
+          break;
+      }
+      unit.class_procs.push_back(std::move(proc));
+    }
+    unit.classes.push_back(std::move(cls));
+  }
+  unit.top = NewProc(module, source, program.option_explicit);
+  ClassInfo* outer_cls = outer ? outer->cls : nullptr;
+  unit.top->cls = outer_cls;
+  ProcCompiler top(module, *unit.top, names, outer_cls, outer);
+  top.CompileTop(program.body);
+  unit.constants = std::move(top.module_constants);
+  unit.variables = std::move(top.module_variables);
+  return unit;
+}
+
+std::unique_ptr<Proc> CompileExpression(const Expr& expr, Module& module, const String& source,
+                                        const Proc* outer) {
+  auto proc = NewProc(module, source, false);
+  UnitNames names;
+  ClassInfo* outer_cls = outer ? outer->cls : nullptr;
+  proc->cls = outer_cls;
+  ProcCompiler pc(module, *proc, names, outer_cls, outer);
+  pc.CompileExpr(expr);
+  return proc;
+}
+
+std::unique_ptr<Proc> Link(CompiledUnit& unit, Module& module) {
+  for (const auto& name : unit.variables) {
+    GlobalSlot* slot = module.Slot(name);
+    if (slot->kind != SlotKind::Variable) {
+      slot->kind = SlotKind::Variable;
+      slot->value.Clear();
+    }
+  }
+  for (auto& [name, value] : unit.constants) {
+    GlobalSlot* slot = module.Slot(name);
+    slot->kind = SlotKind::Constant;
+    slot->value = value;
+  }
+  for (auto& proc : unit.procs)
+    module.Define(module.AddProc(std::move(proc)));
+  for (auto& proc : unit.class_procs)
+    module.AddProc(std::move(proc));
+  for (auto& cls : unit.classes) {
+    GlobalSlot* slot = module.Slot(cls->name);
+    slot->kind = SlotKind::Class;
+    slot->cls = cls.get();
+    module.AddClass(cls);
+  }
+  unit.procs.clear();
+  unit.class_procs.clear();
+  unit.classes.clear();
+  return std::move(unit.top);
+}
+
+}  // namespace qv::vbs

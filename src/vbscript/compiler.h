@@ -1,0 +1,38 @@
+// Turns a syntax tree into bytecode: names are resolved to local slots, ByRef parameters,
+// fields of `Me` or entries of the procedure's link table into module slots, so running code
+// never looks a variable up by name.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "vbscript/program.h"
+
+namespace qv::vbs {
+
+// One compiled piece of source, not yet visible in its module: Link makes it so. Nothing of
+// a unit that failed to compile is ever linked.
+struct CompiledUnit {
+  std::unique_ptr<Proc> top;  // the module-level statements
+  std::vector<std::unique_ptr<Proc>> procs;
+  std::vector<std::unique_ptr<Proc>> class_procs;
+  std::vector<Ref<ClassInfo>> classes;
+  std::vector<std::pair<String, Variant>> constants;
+  std::vector<String> variables;
+};
+
+// Compiles a program for `module`. `outer`, when given, is the procedure whose locals the
+// code sees (Execute inside a procedure); `outer_me_class` the class of its `Me`.
+CompiledUnit CompileProgram(const Program& program, Module& module, const String& source,
+                            const Proc* outer);
+
+// Compiles an expression into a procedure that returns its value.
+std::unique_ptr<Proc> CompileExpression(const Expr& expr, Module& module, const String& source,
+                                        const Proc* outer);
+
+// Makes the unit's variables, constants, procedures and classes visible in the module
+// (replacing earlier definitions of the same names) and hands the procedures to the module.
+// Returns the module-level code, still owned by the caller.
+std::unique_ptr<Proc> Link(CompiledUnit& unit, Module& module);
+
+}  // namespace qv::vbs

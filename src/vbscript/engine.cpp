@@ -1,0 +1,208 @@
+// The script-control surface over the compiler and the virtual machine. Every entry clears
+// the error object, runs under the time limit, and on failure fills the error object (with
+// the line, column and text of the offending source line) before the error leaves.
+#include "vbscript/engine.h"
+
+#include <new>
+
+#include "vbscript/compiler.h"
+#include "vbscript/errors.h"
+#include "vbscript/parser.h"
+#include "vbscript/vm.h"
+
+namespace qv::vbs {
+namespace {
+
+constexpr std::u16string_view kGlobalModuleName = u"Global";
+
+String LineText(StringView source, int32_t wanted) {
+  int32_t line = 1;
+  size_t start = 0;
+  for (size_t i = 0; i < source.size() && line < wanted; ++i) {
+    if (source[i] == '\r' || source[i] == '\n') {
+      if (source[i] == '\r' && i + 1 < source.size() && source[i + 1] == '\n') ++i;
+      ++line;
+      start = i + 1;
+    }
+  }
+  if (line < wanted || start > source.size()) return {};
+  size_t end = start;
+  while (end < source.size() && source[end] != '\r' && source[end] != '\n')
+    ++end;
+  return String(source.substr(start, end - start));
+}
+
+}  // namespace
+
+// --- ScriptModule ----------------------------------------------------------------------------
+
+ScriptModule::ScriptModule(Engine& engine, Ref<Module> module)
+    : engine_(engine), module_(std::move(module)) {}
+
+ScriptModule::~ScriptModule() = default;
+
+const String& ScriptModule::Name() const {
+  return module_->name();
+}
+
+void ScriptModule::AddCode(StringView code) {
+  engine_.Guard(code, [&] {
+    const String source(code);
+    Program program = ParseProgram(source);
+    CompiledUnit unit = CompileProgram(program, *module_, source, nullptr);
+    auto top = Link(unit, *module_);
+    module_->vm()->RunTop(*top);
+    return 0;
+  });
+}
+
+Variant ScriptModule::Run(StringView procedure, std::span<Variant> args) {
+  return engine_.Guard({}, [&] {
+    GlobalSlot* slot = module_->FindSlot(procedure);
+    Proc dummy;
+    dummy.module = module_.get();
+    if (!slot) slot = module_->Slot(procedure);
+    GlobalSlot& s = module_->vm()->Resolve(*slot, dummy);
+    if (s.kind != SlotKind::Procedure) {
+      String text = StandardErrorText(kErrSubNotDefined);
+      throw qv::Error(kErrSubNotDefined, text + u": '" + procedure + u"'");
+    }
+    return module_->vm()->Call(*s.proc, nullptr, args);
+  });
+}
+
+Variant ScriptModule::Eval(StringView expression) {
+  return engine_.Guard(expression, [&] { return module_->vm()->EvalIn(*module_, expression); });
+}
+
+void ScriptModule::ExecuteStatement(StringView code) {
+  engine_.Guard(code, [&] {
+    module_->vm()->ExecuteIn(*module_, code, true);
+    return 0;
+  });
+}
+
+std::vector<ProcedureInfo> ScriptModule::Procedures() const {
+  std::vector<ProcedureInfo> out;
+  for (const Proc* p : module_->procedures()) {
+    out.push_back(ProcedureInfo{p->name, p->nparams, p->has_return_value()});
+  }
+  return out;
+}
+
+// --- Engine ----------------------------------------------------------------------------------
+
+Engine::Engine() : registry_(ClassRegistry::WithStandardClasses()) {
+  Start();
+}
+
+Engine::~Engine() {
+  Stop();
+}
+
+void Engine::Start() {
+  vm_ = MakeRef<Vm>();
+  vm_->set_timeout(timeout_ms_);
+  vm_->set_registry(&registry_);
+  auto global = MakeRef<Module>(String(kGlobalModuleName), vm_.get(), nullptr);
+  vm_->set_global_module(global.get());
+  modules_.push_back(std::make_unique<ScriptModule>(*this, std::move(global)));
+}
+
+void Engine::Stop() {
+  // Named modules first: they see the global one.
+  for (auto it = modules_.rbegin(); it != modules_.rend(); ++it)
+    (*it)->module().Clear();
+  vm_->member_objects().clear();
+  vm_->set_registry(nullptr);
+  vm_->set_global_module(nullptr);
+  modules_.clear();
+  object_names_.clear();
+  vm_.reset();
+}
+
+void Engine::Reset() {
+  Stop();
+  error_.Clear();
+  Start();
+}
+
+void Engine::SetLanguage(StringView language) {
+  if (!EqualsNoCase(language, u"VBScript")) throw qv::Error(kErrInvalidCall);
+}
+
+void Engine::SetTimeout(int32_t milliseconds) {
+  timeout_ms_ = milliseconds;
+  vm_->set_timeout(milliseconds);
+}
+
+void Engine::AddObject(StringView name, Ref<Object> object, bool add_members) {
+  Module& global = GlobalModule().module();
+  for (const auto& n : object_names_) {
+    if (EqualsNoCase(n, name)) throw qv::Error(kErrKeyExists);
+  }
+  object_names_.emplace_back(name);
+  GlobalSlot* slot = global.Slot(name);
+  slot->kind = SlotKind::HostObject;
+  slot->value = Variant(object.get());
+  if (add_members && object) vm_->member_objects().push_back(object);
+}
+
+ScriptModule& Engine::AddModule(StringView name) {
+  if (FindModule(name)) throw qv::Error(kErrKeyExists);
+  auto module = MakeRef<Module>(String(name), vm_.get(), &GlobalModule().module());
+  modules_.push_back(std::make_unique<ScriptModule>(*this, std::move(module)));
+  return *modules_.back();
+}
+
+ScriptModule* Engine::FindModule(StringView name) {
+  for (auto& m : modules_) {
+    if (EqualsNoCase(m->Name(), name)) return m.get();
+  }
+  return nullptr;
+}
+
+ScriptModule& Engine::Modules(StringView name) {
+  ScriptModule* m = FindModule(name);
+  if (!m) throw qv::Error(kErrSubscript);
+  return *m;
+}
+
+template <class F>
+auto Engine::Guard(StringView code, F&& body) -> decltype(body()) {
+  error_.Clear();
+  Ref<Vm> vm = vm_;
+  Vm::Entry entry(*vm);
+  try {
+    return body();
+  } catch (const CompileError& e) {
+    error_.number_ = e.number();
+    error_.description_ = e.description();
+    error_.source_ = e.source();
+    error_.line_ = e.line();
+    error_.column_ = e.column();
+    error_.text_ = LineText(code, e.line());
+    throw;
+  } catch (const qv::Error& e) {
+    error_.number_ = e.number();
+    error_.description_ = e.description();
+    error_.source_ = e.source().empty() ? String(kRuntimeErrorSource) : e.source();
+    const ErrorSite& site = vm->error_site();
+    if (site.set) {
+      error_.line_ = site.line;
+      error_.column_ = site.column;
+      error_.text_ = site.text;
+    }
+    vm->err().number = e.number();
+    vm->err().description = error_.description_;
+    vm->err().source = error_.source_;
+    throw;
+  } catch (const std::bad_alloc&) {
+    error_.number_ = kErrOutOfMemory;
+    error_.description_ = StandardErrorText(kErrOutOfMemory);
+    error_.source_ = String(kRuntimeErrorSource);
+    throw qv::Error(kErrOutOfMemory);
+  }
+}
+
+}  // namespace qv::vbs

@@ -1,0 +1,163 @@
+// What the compiler produces and the virtual machine runs: procedures with their bytecode,
+// the module-level slots that link table entries point at, and the modules that own both.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "automation/object.h"
+#include "vbscript/ast.h"
+#include "vbscript/opcodes.h"
+#include "vbscript/runtime.h"
+
+namespace qv::vbs {
+
+class Module;
+class Vm;
+struct ClassInfo;
+struct GlobalSlot;
+
+// A member access site with the member id it found last time, keyed by the object's
+// MemberCacheKey.
+struct MemberSite {
+  String name;
+  const void* key = nullptr;
+  DispId id = kDispIdUnknown;
+};
+
+struct Proc {
+  String name;
+  ProcKind kind = ProcKind::Sub;
+  bool is_public = true;
+  bool is_top_level = false;
+  bool option_explicit = false;
+  uint16_t nparams = 0;
+  uint16_t nlocals = 0;  // parameters, the result, declared and hidden locals
+  int32_t result_slot = -1;
+  uint32_t max_stack = 0;
+  std::vector<uint8_t> byref;       // per parameter
+  std::vector<String> local_names;  // per local; empty for hidden ones
+  std::vector<Instr> code;
+  std::vector<int32_t> lines;       // per instruction: line of its statement
+  std::vector<int32_t> columns;     // per instruction: column of its statement
+  std::vector<uint8_t> stmt_start;  // per instruction: first of a statement
+  std::vector<Variant> consts;
+  std::vector<GlobalSlot*> globals;  // the link table
+  mutable std::vector<MemberSite> sites;
+  Module* module = nullptr;
+  ClassInfo* cls = nullptr;
+  String source;  // the code it came from, for the text of an error's line
+  int32_t line_offset = 0;
+
+  bool has_return_value() const {
+    return kind == ProcKind::Function || kind == ProcKind::PropertyGet;
+  }
+};
+
+enum class SlotKind : uint8_t {
+  Undefined,
+  Variable,
+  Constant,
+  Procedure,
+  Class,
+  Builtin,
+  Intrinsic,
+  Alias,       // a name of the global module, seen from a named module
+  HostObject,  // an object added by the host
+  HostMember,  // a member of an object added with its members at global level
+};
+
+enum class Intrinsic : uint8_t {
+  Eval,
+  Execute,
+  ExecuteGlobal,
+  GetRef,
+  CreateObject,
+  GetObject,
+  Err,
+};
+
+struct GlobalSlot {
+  String name;
+  SlotKind kind = SlotKind::Undefined;
+  Variant value;  // variable, constant or host object
+  const Proc* proc = nullptr;
+  ClassInfo* cls = nullptr;
+  const BuiltinFunction* builtin = nullptr;
+  Intrinsic intrinsic = Intrinsic::Eval;
+  GlobalSlot* alias = nullptr;
+  DispId member = kDispIdUnknown;
+};
+
+// One member of a script class: a field, a Sub/Function, or a property's accessors.
+struct ClassMember {
+  String name;
+  bool is_public = true;
+  int32_t field = -1;
+  const Proc* method = nullptr;
+  const Proc* get = nullptr;
+  const Proc* let = nullptr;
+  const Proc* set = nullptr;
+};
+
+struct FieldInit {
+  bool is_array = false;
+  std::vector<int32_t> uppers;
+};
+
+struct ClassInfo : RefCounted {
+  String name;
+  std::vector<ClassMember> members;
+  std::unordered_map<String, int32_t, NoCaseHash, NoCaseEqual> index;
+  std::vector<FieldInit> fields;
+  int32_t default_member = -1;
+  const Proc* initialize = nullptr;
+  const Proc* terminate = nullptr;
+  Ref<Module> module;
+
+  int32_t Find(StringView n) const {
+    const auto it = index.find(n);
+    return it == index.end() ? -1 : it->second;
+  }
+};
+
+// A namespace of code: its module-level slots, every procedure compiled into it (kept until
+// the module ends, so a running procedure never loses its code when redefined), its classes.
+class Module : public RefCounted {
+ public:
+  // `global` is the engine's global module, whose names a named module sees; null for the
+  // global module itself.
+  Module(String name, Vm* vm, Module* global);
+  ~Module() override;
+
+  const String& name() const { return name_; }
+  Vm* vm() const { return vm_.get(); }
+  Module* global() const { return global_.get(); }
+
+  // The slot of a name, made (undefined) on first use.
+  GlobalSlot* Slot(StringView name);
+  GlobalSlot* FindSlot(StringView name) const;
+
+  Proc* AddProc(std::unique_ptr<Proc> proc);
+  void AddClass(Ref<ClassInfo> cls) { classes_.push_back(std::move(cls)); }
+  // Makes a procedure the current one of its name, replacing an earlier definition.
+  void Define(const Proc* proc);
+  const std::vector<const Proc*>& procedures() const { return procedures_; }
+
+  // Drops values and classes, breaking the cycles between objects and the module.
+  void Clear();
+
+ private:
+  String name_;
+  Ref<Vm> vm_;
+  Ref<Module> global_;
+  std::deque<GlobalSlot> slots_;
+  std::unordered_map<String, size_t, NoCaseHash, NoCaseEqual> index_;
+  std::vector<std::unique_ptr<Proc>> procs_;
+  std::vector<Ref<ClassInfo>> classes_;
+  std::vector<const Proc*> procedures_;
+};
+
+}  // namespace qv::vbs

@@ -1,0 +1,1232 @@
+// The dispatch loop and what it calls. Frames live on one value stack: a call's arguments
+// become the callee's first locals where the caller pushed them, and a parallel array of
+// pointers tells which of them stand for a caller's variable (ByRef). Integer, Long and
+// Double arithmetic and comparisons run inline; everything else goes through operators.cpp.
+#include "vbscript/vm.h"
+
+#include <pthread.h>
+
+#include <cmath>
+#include <new>
+
+#include "automation/convert.h"
+#include "automation/dispatch.h"
+#include "automation/safe_array.h"
+#include "vbscript/compiler.h"
+#include "vbscript/errors.h"
+#include "vbscript/operators.h"
+#include "vbscript/parser.h"
+
+namespace qv::vbs {
+namespace {
+
+constexpr size_t kStackSlots = size_t{1} << 18;
+constexpr int32_t kTimeBudget = 4096;
+#if defined(QV_SANITIZE) || defined(__SANITIZE_ADDRESS__)
+constexpr size_t kStackMargin = size_t{3} << 20;
+#else
+constexpr size_t kStackMargin = size_t{512} << 10;
+#endif
+
+const char* StackLimit() {
+  pthread_attr_t attr;
+  if (pthread_getattr_np(pthread_self(), &attr) == 0) {
+    void* addr = nullptr;
+    size_t size = 0;
+    pthread_attr_getstack(&attr, &addr, &size);
+    pthread_attr_destroy(&attr);
+    if (addr && size > kStackMargin * 2) return static_cast<const char*>(addr) + kStackMargin;
+  }
+  const char* here = static_cast<const char*>(__builtin_frame_address(0));
+  return here - (size_t{1} << 20);
+}
+
+[[noreturn]] void Raise(int32_t number) {
+  throw Error(number);
+}
+
+[[noreturn]] void RaiseNamed(int32_t number, StringView name) {
+  String text = StandardErrorText(number);
+  text.Append(u": '");
+  text.Append(name);
+  text.Append(u"'");
+  throw Error(number, std::move(text));
+}
+
+// Enumerators are no Objects; For Each keeps one in a hidden local through this holder.
+class EnumHolder : public Object {
+ public:
+  explicit EnumHolder(Ref<Enumerator> e) : e(std::move(e)) {}
+  String TypeName() const override { return u"Enumerator"; }
+  DispId GetIdOfName(StringView) override { return kDispIdUnknown; }
+  Variant Invoke(DispId, uint16_t, Args) override { Raise(kErrNotSupported); }
+  Ref<Enumerator> e;
+};
+
+class ErrObject : public DispatchObject<ErrObject> {
+ public:
+  explicit ErrObject(Vm* vm) : vm_(vm) {}
+  static const DispatchTable<ErrObject>& Table() {
+    static const auto table =
+        DispatchTable<ErrObject>(u"ErrObject")
+            .Property(
+                u"Number", [](ErrObject& e, Args) { return Variant(e.vm_->err().number); },
+                [](ErrObject& e, Args, const Variant& v) { e.vm_->err().number = ToLong(v); })
+            .Property(
+                u"Description",
+                [](ErrObject& e, Args) { return Variant(e.vm_->err().description); },
+                [](ErrObject& e, Args, const Variant& v) {
+                  e.vm_->err().description = ToString(v);
+                })
+            .Property(
+                u"Source", [](ErrObject& e, Args) { return Variant(e.vm_->err().source); },
+                [](ErrObject& e, Args, const Variant& v) { e.vm_->err().source = ToString(v); })
+            .Property(
+                u"HelpFile", [](ErrObject& e, Args) { return Variant(e.vm_->err().help_file); },
+                [](ErrObject& e, Args, const Variant& v) { e.vm_->err().help_file = ToString(v); })
+            .Property(
+                u"HelpContext",
+                [](ErrObject& e, Args) { return Variant(e.vm_->err().help_context); },
+                [](ErrObject& e, Args, const Variant& v) { e.vm_->err().help_context = ToLong(v); })
+            .Method(u"Clear",
+                    [](ErrObject& e, Args args) {
+                      CheckArgCount(args, 0, 0);
+                      e.vm_->err().Clear();
+                      return Variant();
+                    })
+            .Method(u"Raise", &ErrObject::RaiseError)
+            .Default(u"Number");
+    return table;
+  }
+
+ private:
+  static Variant RaiseError(ErrObject& e, Args args) {
+    CheckArgCount(args, 1, 5);
+    const int32_t number = ToLong(args[0]);
+    if (number == 0) Raise(kErrInvalidCall);
+    String source = HasArg(args, 1) ? ToString(args[1]) : String(kRuntimeErrorSource);
+    String description;
+    if (HasArg(args, 2)) {
+      description = ToString(args[2]);
+    } else {
+      description = StandardErrorText(number);
+      if (description.empty()) description = u"Unknown runtime error";
+    }
+    Error error(number, std::move(description), std::move(source));
+    e.vm_->err().help_file = HasArg(args, 3) ? ToString(args[3]) : String();
+    e.vm_->err().help_context = HasArg(args, 4) ? ToLong(args[4]) : 0;
+    throw error;
+  }
+  Vm* vm_;
+};
+
+bool Truth(const Variant& v) {
+  if (v.type() == VarType::Boolean) return v.as_bool();
+  if (v.is_null()) return false;
+  return ToBool(v.is_object() ? ValueOf(v) : v);
+}
+
+int32_t IndexValue(const Variant& v) {
+  if (v.type() == VarType::Integer) return v.as_integer();
+  if (v.type() == VarType::Long) return v.as_long();
+  const Variant plain = v.is_object() ? ValueOf(v) : v;
+  if (plain.is_null()) Raise(kErrInvalidUseOfNull);
+  return ToLong(plain);
+}
+
+// Integer, Long and Double operands of the inline arithmetic.
+inline bool IsSmallNumber(const Variant& v) {
+  const VarType t = v.type();
+  return t == VarType::Integer || t == VarType::Long || t == VarType::Double;
+}
+inline int64_t WholeOf(const Variant& v) {
+  return v.type() == VarType::Integer ? v.as_integer() : v.as_long();
+}
+inline double DoubleOf(const Variant& v) {
+  return v.type() == VarType::Double ? v.as_double() : static_cast<double>(WholeOf(v));
+}
+inline Variant Whole(int64_t r, bool integer) {
+  if (integer && r >= -32768 && r <= 32767) return Variant(static_cast<int16_t>(r));
+  if (r >= INT32_MIN && r <= INT32_MAX) return Variant(static_cast<int32_t>(r));
+  return Variant(static_cast<double>(r));
+}
+
+// a op b for Integer/Long/Double; false when another type asks for the general rules.
+template <class F, class G>
+inline bool FastArith(Variant& a, const Variant& b, F whole, G real) {
+  if (!IsSmallNumber(a) || !IsSmallNumber(b)) return false;
+  if (a.type() != VarType::Double && b.type() != VarType::Double) {
+    const bool integer = a.type() == VarType::Integer && b.type() == VarType::Integer;
+    a = Whole(whole(WholeOf(a), WholeOf(b)), integer);
+    return true;
+  }
+  const double r = real(DoubleOf(a), DoubleOf(b));
+  if (!std::isfinite(r)) Raise(kErrOverflow);
+  a = Variant(r);
+  return true;
+}
+
+template <class F>
+inline bool FastCompare(Variant& a, const Variant& b, F cmp) {
+  if (!IsSmallNumber(a) || !IsSmallNumber(b)) return false;
+  if (a.type() != VarType::Double && b.type() != VarType::Double) {
+    a = Variant(cmp(WholeOf(a), WholeOf(b)));
+  } else {
+    a = Variant(cmp(DoubleOf(a), DoubleOf(b)));
+  }
+  return true;
+}
+
+// Whether a For loop goes on: the counter has not passed the end in the step's direction.
+bool ForContinues(const Variant& var, const Variant& end, const Variant& step) {
+  if (IsSmallNumber(var) && IsSmallNumber(end) && IsSmallNumber(step)) {
+    if (var.type() != VarType::Double && end.type() != VarType::Double &&
+        step.type() != VarType::Double) {
+      return WholeOf(step) >= 0 ? WholeOf(var) <= WholeOf(end) : WholeOf(var) >= WholeOf(end);
+    }
+    return DoubleOf(step) >= 0 ? DoubleOf(var) <= DoubleOf(end) : DoubleOf(var) >= DoubleOf(end);
+  }
+  const double v = ToDouble(var), e = ToDouble(end), s = ToDouble(step);
+  return s >= 0 ? v <= e : v >= e;
+}
+
+Variant ForOperand(Variant v) {
+  if (v.is_object()) v = ValueOf(v);
+  if (v.is_null()) Raise(kErrInvalidUseOfNull);
+  if (v.is_string()) {
+    const auto n = ParseNumberText(v.as_string());
+    if (!n) Raise(kErrTypeMismatch);
+    return Variant(*n);
+  }
+  if (v.is_empty()) return Variant(int16_t{0});
+  if (!v.is_numeric_type()) Raise(kErrTypeMismatch);
+  return v;
+}
+
+struct IntrinsicName {
+  std::u16string_view name;
+  Intrinsic which;
+};
+constexpr IntrinsicName kIntrinsics[] = {
+    {u"Eval", Intrinsic::Eval},
+    {u"Execute", Intrinsic::Execute},
+    {u"ExecuteGlobal", Intrinsic::ExecuteGlobal},
+    {u"GetRef", Intrinsic::GetRef},
+    {u"CreateObject", Intrinsic::CreateObject},
+    {u"GetObject", Intrinsic::GetObject},
+    {u"Err", Intrinsic::Err},
+};
+
+Variant LetValue(Variant v) {
+  if (v.is_object()) return ValueOf(v);
+  return v;
+}
+
+void CheckSetValue(const Variant& v) {
+  if (!v.is_object()) Raise(kErrObjectRequired);
+}
+
+}  // namespace
+
+// --- set-up ----------------------------------------------------------------------------------
+
+Vm::Vm() {
+  stack_ = new Variant[kStackSlots];
+  refs_ = new Variant*[kStackSlots]();
+  capacity_ = kStackSlots;
+  top_ = stack_;
+  stack_limit_ = StackLimit();
+}
+
+Vm::~Vm() {
+  delete[] stack_;
+  delete[] refs_;
+}
+
+Object* Vm::err_object() {
+  if (!err_object_) err_object_ = MakeRef<ErrObject>(this);
+  return err_object_.get();
+}
+
+Vm::Entry::Entry(Vm& vm) : vm_(vm) {
+  if (vm.entries_++ > 0) return;
+  vm.site_ = ErrorSite();
+  vm.stack_limit_ = StackLimit();
+  vm.budget_ = kTimeBudget;
+  vm.has_deadline_ = vm.timeout_ms_ > 0;
+  if (vm.has_deadline_)
+    vm.deadline_ = std::chrono::steady_clock::now() + std::chrono::milliseconds(vm.timeout_ms_);
+}
+
+Vm::Entry::~Entry() {
+  --vm_.entries_;
+}
+
+void Vm::CheckTime() {
+  if (--budget_ > 0) return;
+  budget_ = kTimeBudget;
+  if (has_deadline_ && std::chrono::steady_clock::now() > deadline_)
+    throw Error(kErrTimeout, u"Script execution timed out", u"Microsoft VBScript runtime error");
+}
+
+void Vm::CheckStack(const Proc& proc, Variant* base) {
+  const char* here = static_cast<const char*>(__builtin_frame_address(0));
+  if (here < stack_limit_) Raise(kErrOutOfStack);
+  if (base + proc.nlocals + proc.max_stack + 8 > stack_ + capacity_) Raise(kErrOutOfStack);
+}
+
+// --- calls -----------------------------------------------------------------------------------
+
+namespace {
+// Clears a callee's slots and restores the machine's top when the call ends, thrown or not.
+struct FrameGuard {
+  Variant* base;
+  Variant* end;
+  Variant*& top;
+  Variant* saved_top;
+  int& depth;
+  ~FrameGuard() {
+    for (Variant* p = base; p < end; ++p)
+      p->Clear();
+    top = saved_top;
+    --depth;
+  }
+};
+}  // namespace
+
+Variant Vm::CallOnStack(const Proc& proc, ScriptObject* me, Variant* base, uint32_t argc,
+                        uint32_t mask) {
+  if (argc != proc.nparams) Raise(kErrWrongArgCount);
+  CheckStack(proc, base);
+  Frame f{&proc, base, refs_ + (base - stack_), me, false};
+  for (uint32_t i = 0; i < proc.nparams; ++i) {
+    if (!proc.byref[i]) continue;
+    if (i < 32 && (mask >> i & 1) && f.refs[i]) {
+      base[i].Clear();
+    } else {
+      f.refs[i] = &base[i];
+    }
+  }
+  Variant* const end = base + proc.nlocals + proc.max_stack;
+  ++depth_;
+  FrameGuard guard{base, end, top_, top_, depth_};
+  top_ = end;
+  Ref<ScriptObject> keep(me);
+  Run(f);
+  if (proc.result_slot >= 0) return std::move(base[proc.result_slot]);
+  return Variant();
+}
+
+Variant Vm::Call(const Proc& proc, ScriptObject* me, Args args) {
+  Variant* base = top_;
+  if (base + args.size() + proc.nlocals + proc.max_stack + 8 > stack_ + capacity_)
+    Raise(kErrOutOfStack);
+  if (args.size() != proc.nparams) Raise(kErrWrongArgCount);
+  uint32_t mask = 0;
+  for (size_t i = 0; i < args.size(); ++i) {
+    base[i] = args[i];
+    refs_[base - stack_ + i] = &args[i];
+    if (i < 32) mask |= 1u << i;
+  }
+  return CallOnStack(proc, me, base, static_cast<uint32_t>(args.size()), mask);
+}
+
+void Vm::RunTop(const Proc& top) {
+  Variant* base = top_;
+  CheckStack(top, base);
+  Frame f{&top, base, refs_ + (base - stack_), nullptr, false};
+  Variant* const end = base + top.nlocals + top.max_stack;
+  ++depth_;
+  FrameGuard guard{base, end, top_, top_, depth_};
+  top_ = end;
+  Run(f);
+}
+
+Variant Vm::EvalIn(Module& module, StringView expression) {
+  const String source(expression);
+  ExprPtr e = ParseExpression(source);
+  auto proc = CompileExpression(*e, module, source, nullptr);
+  return Call(*proc, nullptr, {});
+}
+
+void Vm::ExecuteIn(Module& module, StringView code, bool global) {
+  (void)global;
+  const String source(code);
+  Program program = ParseProgram(source);
+  CompiledUnit unit = CompileProgram(program, module, source, nullptr);
+  auto top = Link(unit, module);
+  RunTop(*top);
+}
+
+Variant Vm::RunSnippet(Frame& caller, StringView code, bool expression, bool global) {
+  Module& module = *caller.proc->module;
+  const String source(code);
+  const Proc* outer = global ? nullptr : caller.proc;
+  std::unique_ptr<Proc> proc;
+  try {
+    if (expression) {
+      ExprPtr e = ParseExpression(source);
+      proc = CompileExpression(*e, module, source, outer);
+    } else {
+      Program program = ParseProgram(source);
+      CompiledUnit unit = CompileProgram(program, module, source, outer);
+      proc = Link(unit, module);
+    }
+  } catch (const CompileError& e) {
+    throw Error(e.number(), e.description());
+  }
+  Variant* base = top_;
+  CheckStack(*proc, base);
+  Frame f{proc.get(), base, refs_ + (base - stack_), global ? nullptr : caller.me, false};
+  if (outer) {
+    for (uint32_t i = 0; i < proc->nparams; ++i) {
+      const bool by_ref = i < caller.proc->nparams && caller.proc->byref[i];
+      f.refs[i] = by_ref ? caller.refs[i] : &caller.locals[i];
+    }
+  }
+  Variant* const end = base + proc->nlocals + proc->max_stack;
+  ++depth_;
+  FrameGuard guard{base, end, top_, top_, depth_};
+  top_ = end;
+  Run(f);
+  if (proc->result_slot >= 0) return std::move(base[proc->result_slot]);
+  return Variant();
+}
+
+Ref<ScriptObject> Vm::NewInstance(ClassInfo& cls) {
+  Ref<ScriptObject> object = ScriptObject::Create(cls);
+  if (cls.initialize) Call(*cls.initialize, object.get(), {});
+  return object;
+}
+
+void Vm::Terminate(ScriptObject& object) noexcept {
+  const Proc* terminate = object.cls().terminate;
+  if (!terminate) return;
+  const ErrState saved = err_;
+  try {
+    Call(*terminate, &object, {});
+  } catch (...) {
+    // Class_Terminate may not fail its caller: the error is dropped as VBScript drops it.
+  }
+  err_ = saved;
+}
+
+// --- errors ----------------------------------------------------------------------------------
+
+void Vm::RecordSite(const Frame& f, size_t pc) {
+  if (site_.set) return;
+  const Proc& p = *f.proc;
+  if (pc >= p.lines.size()) pc = p.lines.empty() ? 0 : p.lines.size() - 1;
+  site_.set = true;
+  site_.line = p.lines.empty() ? 0 : p.lines[pc];
+  site_.column = p.columns.empty() ? 0 : p.columns[pc];
+  // The text of that line of the source.
+  const StringView src = p.source.view();
+  int32_t line = 1;
+  size_t start = 0;
+  for (size_t i = 0; i < src.size() && line < site_.line; ++i) {
+    if (src[i] == '\r' || src[i] == '\n') {
+      if (src[i] == '\r' && i + 1 < src.size() && src[i + 1] == '\n') ++i;
+      ++line;
+      start = i + 1;
+    }
+  }
+  size_t end = start;
+  while (end < src.size() && src[end] != '\r' && src[end] != '\n')
+    ++end;
+  site_.text = String(src.substr(std::min(start, src.size()), end - std::min(start, src.size())));
+}
+
+size_t Vm::HandleError(Frame& f, size_t pc, Variant*& sp, const Error& e) {
+  if (!f.resume_next || e.number() == kErrTimeout) {
+    RecordSite(f, pc);
+    throw;
+  }
+  err_.number = e.number();
+  err_.description = e.description();
+  err_.source = e.source().empty() ? String(kRuntimeErrorSource) : e.source();
+  site_ = ErrorSite();
+  Variant* const floor = f.locals + f.proc->nlocals;
+  while (sp > floor)
+    (--sp)->Clear();
+  const auto& starts = f.proc->stmt_start;
+  size_t next = pc + 1;
+  while (next < starts.size() && !starts[next])
+    ++next;
+  if (next >= starts.size()) next = starts.size() - 1;
+  return next;
+}
+
+// --- variables -------------------------------------------------------------------------------
+
+GlobalSlot& Vm::Resolve(GlobalSlot& slot, const Proc& proc) {
+  if (slot.kind == SlotKind::Alias) {
+    if (slot.alias->kind != SlotKind::Undefined) return *slot.alias;
+    slot.kind = SlotKind::Undefined;
+    slot.alias = nullptr;
+  }
+  if (slot.kind != SlotKind::Undefined) return slot;
+  Module* module = proc.module;
+  if (Module* g = module ? module->global() : nullptr) {
+    if (GlobalSlot* gs = g->FindSlot(slot.name); gs && gs->kind != SlotKind::Undefined) {
+      if (gs->kind == SlotKind::Alias) return *gs;
+      slot.kind = SlotKind::Alias;
+      slot.alias = gs;
+      return *gs;
+    }
+  }
+  for (const auto& object : member_objects_) {
+    const DispId id = object->GetIdOfName(slot.name);
+    if (id != kDispIdUnknown) {
+      slot.kind = SlotKind::HostMember;
+      slot.value = Variant(object.get());
+      slot.member = id;
+      return slot;
+    }
+  }
+  for (const auto& i : kIntrinsics) {
+    if (EqualsNoCase(i.name, slot.name)) {
+      slot.kind = SlotKind::Intrinsic;
+      slot.intrinsic = i.which;
+      return slot;
+    }
+  }
+  if (const BuiltinFunction* fn = FindBuiltin(slot.name)) {
+    slot.kind = SlotKind::Builtin;
+    slot.builtin = fn;
+    return slot;
+  }
+  if (auto value = FindConstant(slot.name)) {
+    slot.kind = SlotKind::Constant;
+    slot.value = std::move(*value);
+  }
+  return slot;
+}
+
+Variant& Vm::VarRef(Frame& f, uint8_t kind, int32_t slot) {
+  switch (kind & kVarKindMask) {
+    case kVarLocal:
+      return f.locals[slot];
+    case kVarRef:
+      return *f.refs[slot];
+    case kVarField:
+      return f.me->fields()[slot];
+    default:
+      break;
+  }
+  GlobalSlot& s = Resolve(*f.proc->globals[slot], *f.proc);
+  if (s.kind == SlotKind::Variable) return s.value;
+  if (s.kind == SlotKind::Undefined) {
+    if (f.proc->option_explicit) RaiseNamed(kErrVariableUndefined, s.name);
+    s.kind = SlotKind::Variable;
+    return s.value;
+  }
+  Raise(kErrIllegalAssignment);
+}
+
+Variant Vm::LoadGlobalSlot(Frame& f, GlobalSlot& slot) {
+  GlobalSlot& s = Resolve(slot, *f.proc);
+  switch (s.kind) {
+    case SlotKind::Variable:
+    case SlotKind::Constant:
+    case SlotKind::HostObject:
+      return s.value;
+    case SlotKind::Procedure:
+      return Call(*s.proc, nullptr, {});
+    case SlotKind::Builtin:
+      return CallBuiltin(*s.builtin, {});
+    case SlotKind::Intrinsic:
+      return CallIntrinsic(f, s.intrinsic, {}, true);
+    case SlotKind::HostMember:
+      return s.value.as_object()->Invoke(s.member, kInvokeGet | kInvokeMethod, {});
+    case SlotKind::Class:
+      Raise(kErrTypeMismatch);
+    default:
+      break;
+  }
+  if (f.proc->option_explicit) RaiseNamed(kErrVariableUndefined, s.name);
+  return Variant();
+}
+
+void Vm::StoreGlobalSlot(Frame& f, GlobalSlot& slot, Variant value, bool is_set) {
+  GlobalSlot& s = Resolve(slot, *f.proc);
+  if (s.kind == SlotKind::HostMember) {
+    Variant arg = std::move(value);
+    s.value.as_object()->Invoke(s.member, is_set ? kInvokeSet : kInvokeLet, Args(&arg, 1));
+    return;
+  }
+  if (s.kind == SlotKind::Undefined) {
+    if (f.proc->option_explicit) RaiseNamed(kErrVariableUndefined, s.name);
+    s.kind = SlotKind::Variable;
+  }
+  if (s.kind != SlotKind::Variable) Raise(kErrIllegalAssignment);
+  s.value = std::move(value);
+}
+
+// --- calls by kind ---------------------------------------------------------------------------
+
+Variant Vm::CallBuiltin(const BuiltinFunction& fn, Args args) {
+  if (args.size() < fn.min_args || args.size() > fn.max_args) Raise(kErrWrongArgCount);
+  return fn.fn(runtime_, args);
+}
+
+void Vm::WriteBack(Variant* args, uint32_t argc, uint32_t mask) {
+  if (!mask) return;
+  const size_t at = args - stack_;
+  for (uint32_t i = 0; i < argc && i < 32; ++i) {
+    if ((mask >> i & 1) && refs_[at + i]) *refs_[at + i] = args[i];
+  }
+}
+
+Variant Vm::CallSlot(Frame& f, GlobalSlot& slot, Variant* args, uint32_t argc, uint32_t mask,
+                     bool want) {
+  GlobalSlot& s = Resolve(slot, *f.proc);
+  const Args span(args, argc);
+  switch (s.kind) {
+    case SlotKind::Procedure:
+      return CallOnStack(*s.proc, nullptr, args, argc, mask);
+    case SlotKind::Builtin:
+      return CallBuiltin(*s.builtin, span);
+    case SlotKind::Intrinsic:
+      return CallIntrinsic(f, s.intrinsic, span, want);
+    case SlotKind::Variable:
+    case SlotKind::Constant:
+    case SlotKind::HostObject:
+      return ApplyIndex(s.value, span, want);
+    case SlotKind::HostMember: {
+      Variant r = s.value.as_object()->Invoke(
+          s.member, want ? (kInvokeMethod | kInvokeGet) : kInvokeMethod, span);
+      WriteBack(args, argc, mask);
+      return r;
+    }
+    case SlotKind::Class:
+      Raise(kErrTypeMismatch);
+    default:
+      break;
+  }
+  if (f.proc->option_explicit) RaiseNamed(kErrVariableUndefined, s.name);
+  RaiseNamed(kErrTypeMismatch, s.name);
+}
+
+Variant Vm::CallMethod(Frame& f, int32_t member, Variant* args, uint32_t argc, uint32_t mask,
+                       bool want) {
+  if (!f.me) Raise(kErrObjectRequired);
+  const ClassMember& m = f.me->cls().members[member];
+  if (m.method) return CallOnStack(*m.method, f.me, args, argc, mask);
+  if (m.get) return CallOnStack(*m.get, f.me, args, argc, mask);
+  (void)want;
+  Raise(kErrNotSupported);
+}
+
+Variant Vm::CallMember(Frame& f, const Instr& in, Variant* base) {
+  const Variant& target = base[0];
+  if (!target.is_object()) Raise(kErrObjectRequired);
+  Object* object = target.as_object();
+  if (!object) Raise(kErrObjectRequired);
+  MemberSite& site = f.proc->sites[in.a];
+  const void* key = object->MemberCacheKey();
+  DispId id;
+  if (key && site.key == key) {
+    id = site.id;
+  } else {
+    id = object->GetIdOfName(site.name);
+    if (id == kDispIdUnknown) RaiseNamed(kErrNotSupported, site.name);
+    site.key = key;
+    site.id = id;
+  }
+  const bool want = in.flags & kWantResult;
+  Variant r =
+      object->Invoke(id, want ? (kInvokeMethod | kInvokeGet) : kInvokeMethod, Args(base + 1, in.n));
+  WriteBack(base + 1, in.n, static_cast<uint32_t>(in.b));
+  return r;
+}
+
+Variant Vm::ApplyIndex(const Variant& target, Args args, bool want) {
+  if (target.is_array()) {
+    const SafeArray* array = target.as_array();
+    if (args.size() == 1 && array->dimensions() == 1) {
+      const ArrayBound& b = array->bounds()[0];
+      const int64_t offset = int64_t{IndexValue(args[0])} - b.lower;
+      if (offset < 0 || offset >= b.count) Raise(kErrSubscript);
+      return (*array)[static_cast<size_t>(offset)];
+    }
+    if (args.empty()) return target;
+    int32_t idx[kMaxArrayDimensions];
+    if (args.size() > static_cast<size_t>(kMaxArrayDimensions)) Raise(kErrSubscript);
+    for (size_t i = 0; i < args.size(); ++i)
+      idx[i] = IndexValue(args[i]);
+    return array->At(std::span<const int32_t>(idx, args.size()));
+  }
+  if (target.is_object()) {
+    Object* object = target.as_object();
+    if (!object) Raise(kErrObjectNotSet);
+    return object->Invoke(kDispIdValue, want ? (kInvokeMethod | kInvokeGet) : kInvokeMethod, args);
+  }
+  if (args.empty()) return target;
+  Raise(kErrTypeMismatch);
+}
+
+void Vm::StoreIndexed(Variant& target, Args indexes, Variant value, bool is_set) {
+  if (is_set) {
+    CheckSetValue(value);
+  } else {
+    value = LetValue(std::move(value));
+  }
+  if (target.is_array()) {
+    SafeArray* array = target.mutable_array();
+    if (indexes.size() > static_cast<size_t>(kMaxArrayDimensions)) Raise(kErrSubscript);
+    int32_t idx[kMaxArrayDimensions];
+    for (size_t i = 0; i < indexes.size(); ++i)
+      idx[i] = IndexValue(indexes[i]);
+    array->At(std::span<const int32_t>(idx, indexes.size())) = std::move(value);
+    return;
+  }
+  if (target.is_object()) {
+    Object* object = target.as_object();
+    if (!object) Raise(kErrObjectNotSet);
+    std::vector<Variant> args(indexes.begin(), indexes.end());
+    args.push_back(std::move(value));
+    object->Invoke(kDispIdValue, is_set ? kInvokeSet : kInvokeLet, args);
+    return;
+  }
+  Raise(kErrTypeMismatch);
+}
+
+namespace {
+std::vector<ArrayBound> BoundsOf(Args bounds) {
+  std::vector<ArrayBound> out;
+  if (bounds.size() > static_cast<size_t>(kMaxArrayDimensions)) Raise(kErrSubscript);
+  for (const Variant& b : bounds) {
+    const int64_t upper = IndexValue(b);
+    if (upper < -1) Raise(kErrSubscript);
+    out.push_back(ArrayBound{0, upper + 1});
+  }
+  return out;
+}
+}  // namespace
+
+void Vm::DimArray(Variant& target, Args bounds) {
+  const std::vector<ArrayBound> b = BoundsOf(bounds);
+  Ref<SafeArray> array = MakeRef<SafeArray>(VarType::Variant, b);
+  array->set_fixed(!bounds.empty());
+  target = Variant(std::move(array));
+}
+
+void Vm::ReDimArray(Variant& target, Args bounds, bool preserve) {
+  const std::vector<ArrayBound> b = BoundsOf(bounds);
+  if (target.is_array()) {
+    if (target.as_array()->fixed() || target.as_array()->locked()) Raise(kErrArrayLocked);
+    if (preserve) {
+      target.mutable_array()->Redim(b, true);
+      return;
+    }
+  }
+  target = Variant(MakeRef<SafeArray>(VarType::Variant, b));
+}
+
+Variant Vm::NewObject(Frame& f, GlobalSlot& slot) {
+  GlobalSlot& s = Resolve(slot, *f.proc);
+  if (s.kind == SlotKind::Class) return Variant(NewInstance(*s.cls));
+  if (EqualsNoCase(s.name, u"RegExp")) return Variant(NewRegExp());
+  RaiseNamed(kErrClassNotDefined, s.name);
+}
+
+Variant Vm::CallIntrinsic(Frame& f, Intrinsic which, Args args, bool want) {
+  (void)want;
+  switch (which) {
+    case Intrinsic::Err:
+      if (!args.empty()) return err_object()->Invoke(kDispIdValue, kInvokeGet, args);
+      return Variant(err_object());
+    case Intrinsic::Eval:
+      CheckArgCount(args, 1, 1);
+      return RunSnippet(f, ToString(args[0]), true, false);
+    case Intrinsic::Execute:
+      CheckArgCount(args, 1, 1);
+      RunSnippet(f, ToString(args[0]), false, false);
+      return Variant();
+    case Intrinsic::ExecuteGlobal:
+      CheckArgCount(args, 1, 1);
+      RunSnippet(f, ToString(args[0]), false, true);
+      return Variant();
+    case Intrinsic::GetRef: {
+      CheckArgCount(args, 1, 1);
+      const String name = ToString(args[0]);
+      GlobalSlot* slot = f.proc->module->FindSlot(name);
+      if (slot) slot = &Resolve(*slot, *f.proc);
+      if (!slot || slot->kind != SlotKind::Procedure) Raise(kErrInvalidCall);
+      Module* owner = slot->proc->module;
+      return Variant(MakeRef<ProcRef>(*owner, *slot->proc));
+    }
+    case Intrinsic::CreateObject: {
+      CheckArgCount(args, 1, 2);
+      const String id = ToString(args[0]);
+      Ref<Object> object = registry_ ? registry_->Create(id) : Ref<Object>();
+      if (!object) RaiseNamed(kErrCannotCreateObject, id);
+      return Variant(object);
+    }
+    case Intrinsic::GetObject:
+      CheckArgCount(args, 0, 2);
+      Raise(kErrCannotCreateObject);
+  }
+  return Variant();
+}
+
+// --- the dispatch loop -----------------------------------------------------------------------
+
+void Vm::Run(Frame& f) {
+  const Proc& proc = *f.proc;
+  const Instr* const code = proc.code.data();
+  const Instr* ip = code;
+  Variant* sp = f.locals + proc.nlocals;
+  Variant* const locals = f.locals;
+  for (;;) {
+    try {
+      for (;;) {
+        const Instr& in = *ip++;
+        switch (in.op) {
+          case Op::Nop:
+            break;
+          case Op::PushConst:
+            *sp++ = proc.consts[in.a];
+            break;
+          case Op::PushEmpty:
+            ++sp;
+            break;
+          case Op::PushMe:
+            *sp++ = Variant(static_cast<Object*>(f.me));
+            break;
+          case Op::Pop:
+            (--sp)->Clear();
+            break;
+          case Op::LoadLocal:
+            *sp++ = locals[in.a];
+            break;
+          case Op::LoadRef:
+            *sp++ = *f.refs[in.a];
+            break;
+          case Op::LoadField:
+            *sp++ = f.me->fields()[in.a];
+            break;
+          case Op::LoadGlobal: {
+            GlobalSlot& s = *proc.globals[in.a];
+            if (s.kind == SlotKind::Variable) {
+              *sp++ = s.value;
+            } else {
+              *sp = LoadGlobalSlot(f, s);
+              ++sp;
+            }
+            break;
+          }
+          case Op::StoreLocal:
+          case Op::StoreRef:
+          case Op::StoreField:
+          case Op::StoreGlobal: {
+            Variant v = std::move(*--sp);
+            if (in.flags & kSetFlag) {
+              CheckSetValue(v);
+            } else if (v.is_object()) {
+              v = ValueOf(v);
+            }
+            switch (in.op) {
+              case Op::StoreLocal:
+                locals[in.a] = std::move(v);
+                break;
+              case Op::StoreRef:
+                *f.refs[in.a] = std::move(v);
+                break;
+              case Op::StoreField:
+                f.me->fields()[in.a] = std::move(v);
+                break;
+              default: {
+                GlobalSlot& s = *proc.globals[in.a];
+                if (s.kind == SlotKind::Variable) {
+                  s.value = std::move(v);
+                } else {
+                  StoreGlobalSlot(f, s, std::move(v), in.flags & kSetFlag);
+                }
+              }
+            }
+            break;
+          }
+          case Op::ArgLocal:
+            *sp = locals[in.a];
+            refs_[sp - stack_] = &locals[in.a];
+            ++sp;
+            break;
+          case Op::ArgRef:
+            *sp = *f.refs[in.a];
+            refs_[sp - stack_] = f.refs[in.a];
+            ++sp;
+            break;
+          case Op::ArgField:
+            *sp = f.me->fields()[in.a];
+            refs_[sp - stack_] = &f.me->fields()[in.a];
+            ++sp;
+            break;
+          case Op::ArgGlobal: {
+            GlobalSlot& s = Resolve(*proc.globals[in.a], proc);
+            if (s.kind == SlotKind::Undefined && !proc.option_explicit) s.kind = SlotKind::Variable;
+            if (s.kind == SlotKind::Variable) {
+              *sp = s.value;
+              refs_[sp - stack_] = &s.value;
+            } else {
+              *sp = LoadGlobalSlot(f, s);
+              refs_[sp - stack_] = nullptr;
+            }
+            ++sp;
+            break;
+          }
+          case Op::Append: {
+            Variant v = std::move(*--sp);
+            AppendInPlace(VarRef(f, in.flags, in.a), v);
+            break;
+          }
+          case Op::Add: {
+            Variant& a = sp[-2];
+            const Variant& b = sp[-1];
+            if (!FastArith(
+                    a, b, [](int64_t x, int64_t y) { return x + y; },
+                    [](double x, double y) { return x + y; }))
+              a = OpAdd(a, b);
+            (--sp)->Clear();
+            break;
+          }
+          case Op::Sub: {
+            Variant& a = sp[-2];
+            const Variant& b = sp[-1];
+            if (!FastArith(
+                    a, b, [](int64_t x, int64_t y) { return x - y; },
+                    [](double x, double y) { return x - y; }))
+              a = OpSub(a, b);
+            (--sp)->Clear();
+            break;
+          }
+          case Op::Mul: {
+            Variant& a = sp[-2];
+            const Variant& b = sp[-1];
+            if (!FastArith(
+                    a, b, [](int64_t x, int64_t y) { return x * y; },
+                    [](double x, double y) { return x * y; }))
+              a = OpMul(a, b);
+            (--sp)->Clear();
+            break;
+          }
+          case Op::Div:
+            sp[-2] = OpDiv(sp[-2], sp[-1]);
+            (--sp)->Clear();
+            break;
+          case Op::IntDiv:
+            sp[-2] = OpIntDiv(sp[-2], sp[-1]);
+            (--sp)->Clear();
+            break;
+          case Op::Mod:
+            sp[-2] = OpMod(sp[-2], sp[-1]);
+            (--sp)->Clear();
+            break;
+          case Op::Pow:
+            sp[-2] = OpPow(sp[-2], sp[-1]);
+            (--sp)->Clear();
+            break;
+          case Op::Concat:
+            sp[-2] = OpConcat(sp[-2], sp[-1]);
+            (--sp)->Clear();
+            break;
+          case Op::Eq:
+            if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x == y; }))
+              sp[-2] = OpCompare(0, sp[-2], sp[-1], in.flags);
+            (--sp)->Clear();
+            break;
+          case Op::Ne:
+            if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x != y; }))
+              sp[-2] = OpCompare(1, sp[-2], sp[-1], in.flags);
+            (--sp)->Clear();
+            break;
+          case Op::Lt:
+            if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x < y; }))
+              sp[-2] = OpCompare(2, sp[-2], sp[-1], in.flags);
+            (--sp)->Clear();
+            break;
+          case Op::Le:
+            if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x <= y; }))
+              sp[-2] = OpCompare(3, sp[-2], sp[-1], in.flags);
+            (--sp)->Clear();
+            break;
+          case Op::Gt:
+            if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x > y; }))
+              sp[-2] = OpCompare(4, sp[-2], sp[-1], in.flags);
+            (--sp)->Clear();
+            break;
+          case Op::Ge:
+            if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x >= y; }))
+              sp[-2] = OpCompare(5, sp[-2], sp[-1], in.flags);
+            (--sp)->Clear();
+            break;
+          case Op::Is:
+            sp[-2] = Variant(OpIs(sp[-2], sp[-1]));
+            (--sp)->Clear();
+            break;
+          case Op::And:
+            sp[-2] = OpAnd(sp[-2], sp[-1]);
+            (--sp)->Clear();
+            break;
+          case Op::Or:
+            sp[-2] = OpOr(sp[-2], sp[-1]);
+            (--sp)->Clear();
+            break;
+          case Op::Xor:
+            sp[-2] = OpXor(sp[-2], sp[-1]);
+            (--sp)->Clear();
+            break;
+          case Op::Eqv:
+            sp[-2] = OpEqv(sp[-2], sp[-1]);
+            (--sp)->Clear();
+            break;
+          case Op::Imp:
+            sp[-2] = OpImp(sp[-2], sp[-1]);
+            (--sp)->Clear();
+            break;
+          case Op::Neg:
+            sp[-1] = OpNeg(sp[-1]);
+            break;
+          case Op::Not:
+            sp[-1] = OpNot(sp[-1]);
+            break;
+          case Op::Jmp:
+            if (in.a < ip - code) CheckTime();
+            ip = code + in.a;
+            break;
+          case Op::JmpFalse: {
+            const bool t = Truth(sp[-1]);
+            (--sp)->Clear();
+            if (!t) {
+              if (in.a < ip - code) CheckTime();
+              ip = code + in.a;
+            }
+            break;
+          }
+          case Op::JmpTrue: {
+            const bool t = Truth(sp[-1]);
+            (--sp)->Clear();
+            if (t) {
+              if (in.a < ip - code) CheckTime();
+              ip = code + in.a;
+            }
+            break;
+          }
+          case Op::CallGlobal: {
+            Variant* args = sp - in.n;
+            GlobalSlot& s = *proc.globals[in.a];
+            Variant r = s.kind == SlotKind::Procedure
+                            ? CallOnStack(*s.proc, nullptr, args, in.n, in.b)
+                            : CallSlot(f, s, args, in.n, in.b, in.flags & kWantResult);
+            while (sp > args)
+              (--sp)->Clear();
+            if (in.flags & kWantResult) *sp++ = std::move(r);
+            break;
+          }
+          case Op::CallMethod: {
+            Variant* args = sp - in.n;
+            Variant r = CallMethod(f, in.a, args, in.n, in.b, in.flags & kWantResult);
+            while (sp > args)
+              (--sp)->Clear();
+            if (in.flags & kWantResult) *sp++ = std::move(r);
+            break;
+          }
+          case Op::CallMember: {
+            Variant* base = sp - in.n - 1;
+            Variant r = CallMember(f, in, base);
+            while (sp > base)
+              (--sp)->Clear();
+            if (in.flags & kWantResult) *sp++ = std::move(r);
+            break;
+          }
+          case Op::Index: {
+            Variant* args = sp - in.n;
+            const Variant target = VarRef(f, in.flags, in.a);
+            Variant r = ApplyIndex(target, Args(args, in.n), in.flags & kWantResult);
+            while (sp > args)
+              (--sp)->Clear();
+            if (in.flags & kWantResult) *sp++ = std::move(r);
+            break;
+          }
+          case Op::IndexValue: {
+            Variant* base = sp - in.n - 1;
+            Variant r = ApplyIndex(base[0], Args(base + 1, in.n), true);
+            while (sp > base)
+              (--sp)->Clear();
+            *sp++ = std::move(r);
+            break;
+          }
+          case Op::New:
+            *sp = NewObject(f, *proc.globals[in.a]);
+            ++sp;
+            break;
+          case Op::StoreIndex: {
+            Variant* base = sp - in.n - 1;
+            Variant value = std::move(sp[-1]);
+            StoreIndexed(VarRef(f, in.flags, in.a), Args(base, in.n), std::move(value),
+                         in.flags & kSetFlag);
+            while (sp > base)
+              (--sp)->Clear();
+            break;
+          }
+          case Op::StoreMember: {
+            Variant* base = sp - in.n - 2;
+            const Variant& target = base[0];
+            if (!target.is_object() || !target.as_object()) Raise(kErrObjectRequired);
+            Object* object = target.as_object();
+            MemberSite& site = proc.sites[in.a];
+            const void* key = object->MemberCacheKey();
+            DispId id;
+            if (key && site.key == key) {
+              id = site.id;
+            } else {
+              id = object->GetIdOfName(site.name);
+              if (id == kDispIdUnknown) RaiseNamed(kErrNotSupported, site.name);
+              site.key = key;
+              site.id = id;
+            }
+            const bool is_set = in.flags & kSetFlag;
+            if (is_set) {
+              CheckSetValue(sp[-1]);
+            } else if (sp[-1].is_object()) {
+              sp[-1] = ValueOf(sp[-1]);
+            }
+            object->Invoke(id, is_set ? kInvokeSet : kInvokeLet, Args(base + 1, in.n + 1));
+            while (sp > base)
+              (--sp)->Clear();
+            break;
+          }
+          case Op::StoreIndexValue: {
+            Variant* base = sp - in.n - 2;
+            Variant target = base[0];
+            StoreIndexed(target, Args(base + 1, in.n), std::move(sp[-1]), in.flags & kSetFlag);
+            while (sp > base)
+              (--sp)->Clear();
+            break;
+          }
+          case Op::DimArray: {
+            Variant* base = sp - in.n;
+            DimArray(VarRef(f, in.flags, in.a), Args(base, in.n));
+            while (sp > base)
+              (--sp)->Clear();
+            break;
+          }
+          case Op::ReDim: {
+            Variant* base = sp - in.n;
+            ReDimArray(VarRef(f, in.flags, in.a), Args(base, in.n), in.b != 0);
+            while (sp > base)
+              (--sp)->Clear();
+            break;
+          }
+          case Op::ReDimMember: {
+            Variant* base = sp - in.n - 1;
+            if (!base[0].is_object() || !base[0].as_object()) Raise(kErrObjectRequired);
+            Object* object = base[0].as_object();
+            const DispId id = object->GetIdOfName(proc.sites[in.a].name);
+            if (id == kDispIdUnknown) RaiseNamed(kErrNotSupported, proc.sites[in.a].name);
+            Variant value = object->Invoke(id, kInvokeGet, {});
+            ReDimArray(value, Args(base + 1, in.n), in.b != 0);
+            object->Invoke(id, kInvokeLet, Args(&value, 1));
+            while (sp > base)
+              (--sp)->Clear();
+            break;
+          }
+          case Op::Erase: {
+            Variant& target = VarRef(f, in.flags, in.a);
+            if (!target.is_array()) Raise(kErrTypeMismatch);
+            if (target.as_array()->locked()) Raise(kErrArrayLocked);
+            if (target.as_array()->fixed()) {
+              target.mutable_array()->ResetElements();
+            } else {
+              target = Variant(MakeRef<SafeArray>(VarType::Variant, std::span<const ArrayBound>()));
+            }
+            break;
+          }
+          case Op::ForInit: {
+            Variant step = ForOperand(std::move(sp[-1]));
+            Variant end = ForOperand(std::move(sp[-2]));
+            Variant start = ForOperand(std::move(sp[-3]));
+            sp[-1].Clear();
+            sp[-2].Clear();
+            sp[-3].Clear();
+            sp -= 3;
+            locals[in.n] = std::move(end);
+            locals[in.n + 1] = std::move(step);
+            Variant& var = VarRef(f, in.flags, in.a);
+            var = std::move(start);
+            if (!ForContinues(var, locals[in.n], locals[in.n + 1])) ip = code + in.b;
+            break;
+          }
+          case Op::ForNext: {
+            Variant& var = VarRef(f, in.flags, in.a);
+            const Variant& step = locals[in.n + 1];
+            if (!FastArith(
+                    var, step, [](int64_t x, int64_t y) { return x + y; },
+                    [](double x, double y) { return x + y; }))
+              var = OpAdd(var, step);
+            if (ForContinues(var, locals[in.n], step)) {
+              CheckTime();
+              ip = code + in.b;
+            }
+            break;
+          }
+          case Op::ForEachInit: {
+            Variant group = std::move(*--sp);
+            if (group.is_array()) {
+              locals[in.n] = std::move(group);
+              locals[in.n + 1] = Variant(int32_t{0});
+            } else if (group.is_object() && group.as_object()) {
+              Ref<Enumerator> e = group.as_object()->NewEnum();
+              if (!e) Raise(kErrNotACollection);
+              locals[in.n] = Variant(MakeRef<EnumHolder>(std::move(e)));
+            } else if (group.is_object()) {
+              Raise(kErrObjectRequired);
+            } else {
+              Raise(kErrNotACollection);
+            }
+            break;
+          }
+          case Op::ForEachNext: {
+            CheckTime();
+            Variant& state = locals[in.n];
+            if (state.is_array()) {
+              const int32_t i = locals[in.n + 1].as_long();
+              const SafeArray* array = state.as_array();
+              if (static_cast<size_t>(i) >= array->size()) {
+                ip = code + in.b;
+                break;
+              }
+              Variant item = (*array)[i];
+              locals[in.n + 1] = Variant(i + 1);
+              VarRef(f, in.flags, in.a) = std::move(item);
+              break;
+            }
+            auto* holder = static_cast<EnumHolder*>(state.as_object());
+            Variant item;
+            if (!holder->e->Next(item)) {
+              ip = code + in.b;
+              break;
+            }
+            VarRef(f, in.flags, in.a) = std::move(item);
+            break;
+          }
+          case Op::OnError:
+            f.resume_next = in.a != 0;
+            err_.Clear();
+            break;
+          case Op::Return:
+            return;
+        }
+      }
+    } catch (const Error& e) {
+      const size_t pc = static_cast<size_t>(ip - code) - 1;
+      ip = code + HandleError(f, pc, sp, e);
+    } catch (const std::bad_alloc&) {
+      const size_t pc = static_cast<size_t>(ip - code) - 1;
+      ip = code + HandleError(f, pc, sp, Error(kErrOutOfMemory));
+    }
+  }
+}
+
+}  // namespace qv::vbs

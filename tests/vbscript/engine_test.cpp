@@ -1,0 +1,286 @@
+// The script-control surface as a host drives it: modules, objects, code replaced across
+// AddCode calls, compile and run-time errors with their positions, the time limit, Reset,
+// deterministic Class_Terminate and the guard against deep recursion.
+#include "vbscript/engine.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <vector>
+
+#include "automation/convert.h"
+#include "automation/dispatch.h"
+
+namespace qv::vbs {
+namespace {
+
+std::string Utf8(const Variant& v) {
+  return ToString(v).ToUtf8();
+}
+
+int32_t ErrorOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const Error& e) {
+    return e.number();
+  }
+  return 0;
+}
+
+// A host object that records the calls a script makes on it and calls back into the engine.
+class Probe : public DispatchObject<Probe> {
+ public:
+  explicit Probe(Engine* engine = nullptr) : engine(engine) {}
+  static const DispatchTable<Probe>& Table() {
+    static const auto table =
+        DispatchTable<Probe>(u"Probe")
+            .Property(
+                u"Value", [](Probe& p, Args) { return Variant(p.value); },
+                [](Probe& p, Args, const Variant& v) { p.value = ToLong(v); })
+            .Method(u"Bump",
+                    [](Probe& p, Args args) {
+                      // Writes into its argument: ByRef back to the script's variable.
+                      if (!args.empty()) args[0] = Variant(ToLong(args[0]) + 1);
+                      return Variant(++p.calls);
+                    })
+            .Method(u"Reenter",
+                    [](Probe& p, Args args) {
+                      Variant a = args[0];
+                      return p.engine->Run(u"Again", std::span<Variant>(&a, 1));
+                    })
+            .Default(u"Value");
+    return table;
+  }
+  Engine* engine;
+  int32_t value = 7;
+  int32_t calls = 0;
+};
+
+TEST(EngineTest, ModulesSeeObjectsButKeepTheirOwnNames) {
+  Engine engine;
+  EXPECT_EQ(engine.Language(), u"VBScript");
+  auto probe = MakeRef<Probe>();
+  engine.AddObject(u"PROJ", probe);
+  EXPECT_EQ(ErrorOf([&] { engine.AddObject(u"proj", probe); }), kErrKeyExists);
+
+  ScriptModule& system = engine.AddModule(u"System");
+  ScriptModule& user = engine.AddModule(u"$User");
+  EXPECT_EQ(&engine.Modules(u"system"), &system);
+  EXPECT_EQ(ErrorOf([&] { engine.AddModule(u"SYSTEM"); }), kErrKeyExists);
+
+  system.AddCode(
+      u"Dim counter\r\nFunction Twice(x)\r\n Twice = x * 2 + PROJ.Value\r\nEnd Function");
+  user.AddCode(u"Function Twice(x) : Twice = -x : End Function\r\nSub Tick() : End Sub");
+  Variant arg(int16_t{5});
+  EXPECT_EQ(Utf8(system.Run(u"Twice", std::span<Variant>(&arg, 1))), "17");
+  EXPECT_EQ(Utf8(user.Run(u"twice", std::span<Variant>(&arg, 1))), "-5");
+  // The global module doesn't see a named module's procedures.
+  EXPECT_EQ(ErrorOf([&] { engine.Run(u"Twice", std::span<Variant>(&arg, 1)); }), kErrSubNotDefined);
+
+  const auto procs = user.Procedures();
+  ASSERT_EQ(procs.size(), 2u);
+  EXPECT_EQ(procs[0].Name, u"Twice");
+  EXPECT_EQ(procs[0].NumArgs, 1);
+  EXPECT_TRUE(procs[0].HasReturnValue);
+  EXPECT_EQ(procs[1].Name, u"Tick");
+  EXPECT_FALSE(procs[1].HasReturnValue);
+
+  // Globals of the global module are visible from named modules, not the other way round.
+  engine.AddCode(u"Dim shared : shared = 3");
+  EXPECT_EQ(Utf8(system.Eval(u"shared + 1")), "4");
+  EXPECT_EQ(Utf8(engine.Eval(u"IsEmpty(counter)")), "True");
+}
+
+TEST(EngineTest, LaterDefinitionReplacesEarlierAcrossAddCode) {
+  Engine engine;
+  ScriptModule& system = engine.AddModule(u"System");
+  system.AddCode(u"Function qvScriptEngine()\r\n qvScriptEngine = \"first\"\r\nEnd Function");
+  EXPECT_EQ(Utf8(system.Run(u"qvScriptEngine")), "first");
+  system.AddCode(u"Function qvScriptEngine()\r\n qvScriptEngine = \"second\"\r\nEnd Function");
+  EXPECT_EQ(Utf8(system.Run(u"qvScriptEngine")), "second");
+  EXPECT_EQ(system.Procedures().size(), 1u);
+  // Within one piece of code the last definition wins as well.
+  system.AddCode(u"Function F() : F = 1 : End Function\r\nFunction F() : F = 2 : End Function");
+  EXPECT_EQ(Utf8(system.Run(u"F")), "2");
+}
+
+TEST(EngineTest, CompileErrorsCarryPositionAndTextAndAddNothing) {
+  Engine engine;
+  const char16_t* code =
+      u"Function Good()\r\n Good = 1\r\nEnd Function\r\nx = 1\r\nIf x Then\r\n y = (1 +\r\n";
+  EXPECT_THROW(engine.AddCode(code), Error);
+  EXPECT_EQ(engine.Error().Number(), 1023);
+  EXPECT_EQ(engine.Error().Description(), u"Expected expression");
+  EXPECT_EQ(engine.Error().Source(), u"Microsoft VBScript compilation error");
+  EXPECT_EQ(engine.Error().Line(), 6);
+  EXPECT_EQ(engine.Error().Text(), u" y = (1 +");
+  EXPECT_TRUE(engine.Procedures().empty());
+  EXPECT_EQ(ErrorOf([&] { engine.Run(u"Good"); }), kErrSubNotDefined);
+
+  struct Case {
+    const char16_t* code;
+    int32_t number;
+    int32_t line;
+    int32_t column;  // 0: not checked
+  };
+  const Case cases[] = {
+      {u"x = ", 1023, 1, 5},
+      {u"If x Then\r\ny = 1\r\n", 1014, 3, 1},
+      {u"x = 1 2", 1025, 1, 7},
+      {u"Dim 5", 1010, 1, 5},
+      {u"x = \"abc", 1033, 1, 5},
+      {u"For i = 1\r\nNext", 1013, 1, 10},
+      {u"Do\r\nx = 1\r\n", 1019, 3, 1},
+      {u"While x\r\n", 1018, 2, 1},
+      {u"x = 1 $ 2", 1032, 1, 7},
+      {u"Exit Do", 1039, 1, 6},
+      {u"Loop", 1038, 1, 1},
+      {u"Next", 1055, 1, 1},
+      {u"Sub A\r\nEnd Function", 1016, 2, 5},
+      {u"Call F(1, 2) : F(1, 2)", 1044, 1, 0},
+      {u"Class C\r\nProperty Let P()\r\nEnd Property\r\nEnd Class", 1054, 2, 0},
+      {u"x = Me", 1037, 1, 5},
+      {u"Select Case x\r\nEnd Select x", 1025, 2, 12},
+      {u"x = 1\r\nOption Explicit", 1042, 2, 1},
+  };
+  for (const Case& c : cases) {
+    EXPECT_THROW(engine.AddCode(c.code), Error) << String::ToUtf8(c.code);
+    EXPECT_EQ(engine.Error().Number(), c.number) << String::ToUtf8(c.code);
+    EXPECT_EQ(engine.Error().Line(), c.line) << String::ToUtf8(c.code);
+    if (c.column) EXPECT_EQ(engine.Error().Column(), c.column) << String::ToUtf8(c.code);
+  }
+}
+
+TEST(EngineTest, RuntimeErrorsReportTheInnermostLine) {
+  Engine engine;
+  engine.AddCode(
+      u"Function Inner(d)\r\n  Inner = 1 / d\r\nEnd Function\r\n"
+      u"Function Outer()\r\n  Outer = Inner(0)\r\nEnd Function");
+  EXPECT_EQ(ErrorOf([&] { engine.Run(u"Outer"); }), kErrDivisionByZero);
+  EXPECT_EQ(engine.Error().Line(), 2);
+  EXPECT_EQ(engine.Error().Text(), u"  Inner = 1 / d");
+  EXPECT_EQ(engine.Error().Description(), u"Division by zero");
+  EXPECT_EQ(engine.Error().Source(), u"Microsoft VBScript runtime error");
+  // A later success clears the error object.
+  engine.Eval(u"1");
+  EXPECT_EQ(engine.Error().Number(), 0);
+}
+
+TEST(EngineTest, HostObjectsTakeByRefArgumentsAndReenterTheEngine) {
+  Engine engine;
+  auto probe = MakeRef<Probe>(&engine);
+  engine.AddObject(u"P", probe);
+  engine.AddCode(
+      u"Function Again(n)\r\n If n > 0 Then Again = P.Reenter(n - 1) + 1 Else Again = 0\r\n"
+      u"End Function\r\nDim k : k = 10 : P.Bump k");
+  EXPECT_EQ(Utf8(engine.Eval(u"k")), "11");
+  EXPECT_EQ(Utf8(engine.Eval(u"P")), "7");  // the default member
+  EXPECT_EQ(Utf8(engine.Eval(u"Again(20)")), "20");
+  // Members at global level only when the host asks for it.
+  EXPECT_EQ(ErrorOf([&] { engine.ExecuteStatement(u"Option Explicit\r\nBump"); }),
+            kErrVariableUndefined);
+  auto members = MakeRef<Probe>(&engine);
+  engine.AddObject(u"Q", members, true);
+  engine.ExecuteStatement(u"Value = 40 : Bump");
+  EXPECT_EQ(members->value, 40);
+  EXPECT_EQ(members->calls, 1);
+}
+
+TEST(EngineTest, TimeoutInterruptsAndTheEngineStaysUsable) {
+  Engine engine;
+  engine.SetTimeout(100);
+  engine.AddCode(
+      u"Sub Forever()\r\n On Error Resume Next\r\n Do\r\n x = x + 1\r\n Loop\r\nEnd Sub");
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(ErrorOf([&] { engine.Run(u"Forever"); }), kErrTimeout);
+  const auto elapsed = std::chrono::steady_clock::now() - start;
+  EXPECT_LT(elapsed, std::chrono::seconds(5));
+  EXPECT_EQ(engine.Error().Number(), kErrTimeout);
+  EXPECT_EQ(Utf8(engine.Eval(u"1 + 1")), "2");
+}
+
+TEST(EngineTest, ResetDropsCodeModulesAndObjects) {
+  Engine engine;
+  engine.AddObject(u"P", MakeRef<Probe>());
+  engine.AddModule(u"System").AddCode(u"Sub S() : End Sub");
+  engine.AddCode(u"Dim g : g = 1");
+  engine.Reset();
+  EXPECT_EQ(engine.FindModule(u"System"), nullptr);
+  EXPECT_EQ(Utf8(engine.Eval(u"IsEmpty(g)")), "True");
+  EXPECT_EQ(Utf8(engine.Eval(u"IsEmpty(P)")), "True");
+  engine.AddObject(u"P", MakeRef<Probe>());  // the name is free again
+  EXPECT_EQ(Utf8(engine.Eval(u"P.Value")), "7");
+}
+
+TEST(EngineTest, ClassTerminateRunsWhenTheLastReferenceGoes) {
+  Engine engine;
+  engine.AddCode(
+      u"Dim log\r\nClass T\r\n Public Name\r\n Sub Class_Terminate()\r\n"
+      u"  log = log & \"~\" & Name\r\n  Err.Raise 5\r\n End Sub\r\nEnd Class\r\n"
+      u"Sub Scoped()\r\n Dim t : Set t = New T : t.Name = \"s\"\r\nEnd Sub");
+  engine.ExecuteStatement(u"Set a = New T : a.Name = \"a\" : Set b = a : Set a = Nothing");
+  EXPECT_EQ(Utf8(engine.Eval(u"log")), "");
+  engine.ExecuteStatement(u"Set b = Nothing");
+  EXPECT_EQ(Utf8(engine.Eval(u"log")), "~a");
+  engine.Run(u"Scoped");
+  EXPECT_EQ(Utf8(engine.Eval(u"log")), "~a~s");
+  // Dropping the engine ends what is left, terminators included, without leaking.
+  engine.ExecuteStatement(u"Set c = New T");
+}
+
+TEST(EngineTest, DeepRecursionIsOutOfStackSpace) {
+  Engine engine;
+  engine.SetTimeout(-1);
+  engine.AddCode(u"Function Down(n)\r\n Down = Down(n + 1)\r\nEnd Function");
+  EXPECT_EQ(ErrorOf([&] { engine.Run(u"Down", {}); }), kErrWrongArgCount);
+  Variant zero(int16_t{0});
+  EXPECT_EQ(ErrorOf([&] { engine.Run(u"Down", std::span<Variant>(&zero, 1)); }), kErrOutOfStack);
+  // Recursion through a host object counts as well.
+  auto probe = MakeRef<Probe>(&engine);
+  engine.AddObject(u"P", probe);
+  engine.AddCode(u"Function Again(n)\r\n Again = P.Reenter(n + 1)\r\nEnd Function");
+  EXPECT_EQ(ErrorOf([&] { engine.Run(u"Again", std::span<Variant>(&zero, 1)); }), kErrOutOfStack);
+  EXPECT_EQ(Utf8(engine.Eval(u"2 * 21")), "42");
+}
+
+TEST(EngineTest, GarbageInputIsAnErrorNeverACrash) {
+  Engine engine;
+  engine.SetTimeout(1000);
+  const std::vector<std::u16string> inputs = {
+      u"(((((((((((((((((((((((((((((((((((((((((((((((((((((",
+      u"If If If",
+      u"x = 1 +",
+      u"\"",
+      u"#",
+      u"#1/2/",
+      u"&H",
+      u"[abc",
+      u"Class",
+      u"End",
+      u"Sub A(ByVal) : End Sub",
+      u"x.y.z(1)(2).w = ",
+      u"With : End With",
+      u"ReDim",
+      u"Dim a(1,2,3",
+      u"Case 1",
+      u"Set = 1",
+      u"Err.Raise",
+      u"Execute \"Execute \"\"x = \"\"\"",
+      std::u16string(5000, u'('),
+      std::u16string(1, u'\0'),
+      u"For Each In x : Next",
+      u"Property Get P : End Property",
+  };
+  for (const auto& in : inputs) {
+    EXPECT_THROW(engine.AddCode(in), Error) << String::ToUtf8(in);
+    EXPECT_NE(engine.Error().Number(), 0);
+  }
+  std::u16string long_chain = u"x = 1";
+  for (int i = 0; i < 20000; ++i)
+    long_chain += u" + 1";
+  EXPECT_NO_THROW(engine.AddCode(long_chain));
+  EXPECT_EQ(Utf8(engine.Eval(u"x")), "20001");
+}
+
+}  // namespace
+}  // namespace qv::vbs
