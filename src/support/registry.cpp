@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <map>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "automation/convert.h"
 #include "automation/error.h"
@@ -74,6 +76,15 @@ uint32_t ReverseBytes(uint32_t v) {
   return (v >> 24) | ((v >> 8) & 0xFF00u) | ((v << 8) & 0xFF0000u) | (v << 24);
 }
 
+// The value of an environment variable. QUORVEX_DATA_DIR always has one, the data folder, so
+// that the shipped machine tree can name files inside it wherever the program is installed.
+std::optional<std::string> VariableValue(const std::string& name) {
+  if (name.empty()) return std::nullopt;
+  if (const char* value = std::getenv(name.c_str())) return std::string(value);
+  if (name == "QUORVEX_DATA_DIR") return DataFolder().string();
+  return std::nullopt;
+}
+
 // %NAME% replaced by the variable's value; unknown names stay as they are.
 String ExpandVariables(StringView text) {
   String out;
@@ -85,9 +96,9 @@ String ExpandVariables(StringView text) {
     if (close == StringView::npos) break;
     out.Append(text.substr(i, open - i));
     const std::string name = String::ToUtf8(text.substr(open + 1, close - open - 1));
-    const char* value = name.empty() ? nullptr : std::getenv(name.c_str());
+    const std::optional<std::string> value = VariableValue(name);
     if (value) {
-      out.Append(String::FromUtf8(value).view());
+      out.Append(String::FromUtf8(*value).view());
       i = close + 1;
     } else {
       out.Append(u'%');

@@ -251,6 +251,13 @@ std::optional<RegistryValue> ParseTypedValue(LineReader& in, std::string* error)
     *error = "unknown kind of value";
     return std::nullopt;
   }
+  // Texts and numbers have forms of their own; as bytes they could not be read back.
+  const bool has_own_form = *type == kTypeText || *type == kTypeExpand || *type == kTypeDword ||
+                            *type == kTypeDwordBe || *type == kTypeMulti;
+  if (has_own_form) {
+    *error = "hex(" + std::to_string(*type) + ") is written in the type's own form";
+    return std::nullopt;
+  }
   std::optional<std::vector<uint8_t>> bytes = ParseBytes(in, error);
   if (!bytes) return std::nullopt;
   return RegistryValue::Bytes(*type, std::move(*bytes));

@@ -11,6 +11,7 @@
 #include "automation/safe_array.h"
 #include "scratch_home.h"
 #include "support/common.h"
+#include "support/data_folder.h"
 #include "support/settings_file.h"
 #include "support/settings_format.h"
 #include "support/tyx_vars.h"
@@ -72,6 +73,7 @@ TEST(RegistryTest, EveryTypeReadsFromTheFile) {
       "Text = \"Arial, \\\"bold\\\"\\r\\nnext\"\n"
       "Path = expand:\"%QV_REG_TEST_VAR%/x/%NOT_SET_ANYWHERE%\"\n"
       "Blob = hex:00,7f,ff\n"
+      "InData = expand:\"%QUORVEX_DATA_DIR%/templates/default.zip\"\n"
       "Count = dword:-5\n"
       "Swapped = dword-be:0x01020304\n"
       "List = multi:\"a\",\"\",\"b\"\n"
@@ -86,6 +88,13 @@ TEST(RegistryTest, EveryTypeReadsFromTheFile) {
   reg.ValueKey = u"Path";
   EXPECT_EQ(reg.Value().as_string(), u"expanded/x/%NOT_SET_ANYWHERE%");
   EXPECT_EQ(reg.ValueType, 2);
+
+  // The data folder is always known, set in the environment or not.
+  reg.ValueKey = u"InData";
+  EXPECT_EQ(reg.Value().as_string().ToUtf8(), home.data().string() + "/templates/default.zip");
+  ::unsetenv("QUORVEX_DATA_DIR");
+  EXPECT_EQ(reg.Value().as_string().ToUtf8(), (DataFolder() / "templates/default.zip").string());
+  ::setenv("QUORVEX_DATA_DIR", home.data().c_str(), 1);
 
   reg.ValueKey = u"Blob";
   v = reg.Value();

@@ -47,6 +47,7 @@ TEST(SettingsFormatTest, RefusesBadLinesWithTheirNumber) {
       {"[K]\n = \"no name\"\n", "line 2"},
       {"[K]\nName = multi:\"a\",\n", "line 2"},
       {"[K]\nName = hex(x):01\n", "line 2"},
+      {"[K]\nName = hex(4):01,00,00,00\n", "line 2"},
   };
   for (const Case& c : cases) {
     std::string error;
