@@ -406,17 +406,20 @@ class OdbcBackend final : public Backend {
                                  const std::optional<String>& schema,
                                  const std::optional<String>& table) {
     std::vector<Target> targets;
+    // A named table needs no look-up: the driver resolves it through its own search path.
+    if (table) {
+      targets.emplace_back(catalog, schema, *table);
+      return targets;
+    }
     Rowset tables = MakeSchemaRowset(adSchemaTables);
     Tables(tables, catalog, schema, table);
     for (const auto& row : tables.rows) {
-      if (table && !(row[2].is_string() && row[2].as_string() == *table)) continue;
-      if (!table && !(row[3].is_string() && row[3].as_string() == u"TABLE")) continue;
+      if (!(row[3].is_string() && row[3].as_string() == u"TABLE")) continue;
       targets.emplace_back(
           row[0].is_string() ? std::optional<String>(row[0].as_string()) : std::nullopt,
           row[1].is_string() ? std::optional<String>(row[1].as_string()) : std::nullopt,
           row[2].is_string() ? row[2].as_string() : String());
     }
-    if (targets.empty() && table) targets.emplace_back(catalog, schema, *table);
     return targets;
   }
 

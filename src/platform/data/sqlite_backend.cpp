@@ -87,8 +87,8 @@ struct TableColumn {
 struct TableShape {
   std::vector<TableColumn> columns;
   int key_columns = 0;
-  bool has_autoincrement = false;  // declared with AUTOINCREMENT
-  // The column that aliases the rowid (INTEGER PRIMARY KEY), if any.
+  // The column that aliases the rowid (INTEGER PRIMARY KEY), if any. AUTOINCREMENT is only
+  // allowed on such a column, so this one test finds both kinds of auto-increment.
   std::optional<size_t> RowidColumn() const {
     if (key_columns != 1) return std::nullopt;
     for (size_t i = 0; i < columns.size(); ++i) {
@@ -168,6 +168,7 @@ class SqliteBackend final : public Backend {
   std::pair<String, String> NameQuotes() const override { return {u"\"", u"\""}; }
 
   Rowset OpenSchema(int32_t schema_id, const std::vector<Variant>& restrictions) override {
+    Revalidate();
     Rowset rowset = MakeSchemaRowset(schema_id);
     if (schema_id == adSchemaTables) {
       FillTables(rowset);
@@ -183,12 +184,12 @@ class SqliteBackend final : public Backend {
   }
 
   Rowset Execute(StringView sql) override {
+    Revalidate();
     Statement stmt(db_, sql);
     Rowset rowset;
     const int count = sqlite3_column_count(stmt.get());
-    std::map<String, TableShape> shapes;
     for (int i = 0; i < count; ++i)
-      rowset.columns.push_back(Describe(stmt.get(), i, shapes));
+      rowset.columns.push_back(Describe(stmt.get(), i));
     while (stmt.Step()) {
       auto& row = rowset.rows.emplace_back();
       row.reserve(static_cast<size_t>(count));
@@ -222,7 +223,23 @@ class SqliteBackend final : public Backend {
     }
   }
 
-  TableShape Shape(StringView table) {
+  // Table shapes are kept until the schema changes (schema_version moves): a reader asks for
+  // the same table four times.
+  void Revalidate() {
+    Statement version(db_, u"PRAGMA schema_version");
+    const int64_t current = version.Step() ? version.Int(0) : -1;
+    if (current == schema_version_) return;
+    schema_version_ = current;
+    shapes_.clear();
+  }
+
+  const TableShape& Shape(StringView table) {
+    const String key(table);
+    if (auto found = shapes_.find(key); found != shapes_.end()) return found->second;
+    return shapes_.emplace(key, ReadShape(table)).first->second;
+  }
+
+  TableShape ReadShape(StringView table) {
     TableShape shape;
     Statement info(db_, u"PRAGMA table_info(" + QuoteName(table) + u")");
     while (info.Step()) {
@@ -235,26 +252,11 @@ class SqliteBackend final : public Backend {
       if (column.pk_position > 0) ++shape.key_columns;
       shape.columns.push_back(std::move(column));
     }
-    Statement sql(db_, u"SELECT sql FROM sqlite_master WHERE name = " + Literal(table));
-    if (sql.Step()) {
-      shape.has_autoincrement =
-          ToUpper(sql.Text(0)).view().find(u"AUTOINCREMENT") != StringView::npos;
-    }
     return shape;
   }
 
-  static String Literal(StringView text) {
-    String quoted(u"'");
-    for (const Char c : text) {
-      quoted.Append(c);
-      if (c == u'\'') quoted.Append(c);
-    }
-    quoted.Append(u'\'');
-    return quoted;
-  }
-
   void FillColumns(Rowset& rowset, const String& table) {
-    const TableShape shape = Shape(table);
+    const TableShape& shape = Shape(table);
     const auto rowid = shape.RowidColumn();
     for (size_t i = 0; i < shape.columns.size(); ++i) {
       const TableColumn& column = shape.columns[i];
@@ -275,7 +277,7 @@ class SqliteBackend final : public Backend {
   }
 
   void FillKeys(Rowset& rowset, const String& table) {
-    const TableShape shape = Shape(table);
+    const TableShape& shape = Shape(table);
     std::vector<const TableColumn*> keys(static_cast<size_t>(shape.key_columns), nullptr);
     for (const TableColumn& column : shape.columns) {
       if (column.pk_position > 0 && column.pk_position <= shape.key_columns) {
@@ -292,7 +294,7 @@ class SqliteBackend final : public Backend {
   }
 
   void FillIndexes(Rowset& rowset, const String& table) {
-    const TableShape shape = Shape(table);
+    const TableShape& shape = Shape(table);
     // The rowid key has no index of its own in SQLite; it is listed as one, as other
     // databases list the index behind their primary key.
     if (const auto rowid = shape.RowidColumn()) {
@@ -341,7 +343,7 @@ class SqliteBackend final : public Backend {
     return bits;
   }
 
-  ColumnInfo Describe(sqlite3_stmt* stmt, int index, std::map<String, TableShape>& shapes) {
+  ColumnInfo Describe(sqlite3_stmt* stmt, int index) {
     ColumnInfo info;
     info.name = FromUtf8(sqlite3_column_name(stmt, index));
     const MappedType mapped = MapSqliteDeclaredType(FromUtf8(sqlite3_column_decltype(stmt, index)));
@@ -354,10 +356,7 @@ class SqliteBackend final : public Backend {
       info.attributes = Attributes(mapped, true, false);
       return info;
     }
-    const String table_name = FromUtf8(table);
-    auto found = shapes.find(table_name);
-    if (found == shapes.end()) found = shapes.emplace(table_name, Shape(table_name)).first;
-    const TableShape& shape = found->second;
+    const TableShape& shape = Shape(FromUtf8(table));
     const String column_name = FromUtf8(origin);
     const auto rowid = shape.RowidColumn();
     bool nullable = true;
@@ -372,6 +371,8 @@ class SqliteBackend final : public Backend {
 
   sqlite3* db_;
   String path_;
+  int64_t schema_version_ = -1;
+  std::map<String, TableShape> shapes_;
 };
 
 }  // namespace
