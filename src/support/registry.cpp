@@ -129,10 +129,17 @@ size_t CountPercent(StringView text) {
   return n;
 }
 
-// Keys whose names a settings file can hold: no control characters.
+// Keys whose names a settings file can hold: no control characters, no half of a surrogate
+// pair (the key line is plain UTF-8, without escapes).
 bool IsStorableKeyPath(StringView path) {
-  for (const Char c : path) {
+  for (size_t i = 0; i < path.size(); ++i) {
+    const Char c = path[i];
     if (c < 0x20) return false;
+    if (c >= 0xDC00 && c <= 0xDFFF) return false;  // a low half without its high half
+    if (c >= 0xD800 && c <= 0xDBFF) {
+      if (i + 1 >= path.size() || path[i + 1] < 0xDC00 || path[i + 1] > 0xDFFF) return false;
+      ++i;
+    }
   }
   return true;
 }

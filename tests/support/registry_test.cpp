@@ -316,6 +316,13 @@ TEST(RegistryTest, KeysAndEnumeration) {
   reg.SectionKey = u"bad\nname";
   EXPECT_EQ(Raises26001([&] { reg.CreateKey(); }),
             "Failed to create registry Key: '-2147483647',Section: 'bad\nname'");
+  reg.SectionKey = String(std::u16string_view(u"half\xD800", 5));
+  Raises26001([&] { reg.CreateKey(); });
+  reg.ValueType = 1;
+  Raises26001([&] { reg.SetValue(Variant(String(u"x"))); });
+  reg.SectionKey = u"emoji \U0001F600 ok";
+  reg.CreateKey();
+  EXPECT_TRUE(reg.KeyExists());
 }
 
 TEST(RegistryTest, MachineTreeIsReadOnly) {
