@@ -128,27 +128,62 @@ TyParser::Piece TyParser::TrailingWhiteSpace(Piece content) const {
 TyParser::Piece TyParser::EnclosingFunction(size_t start, size_t length) const {
   const StringView source = source_.view();
   StringView work = source.substr(start, length);
-  size_t work_start = start;
+  bool first_round = true;
+  // From the second round on the working text is a start of the whole text that only gets
+  // shorter, so the line end found before one occurrence serves the next ones on that line,
+  // and so does the run of blanks that opens the line: a line full of skipped occurrences
+  // costs one pass, not one per occurrence.
+  bool crlf_known = false;
+  size_t crlf_cached = kNotFound;
+  size_t blanks_from = kNotFound;
+  size_t blanks_to = kNotFound;
   for (;;) {
     const size_t found = FindLastNoCase(work, kFunction);
     if (found == kNotFound) return Piece{};
-    const StringView head = work.substr(0, found + 1);
-    const size_t crlf = FindLastCrLf(head);
-    const StringView prefix = crlf == kNotFound ? head : work.substr(crlf + 2, found - crlf - 2);
-    const StringView trimmed = TrimBlanks(prefix);
-    if (trimmed.empty()) {
-      const size_t paren = work.find(u'(', found);
-      if (paren == kNotFound) return Piece{};
-      const StringView between = work.substr(found + kFunctionWord, paren - found - kFunctionWord);
-      const StringView name = TrimBlanks(between);
-      return Piece{ToPos(work_start + (name.data() - work.data())), ToPos(name.size())};
+    size_t crlf = kNotFound;
+    if (first_round) {
+      crlf = FindLastCrLf(work.substr(0, found));
+    } else if (crlf_known && (crlf_cached == kNotFound || crlf_cached + 1 < found)) {
+      crlf = crlf_cached;
+    } else {
+      crlf = crlf_cached = FindLastCrLf(work.substr(0, found));
+      crlf_known = true;
     }
-    if (trimmed.front() != u'\'' && prefix.back() == u' ') return Piece{};
-    // The occurrence doesn't count. The next round looks at the start of the whole text, as
-    // long as the occurrence's 1-based position in the working text.
+    // Without a line end the prefix ends in the occurrence's own letter, which never passes
+    // as a blank: the occurrence is skipped.
+    bool skip = crlf == kNotFound;
+    if (!skip) {
+      const size_t line = crlf + 2;
+      size_t text = line;
+      if (!first_round && line == blanks_from) {
+        text = blanks_to;
+      } else {
+        while (work[text] == u' ')
+          ++text;  // stops at the occurrence's letter at the latest
+        if (!first_round) {
+          blanks_from = line;
+          blanks_to = text;
+        }
+      }
+      if (text >= found) return NameBefore(work, found, first_round ? start : 0);
+      // In a comment, the tail of a longer word, or behind a tab: skipped. Anything else,
+      // such as "End Function" or "Public Function x(", ends the search.
+      skip = work[text] == u'\'' || work[found - 1] != u' ';
+      if (!skip) return Piece{};
+    }
+    // The next round looks at the start of the whole text, as long as the occurrence's
+    // 1-based position in the working text.
     work = source.substr(0, found + 1);
-    work_start = 0;
+    first_round = false;
   }
+}
+
+TyParser::Piece TyParser::NameBefore(StringView work, size_t found, size_t work_start) const {
+  const size_t paren = work.find(u'(', found);
+  if (paren == kNotFound) return Piece{};
+  const StringView between = work.substr(found + kFunctionWord, paren - found - kFunctionWord);
+  const StringView name = TrimBlanks(between);
+  return Piece{ToPos(work_start + (name.data() - work.data())), ToPos(name.size())};
 }
 
 void TyParser::ReportAt(StringView what, size_t position) const {

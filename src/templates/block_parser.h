@@ -60,6 +60,9 @@ class TyParser : public DispatchObject<TyParser> {
   void AddContent(size_t start, size_t end);
   void AddTag(size_t tag, size_t close);
   Piece EnclosingFunction(size_t start, size_t length) const;
+  // The name between "Function" and "(" of the occurrence at `found` in `work`, which starts
+  // at `work_start` in the text.
+  Piece NameBefore(StringView work, size_t found, size_t work_start) const;
   Piece TrailingWhiteSpace(Piece content) const;
   void ReportAt(StringView what, size_t position) const;
 

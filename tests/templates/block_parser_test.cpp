@@ -209,6 +209,9 @@ TEST(BlockParser, EnclosingFunction) {
   // A commented or longer word is skipped and the search goes on further up.
   EXPECT_EQ(name_of(u"<!--##\r\nFunction Foo(x)\r\n' Function Bar(y)\r\n##-->"), u"Foo");
   EXPECT_EQ(name_of(u"<!--##\r\nFunction Foo(x)\r\nx = MyFunction (1)\r\n##-->"), u"Foo");
+  EXPECT_EQ(name_of(u"<!--##\r\nFunction Foo(x)\r\n  a = xFunction 1 + yFunction (2)\r\n##-->"),
+            u"Foo");
+  EXPECT_EQ(name_of(u"<!--##\r\nFunction Foo(x)\r\n  a = 1 ' Function z(\r\n##-->"), u"");
   // A tab is no blank: a tab-indented function never counts.
   EXPECT_EQ(name_of(u"<!--##\r\n\tFunction Foo(x)\r\n##-->"), u"");
   // After a skipped occurrence the search cuts the whole text, not the block: here it finds a
@@ -216,6 +219,18 @@ TEST(BlockParser, EnclosingFunction) {
   const StringView quirk =
       u"\r\nFunction Outside(a)\r\n<!--##\r\n                              ' Function In(x)##-->";
   EXPECT_EQ(name_of(quirk), u"Outside");
+
+  // A block full of skipped occurrences on long lines ends in one pass over the text (a
+  // quadratic walk would not finish here).
+  String crowded = u"\r\nFunction Far(x)\r\n<!--##\r\n";
+  for (int i = 0; i < 100000; ++i)
+    crowded += u"xFunction ";
+  crowded += u"\r\n";
+  crowded += String(200000, u' ');
+  for (int i = 0; i < 100000; ++i)
+    crowded += u"'Function ";
+  crowded += u"##-->";
+  EXPECT_EQ(name_of(crowded.view()), u"Far");
 }
 
 }  // namespace
