@@ -204,3 +204,41 @@ TEST(CurrentPrompterTest, HostChoosesAndTheDefaultNeverWaits) {
 
 }  // namespace
 }  // namespace qv
+
+#include "platform/prompt_setup.h"
+#include "support/status.h"
+#include "support/tyx_vars.h"
+
+namespace qv {
+namespace {
+
+TEST(PromptSetupTest, HostOptionsChooseThePrompterAndTheStatusMode) {
+  HostPromptOptions options;
+  options.answers = {"Keep", "skip all"};
+  options.quiet = true;
+  ApplyHostPromptOptions(options);
+  EXPECT_EQ(SharedStatus().mode(), StatusMode::kQuiet);
+  auto* scripted = dynamic_cast<ScriptedPrompter*>(&CurrentPrompter());
+  ASSERT_NE(scripted, nullptr);
+  EXPECT_EQ(scripted->remaining(), 2u);
+  ::testing::internal::CaptureStderr();
+  EXPECT_EQ(CurrentPrompter().ChooseButton(u"T", u"?", u"Keep", u"Overwrite", 1), 0u);
+  EXPECT_TRUE(CurrentPrompter().AskOverwrite(u"T", u"F").all);
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");  // quiet: no echo
+
+  options = HostPromptOptions();
+  options.never_ask = true;
+  ApplyHostPromptOptions(options);
+  EXPECT_EQ(SharedStatus().mode(), StatusMode::kAuto);
+  ASSERT_NE(dynamic_cast<ScriptedPrompter*>(&CurrentPrompter()), nullptr);
+  ::testing::internal::CaptureStderr();
+  EXPECT_EQ(CurrentPrompter().AskYesNoCancel(u"Copy", u"Overwrite?", YesNoCancel::kNo),
+            YesNoCancel::kNo);
+  EXPECT_NE(::testing::internal::GetCapturedStderr().find("Quorvex asks"), std::string::npos);
+
+  SetCurrentPrompter(nullptr);
+  ResetVars();
+}
+
+}  // namespace
+}  // namespace qv
