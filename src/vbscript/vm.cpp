@@ -7,6 +7,7 @@
 #include <pthread.h>
 
 #include <cmath>
+#include <cstring>
 #include <new>
 
 #include "automation/convert.h"
@@ -134,6 +135,43 @@ int32_t IndexValue(const Variant& v) {
   return ToLong(plain);
 }
 
+// Moves between Variants that own nothing (numbers, Empty, Null...) are plain copies of their
+// sixteen bytes; only strings, objects and arrays need the counted paths of Variant itself.
+[[gnu::always_inline]] inline bool IsPlain(const Variant& v) {
+  const VarType t = v.type();
+  return t != VarType::String && t != VarType::Object && t != VarType::Array;
+}
+[[gnu::always_inline]] inline void CopyInto(Variant& dst, const Variant& src) {
+  if (IsPlain(dst) && IsPlain(src)) {
+    std::memcpy(static_cast<void*>(&dst), static_cast<const void*>(&src), sizeof(Variant));
+  } else {
+    dst = src;
+  }
+}
+[[gnu::always_inline]] inline void MoveInto(Variant& dst, Variant& src) {
+  if (IsPlain(dst)) {
+    std::memcpy(static_cast<void*>(&dst), static_cast<const void*>(&src), sizeof(Variant));
+    new (&src) Variant();
+  } else {
+    dst = std::move(src);
+  }
+}
+[[gnu::always_inline]] inline void Drop(Variant& v) {
+  if (IsPlain(v)) {
+    new (&v) Variant();
+  } else {
+    v.Clear();
+  }
+}
+template <class T>
+[[gnu::always_inline]] inline void SetValue(Variant& dst, T value) {
+  if (IsPlain(dst)) {
+    new (&dst) Variant(value);
+  } else {
+    dst = Variant(value);
+  }
+}
+
 // Integer, Long and Double operands of the inline arithmetic.
 inline bool IsSmallNumber(const Variant& v) {
   const VarType t = v.type();
@@ -145,40 +183,45 @@ inline int64_t WholeOf(const Variant& v) {
 inline double DoubleOf(const Variant& v) {
   return v.type() == VarType::Double ? v.as_double() : static_cast<double>(WholeOf(v));
 }
-inline Variant Whole(int64_t r, bool integer) {
-  if (integer && r >= -32768 && r <= 32767) return Variant(static_cast<int16_t>(r));
-  if (r >= INT32_MIN && r <= INT32_MAX) return Variant(static_cast<int32_t>(r));
-  return Variant(static_cast<double>(r));
+[[gnu::always_inline]] inline void SetWhole(Variant& dst, int64_t r, bool integer) {
+  if (integer && r >= -32768 && r <= 32767) {
+    SetValue(dst, static_cast<int16_t>(r));
+  } else if (r >= INT32_MIN && r <= INT32_MAX) {
+    SetValue(dst, static_cast<int32_t>(r));
+  } else {
+    SetValue(dst, static_cast<double>(r));
+  }
 }
 
 // a op b for Integer/Long/Double; false when another type asks for the general rules.
 template <class F, class G>
-inline bool FastArith(Variant& a, const Variant& b, F whole, G real) {
+[[gnu::always_inline]] inline bool FastArith(Variant& a, const Variant& b, F whole, G real) {
   if (!IsSmallNumber(a) || !IsSmallNumber(b)) return false;
   if (a.type() != VarType::Double && b.type() != VarType::Double) {
     const bool integer = a.type() == VarType::Integer && b.type() == VarType::Integer;
-    a = Whole(whole(WholeOf(a), WholeOf(b)), integer);
+    SetWhole(a, whole(WholeOf(a), WholeOf(b)), integer);
     return true;
   }
   const double r = real(DoubleOf(a), DoubleOf(b));
   if (!std::isfinite(r)) Raise(kErrOverflow);
-  a = Variant(r);
+  SetValue(a, r);
   return true;
 }
 
 template <class F>
-inline bool FastCompare(Variant& a, const Variant& b, F cmp) {
+[[gnu::always_inline]] inline bool FastCompare(Variant& a, const Variant& b, F cmp) {
   if (!IsSmallNumber(a) || !IsSmallNumber(b)) return false;
   if (a.type() != VarType::Double && b.type() != VarType::Double) {
-    a = Variant(cmp(WholeOf(a), WholeOf(b)));
+    SetValue(a, cmp(WholeOf(a), WholeOf(b)));
   } else {
-    a = Variant(cmp(DoubleOf(a), DoubleOf(b)));
+    SetValue(a, cmp(DoubleOf(a), DoubleOf(b)));
   }
   return true;
 }
 
 // Whether a For loop goes on: the counter has not passed the end in the step's direction.
-bool ForContinues(const Variant& var, const Variant& end, const Variant& step) {
+[[gnu::always_inline]] inline bool ForContinues(const Variant& var, const Variant& end,
+                                                const Variant& step) {
   if (IsSmallNumber(var) && IsSmallNumber(end) && IsSmallNumber(step)) {
     if (var.type() != VarType::Double && end.type() != VarType::Double &&
         step.type() != VarType::Double) {
@@ -262,8 +305,7 @@ Vm::Entry::~Entry() {
   --vm_.entries_;
 }
 
-void Vm::CheckTime() {
-  if (--budget_ > 0) return;
+void Vm::CheckClock() {
   budget_ = kTimeBudget;
   if (has_deadline_ && std::chrono::steady_clock::now() > deadline_)
     throw Error(kErrTimeout, u"Script execution timed out", u"Microsoft VBScript runtime error");
@@ -787,7 +829,7 @@ void Vm::Run(Frame& f) {
           case Op::Nop:
             break;
           case Op::PushConst:
-            *sp++ = proc.consts[in.a];
+            new (sp++) Variant(proc.consts[in.a]);
             break;
           case Op::PushEmpty:
             ++sp;
@@ -796,21 +838,21 @@ void Vm::Run(Frame& f) {
             *sp++ = Variant(static_cast<Object*>(f.me));
             break;
           case Op::Pop:
-            (--sp)->Clear();
+            Drop(*--sp);
             break;
           case Op::LoadLocal:
-            *sp++ = locals[in.a];
+            new (sp++) Variant(locals[in.a]);
             break;
           case Op::LoadRef:
-            *sp++ = *f.refs[in.a];
+            new (sp++) Variant(*f.refs[in.a]);
             break;
           case Op::LoadField:
-            *sp++ = f.me->fields()[in.a];
+            new (sp++) Variant(f.me->fields()[in.a]);
             break;
           case Op::LoadGlobal: {
             GlobalSlot& s = *proc.globals[in.a];
             if (s.kind == SlotKind::Variable) {
-              *sp++ = s.value;
+              new (sp++) Variant(s.value);
             } else {
               *sp = LoadGlobalSlot(f, s);
               ++sp;
@@ -818,6 +860,11 @@ void Vm::Run(Frame& f) {
             break;
           }
           case Op::StoreLocal:
+            if (!(in.flags & kSetFlag) && IsPlain(sp[-1])) {
+              MoveInto(locals[in.a], *--sp);
+              break;
+            }
+            [[fallthrough]];
           case Op::StoreRef:
           case Op::StoreField:
           case Op::StoreGlobal: {
@@ -888,7 +935,7 @@ void Vm::Run(Frame& f) {
                     a, b, [](int64_t x, int64_t y) { return x + y; },
                     [](double x, double y) { return x + y; }))
               a = OpAdd(a, b);
-            (--sp)->Clear();
+            Drop(*--sp);
             break;
           }
           case Op::Sub: {
@@ -898,7 +945,7 @@ void Vm::Run(Frame& f) {
                     a, b, [](int64_t x, int64_t y) { return x - y; },
                     [](double x, double y) { return x - y; }))
               a = OpSub(a, b);
-            (--sp)->Clear();
+            Drop(*--sp);
             break;
           }
           case Op::Mul: {
@@ -908,7 +955,7 @@ void Vm::Run(Frame& f) {
                     a, b, [](int64_t x, int64_t y) { return x * y; },
                     [](double x, double y) { return x * y; }))
               a = OpMul(a, b);
-            (--sp)->Clear();
+            Drop(*--sp);
             break;
           }
           case Op::Div:
@@ -934,32 +981,32 @@ void Vm::Run(Frame& f) {
           case Op::Eq:
             if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x == y; }))
               sp[-2] = OpCompare(0, sp[-2], sp[-1], in.flags);
-            (--sp)->Clear();
+            Drop(*--sp);
             break;
           case Op::Ne:
             if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x != y; }))
               sp[-2] = OpCompare(1, sp[-2], sp[-1], in.flags);
-            (--sp)->Clear();
+            Drop(*--sp);
             break;
           case Op::Lt:
             if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x < y; }))
               sp[-2] = OpCompare(2, sp[-2], sp[-1], in.flags);
-            (--sp)->Clear();
+            Drop(*--sp);
             break;
           case Op::Le:
             if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x <= y; }))
               sp[-2] = OpCompare(3, sp[-2], sp[-1], in.flags);
-            (--sp)->Clear();
+            Drop(*--sp);
             break;
           case Op::Gt:
             if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x > y; }))
               sp[-2] = OpCompare(4, sp[-2], sp[-1], in.flags);
-            (--sp)->Clear();
+            Drop(*--sp);
             break;
           case Op::Ge:
             if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x >= y; }))
               sp[-2] = OpCompare(5, sp[-2], sp[-1], in.flags);
-            (--sp)->Clear();
+            Drop(*--sp);
             break;
           case Op::Is:
             sp[-2] = Variant(OpIs(sp[-2], sp[-1]));
@@ -997,7 +1044,7 @@ void Vm::Run(Frame& f) {
             break;
           case Op::JmpFalse: {
             const bool t = Truth(sp[-1]);
-            (--sp)->Clear();
+            Drop(*--sp);
             if (!t) {
               if (in.a < ip - code) CheckTime();
               ip = code + in.a;
@@ -1006,7 +1053,7 @@ void Vm::Run(Frame& f) {
           }
           case Op::JmpTrue: {
             const bool t = Truth(sp[-1]);
-            (--sp)->Clear();
+            Drop(*--sp);
             if (t) {
               if (in.a < ip - code) CheckTime();
               ip = code + in.a;
@@ -1159,7 +1206,8 @@ void Vm::Run(Frame& f) {
             break;
           }
           case Op::ForNext: {
-            Variant& var = VarRef(f, in.flags, in.a);
+            Variant& var =
+                (in.flags & kVarKindMask) == kVarLocal ? locals[in.a] : VarRef(f, in.flags, in.a);
             const Variant& step = locals[in.n + 1];
             if (!FastArith(
                     var, step, [](int64_t x, int64_t y) { return x + y; },

@@ -90,7 +90,10 @@ class Vm : public RefCounted {
   size_t HandleError(Frame& f, size_t pc, Variant*& sp, const Error& e);
   void RecordSite(const Frame& f, size_t pc);
   void CheckStack(const Proc& proc, Variant* base);
-  void CheckTime();
+  void CheckTime() {
+    if (--budget_ <= 0) CheckClock();
+  }
+  void CheckClock();
 
   Variant& VarRef(Frame& f, uint8_t kind, int32_t slot);
   Variant LoadVar(Frame& f, uint8_t kind, int32_t slot);

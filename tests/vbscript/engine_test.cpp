@@ -147,7 +147,9 @@ TEST(EngineTest, CompileErrorsCarryPositionAndTextAndAddNothing) {
     EXPECT_THROW(engine.AddCode(c.code), Error) << String::ToUtf8(c.code);
     EXPECT_EQ(engine.Error().Number(), c.number) << String::ToUtf8(c.code);
     EXPECT_EQ(engine.Error().Line(), c.line) << String::ToUtf8(c.code);
-    if (c.column) EXPECT_EQ(engine.Error().Column(), c.column) << String::ToUtf8(c.code);
+    if (c.column) {
+      EXPECT_EQ(engine.Error().Column(), c.column) << String::ToUtf8(c.code);
+    }
   }
 }
 

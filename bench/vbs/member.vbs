@@ -1,0 +1,11 @@
+Sub Main()
+  Dim c, i, s
+  Set c = CreateObject("QuorvexVbs.Counter")
+  c.Value = 3
+  s = 0
+  For i = 1 To 1000000
+    s = s + c.Value
+  Next
+  WScript.Echo s
+End Sub
+Main
