@@ -30,6 +30,33 @@ const qv::String& IncludeFolder() {
   return folder;
 }
 
+// The enclosing-function rule transcribed step by step, without the parser's shortcuts: the
+// parser's BlockName of every script block must agree with it.
+qv::StringView PlainEnclosingFunction(qv::StringView source, qv::StringView work) {
+  for (;;) {
+    size_t found = qv::StringView::npos;
+    for (size_t i = work.size() >= 9 ? work.size() - 9 + 1 : 0; i-- > 0;) {
+      if (qv::EqualsNoCase(work.substr(i, 9), u"Function ")) {
+        found = i;
+        break;
+      }
+    }
+    if (found == qv::StringView::npos) return {};
+    const qv::StringView head = work.substr(0, found + 1);
+    const size_t crlf = head.rfind(u"\r\n");
+    const qv::StringView prefix =
+        crlf == qv::StringView::npos ? head : work.substr(crlf + 2, found - crlf - 2);
+    const qv::StringView trimmed = qv::TrimBlanks(prefix);
+    if (trimmed.empty()) {
+      const size_t paren = work.find(u'(', found);
+      if (paren == qv::StringView::npos) return {};
+      return qv::TrimBlanks(work.substr(found + 8, paren - found - 8));
+    }
+    if (trimmed.front() != u'\'' && prefix.back() == u' ') return {};
+    work = source.substr(0, found + 1);
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -46,9 +73,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   try {
     for (int32_t i = 1; i <= parser.Count(); ++i) {
       parser.SetBlockID(i);
-      (void)parser.BlockType();
-      (void)parser.BlockName();
-      (void)parser.BlockValueView();
+      const qv::StringView value = parser.BlockValueView();
+      if (parser.BlockType() == qv::tyc_Block_Script &&
+          parser.BlockName() != PlainEnclosingFunction(text.view(), value)) {
+        __builtin_trap();
+      }
       (void)parser.BlockIndent();
     }
   } catch (const qv::Error&) {
