@@ -64,11 +64,11 @@ String SessionReader::ExpandIncludes(StringView body) {
 }
 
 String SessionReader::IncludedText(StringView inner) {
-  const StringView spec = TrimBlanks(inner);
-  if (std::count(spec.begin(), spec.end(), u'/') != 1) return String();
-  const size_t slash = spec.find(u'/');
-  const StringView file = TrimBlanks(spec.substr(0, slash));
-  const StringView id = TrimBlanks(spec.substr(slash + 1));
+  const StringView target = TrimBlanks(inner);
+  if (std::count(target.begin(), target.end(), u'/') != 1) return String();
+  const size_t slash = target.find(u'/');
+  const StringView file = TrimBlanks(target.substr(0, slash));
+  const StringView id = TrimBlanks(target.substr(slash + 1));
   const String path = fs::JoinPath(folder_, file);
   if (!fs::FileExists(path)) return String();
 
