@@ -258,11 +258,9 @@ void cRegistry::CreateKey() {
 
 void cRegistry::DeleteKey() {
   SettingsFile& file = TreeFile(ClassKey);
-  if (file.read_only()) {
-    Raise(u"Failed to open key '" + NumberText(ClassKey) + u"',Section: '" + SectionKey +
-          u"' for delete access");
-  }
-  const auto result = file.Update([&](SettingsTree& tree) { return tree.Delete(SectionKey); });
+  const auto result =
+      file.read_only() ? SettingsFile::SaveResult::kRefused
+                       : file.Update([&](SettingsTree& tree) { return tree.Delete(SectionKey); });
   if (result != SettingsFile::SaveResult::kSaved) {
     Raise(u"Failed to delete registry Key: '" + NumberText(ClassKey) + u"',Section: '" +
           SectionKey + u"'");
@@ -270,12 +268,17 @@ void cRegistry::DeleteKey() {
 }
 
 void cRegistry::DeleteValue() {
+  // Deleting a value takes two steps, as with the registry: open the key with delete access
+  // (refused in the machine tree, or when the key is missing), then delete the value.
   SettingsFile& file = TreeFile(ClassKey);
-  const auto result =
-      file.read_only() ? SettingsFile::SaveResult::kRefused : file.Update([&](SettingsTree& tree) {
-        SettingsNode* key = tree.Find(SectionKey);
-        return key && key->DeleteValue(ValueKey);
-      });
+  if (file.read_only() || !file.Tree().Find(SectionKey)) {
+    Raise(u"Failed to open key '" + NumberText(ClassKey) + u"',Section: '" + SectionKey +
+          u"' for delete access");
+  }
+  const auto result = file.Update([&](SettingsTree& tree) {
+    SettingsNode* key = tree.Find(SectionKey);
+    return key && key->DeleteValue(ValueKey);
+  });
   if (result != SettingsFile::SaveResult::kSaved) {
     Raise(u"Failed to delete registry Key: '" + NumberText(ClassKey) + u"',Section: '" +
           SectionKey + u"',Key: '" + ValueKey + u"'");

@@ -61,8 +61,8 @@ class cRegistry {  // NOLINT(readability-identifier-naming): the name scripts an
   // only) or when the value does not suit the type.
   void SetValue(const Variant& value);
 
-  // The names of the values (subkeys) of SectionKey, in the order they were created; `count`
-  // is their number. Both always return true; a missing key gives no names.
+  // The names of the values (subkeys) of SectionKey, in the order they were created, from
+  // index 0; `count` is their number. Both always return true; a missing key gives no names.
   bool EnumerateValues(std::vector<String>& names, int32_t& count) const;
   bool EnumerateSections(std::vector<String>& names, int32_t& count) const;
 
@@ -70,7 +70,8 @@ class cRegistry {  // NOLINT(readability-identifier-naming): the name scripts an
   void CreateKey();
   // Deletes SectionKey, which must exist and have no subkeys. Raises 26001 otherwise.
   void DeleteKey();
-  // Deletes ValueKey of SectionKey. Raises 26001 when it does not exist.
+  // Deletes ValueKey of SectionKey. Raises 26001 when the key can't be opened for deleting
+  // (the machine tree, a missing key) or the value does not exist.
   void DeleteValue();
 };
 

@@ -309,6 +309,10 @@ TEST(RegistryTest, KeysAndEnumeration) {
   EXPECT_TRUE(reg.Value().is_empty());
   EXPECT_EQ(Raises26001([&] { reg.DeleteValue(); }),
             "Failed to delete registry Key: '-2147483647',Section: 'A\\B',Key: 'mid'");
+  reg.SectionKey = u"A\\Gone";
+  EXPECT_EQ(Raises26001([&] { reg.DeleteValue(); }),
+            "Failed to open key '-2147483647',Section: 'A\\Gone' for delete access");
+  reg.SectionKey = u"A\\B";
   reg.EnumerateValues(names, count);
   EXPECT_EQ(count, 2);
 
@@ -341,11 +345,11 @@ TEST(RegistryTest, MachineTreeIsReadOnly) {
             "Failed to create registry Key: '-2147483646',Section: "
             "'Software\\Quorvex\\5.3\\Settings'");
   EXPECT_EQ(Raises26001([&] { reg.DeleteKey(); }),
+            "Failed to delete registry Key: '-2147483646',Section: "
+            "'Software\\Quorvex\\5.3\\Settings'");
+  EXPECT_EQ(Raises26001([&] { reg.DeleteValue(); }),
             "Failed to open key '-2147483646',Section: 'Software\\Quorvex\\5.3\\Settings' for "
             "delete access");
-  EXPECT_EQ(Raises26001([&] { reg.DeleteValue(); }),
-            "Failed to delete registry Key: '-2147483646',Section: "
-            "'Software\\Quorvex\\5.3\\Settings',Key: 'BodyFont'");
   EXPECT_EQ(ScratchHome::Read(home.machine_file()), machine);
 
   // The short-root helpers: "HKLM" is the machine tree, anything else the user's.
