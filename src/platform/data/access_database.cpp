@@ -5,6 +5,7 @@
 #include <mdbtools.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "automation/error.h"
 #include "platform/data/access_query_text.h"
@@ -170,6 +171,32 @@ bool IsPlainReference(StringView expression) {
           expression.find(u'[') != StringView::npos);
 }
 
+// Refuses files that are no Jet/ACE database, or whose length is not a whole number of pages.
+// libmdb trusts a file's page pointers: on a file cut short it can spend minutes decoding
+// garbage, so a damaged file is stopped here, before the library sees it.
+void CheckFileShape(const String& file) {
+  std::ifstream in(Narrow(file), std::ios::binary);
+  char header[32] = {};
+  in.read(header, sizeof header);
+  const std::string_view signature(header + 4, 15);
+  const bool jet = in.gcount() == sizeof header && header[0] == 0 && header[1] == 1 &&
+                   (signature == "Standard Jet DB" || signature == "Standard ACE DB");
+  if (!jet) {
+    throw Error(kErrUnrecognizedFormat,
+                u"Unrecognized database format '" + file + u"': it is no Access database.",
+                String(kSource));
+  }
+  const uintmax_t page = header[0x14] == 0 ? 2048 : 4096;
+  std::error_code ec;
+  const uintmax_t size = std::filesystem::file_size(Narrow(file), ec);
+  if (ec || size < 2 * page || size % page != 0) {
+    throw Error(kErrUnrecognizedFormat,
+                u"Unrecognized database format '" + file +
+                    u"': the file is damaged (it does not end on a page boundary).",
+                String(kSource));
+  }
+}
+
 }  // namespace
 
 struct AccessDatabase::Handle {
@@ -195,6 +222,7 @@ std::unique_ptr<AccessDatabase> AccessDatabase::Open(StringView path, bool /*rea
   if (file.empty() || !std::filesystem::is_regular_file(Narrow(file), ec)) {
     throw Error(kErrFileNotFound, u"Could not find file '" + file + u"'.", String(kSource));
   }
+  CheckFileShape(file);
   std::unique_ptr<AccessDatabase> db(new AccessDatabase);
   db->path_ = file;
   db->handle_ = std::make_unique<Handle>();

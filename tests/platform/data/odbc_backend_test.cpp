@@ -20,7 +20,7 @@ namespace {
 
 std::filesystem::path ServerDir() {
   const char* dir = std::getenv("QV_DB_DIR");
-  return dir ? dir : "/tmp/quorvex-db";
+  return dir ? dir : QV_DB_DIR_DEFAULT;
 }
 
 // Points unixODBC at the files the start script wrote, before any ODBC call.
