@@ -2,9 +2,6 @@
 // short root name, the user's folders and the character set of a code page.
 #include "support/common.h"
 
-#include <pwd.h>
-#include <unistd.h>
-
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -15,6 +12,7 @@
 #include "automation/convert.h"
 #include "automation/date_time.h"
 #include "automation/error.h"
+#include "support/data_folder.h"
 #include "support/registry.h"
 #include "support/tyx_vars.h"
 
@@ -166,15 +164,6 @@ void WriteRegValue(StringView root, StringView key, StringView name, int32_t typ
 }
 
 namespace {
-
-std::filesystem::path HomeFolder() {
-  if (const char* home = std::getenv("HOME"); home && *home) return home;
-  if (const passwd* pw = getpwuid(getuid()); pw && pw->pw_dir && *pw->pw_dir) return pw->pw_dir;
-  // No home at all (a stripped-down container): the working folder is the best guess left.
-  std::error_code ec;
-  std::filesystem::path cwd = std::filesystem::current_path(ec);
-  return ec ? std::filesystem::path("/tmp") : cwd;
-}
 
 std::filesystem::path XdgFolder(const char* variable, const char* fallback_below_home) {
   if (const char* value = std::getenv(variable); value && *value == '/') return value;

@@ -2,6 +2,9 @@
 // the program was built for.
 #include "support/data_folder.h"
 
+#include <pwd.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <system_error>
 
@@ -46,6 +49,15 @@ fs::path DataFolder() {
 #else
   return fs::path("/usr/local/share/quorvex");
 #endif
+}
+
+fs::path HomeFolder() {
+  if (const char* home = std::getenv("HOME"); home && *home) return home;
+  if (const passwd* pw = getpwuid(getuid()); pw && pw->pw_dir && *pw->pw_dir) return pw->pw_dir;
+  // No home at all (a stripped-down container): the working folder is the best guess left.
+  std::error_code ec;
+  const fs::path cwd = fs::current_path(ec);
+  return ec ? fs::path("/tmp") : cwd;
 }
 
 }  // namespace qv

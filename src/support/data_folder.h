@@ -1,5 +1,5 @@
-// Finds the program's data folder, <prefix>/share/quorvex: the machine settings, the default
-// template package and the extension packages live there.
+// Finds the program's data folder, <prefix>/share/quorvex (the machine settings, the default
+// template package and the extension packages live there), and the user's home folder.
 #pragma once
 
 #include <filesystem>
@@ -11,5 +11,9 @@ namespace qv {
 // install prefix compiled into the program. The result is absolute; it may not exist when the
 // program was neither built nor installed properly.
 std::filesystem::path DataFolder();
+
+// The user's home folder: $HOME, else the account's home from the password database, else the
+// working folder. Never empty.
+std::filesystem::path HomeFolder();
 
 }  // namespace qv

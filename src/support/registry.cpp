@@ -23,8 +23,7 @@ fs::path UserSettingsPath() {
   if (const char* config = std::getenv("XDG_CONFIG_HOME"); config && *config == '/') {
     return fs::path(config) / "quorvex" / "settings";
   }
-  const char* home = std::getenv("HOME");
-  return fs::path(home && *home ? home : "/") / ".config" / "quorvex" / "settings";
+  return HomeFolder() / ".config" / "quorvex" / "settings";
 }
 
 fs::path MachineSettingsPath() {

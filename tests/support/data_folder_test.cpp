@@ -36,3 +36,24 @@ TEST(DataFolderTest, EnvironmentThenTheBuildTree) {
 
 }  // namespace
 }  // namespace qv
+
+#include <pwd.h>
+#include <unistd.h>
+
+namespace qv {
+namespace {
+
+TEST(HomeFolderTest, HomeThenTheAccount) {
+  const char* saved = std::getenv("HOME");
+  const std::string saved_value = saved ? saved : "";
+  ::setenv("HOME", "/some/home", 1);
+  EXPECT_EQ(HomeFolder(), std::filesystem::path("/some/home"));
+  ::unsetenv("HOME");
+  const passwd* pw = getpwuid(getuid());
+  ASSERT_FALSE(HomeFolder().empty());
+  if (pw && pw->pw_dir && *pw->pw_dir) EXPECT_EQ(HomeFolder(), std::filesystem::path(pw->pw_dir));
+  if (saved) ::setenv("HOME", saved_value.c_str(), 1);
+}
+
+}  // namespace
+}  // namespace qv
