@@ -51,7 +51,9 @@ TEST(HomeFolderTest, HomeThenTheAccount) {
   ::unsetenv("HOME");
   const passwd* pw = getpwuid(getuid());
   ASSERT_FALSE(HomeFolder().empty());
-  if (pw && pw->pw_dir && *pw->pw_dir) EXPECT_EQ(HomeFolder(), std::filesystem::path(pw->pw_dir));
+  if (pw && pw->pw_dir && *pw->pw_dir) {
+    EXPECT_EQ(HomeFolder(), std::filesystem::path(pw->pw_dir));
+  }
   if (saved) ::setenv("HOME", saved_value.c_str(), 1);
 }
 
