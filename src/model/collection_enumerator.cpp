@@ -20,7 +20,7 @@ class EndedEnumerator : public Enumerator {
 
 cEnumerationObject::cEnumerationObject(CSuperCollection& collection, int32_t position)
     : collection_(&collection),
-      serial_(collection.serial_),
+      ticket_(collection.Ticket()),
       copy_(collection.positions_),
       base_(collection.base_),
       start_(position),
@@ -33,7 +33,7 @@ cEnumerationObject::~cEnumerationObject() {
 }
 
 CSuperCollection* cEnumerationObject::Live() const {
-  return MValidatePointer::Find(collection_, serial_);
+  return MValidatePointer::Find(collection_, ticket_);
 }
 
 bool cEnumerationObject::Next(Variant& item) {

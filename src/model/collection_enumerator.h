@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "automation/object.h"
+#include "model/live_collections.h"
 
 namespace qv {
 
@@ -28,7 +29,7 @@ class cEnumerationObject : public Enumerator {
   int32_t CopyLast() const { return base_ + static_cast<int32_t>(copy_.size()) - 1; }
 
   const CSuperCollection* collection_;
-  uint64_t serial_;
+  LiveTicket ticket_;
   std::vector<int32_t> copy_;
   int32_t base_;
   int32_t start_;

@@ -10,11 +10,11 @@ namespace qv {
 namespace {
 class KeysEnumerator : public Enumerator {
  public:
-  KeysEnumerator(const CSuperCollection* collection, uint64_t serial, size_t at)
-      : collection_(collection), serial_(serial), at_(at) {}
+  KeysEnumerator(const CSuperCollection* collection, LiveTicket ticket, size_t at)
+      : collection_(collection), ticket_(ticket), at_(at) {}
 
   bool Next(Variant& item) override {
-    const CSuperCollection* live = MValidatePointer::Find(collection_, serial_);
+    const CSuperCollection* live = MValidatePointer::Find(collection_, ticket_);
     if (!live) return false;
     const std::vector<KeyRecord>& records = live->KeyRecords();
     if (at_ >= records.size()) return false;
@@ -24,11 +24,11 @@ class KeysEnumerator : public Enumerator {
   }
   void Skip(uint32_t count) override { at_ += count; }
   void Reset() override { at_ = 0; }
-  Ref<Enumerator> Clone() override { return MakeRef<KeysEnumerator>(collection_, serial_, at_); }
+  Ref<Enumerator> Clone() override { return MakeRef<KeysEnumerator>(collection_, ticket_, at_); }
 
  private:
   const CSuperCollection* collection_;
-  uint64_t serial_;
+  LiveTicket ticket_;
   size_t at_;
 };
 }  // namespace
@@ -43,10 +43,10 @@ const DispatchTable<cKey>& cKey::Table() {
 }
 
 CKeys::CKeys(CSuperCollection& collection)
-    : collection_(&collection), serial_(collection.Serial()) {}
+    : collection_(&collection), ticket_(collection.Ticket()) {}
 
 CSuperCollection* CKeys::Live() const {
-  return MValidatePointer::Find(collection_, serial_);
+  return MValidatePointer::Find(collection_, ticket_);
 }
 
 int32_t CKeys::Count() const {
@@ -58,7 +58,7 @@ int32_t CKeys::Count() const {
 }
 
 Ref<Enumerator> CKeys::NewEnum() {
-  return MakeRef<KeysEnumerator>(collection_, serial_, 0);
+  return MakeRef<KeysEnumerator>(collection_, ticket_, 0);
 }
 
 const DispatchTable<CKeys>& CKeys::Table() {

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "automation/dispatch.h"
+#include "model/live_collections.h"
 
 namespace qv {
 
@@ -37,7 +38,7 @@ class CKeys : public DispatchObject<CKeys> {
   CSuperCollection* Live() const;
 
   const CSuperCollection* collection_;
-  uint64_t serial_;
+  LiveTicket ticket_;
 };
 
 }  // namespace qv

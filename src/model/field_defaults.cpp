@@ -11,6 +11,34 @@ namespace qv {
 
 namespace {
 
+// The texts that every field's defaults use, made once: a project sets them on tens of
+// thousands of fields.
+struct Texts {
+  const String Equals{u"="};
+  const String Date{u"DATE"};
+  const String DateTime{u"Date/Time"};
+  const String Eurodate{u"EURODATE"};
+  const String File{u"FILE"};
+  const String Float{u"FLOAT"};
+  const String FormattedText{u"FORMATTED TEXT"};
+  const String Guid{u"GUID"};
+  const String Integer{u"INTEGER"};
+  const String Like{u"LIKE"};
+  const String No{u"NO"};
+  const String None{u"None"};
+  const String Radio{u"RADIO"};
+  const String Text{u"TEXT"};
+  const String Textarea{u"TEXTAREA"};
+  const String Time{u"TIME"};
+  const String Usdate{u"USDATE"};
+  const String Values{u"Values"};
+};
+
+const Texts& T() {
+  static const Texts* texts = new Texts();
+  return *texts;
+}
+
 bool IsOneOf(int16_t type, std::initializer_list<int16_t> list) {
   for (int16_t t : list) {
     if (t == type) return true;
@@ -44,13 +72,13 @@ void TyxField::LoadFldDefault() {
   SetFldOrderBy(0);
   SetFldGroupBy(0);
   SetFldPageIndex(1);
-  SetFldFmtType(u"None");
+  SetFldFmtType(T().None);
   SetFldIncLeadDigit(-2);
   SetFldUseParen(-2);
   SetFldGpDigits(-2);
-  SetFldSelectType(u"Values");
-  SetFldViewTag(u"FORMATTED TEXT");
-  SetFldTagAPrefix(u"None");
+  SetFldSelectType(T().Values);
+  SetFldViewTag(T().FormattedText);
+  SetFldTagAPrefix(T().None);
 
   const bool support = FldSupport();
   const int16_t type = FldType();
@@ -71,39 +99,39 @@ void TyxField::LoadFldDefault() {
 
 void TyxField::SetFieldTagDefaults() {
   if (FldAutoIncrement()) {
-    SetFldHtmlTag(u"NO");
+    SetFldHtmlTag(T().No);
     return;
   }
   const int16_t type = FldType();
   if (type == adBoolean) {
-    SetFldHtmlTag(u"RADIO");
+    SetFldHtmlTag(T().Radio);
     SetFldTagValues(IsAccess() ? u"\"Yes\",\"Yes\"\r\n\"No\",\"No\""
                                : u"\"1\",\"Yes\"\r\n\"0\",\"No\"");
   } else if (IsOneOf(type, {adLongVarChar, adLongVarWChar})) {
-    SetFldHtmlTag(u"TEXTAREA");
+    SetFldHtmlTag(T().Textarea);
     SetFldTagCols(35);
     SetFldTagRows(4);
   } else if (IsOneOf(type, {adVarChar, adVarWChar})) {
-    SetFldHtmlTag(u"TEXT");
+    SetFldHtmlTag(T().Text);
     SetFldTagSize(30);
     SetFldTagMaxLength(FldSize());
   } else if (IsDateType(type)) {
-    SetFldHtmlTag(u"TEXT");
+    SetFldHtmlTag(T().Text);
     const int16_t format = Vars().DefaultDateFormat;
     if (format >= 5 && format <= 7) {
-      SetFldFmtType(u"Date/Time");
+      SetFldFmtType(T().DateTime);
       SetFldDtFormat(format);
     }
   } else if (type == adGUID) {
-    SetFldHtmlTag(u"TEXT");
+    SetFldHtmlTag(T().Text);
     SetFldTagSize(38);
     SetFldTagMaxLength(38);
   } else if (type == adLongVarBinary) {
-    SetFldHtmlTag(u"FILE");
+    SetFldHtmlTag(T().File);
     SetFldTagSize(30);
     SetFldHrefFld(FldName());
   } else {
-    SetFldHtmlTag(u"TEXT");
+    SetFldHtmlTag(T().Text);
     SetFldTagSize(30);
   }
 }
@@ -113,27 +141,27 @@ void TyxField::SetFieldValidateDefaults() {
   const int16_t type = FldType();
   if (IsOneOf(type, {adBigInt, adInteger, adSmallInt, adTinyInt, adUnsignedBigInt, adUnsignedInt,
                      adUnsignedSmallInt, adUnsignedTinyInt})) {
-    SetFldValidate(u"INTEGER");
+    SetFldValidate(T().Integer);
   } else if (IsOneOf(type, {adCurrency, adDecimal, adDouble, adNumeric, adSingle})) {
-    SetFldValidate(u"FLOAT");
+    SetFldValidate(T().Float);
   } else if (IsDateType(type)) {
     switch (Vars().DefaultDateFormat) {
       case 5:
-        SetFldValidate(u"DATE");
+        SetFldValidate(T().Date);
         break;
       case 6:
-        SetFldValidate(u"USDATE");
+        SetFldValidate(T().Usdate);
         break;
       case 7:
-        SetFldValidate(u"EURODATE");
+        SetFldValidate(T().Eurodate);
         break;
       default:
         break;
     }
   } else if (type == adDBTime) {
-    SetFldValidate(u"TIME");
+    SetFldValidate(T().Time);
   } else if (type == adGUID) {
-    SetFldValidate(u"GUID");
+    SetFldValidate(T().Guid);
   }
 }
 
@@ -143,10 +171,10 @@ void TyxField::SetFieldSearchOperator() {
                      adSmallInt, adTinyInt, adUnsignedBigInt, adUnsignedInt, adUnsignedSmallInt,
                      adUnsignedTinyInt, adVarNumeric, adBoolean, adDate, adDBDate, adDBTime,
                      adDBTimeStamp})) {
-    SetFldSrchOpr(u"=");
+    SetFldSrchOpr(T().Equals);
   } else if (IsOneOf(type, {adBSTR, adChar, adLongVarChar, adLongVarWChar, adVarChar, adVarWChar,
                             adWChar})) {
-    SetFldSrchOpr(u"LIKE");
+    SetFldSrchOpr(T().Like);
   }
 }
 

@@ -1,7 +1,7 @@
 // MValidatePointer: the table of live collections. A collection enters it at creation and
 // leaves at its end; iterations and key views look their collection up before every step, so
-// they never touch one that is gone. Each entry carries a serial number, so a new collection
-// that happens to reuse a dead one's address is not mistaken for it.
+// they never touch one that is gone. An entry is a slot of the table plus a serial number, so a
+// new collection that reuses a dead one's slot or address is not mistaken for it.
 #pragma once
 
 #include <cstdint>
@@ -10,13 +10,18 @@ namespace qv {
 
 class CSuperCollection;
 
+// What a collection's weak link holds.
+struct LiveTicket {
+  uint32_t slot = 0;
+  uint64_t serial = 0;
+};
+
 class MValidatePointer {
  public:
-  // Adds a collection and returns its serial number.
-  static uint64_t Add(const CSuperCollection* collection);
-  static void Remove(const CSuperCollection* collection);
-  // The collection when it is still alive under that serial number, else nullptr.
-  static CSuperCollection* Find(const CSuperCollection* collection, uint64_t serial);
+  static LiveTicket Add(const CSuperCollection* collection);
+  static void Remove(const LiveTicket& ticket);
+  // The collection when it is still alive under that ticket, else nullptr.
+  static CSuperCollection* Find(const CSuperCollection* collection, const LiveTicket& ticket);
 };
 
 }  // namespace qv

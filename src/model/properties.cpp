@@ -40,10 +40,7 @@ bool TyProperties::Add(StringView name, StringView data_type, bool reg_save, int
 
 void TyProperties::Register(const PropertyLayout& layout) {
   if (Count() == 0) {
-    std::vector<Variant> values;
-    values.reserve(static_cast<size_t>(layout.size()));
-    for (int32_t i = 0; i < layout.size(); ++i)
-      values.emplace_back(MakeRef<TyProperty>(layout.at(i)));
+    std::vector<Variant> values = TyProperty::MakeBlock(layout.descriptors());
     collection_->Clear();
     collection_->AdoptLayout(layout.prototype(), std::move(values));
     layout_ = &layout;

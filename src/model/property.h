@@ -3,6 +3,8 @@
 // defaults, to the project file and through synchronisation.
 #pragma once
 
+#include <vector>
+
 #include "automation/dispatch.h"
 #include "model/property_descriptor.h"
 
@@ -12,6 +14,11 @@ class TyProperty : public DispatchObject<TyProperty> {
  public:
   explicit TyProperty(Ref<PropertyDescriptor> descriptor) : descriptor_(std::move(descriptor)) {}
   static const DispatchTable<TyProperty>& Table();
+
+  // The entries of one registration, made in one piece of memory: a project of thousands of
+  // fields registers millions of entries, and one allocation per bag instead of one per entry
+  // saves both time and the allocator's overhead. The piece is freed with its last entry.
+  static std::vector<Variant> MakeBlock(const std::vector<Ref<PropertyDescriptor>>& descriptors);
 
   const String& Key() const { return descriptor_->Key; }
   void SetKey(String key) { Own().Key = std::move(key); }
@@ -37,9 +44,20 @@ class TyProperty : public DispatchObject<TyProperty> {
   // Stores the value converted to the property's type.
   void SetTypedValue(const Variant& value) { value_ = ConvertToPropType(value, Type()); }
 
+ protected:
+  void Destroy() noexcept override;
+
  private:
+  static constexpr uint32_t kStandalone = 0xFFFFFFFFu;
+  struct BlockHeader {
+    uint32_t live;
+    uint32_t count;
+  };
+
   PropertyDescriptor& Own();
 
+  // The place in its block, or kStandalone for an entry made on its own.
+  uint32_t block_index_ = kStandalone;
   Ref<PropertyDescriptor> descriptor_;
   Variant value_;
 };

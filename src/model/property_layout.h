@@ -29,6 +29,7 @@ class PropertyLayout {
 
   int32_t size() const { return static_cast<int32_t>(descriptors_.size()); }
   const Ref<PropertyDescriptor>& at(int32_t index) const { return descriptors_[index]; }
+  const std::vector<Ref<PropertyDescriptor>>& descriptors() const { return descriptors_; }
   // A collection holding one empty item per property, under its name, in registration order.
   const CSuperCollection& prototype() const { return *prototype_; }
 

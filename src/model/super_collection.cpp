@@ -76,11 +76,11 @@ bool IsPositionIndex(const Variant& index) {
 
 CSuperCollection::CSuperCollection() : keys_(MakeRef<KeyTable>()) {
   ResetToEmpty();
-  serial_ = MValidatePointer::Add(this);
+  ticket_ = MValidatePointer::Add(this);
 }
 
 CSuperCollection::~CSuperCollection() {
-  MValidatePointer::Remove(this);
+  MValidatePointer::Remove(ticket_);
 }
 
 void CSuperCollection::ResetToEmpty() {

@@ -9,6 +9,7 @@
 
 #include "automation/dispatch.h"
 #include "automation/variant.h"
+#include "model/live_collections.h"
 
 namespace qv {
 
@@ -87,8 +88,8 @@ class CSuperCollection : public DispatchObject<CSuperCollection> {
   const std::vector<KeyRecord>& KeyRecords() const { return keys_->records; }
   // The number of iterations open on this collection.
   int32_t IterationCount() const { return iterations_; }
-  // This collection's serial number in MValidatePointer.
-  uint64_t Serial() const { return serial_; }
+  // This collection's entry in MValidatePointer.
+  const LiveTicket& Ticket() const { return ticket_; }
 
  private:
   friend class cEnumerationObject;
@@ -129,7 +130,7 @@ class CSuperCollection : public DispatchObject<CSuperCollection> {
   Ref<KeyTable> keys_;
   int32_t pending_key_ = NoEntry;
   int32_t iterations_ = 0;
-  uint64_t serial_ = 0;  // this collection's entry in MValidatePointer
+  LiveTicket ticket_;  // this collection's entry in MValidatePointer
 };
 
 // True when a Variant names a position (a number) rather than a key.
