@@ -1,5 +1,6 @@
 // The string and conversion families, called by name as the engine calls them.
 #include "vbscript/runtime_test_helpers.h"
+#include "vbscript/strings_lib.h"
 
 namespace qv::vbs {
 namespace {
@@ -185,6 +186,38 @@ TEST(RuntimeConversions, TypeQuestions) {
   EXPECT_EQ(Show(u"TypeName", {Call(u"Array", {I(1)})}), "Variant()");
   EXPECT_EQ(Show(u"VarType", {u"x"}), "8");
   EXPECT_EQ(Show(u"VarType", {Call(u"Array", {})}), "8204");
+}
+
+}  // namespace
+}  // namespace qv::vbs
+
+namespace qv::vbs {
+namespace {
+
+// The vector search against the plain one, on texts of a small alphabet (many near misses),
+// every length and start, and needles that share low bytes across the whole range of units.
+TEST(RuntimeStrings, FastSearchAgreesWithPlainSearch) {
+  uint32_t seed = 12345;
+  auto next = [&seed] {
+    seed = seed * 1103515245 + 12345;
+    return (seed >> 16) & 0x7FFF;
+  };
+  const char16_t alphabet[] = {u'a', u'b', u'\u0161', u'\uff61'};
+  for (int round = 0; round < 400; ++round) {
+    std::u16string hay, needle;
+    const size_t hay_len = next() % 70;
+    const size_t needle_len = 1 + next() % 5;
+    for (size_t i = 0; i < hay_len; ++i)
+      hay.push_back(alphabet[next() % 4]);
+    for (size_t i = 0; i < needle_len; ++i)
+      needle.push_back(alphabet[next() % 4]);
+    for (size_t from = 0; from <= hay.size() + 1; ++from) {
+      ASSERT_EQ(FindText(hay, needle, from), StringView(hay).find(needle, from))
+          << "round " << round << " from " << from;
+    }
+  }
+  EXPECT_EQ(FindText(u"abc", u"", 3), 3u);
+  EXPECT_EQ(FindText(u"abc", u"", 4), StringView::npos);
 }
 
 }  // namespace
