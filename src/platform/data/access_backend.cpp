@@ -130,11 +130,11 @@ class AccessBackend final : public Backend {
   Rowset Execute(StringView sql) override {
     const auto parsed = ParseWholeTableSelect(sql);
     if (!parsed) {
-      throw ProviderError(kErrNotSupported,
-                          u"Access files are read whole, table by table: only \"SELECT * FROM "
-                          u"<table>\" can run here, not \"" +
-                              String(sql) + u"\".",
-                          String(kSource));
+      try {
+        return db_->Query(sql);
+      } catch (const Error& e) {
+        throw ProviderError(e.number(), e.description(), String(kSource));
+      }
     }
     const auto& [name, rows] = *parsed;
     try {

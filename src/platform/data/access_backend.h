@@ -1,9 +1,8 @@
 // ADO over an Access file: what a Jet or ACE provider string opens. The catalogue comes from
 // the DAO-shaped AccessDatabase (tables, stored select queries as views, columns, keys from
-// the "PrimaryKey" index, indexes); statements are the probing and reading forms
-// "SELECT * FROM [name]" (a WHERE clause of 0=1 or 1=0 returns no rows) over a table or a
-// stored query (whose rows are not read here: only its columns), and
-// nothing else: other statements are refused with words that say so.
+// the "PrimaryKey" index, indexes). "SELECT * FROM [name]" reads a whole table (with a WHERE
+// clause of 0=1 or 1=0 only its columns) or a stored query's columns; any other statement
+// goes to mdbtools' SQL engine, which runs single-table SELECTs and refuses the rest in words.
 #pragma once
 
 #include <memory>

@@ -2,6 +2,7 @@
 // columns, properties and indexes, and the stored queries from the query table.
 #include "platform/data/access_database.h"
 
+#include <mdbsql.h>
 #include <mdbtools.h>
 
 #include <filesystem>
@@ -504,6 +505,87 @@ Rowset AccessDatabase::ReadTable(StringView name) const {
     for (unsigned i = 0; i < reader.table->num_cols && i < def->fields.size(); ++i) {
       row.push_back(
           ValueOfText(mdb, reader.Column(i), buffers.values[i].data(), buffers.lengths[i]));
+    }
+  }
+  return rowset;
+}
+
+namespace {
+
+// libmdbsql's session, closed on scope exit.
+struct SqlSession {
+  MdbSQL* sql = mdb_sql_init();
+  ~SqlSession() {
+    if (!sql) return;
+    mdb_sql_reset(sql);
+    mdb_sql_exit(sql);
+  }
+  SqlSession() = default;
+  SqlSession(const SqlSession&) = delete;
+  SqlSession& operator=(const SqlSession&) = delete;
+};
+
+MdbColumn* TableColumnNamed(MdbTableDef* table, const char* name) {
+  for (unsigned i = 0; table && i < table->num_cols; ++i) {
+    auto* col = static_cast<MdbColumn*>(g_ptr_array_index(table->columns, i));
+    if (g_ascii_strcasecmp(col->name, name) == 0) return col;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+Rowset AccessDatabase::Query(StringView sql) const {
+  SqlSession session;
+  std::string path = Narrow(path_);
+  if (!session.sql || !mdb_sql_open(session.sql, path.data())) {
+    throw Error(kErrUnrecognizedFormat, u"Unrecognized database format '" + path_ + u"'.",
+                String(kSource));
+  }
+  mdb_set_date_fmt(session.sql->mdb, "%Y-%m-%d %H:%M:%S");
+  mdb_set_boolean_fmt_numbers(session.sql->mdb);
+  const std::string text = Narrow(sql);
+  if (!mdb_sql_run_query(session.sql, text.c_str()) || mdb_sql_has_error(session.sql) ||
+      !session.sql->cur_table) {
+    const String reason = Utf8(session.sql->error_msg);
+    throw Error(kErrSyntax,
+                u"mdbtools cannot run this statement on an Access file" +
+                    (reason.empty() ? String(u".") : u": " + reason),
+                String(kSource));
+  }
+  MdbTableDef* table = session.sql->cur_table;
+  const DaoTableDef* def = FindTable(Utf8(table->name));
+  Rowset rowset;
+  std::vector<MdbColumn*> sources;
+  for (unsigned i = 0; i < session.sql->num_columns; ++i) {
+    auto* column = static_cast<MdbSQLColumn*>(g_ptr_array_index(session.sql->columns, i));
+    MdbColumn* source = TableColumnNamed(table, column->name);
+    sources.push_back(source);
+    DaoField field;
+    field.type = dbText;
+    if (def) {
+      for (const DaoField& f : def->fields) {
+        if (EqualsNoCase(f.name, Utf8(column->name))) field = f;
+      }
+    }
+    const size_t index =
+        rowset.AddColumn(Utf8(column->name), AdoTypeOfDaoType(field.type), field.size);
+    rowset.columns[index].auto_increment = (field.attributes & dbAutoIncrField) != 0;
+  }
+  // Running the query has bound every selected column already; binding again would
+  // leave the values in buffers that nothing fills.
+  while (mdb_sql_fetch_row(session.sql, table)) {
+    auto& row = rowset.rows.emplace_back();
+    for (unsigned i = 0; i < session.sql->num_columns; ++i) {
+      auto* column = static_cast<MdbSQLColumn*>(g_ptr_array_index(session.sql->columns, i));
+      const char* value = static_cast<const char*>(g_ptr_array_index(session.sql->bound_values, i));
+      const int length =
+          column->bind_len ? *column->bind_len : (value ? static_cast<int>(strlen(value)) : 0);
+      if (!sources[i]) {
+        row.push_back(value ? Variant(Utf8(value)) : Variant::Null());
+        continue;
+      }
+      row.push_back(ValueOfText(session.sql->mdb, sources[i], value ? value : "", length));
     }
   }
   return rowset;

@@ -100,6 +100,10 @@ class AccessDatabase {
   // All rows of a table, typed as ADO sees them (ADO types in the columns, values as
   // Variants). Raises kErrNoSuchTable for an unknown name.
   Rowset ReadTable(StringView name) const;
+  // A SELECT on one table in mdbtools' SQL dialect (column list, WHERE with AND/OR/NOT,
+  // comparisons and LIKE, LIMIT), for custom views on Access files. Joins and expressions are
+  // beyond that dialect: such a statement raises kErrSyntax with the parser's words.
+  Rowset Query(StringView sql) const;
 
  private:
   struct Handle;
