@@ -11,12 +11,16 @@
 #include <system_error>
 
 #include "support/settings_format.h"
+#include "support/status.h"
+#include "support/tyx_vars.h"
 
 namespace qv {
 
 namespace {
 
 void Report(const std::string& message) {
+  // A status line on the terminal would run into the message: take it away first.
+  if (auto* status = dynamic_cast<TyxStatus*>(Vars().Status.get())) status->SuspendLine();
   std::fprintf(stderr, "Quorvex: %s\n", message.c_str());
 }
 
