@@ -343,7 +343,66 @@ class ProcCompiler {
       BinaryStep(**it);
   }
 
+  // The fused form of an operator whose right operand is a constant or a local, or Nop.
+  Op FusedOp(BinOp op, bool constant) const {
+    static constexpr Op kConst[] = {Op::AddK, Op::SubK, Op::MulK, Op::EqK, Op::NeK,
+                                    Op::LtK,  Op::LeK,  Op::GtK,  Op::GeK};
+    static constexpr Op kLocal[] = {Op::AddL, Op::SubL, Op::MulL, Op::EqL, Op::NeL,
+                                    Op::LtL,  Op::LeL,  Op::GtL,  Op::GeL};
+    int i;
+    switch (op) {
+      case BinOp::Add:
+        i = 0;
+        break;
+      case BinOp::Sub:
+        i = 1;
+        break;
+      case BinOp::Mul:
+        i = 2;
+        break;
+      case BinOp::Eq:
+        i = 3;
+        break;
+      case BinOp::Ne:
+        i = 4;
+        break;
+      case BinOp::Lt:
+        i = 5;
+        break;
+      case BinOp::Le:
+        i = 6;
+        break;
+      case BinOp::Gt:
+        i = 7;
+        break;
+      case BinOp::Ge:
+        i = 8;
+        break;
+      default:
+        return Op::Nop;
+    }
+    return constant ? kConst[i] : kLocal[i];
+  }
+
   void BinaryStep(const Expr& e) {
+    uint8_t fused_hints = 0;
+    if (IsLiteral(*e.object)) fused_hints |= kLeftIsLiteral;
+    if (e.right->kind == ExprKind::Literal && e.right->value.type() != VarType::Error) {
+      const Op op = FusedOp(e.bin, true);
+      if (op != Op::Nop) {
+        Emit(op, 0, Constant(e.right->value), 0, fused_hints | kRightIsLiteral);
+        return;
+      }
+    }
+    if (e.right->kind == ExprKind::Name && !e.right->has_args) {
+      const Op op = FusedOp(e.bin, false);
+      const Resolved r = Resolve(e.right->name);
+      if (op != Op::Nop && r.kind == NameKind::Local &&
+          !(!own_name_.empty() && EqualsNoCase(e.right->name, own_name_))) {
+        Emit(op, 0, r.index, 0, fused_hints);
+        return;
+      }
+    }
     Expression(*e.right);
     static constexpr Op kOps[] = {Op::Add, Op::Sub, Op::Mul,    Op::Div, Op::IntDiv,
                                   Op::Mod, Op::Pow, Op::Concat, Op::Eq,  Op::Ne,

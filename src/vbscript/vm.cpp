@@ -141,19 +141,35 @@ int32_t IndexValue(const Variant& v) {
   const VarType t = v.type();
   return t != VarType::String && t != VarType::Object && t != VarType::Array;
 }
+// Copies the type word and the payload as they were stored (two stores, two loads): one
+// 16-byte load of a value that two smaller stores just wrote would stall on store forwarding.
+[[gnu::always_inline]] inline void CopyPlain(Variant& dst, const Variant& src) {
+  auto* d = reinterpret_cast<unsigned char*>(&dst);
+  const auto* s = reinterpret_cast<const unsigned char*>(&src);
+  std::memcpy(d, s, sizeof(VarType));
+  std::memcpy(d + 8, s + 8, 8);
+}
 [[gnu::always_inline]] inline void CopyInto(Variant& dst, const Variant& src) {
   if (IsPlain(dst) && IsPlain(src)) {
-    std::memcpy(static_cast<void*>(&dst), static_cast<const void*>(&src), sizeof(Variant));
+    CopyPlain(dst, src);
   } else {
     dst = src;
   }
 }
 [[gnu::always_inline]] inline void MoveInto(Variant& dst, Variant& src) {
   if (IsPlain(dst)) {
-    std::memcpy(static_cast<void*>(&dst), static_cast<const void*>(&src), sizeof(Variant));
+    CopyPlain(dst, src);
     new (&src) Variant();
   } else {
     dst = std::move(src);
+  }
+}
+// Copies into a slot known to be empty.
+[[gnu::always_inline]] inline void PushCopy(Variant* slot, const Variant& src) {
+  if (IsPlain(src)) {
+    CopyPlain(*slot, src);
+  } else {
+    new (slot) Variant(src);
   }
 }
 [[gnu::always_inline]] inline void Drop(Variant& v) {
@@ -173,14 +189,20 @@ template <class T>
 }
 
 // Integer, Long and Double operands of the inline arithmetic.
-inline bool IsSmallNumber(const Variant& v) {
-  const VarType t = v.type();
-  return t == VarType::Integer || t == VarType::Long || t == VarType::Double;
+// The classes of the inline arithmetic: 1 Integer, 2 Long, 3 Double, 0 anything else.
+[[gnu::always_inline]] inline unsigned NumClass(const Variant& v) {
+  // Indexed by VarType: Integer = 2, Long = 3, Double = 5.
+  constexpr uint64_t kClasses = (1ull << (2 * 4)) | (2ull << (3 * 4)) | (3ull << (5 * 4));
+  const auto t = static_cast<unsigned>(v.type());
+  return t < 16 ? static_cast<unsigned>((kClasses >> (t * 4)) & 0xF) : 0;
 }
-inline int64_t WholeOf(const Variant& v) {
+[[gnu::always_inline]] inline bool IsSmallNumber(const Variant& v) {
+  return NumClass(v) != 0;
+}
+[[gnu::always_inline]] inline int64_t WholeOf(const Variant& v) {
   return v.type() == VarType::Integer ? v.as_integer() : v.as_long();
 }
-inline double DoubleOf(const Variant& v) {
+[[gnu::always_inline]] inline double DoubleOf(const Variant& v) {
   return v.type() == VarType::Double ? v.as_double() : static_cast<double>(WholeOf(v));
 }
 [[gnu::always_inline]] inline void SetWhole(Variant& dst, int64_t r, bool integer) {
@@ -196,10 +218,10 @@ inline double DoubleOf(const Variant& v) {
 // a op b for Integer/Long/Double; false when another type asks for the general rules.
 template <class F, class G>
 [[gnu::always_inline]] inline bool FastArith(Variant& a, const Variant& b, F whole, G real) {
-  if (!IsSmallNumber(a) || !IsSmallNumber(b)) return false;
-  if (a.type() != VarType::Double && b.type() != VarType::Double) {
-    const bool integer = a.type() == VarType::Integer && b.type() == VarType::Integer;
-    SetWhole(a, whole(WholeOf(a), WholeOf(b)), integer);
+  const unsigned ca = NumClass(a), cb = NumClass(b);
+  if (!ca || !cb) return false;
+  if (ca != 3 && cb != 3) {
+    SetWhole(a, whole(WholeOf(a), WholeOf(b)), (ca | cb) == 1);
     return true;
   }
   const double r = real(DoubleOf(a), DoubleOf(b));
@@ -210,8 +232,9 @@ template <class F, class G>
 
 template <class F>
 [[gnu::always_inline]] inline bool FastCompare(Variant& a, const Variant& b, F cmp) {
-  if (!IsSmallNumber(a) || !IsSmallNumber(b)) return false;
-  if (a.type() != VarType::Double && b.type() != VarType::Double) {
+  const unsigned ca = NumClass(a), cb = NumClass(b);
+  if (!ca || !cb) return false;
+  if (ca != 3 && cb != 3) {
     SetValue(a, cmp(WholeOf(a), WholeOf(b)));
   } else {
     SetValue(a, cmp(DoubleOf(a), DoubleOf(b)));
@@ -222,9 +245,9 @@ template <class F>
 // Whether a For loop goes on: the counter has not passed the end in the step's direction.
 [[gnu::always_inline]] inline bool ForContinues(const Variant& var, const Variant& end,
                                                 const Variant& step) {
-  if (IsSmallNumber(var) && IsSmallNumber(end) && IsSmallNumber(step)) {
-    if (var.type() != VarType::Double && end.type() != VarType::Double &&
-        step.type() != VarType::Double) {
+  const unsigned cv = NumClass(var), ce = NumClass(end), cs = NumClass(step);
+  if (cv && ce && cs) {
+    if (cv != 3 && ce != 3 && cs != 3) {
       return WholeOf(step) >= 0 ? WholeOf(var) <= WholeOf(end) : WholeOf(var) >= WholeOf(end);
     }
     return DoubleOf(step) >= 0 ? DoubleOf(var) <= DoubleOf(end) : DoubleOf(var) >= DoubleOf(end);
@@ -479,7 +502,7 @@ void Vm::RecordSite(const Frame& f, size_t pc) {
   site_.text = String(src.substr(std::min(start, src.size()), end - std::min(start, src.size())));
 }
 
-size_t Vm::HandleError(Frame& f, size_t pc, Variant*& sp, const Error& e) {
+size_t Vm::HandleError(Frame& f, size_t pc, const Error& e) {
   if (!f.resume_next || e.number() == kErrTimeout) {
     RecordSite(f, pc);
     throw;
@@ -488,9 +511,10 @@ size_t Vm::HandleError(Frame& f, size_t pc, Variant*& sp, const Error& e) {
   err_.description = e.description();
   err_.source = e.source().empty() ? String(kRuntimeErrorSource) : e.source();
   site_ = ErrorSite();
+  // Everything above the locals goes: the stack is empty between statements.
   Variant* const floor = f.locals + f.proc->nlocals;
-  while (sp > floor)
-    (--sp)->Clear();
+  for (Variant* p = floor; p < floor + f.proc->max_stack; ++p)
+    Drop(*p);
   const auto& starts = f.proc->stmt_start;
   size_t next = pc + 1;
   while (next < starts.size() && !starts[next])
@@ -821,16 +845,75 @@ void Vm::Run(Frame& f) {
   const Instr* ip = code;
   Variant* sp = f.locals + proc.nlocals;
   Variant* const locals = f.locals;
+  static void* targets[256];
+  static bool targets_ready = false;
+  if (!targets_ready) {
+    for (auto& t : targets)
+      t = &&generic;
+    targets[static_cast<uint8_t>(Op::PushConst)] = &&L_PushConst;
+    targets[static_cast<uint8_t>(Op::LoadLocal)] = &&L_LoadLocal;
+    targets[static_cast<uint8_t>(Op::LoadRef)] = &&L_LoadRef;
+    targets[static_cast<uint8_t>(Op::StoreLocal)] = &&L_StoreLocal;
+    targets[static_cast<uint8_t>(Op::Add)] = &&L_Add;
+    targets[static_cast<uint8_t>(Op::Sub)] = &&L_Sub;
+    targets[static_cast<uint8_t>(Op::Mul)] = &&L_Mul;
+    targets[static_cast<uint8_t>(Op::Concat)] = &&L_Concat;
+    targets[static_cast<uint8_t>(Op::AddK)] = &&L_AddK;
+    targets[static_cast<uint8_t>(Op::SubK)] = &&L_SubK;
+    targets[static_cast<uint8_t>(Op::MulK)] = &&L_MulK;
+    targets[static_cast<uint8_t>(Op::EqK)] = &&L_EqK;
+    targets[static_cast<uint8_t>(Op::NeK)] = &&L_NeK;
+    targets[static_cast<uint8_t>(Op::LtK)] = &&L_LtK;
+    targets[static_cast<uint8_t>(Op::LeK)] = &&L_LeK;
+    targets[static_cast<uint8_t>(Op::GtK)] = &&L_GtK;
+    targets[static_cast<uint8_t>(Op::GeK)] = &&L_GeK;
+    targets[static_cast<uint8_t>(Op::Jmp)] = &&L_Jmp;
+    targets[static_cast<uint8_t>(Op::JmpFalse)] = &&L_JmpFalse;
+    targets[static_cast<uint8_t>(Op::JmpTrue)] = &&L_JmpTrue;
+    targets[static_cast<uint8_t>(Op::ForNext)] = &&L_ForNext;
+    targets[static_cast<uint8_t>(Op::CallGlobal)] = &&L_CallGlobal;
+    targets[static_cast<uint8_t>(Op::Index)] = &&L_Index;
+    targets[static_cast<uint8_t>(Op::CallMember)] = &&L_CallMember;
+    targets[static_cast<uint8_t>(Op::LoadGlobal)] = &&L_LoadGlobal;
+    targets[static_cast<uint8_t>(Op::Append)] = &&L_Append;
+    targets[static_cast<uint8_t>(Op::ArgLocal)] = &&L_ArgLocal;
+    targets[static_cast<uint8_t>(Op::Eq)] = &&L_Eq;
+    targets[static_cast<uint8_t>(Op::Lt)] = &&L_Lt;
+    targets[static_cast<uint8_t>(Op::Gt)] = &&L_Gt;
+    targets[static_cast<uint8_t>(Op::Le)] = &&L_Le;
+    targets[static_cast<uint8_t>(Op::Ge)] = &&L_Ge;
+    targets[static_cast<uint8_t>(Op::Ne)] = &&L_Ne;
+    targets[static_cast<uint8_t>(Op::AddL)] = &&L_AddK;
+    targets[static_cast<uint8_t>(Op::SubL)] = &&L_SubK;
+    targets[static_cast<uint8_t>(Op::MulL)] = &&L_MulK;
+    targets[static_cast<uint8_t>(Op::EqL)] = &&L_EqK;
+    targets[static_cast<uint8_t>(Op::NeL)] = &&L_NeK;
+    targets[static_cast<uint8_t>(Op::LtL)] = &&L_LtK;
+    targets[static_cast<uint8_t>(Op::LeL)] = &&L_LeK;
+    targets[static_cast<uint8_t>(Op::GtL)] = &&L_GtK;
+    targets[static_cast<uint8_t>(Op::GeL)] = &&L_GeK;
+    targets_ready = true;
+  }
   for (;;) {
     try {
+      const Instr* in;
+      // Hot operations end by jumping straight to the next one's code (computed goto);
+      // the others go back through the switch.
+#define QV_NEXT()                                \
+  do {                                           \
+    in = ip++;                                   \
+    goto* targets[static_cast<uint8_t>(in->op)]; \
+  } while (0)
+      QV_NEXT();
       for (;;) {
-        const Instr& in = *ip++;
-        switch (in.op) {
+      generic:
+        switch (in->op) {
           case Op::Nop:
             break;
           case Op::PushConst:
-            new (sp++) Variant(proc.consts[in.a]);
-            break;
+          L_PushConst:
+            PushCopy(sp++, proc.consts[in->a]);
+            QV_NEXT();
           case Op::PushEmpty:
             ++sp;
             break;
@@ -841,18 +924,21 @@ void Vm::Run(Frame& f) {
             Drop(*--sp);
             break;
           case Op::LoadLocal:
-            new (sp++) Variant(locals[in.a]);
-            break;
+          L_LoadLocal:
+            PushCopy(sp++, locals[in->a]);
+            QV_NEXT();
           case Op::LoadRef:
-            new (sp++) Variant(*f.refs[in.a]);
-            break;
+          L_LoadRef:
+            PushCopy(sp++, *f.refs[in->a]);
+            QV_NEXT();
           case Op::LoadField:
-            new (sp++) Variant(f.me->fields()[in.a]);
+            new (sp++) Variant(f.me->fields()[in->a]);
             break;
-          case Op::LoadGlobal: {
-            GlobalSlot& s = *proc.globals[in.a];
+          case Op::LoadGlobal:
+          L_LoadGlobal : {
+            GlobalSlot& s = *proc.globals[in->a];
             if (s.kind == SlotKind::Variable) {
-              new (sp++) Variant(s.value);
+              PushCopy(sp++, s.value);
             } else {
               *sp = LoadGlobalSlot(f, s);
               ++sp;
@@ -860,58 +946,60 @@ void Vm::Run(Frame& f) {
             break;
           }
           case Op::StoreLocal:
-            if (!(in.flags & kSetFlag) && IsPlain(sp[-1])) {
-              MoveInto(locals[in.a], *--sp);
-              break;
+          L_StoreLocal:
+            if (!(in->flags & kSetFlag) && IsPlain(sp[-1])) {
+              MoveInto(locals[in->a], *--sp);
+              QV_NEXT();
             }
             [[fallthrough]];
           case Op::StoreRef:
           case Op::StoreField:
           case Op::StoreGlobal: {
             Variant v = std::move(*--sp);
-            if (in.flags & kSetFlag) {
+            if (in->flags & kSetFlag) {
               CheckSetValue(v);
             } else if (v.is_object()) {
               v = ValueOf(v);
             }
-            switch (in.op) {
+            switch (in->op) {
               case Op::StoreLocal:
-                locals[in.a] = std::move(v);
+                locals[in->a] = std::move(v);
                 break;
               case Op::StoreRef:
-                *f.refs[in.a] = std::move(v);
+                *f.refs[in->a] = std::move(v);
                 break;
               case Op::StoreField:
-                f.me->fields()[in.a] = std::move(v);
+                f.me->fields()[in->a] = std::move(v);
                 break;
               default: {
-                GlobalSlot& s = *proc.globals[in.a];
+                GlobalSlot& s = *proc.globals[in->a];
                 if (s.kind == SlotKind::Variable) {
                   s.value = std::move(v);
                 } else {
-                  StoreGlobalSlot(f, s, std::move(v), in.flags & kSetFlag);
+                  StoreGlobalSlot(f, s, std::move(v), in->flags & kSetFlag);
                 }
               }
             }
             break;
           }
           case Op::ArgLocal:
-            *sp = locals[in.a];
-            refs_[sp - stack_] = &locals[in.a];
+          L_ArgLocal:
+            *sp = locals[in->a];
+            refs_[sp - stack_] = &locals[in->a];
             ++sp;
             break;
           case Op::ArgRef:
-            *sp = *f.refs[in.a];
-            refs_[sp - stack_] = f.refs[in.a];
+            *sp = *f.refs[in->a];
+            refs_[sp - stack_] = f.refs[in->a];
             ++sp;
             break;
           case Op::ArgField:
-            *sp = f.me->fields()[in.a];
-            refs_[sp - stack_] = &f.me->fields()[in.a];
+            *sp = f.me->fields()[in->a];
+            refs_[sp - stack_] = &f.me->fields()[in->a];
             ++sp;
             break;
           case Op::ArgGlobal: {
-            GlobalSlot& s = Resolve(*proc.globals[in.a], proc);
+            GlobalSlot& s = Resolve(*proc.globals[in->a], proc);
             if (s.kind == SlotKind::Undefined && !proc.option_explicit) s.kind = SlotKind::Variable;
             if (s.kind == SlotKind::Variable) {
               *sp = s.value;
@@ -923,12 +1011,14 @@ void Vm::Run(Frame& f) {
             ++sp;
             break;
           }
-          case Op::Append: {
+          case Op::Append:
+          L_Append : {
             Variant v = std::move(*--sp);
-            AppendInPlace(VarRef(f, in.flags, in.a), v);
+            AppendInPlace(VarRef(f, in->flags, in->a), v);
             break;
           }
-          case Op::Add: {
+          case Op::Add:
+          L_Add : {
             Variant& a = sp[-2];
             const Variant& b = sp[-1];
             if (!FastArith(
@@ -936,9 +1026,10 @@ void Vm::Run(Frame& f) {
                     [](double x, double y) { return x + y; }))
               a = OpAdd(a, b);
             Drop(*--sp);
-            break;
+            QV_NEXT();
           }
-          case Op::Sub: {
+          case Op::Sub:
+          L_Sub : {
             Variant& a = sp[-2];
             const Variant& b = sp[-1];
             if (!FastArith(
@@ -946,9 +1037,10 @@ void Vm::Run(Frame& f) {
                     [](double x, double y) { return x - y; }))
               a = OpSub(a, b);
             Drop(*--sp);
-            break;
+            QV_NEXT();
           }
-          case Op::Mul: {
+          case Op::Mul:
+          L_Mul : {
             Variant& a = sp[-2];
             const Variant& b = sp[-1];
             if (!FastArith(
@@ -956,7 +1048,7 @@ void Vm::Run(Frame& f) {
                     [](double x, double y) { return x * y; }))
               a = OpMul(a, b);
             Drop(*--sp);
-            break;
+            QV_NEXT();
           }
           case Op::Div:
             sp[-2] = OpDiv(sp[-2], sp[-1]);
@@ -975,37 +1067,44 @@ void Vm::Run(Frame& f) {
             (--sp)->Clear();
             break;
           case Op::Concat:
+          L_Concat:
             sp[-2] = OpConcat(sp[-2], sp[-1]);
             (--sp)->Clear();
             break;
           case Op::Eq:
+          L_Eq:
             if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x == y; }))
-              sp[-2] = OpCompare(0, sp[-2], sp[-1], in.flags);
+              sp[-2] = OpCompare(0, sp[-2], sp[-1], in->flags);
             Drop(*--sp);
             break;
           case Op::Ne:
+          L_Ne:
             if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x != y; }))
-              sp[-2] = OpCompare(1, sp[-2], sp[-1], in.flags);
+              sp[-2] = OpCompare(1, sp[-2], sp[-1], in->flags);
             Drop(*--sp);
             break;
           case Op::Lt:
+          L_Lt:
             if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x < y; }))
-              sp[-2] = OpCompare(2, sp[-2], sp[-1], in.flags);
+              sp[-2] = OpCompare(2, sp[-2], sp[-1], in->flags);
             Drop(*--sp);
             break;
           case Op::Le:
+          L_Le:
             if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x <= y; }))
-              sp[-2] = OpCompare(3, sp[-2], sp[-1], in.flags);
+              sp[-2] = OpCompare(3, sp[-2], sp[-1], in->flags);
             Drop(*--sp);
             break;
           case Op::Gt:
+          L_Gt:
             if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x > y; }))
-              sp[-2] = OpCompare(4, sp[-2], sp[-1], in.flags);
+              sp[-2] = OpCompare(4, sp[-2], sp[-1], in->flags);
             Drop(*--sp);
             break;
           case Op::Ge:
+          L_Ge:
             if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x >= y; }))
-              sp[-2] = OpCompare(5, sp[-2], sp[-1], in.flags);
+              sp[-2] = OpCompare(5, sp[-2], sp[-1], in->flags);
             Drop(*--sp);
             break;
           case Op::Is:
@@ -1038,91 +1137,147 @@ void Vm::Run(Frame& f) {
           case Op::Not:
             sp[-1] = OpNot(sp[-1]);
             break;
+          case Op::AddK:
+          L_AddK:
+          case Op::AddL: {
+            Variant& a = sp[-1];
+            const Variant& b = in->op == Op::AddK ? proc.consts[in->a] : locals[in->a];
+            if (!FastArith(
+                    a, b, [](int64_t x, int64_t y) { return x + y; },
+                    [](double x, double y) { return x + y; }))
+              a = OpAdd(a, b);
+            QV_NEXT();
+          }
+          case Op::SubK:
+          L_SubK:
+          case Op::SubL: {
+            Variant& a = sp[-1];
+            const Variant& b = in->op == Op::SubK ? proc.consts[in->a] : locals[in->a];
+            if (!FastArith(
+                    a, b, [](int64_t x, int64_t y) { return x - y; },
+                    [](double x, double y) { return x - y; }))
+              a = OpSub(a, b);
+            QV_NEXT();
+          }
+          case Op::MulK:
+          L_MulK:
+          case Op::MulL: {
+            Variant& a = sp[-1];
+            const Variant& b = in->op == Op::MulK ? proc.consts[in->a] : locals[in->a];
+            if (!FastArith(
+                    a, b, [](int64_t x, int64_t y) { return x * y; },
+                    [](double x, double y) { return x * y; }))
+              a = OpMul(a, b);
+            QV_NEXT();
+          }
+#define QV_FUSED_COMPARE(K, L, INDEX, EXPR)                                    \
+  case Op::K:                                                                  \
+  case Op::L:                                                                  \
+    L_##K : {                                                                  \
+      Variant& a = sp[-1];                                                     \
+      const Variant& b = in->op == Op::K ? proc.consts[in->a] : locals[in->a]; \
+      if (!FastCompare(a, b, [](auto x, auto y) { return EXPR; }))             \
+        a = OpCompare(INDEX, a, b, in->flags);                                 \
+      QV_NEXT();                                                               \
+    }
+            QV_FUSED_COMPARE(EqK, EqL, 0, x == y)
+            QV_FUSED_COMPARE(NeK, NeL, 1, x != y)
+            QV_FUSED_COMPARE(LtK, LtL, 2, x < y)
+            QV_FUSED_COMPARE(LeK, LeL, 3, x <= y)
+            QV_FUSED_COMPARE(GtK, GtL, 4, x > y)
+            QV_FUSED_COMPARE(GeK, GeL, 5, x >= y)
+#undef QV_FUSED_COMPARE
           case Op::Jmp:
-            if (in.a < ip - code) CheckTime();
-            ip = code + in.a;
-            break;
-          case Op::JmpFalse: {
+          L_Jmp:
+            if (in->a < ip - code) CheckTime();
+            ip = code + in->a;
+            QV_NEXT();
+          case Op::JmpFalse:
+          L_JmpFalse : {
             const bool t = Truth(sp[-1]);
             Drop(*--sp);
             if (!t) {
-              if (in.a < ip - code) CheckTime();
-              ip = code + in.a;
+              if (in->a < ip - code) CheckTime();
+              ip = code + in->a;
             }
-            break;
+            QV_NEXT();
           }
-          case Op::JmpTrue: {
+          case Op::JmpTrue:
+          L_JmpTrue : {
             const bool t = Truth(sp[-1]);
             Drop(*--sp);
             if (t) {
-              if (in.a < ip - code) CheckTime();
-              ip = code + in.a;
+              if (in->a < ip - code) CheckTime();
+              ip = code + in->a;
             }
-            break;
+            QV_NEXT();
           }
-          case Op::CallGlobal: {
-            Variant* args = sp - in.n;
-            GlobalSlot& s = *proc.globals[in.a];
+          case Op::CallGlobal:
+          L_CallGlobal : {
+            Variant* args = sp - in->n;
+            GlobalSlot& s = *proc.globals[in->a];
             Variant r = s.kind == SlotKind::Procedure
-                            ? CallOnStack(*s.proc, nullptr, args, in.n, in.b)
-                            : CallSlot(f, s, args, in.n, in.b, in.flags & kWantResult);
+                            ? CallOnStack(*s.proc, nullptr, args, in->n, in->b)
+                            : CallSlot(f, s, args, in->n, in->b, in->flags & kWantResult);
             while (sp > args)
               (--sp)->Clear();
-            if (in.flags & kWantResult) *sp++ = std::move(r);
+            if (in->flags & kWantResult) *sp++ = std::move(r);
             break;
           }
           case Op::CallMethod: {
-            Variant* args = sp - in.n;
-            Variant r = CallMethod(f, in.a, args, in.n, in.b, in.flags & kWantResult);
+            Variant* args = sp - in->n;
+            Variant r = CallMethod(f, in->a, args, in->n, in->b, in->flags & kWantResult);
             while (sp > args)
               (--sp)->Clear();
-            if (in.flags & kWantResult) *sp++ = std::move(r);
+            if (in->flags & kWantResult) *sp++ = std::move(r);
             break;
           }
-          case Op::CallMember: {
-            Variant* base = sp - in.n - 1;
-            Variant r = CallMember(f, in, base);
+          case Op::CallMember:
+          L_CallMember : {
+            Variant* base = sp - in->n - 1;
+            Variant r = CallMember(f, *in, base);
             while (sp > base)
               (--sp)->Clear();
-            if (in.flags & kWantResult) *sp++ = std::move(r);
+            if (in->flags & kWantResult) *sp++ = std::move(r);
             break;
           }
-          case Op::Index: {
-            Variant* args = sp - in.n;
-            const Variant target = VarRef(f, in.flags, in.a);
-            Variant r = ApplyIndex(target, Args(args, in.n), in.flags & kWantResult);
+          case Op::Index:
+          L_Index : {
+            Variant* args = sp - in->n;
+            const Variant target = VarRef(f, in->flags, in->a);
+            Variant r = ApplyIndex(target, Args(args, in->n), in->flags & kWantResult);
             while (sp > args)
               (--sp)->Clear();
-            if (in.flags & kWantResult) *sp++ = std::move(r);
+            if (in->flags & kWantResult) *sp++ = std::move(r);
             break;
           }
           case Op::IndexValue: {
-            Variant* base = sp - in.n - 1;
-            Variant r = ApplyIndex(base[0], Args(base + 1, in.n), true);
+            Variant* base = sp - in->n - 1;
+            Variant r = ApplyIndex(base[0], Args(base + 1, in->n), true);
             while (sp > base)
               (--sp)->Clear();
             *sp++ = std::move(r);
             break;
           }
           case Op::New:
-            *sp = NewObject(f, *proc.globals[in.a]);
+            *sp = NewObject(f, *proc.globals[in->a]);
             ++sp;
             break;
           case Op::StoreIndex: {
-            Variant* base = sp - in.n - 1;
+            Variant* base = sp - in->n - 1;
             Variant value = std::move(sp[-1]);
-            StoreIndexed(VarRef(f, in.flags, in.a), Args(base, in.n), std::move(value),
-                         in.flags & kSetFlag);
+            StoreIndexed(VarRef(f, in->flags, in->a), Args(base, in->n), std::move(value),
+                         in->flags & kSetFlag);
             while (sp > base)
               (--sp)->Clear();
             break;
           }
           case Op::StoreMember: {
-            Variant* base = sp - in.n - 2;
+            Variant* base = sp - in->n - 2;
             const Variant& target = base[0];
             if (!target.is_object() || !target.as_object()) Raise(kErrObjectRequired);
             Object* object = target.as_object();
-            MemberSite& site = proc.sites[in.a];
+            MemberSite& site = proc.sites[in->a];
             const void* key = object->MemberCacheKey();
             DispId id;
             if (key && site.key == key) {
@@ -1133,54 +1288,54 @@ void Vm::Run(Frame& f) {
               site.key = key;
               site.id = id;
             }
-            const bool is_set = in.flags & kSetFlag;
+            const bool is_set = in->flags & kSetFlag;
             if (is_set) {
               CheckSetValue(sp[-1]);
             } else if (sp[-1].is_object()) {
               sp[-1] = ValueOf(sp[-1]);
             }
-            object->Invoke(id, is_set ? kInvokeSet : kInvokeLet, Args(base + 1, in.n + 1));
+            object->Invoke(id, is_set ? kInvokeSet : kInvokeLet, Args(base + 1, in->n + 1));
             while (sp > base)
               (--sp)->Clear();
             break;
           }
           case Op::StoreIndexValue: {
-            Variant* base = sp - in.n - 2;
+            Variant* base = sp - in->n - 2;
             Variant target = base[0];
-            StoreIndexed(target, Args(base + 1, in.n), std::move(sp[-1]), in.flags & kSetFlag);
+            StoreIndexed(target, Args(base + 1, in->n), std::move(sp[-1]), in->flags & kSetFlag);
             while (sp > base)
               (--sp)->Clear();
             break;
           }
           case Op::DimArray: {
-            Variant* base = sp - in.n;
-            DimArray(VarRef(f, in.flags, in.a), Args(base, in.n));
+            Variant* base = sp - in->n;
+            DimArray(VarRef(f, in->flags, in->a), Args(base, in->n));
             while (sp > base)
               (--sp)->Clear();
             break;
           }
           case Op::ReDim: {
-            Variant* base = sp - in.n;
-            ReDimArray(VarRef(f, in.flags, in.a), Args(base, in.n), in.b != 0);
+            Variant* base = sp - in->n;
+            ReDimArray(VarRef(f, in->flags, in->a), Args(base, in->n), in->b != 0);
             while (sp > base)
               (--sp)->Clear();
             break;
           }
           case Op::ReDimMember: {
-            Variant* base = sp - in.n - 1;
+            Variant* base = sp - in->n - 1;
             if (!base[0].is_object() || !base[0].as_object()) Raise(kErrObjectRequired);
             Object* object = base[0].as_object();
-            const DispId id = object->GetIdOfName(proc.sites[in.a].name);
-            if (id == kDispIdUnknown) RaiseNamed(kErrNotSupported, proc.sites[in.a].name);
+            const DispId id = object->GetIdOfName(proc.sites[in->a].name);
+            if (id == kDispIdUnknown) RaiseNamed(kErrNotSupported, proc.sites[in->a].name);
             Variant value = object->Invoke(id, kInvokeGet, {});
-            ReDimArray(value, Args(base + 1, in.n), in.b != 0);
+            ReDimArray(value, Args(base + 1, in->n), in->b != 0);
             object->Invoke(id, kInvokeLet, Args(&value, 1));
             while (sp > base)
               (--sp)->Clear();
             break;
           }
           case Op::Erase: {
-            Variant& target = VarRef(f, in.flags, in.a);
+            Variant& target = VarRef(f, in->flags, in->a);
             if (!target.is_array()) Raise(kErrTypeMismatch);
             if (target.as_array()->locked()) Raise(kErrArrayLocked);
             if (target.as_array()->fixed()) {
@@ -1198,36 +1353,37 @@ void Vm::Run(Frame& f) {
             sp[-2].Clear();
             sp[-3].Clear();
             sp -= 3;
-            locals[in.n] = std::move(end);
-            locals[in.n + 1] = std::move(step);
-            Variant& var = VarRef(f, in.flags, in.a);
+            locals[in->n] = std::move(end);
+            locals[in->n + 1] = std::move(step);
+            Variant& var = VarRef(f, in->flags, in->a);
             var = std::move(start);
-            if (!ForContinues(var, locals[in.n], locals[in.n + 1])) ip = code + in.b;
+            if (!ForContinues(var, locals[in->n], locals[in->n + 1])) ip = code + in->b;
             break;
           }
-          case Op::ForNext: {
-            Variant& var =
-                (in.flags & kVarKindMask) == kVarLocal ? locals[in.a] : VarRef(f, in.flags, in.a);
-            const Variant& step = locals[in.n + 1];
+          case Op::ForNext:
+          L_ForNext : {
+            Variant& var = (in->flags & kVarKindMask) == kVarLocal ? locals[in->a]
+                                                                   : VarRef(f, in->flags, in->a);
+            const Variant& step = locals[in->n + 1];
             if (!FastArith(
                     var, step, [](int64_t x, int64_t y) { return x + y; },
                     [](double x, double y) { return x + y; }))
               var = OpAdd(var, step);
-            if (ForContinues(var, locals[in.n], step)) {
+            if (ForContinues(var, locals[in->n], step)) {
               CheckTime();
-              ip = code + in.b;
+              ip = code + in->b;
             }
-            break;
+            QV_NEXT();
           }
           case Op::ForEachInit: {
             Variant group = std::move(*--sp);
             if (group.is_array()) {
-              locals[in.n] = std::move(group);
-              locals[in.n + 1] = Variant(int32_t{0});
+              locals[in->n] = std::move(group);
+              locals[in->n + 1] = Variant(int32_t{0});
             } else if (group.is_object() && group.as_object()) {
               Ref<Enumerator> e = group.as_object()->NewEnum();
               if (!e) Raise(kErrNotACollection);
-              locals[in.n] = Variant(MakeRef<EnumHolder>(std::move(e)));
+              locals[in->n] = Variant(MakeRef<EnumHolder>(std::move(e)));
             } else if (group.is_object()) {
               Raise(kErrObjectRequired);
             } else {
@@ -1237,42 +1393,46 @@ void Vm::Run(Frame& f) {
           }
           case Op::ForEachNext: {
             CheckTime();
-            Variant& state = locals[in.n];
+            Variant& state = locals[in->n];
             if (state.is_array()) {
-              const int32_t i = locals[in.n + 1].as_long();
+              const int32_t i = locals[in->n + 1].as_long();
               const SafeArray* array = state.as_array();
               if (static_cast<size_t>(i) >= array->size()) {
-                ip = code + in.b;
+                ip = code + in->b;
                 break;
               }
               Variant item = (*array)[i];
-              locals[in.n + 1] = Variant(i + 1);
-              VarRef(f, in.flags, in.a) = std::move(item);
+              locals[in->n + 1] = Variant(i + 1);
+              VarRef(f, in->flags, in->a) = std::move(item);
               break;
             }
             auto* holder = static_cast<EnumHolder*>(state.as_object());
             Variant item;
             if (!holder->e->Next(item)) {
-              ip = code + in.b;
+              ip = code + in->b;
               break;
             }
-            VarRef(f, in.flags, in.a) = std::move(item);
+            VarRef(f, in->flags, in->a) = std::move(item);
             break;
           }
           case Op::OnError:
-            f.resume_next = in.a != 0;
+            f.resume_next = in->a != 0;
             err_.Clear();
             break;
           case Op::Return:
             return;
         }
+        QV_NEXT();
       }
+#undef QV_NEXT
     } catch (const Error& e) {
       const size_t pc = static_cast<size_t>(ip - code) - 1;
-      ip = code + HandleError(f, pc, sp, e);
+      ip = code + HandleError(f, pc, e);
+      sp = locals + proc.nlocals;
     } catch (const std::bad_alloc&) {
       const size_t pc = static_cast<size_t>(ip - code) - 1;
-      ip = code + HandleError(f, pc, sp, Error(kErrOutOfMemory));
+      ip = code + HandleError(f, pc, Error(kErrOutOfMemory));
+      sp = locals + proc.nlocals;
     }
   }
 }

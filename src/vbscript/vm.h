@@ -87,7 +87,7 @@ class Vm : public RefCounted {
                       uint32_t mask);
   void Run(Frame& f);
   void Execute(Frame& f, size_t& pc, Variant*& sp);
-  size_t HandleError(Frame& f, size_t pc, Variant*& sp, const Error& e);
+  size_t HandleError(Frame& f, size_t pc, const Error& e);
   void RecordSite(const Frame& f, size_t pc);
   void CheckStack(const Proc& proc, Variant* base);
   void CheckTime() {
