@@ -11,5 +11,8 @@ namespace qv::cli {
 inline constexpr int kExitFailure = 1;
 
 void AddVersionCommand(CLI::App& app);
+void AddNewCommand(CLI::App& app);
+void AddShowCommand(CLI::App& app);
+void AddTablesCommand(CLI::App& app);
 
 }  // namespace qv::cli

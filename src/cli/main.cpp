@@ -14,6 +14,9 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", qv::cli::EngineVersionText(), "Print the engine version");
   app.require_subcommand(0, 1);
   qv::cli::AddVersionCommand(app);
+  qv::cli::AddNewCommand(app);
+  qv::cli::AddShowCommand(app);
+  qv::cli::AddTablesCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {

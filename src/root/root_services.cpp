@@ -1,7 +1,9 @@
 // Entry points of the root, wired to their subsystems.
 #include "root/root_services.h"
 
+#include "automation/convert.h"
 #include "persistence/saved_defaults.h"
+#include "schema/project_loader.h"
 
 namespace qv {
 
@@ -11,6 +13,22 @@ void RootServices::LoadDefault(Tyx& tyx) {
 
 void RootServices::SaveDefault(Tyx& tyx) {
   qv::SaveDefault(tyx);
+}
+
+void RootServices::LoadDB(Tyx& tyx, Args args) {
+  qv::LoadDB(tyx, args);
+}
+
+void RootServices::LoadTable(Tyx& tyx, const Variant& table_name) {
+  qv::LoadTable(tyx, ToString(table_name));
+}
+
+void RootServices::UnLoadTable(Tyx& tyx, const Variant& table_name) {
+  qv::UnLoadTable(tyx, ToString(table_name));
+}
+
+void RootServices::UnLoadDB(Tyx& tyx) {
+  qv::UnLoadDB(tyx);
 }
 
 }  // namespace qv

@@ -10,6 +10,10 @@ class RootServices : public TyxServices {
  public:
   void LoadDefault(Tyx& tyx) override;
   void SaveDefault(Tyx& tyx) override;
+  void LoadDB(Tyx& tyx, Args args) override;
+  void LoadTable(Tyx& tyx, const Variant& table_name) override;
+  void UnLoadTable(Tyx& tyx, const Variant& table_name) override;
+  void UnLoadDB(Tyx& tyx) override;
 };
 
 }  // namespace qv

@@ -1,0 +1,103 @@
+// `quorvex show <project-file> [table [field]]`: the settings of the project, of one table or
+// of one field, one "name = value" line each in the order the project file keeps them. Line
+// breaks inside a value are shown as "\n" so that each setting stays on one line.
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "automation/convert.h"
+#include "automation/error.h"
+#include "cli/commands.h"
+#include "persistence/project_file.h"
+#include "root/create_tyx.h"
+#include "support/status.h"
+#include "support/tyx_vars.h"
+
+namespace qv::cli {
+
+namespace {
+
+struct ShowOptions {
+  std::string project_file;
+  std::string table;
+  std::string field;
+};
+
+[[noreturn]] void Fail(const String& words) {
+  std::fprintf(stderr, "%s\n", words.ToUtf8().c_str());
+  throw CLI::RuntimeError(kExitFailure);
+}
+
+std::string ValueText(const Variant& value) {
+  std::string text;
+  try {
+    text = value.is_empty() || value.is_null() ? std::string() : ToString(value).ToUtf8();
+  } catch (const Error&) {
+    text = "(" + TypeNameOf(value).ToUtf8() + ")";
+  }
+  std::string shown;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
+    if (text[i] == '\n' || text[i] == '\r') {
+      shown += "\\n";
+      continue;
+    }
+    shown += text[i];
+  }
+  return shown;
+}
+
+void PrintBag(const TyProperties& bag) {
+  SharedStatus().SetMode(StatusMode::kQuiet);  // dropping the project at exit isn't news
+  size_t width = 0;
+  bag.ForEach([&](TyProperty& p) { width = std::max(width, p.Name().ToUtf8().size()); });
+  bag.ForEach([&](TyProperty& p) {
+    const std::string name = p.Name().ToUtf8();
+    std::printf("%s%s = %s\n", name.c_str(), std::string(width - name.size(), ' ').c_str(),
+                ValueText(p.Value()).c_str());
+  });
+}
+
+void RunShow(const ShowOptions& o) {
+  const String title = Vars().ProductTitle;
+  try {
+    Ref<Tyx> tyx = CreateTyx();
+    // Showing a project never touches its database: no synchronisation check on loading.
+    LoadProjectFile(*tyx, String::FromUtf8(o.project_file), [](Tyx&) {});
+    if (!tyx->ProjErr().empty()) Fail(tyx->ProjErr());
+    if (o.table.empty()) {
+      PrintBag(tyx->Properties());
+      return;
+    }
+    TyxDatabase* db = tyx->Databases().Find(tyx->CurrentDbName);
+    if (!db) Fail(title + u": Database not loaded!");
+    const String table_name = String::FromUtf8(o.table);
+    TyxTable* table = db->Tables().list().ByName(table_name);
+    if (!table) Fail(title + u": Table " + table_name + u" not found!");
+    if (o.field.empty()) {
+      PrintBag(table->Properties());
+      return;
+    }
+    const String field_name = String::FromUtf8(o.field);
+    TyxField* field = table->Fields().list().ByName(field_name);
+    if (!field) Fail(title + u": Field " + field_name + u" not found in " + table_name + u"!");
+    PrintBag(field->Properties());
+  } catch (const Error& e) {
+    Fail(e.description());
+  }
+}
+
+}  // namespace
+
+void AddShowCommand(CLI::App& app) {
+  auto options = std::make_shared<ShowOptions>();
+  CLI::App* cmd =
+      app.add_subcommand("show", "Show the settings of a project, one of its tables or a field");
+  cmd->add_option("project-file", options->project_file, "The project file")->required();
+  cmd->add_option("table", options->table, "A table or view of the project");
+  cmd->add_option("field", options->field, "A field of that table");
+  cmd->callback([options] { RunShow(*options); });
+}
+
+}  // namespace qv::cli
