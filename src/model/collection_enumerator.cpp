@@ -3,6 +3,8 @@
 // during the loop simply ends the loop.
 #include "model/collection_enumerator.h"
 
+#include <algorithm>
+
 #include "model/live_collections.h"
 #include "model/super_collection.h"
 
@@ -56,7 +58,9 @@ bool cEnumerationObject::Next(Variant& item) {
 }
 
 void cEnumerationObject::Skip(uint32_t count) {
-  position_ += static_cast<int32_t>(count);
+  // Past the end is past the end; clamping keeps a huge count from overflowing the position.
+  const int64_t target = static_cast<int64_t>(position_) + count;
+  position_ = static_cast<int32_t>(std::min<int64_t>(target, int64_t{CopyLast()} + 1));
 }
 
 void cEnumerationObject::Reset() {

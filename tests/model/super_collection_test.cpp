@@ -282,6 +282,8 @@ TEST(SuperCollection, IterationSurvivesAddAndRemoveButRefusesMoves) {
   s->Reset();
   ASSERT_TRUE(s->Next(v));
   EXPECT_EQ(ToString(v), u"a");
+  s->Skip(0xFFFFFFFFu);  // far past the end is simply the end
+  EXPECT_FALSE(s->Next(v));
 }
 
 TEST(SuperCollection, IterationOutlivesItsCollection) {
