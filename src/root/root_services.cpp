@@ -2,10 +2,19 @@
 #include "root/root_services.h"
 
 #include "automation/convert.h"
+#include "persistence/project_file.h"
 #include "persistence/saved_defaults.h"
 #include "schema/project_loader.h"
 
 namespace qv {
+
+void RootServices::Load(Tyx& tyx, const String& project_file) {
+  LoadProjectFile(tyx, project_file);
+}
+
+void RootServices::Save(Tyx& tyx, const String& project_file) {
+  SaveProjectFile(tyx, project_file);
+}
 
 void RootServices::LoadDefault(Tyx& tyx) {
   qv::LoadDefault(tyx);

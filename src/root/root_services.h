@@ -8,6 +8,8 @@ namespace qv {
 
 class RootServices : public TyxServices {
  public:
+  void Load(Tyx& tyx, const String& project_file) override;
+  void Save(Tyx& tyx, const String& project_file) override;
   void LoadDefault(Tyx& tyx) override;
   void SaveDefault(Tyx& tyx) override;
   void LoadDB(Tyx& tyx, Args args) override;
