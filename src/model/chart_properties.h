@@ -1,4 +1,5 @@
-// The registration lists of a chart and of an extension, in order.
+// The registration list of a chart, in order. No operation walks a chart's bag, so its
+// registry flags have no effect.
 // X(Name, Type, Registry, File, Sync); see bag_accessors.h.
 #pragma once
 
@@ -41,9 +42,4 @@
   X(ChartUseGlobalCss, Boolean, QV_REG_TEXT, 1, 1) \
   X(ChartSortType, Integer, QV_REG_NUMBER, 1, 1) \
   X(ChartPosition, Integer, QV_REG_NUMBER, 1, 1)
-
-#define QV_EXTENSION_PROPERTIES(X) \
-  X(Seq, Integer, QV_REG_NONE, 1, 0) \
-  X(Name, String, QV_REG_NONE, 1, 0) \
-  X(Template, String, QV_REG_NONE, 1, 0)
 // clang-format on

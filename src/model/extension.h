@@ -3,7 +3,7 @@
 #pragma once
 
 #include "model/bag_object.h"
-#include "model/chart_properties.h"
+#include "model/extension_properties.h"
 
 namespace qv {
 
