@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "automation/convert.h"
+#include "schema/dao_loader.h"
 #include "schema/database_loader.h"
 #include "support/common.h"
 #include "support/registry.h"
@@ -65,14 +66,11 @@ void RefreshQuoteAndDateSettings(const Tyx& tyx) {
   Vars().DefaultDateFormat = DateFormatCopy(tyx);
 }
 
-// The DAO reader is not part of this build.
-int16_t AccessUnavailable() {
-  Vars().ProjErr = Vars().ProductTitle + u": Access databases can't be read in this build!";
-  return 1;
-}
-
 int16_t RunReader(TyxDatabase& db, const LoadDbRequest& request, StringView table_name) {
-  if (request.db_type == u"ACCESS") return AccessUnavailable();
+  if (request.db_type == u"ACCESS") {
+    return LoadDAODB(db, DaoLoadRequest{request.path, request.phy_path, request.use_server_map_path,
+                                        request.uid, request.pwd, String(table_name)});
+  }
   if (request.db_type != u"ODBC" && request.db_type != u"CONNECTIONSTRING") return 0;
   AdoLoadRequest ado{request.db_type,  request.db_name,    request.uid,   request.pwd,
                      request.conn_str, String(table_name), request.schema};
