@@ -77,11 +77,30 @@ int16_t RunReader(TyxDatabase& db, const LoadDbRequest& request, StringView tabl
   return LoadADODB(db, ado);
 }
 
+// The project's one database: under CurrentDbName, or the only entry when that name is no
+// key (an empty data source name is stored without one).
+TyxDatabase* TheDatabase(const Tyx& tyx) {
+  TyxDatabases& list = tyx.Databases();
+  if (TyxDatabase* db = list.Find(tyx.CurrentDbName)) return db;
+  if (list.Count() != 1) return nullptr;
+  const Variant v = list.collection().Item(Variant(list.collection().BaseIndex()));
+  return v.is_object() ? static_cast<TyxDatabase*>(v.as_object()) : nullptr;
+}
+
+void DropTheDatabase(const Tyx& tyx) {
+  TyxDatabases& list = tyx.Databases();
+  if (list.Find(tyx.CurrentDbName)) {
+    list.Delete(Variant(tyx.CurrentDbName));
+  } else if (list.Count() == 1) {
+    list.Delete(Variant(list.collection().BaseIndex()));
+  }
+}
+
 // The table of that exact name, walked by position as the original did; nullptr when there
 // is none. ProjErr tells which of the two checks failed.
 TyxTable* FindLoadedTable(Tyx& tyx, StringView table_name) {
   TyxVars& vars = Vars();
-  TyxDatabase* db = tyx.Databases().Find(tyx.CurrentDbName);
+  TyxDatabase* db = TheDatabase(tyx);
   if (!db) {
     vars.ProjErr = vars.ProductTitle + u": Database not loaded!";
     return nullptr;
@@ -124,17 +143,11 @@ void LoadDB(Tyx& tyx, const LoadDbRequest& request) {
   status.ShowStatus(Variant(tyx.hwnd()), Variant(LengthMarked(vars.StatusTitle)));
   tyx.Databases().Add(tyx.CurrentDbName);
   CopySettings(tyx);
-  int16_t result = 0;
-  if (TyxDatabase* db = tyx.Databases().Find(tyx.CurrentDbName)) {
-    db->SetDBName(tyx.CurrentDbName);
-    result = RunReader(*db, effective, u"");
-  }
+  int16_t result = 1;
+  if (TyxDatabase* db = TheDatabase(tyx)) result = RunReader(*db, effective, u"");
   status.CloseStatus();
   if (result != 0) {
-    // Back to no database, so that the load can be tried again.
-    if (tyx.Databases().Find(tyx.CurrentDbName)) {
-      tyx.Databases().Delete(Variant(tyx.CurrentDbName));
-    }
+    DropTheDatabase(tyx);  // back to no database, so that the load can be tried again
     if (vars.ProjErr.empty()) vars.ProjErr = u"Load Database failed!";
     return;
   }
@@ -168,7 +181,7 @@ void LoadTable(Tyx& tyx, StringView table_name) {
     return;
   }
   RefreshQuoteAndDateSettings(tyx);
-  TyxDatabase& db = *tyx.Databases().Find(tyx.CurrentDbName);
+  TyxDatabase& db = *TheDatabase(tyx);
   LoadDbRequest request;
   request.db_type = db.DBType();
   request.db_name = db.DBName();
@@ -210,13 +223,13 @@ void UnLoadTable(Tyx& tyx, StringView table_name) {
 
 void UnLoadDB(Tyx& tyx) {
   TyxVars& vars = Vars();
-  TyxDatabase* db = tyx.Databases().Find(tyx.CurrentDbName);
+  TyxDatabase* db = TheDatabase(tyx);
   if (!db) return;
   const int32_t threshold = tyx.UnloadThresholdCount < 1 ? 20 : tyx.UnloadThresholdCount;
   if (db->Tables().Count() > threshold) {
     vars.StatusTitle = vars.ProductTitle + u" - Unloading Database...";
   }
-  tyx.Databases().Delete(Variant(tyx.CurrentDbName));
+  DropTheDatabase(tyx);
   TyxExtensions& extensions = tyx.Extensions();
   for (int32_t i = extensions.Count(); i >= 1; --i) {
     Ref<TyxExtension> extension = extensions.Item(Variant(i));

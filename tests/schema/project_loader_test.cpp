@@ -3,6 +3,7 @@
 // defaults that a load leaves, the dynamic (list-only) load, and every failure's words.
 #include <gtest/gtest.h>
 
+#include "automation/convert.h"
 #include "model/tyx.h"
 #include "platform/data/data_types.h"
 #include "schema/project_loader.h"
@@ -204,10 +205,47 @@ TEST_F(ProjectLoaderTest, FailuresLeaveNoDatabaseBehind) {
   EXPECT_EQ(Vars().ProjErr, u"invalid database path!");
   EXPECT_EQ(tyx_->Databases().Count(), 0);
 
+  // A data source name left empty still reaches the driver, whose words replace the check's.
+  LoadDbRequest odbc;
+  odbc.db_type = u"ODBC";
+  LoadDB(*tyx_, odbc);
+  EXPECT_EQ(Vars().ProjErr.ToUtf8().rfind("Quorvex: \r\nError #1:", 0), 0u)
+      << Vars().ProjErr.ToUtf8();
+  EXPECT_EQ(tyx_->Databases().Count(), 0);
+
   // After the failures a good load goes through.
   LoadShop();
   EXPECT_EQ(Vars().ProjErr, u"");
   EXPECT_EQ(Db()->Tables().Count(), 3);
+}
+
+TEST_F(ProjectLoaderTest, ScriptFormAndUnknownTypes) {
+  // The script form takes nine Variants by reference; a connection string's name becomes "DB".
+  std::vector<Variant> args = {Variant(String(u"mine")),
+                               Variant(String(u"CONNECTIONSTRING")),
+                               Variant(),
+                               Variant(),
+                               Variant(false),
+                               Variant(),
+                               Variant(),
+                               Variant(SqliteConnectionString(file_)),
+                               Variant()};
+  LoadDB(*tyx_, Args(args));
+  ASSERT_EQ(Vars().ProjErr, u"");
+  EXPECT_EQ(ToString(args[0]), u"DB");
+  EXPECT_EQ(Db()->Tables().Count(), 3);
+  UnLoadDB(*tyx_);
+
+  // A type that no reader knows loads nothing and reports nothing: the database stands empty.
+  tyx_->CurrentDbName = u"old";
+  LoadDbRequest unknown;
+  unknown.db_type = u"FOXPRO";
+  unknown.db_name = u"ignored";
+  LoadDB(*tyx_, unknown);
+  EXPECT_EQ(Vars().ProjErr, u"");
+  ASSERT_EQ(tyx_->Databases().Count(), 1);
+  EXPECT_EQ(tyx_->CurrentDbName, u"old");
+  EXPECT_EQ(Db()->Tables().Count(), 0);
 }
 
 TEST_F(ProjectLoaderTest, UnloadDropsDatabaseExtensionsAndSecurityLinks) {
