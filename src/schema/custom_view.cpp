@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "automation/convert.h"
+#include "platform/data/data_types.h"
 #include "platform/data/recordset.h"
 #include "schema/connection_error.h"
 #include "schema/custom_sql_parser.h"
@@ -104,8 +105,7 @@ void LoadCustomView(Tyx& tyx, StringView table_name, StringView sql, bool copy_f
   RefreshQuoteAndDateSettings(tyx);
   // A project opened from its file has not read the database: its kind comes from the file.
   if (vars.CurrentDbmsName.empty()) vars.CurrentDbmsName = db->DBDBMSName();
-  const int16_t result =
-      LoadADOCustomView(*db, ToString(CustomViewConnStr(tyx)), table_name, sql);
+  const int16_t result = LoadADOCustomView(*db, ToString(CustomViewConnStr(tyx)), table_name, sql);
   if (result == 0 && copy_fields) {
     if (TyxTable* view = db->Tables().list().ByName(table_name)) CopySourceSettings(*db, *view);
   }

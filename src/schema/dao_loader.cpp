@@ -47,10 +47,21 @@ void WriteDatabaseProperties(TyxDatabase& db, const DaoLoadRequest& request,
   db.SetDBQuoteE(ToString(Vars().DbQuoteClose));
 }
 
+// OpenDatabase(name, exclusive, read-only, connect) where the layer takes DAO's four
+// arguments; its older form had no exclusive flag.
+template <class Db>
+std::unique_ptr<Db> OpenReadOnly(StringView path, StringView connect) {
+  if constexpr (requires { Db::Open(path, false, true, connect); }) {
+    return Db::Open(path, /*exclusive=*/false, /*read_only=*/true, connect);
+  } else {
+    return Db::Open(path, /*read_only=*/true, connect);
+  }
+}
+
 std::unique_ptr<data::AccessDatabase> OpenDaoDatabase(StringView phy_path, StringView pwd) {
-  if (pwd.empty()) return data::AccessDatabase::Open(phy_path, /*read_only=*/false);
+  if (pwd.empty()) return data::AccessDatabase::Open(phy_path);
   const String connect = u"MS Access;PWD=" + String(pwd) + u";";
-  return data::AccessDatabase::Open(phy_path, /*read_only=*/true, connect);
+  return OpenReadOnly<data::AccessDatabase>(phy_path, connect);
 }
 
 // A new table of the list, marked as not loaded; nullptr when the name was refused.

@@ -156,8 +156,8 @@ TEST_F(CustomViewTest, ReportsCopyALoadedSource) {
   EXPECT_EQ(city.FldType(), Field(u"customers", u"city").FldType());
   EXPECT_TRUE(Field(u"customer report", u"id").FldIsPrimaryKey());
   report->Fields().list().ForEach([](TyxField& f) {
-    EXPECT_FALSE(f.FldAdd() || f.FldView() || f.FldEdit() || f.FldSearch() ||
-                 f.FldBasicSearch() || f.FldExtendedBasicSearch() || f.FldRegister())
+    EXPECT_FALSE(f.FldAdd() || f.FldView() || f.FldEdit() || f.FldSearch() || f.FldBasicSearch() ||
+                 f.FldExtendedBasicSearch() || f.FldRegister())
         << f.FldName().ToUtf8();
   });
 
