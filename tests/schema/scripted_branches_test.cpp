@@ -147,6 +147,18 @@ TEST_F(ScriptedBranchesTest, ProviderNamesAndKinds) {
   EXPECT_FALSE(reader.Tbl(1).TblFields.fld[0].FldIsPrimaryKey);
   EXPECT_TRUE(reader.Tbl(1).TblFields.fld[2].FldIsPrimaryKey);
   EXPECT_TRUE(reader.Tbl(1).TblFields.fld[2].FldReq == false);
+
+  // A provider that calls itself "Access" in any case is kind 1 here: the key comes from the
+  // index named "PrimaryKey", sorted, and no column is marked required.
+  auto access = Source(u"Access");
+  t.columns[0].nullable = false;
+  access->tables = {t};
+  TyxSchema by_index = Read(u"access", access);
+  ASSERT_EQ(Vars().ProjErr, u"");
+  EXPECT_EQ(by_index.Tbl(1).TblKey, u"a,b");
+  EXPECT_TRUE(by_index.Tbl(1).TblFields.fld[0].FldIsPrimaryKey);
+  EXPECT_FALSE(by_index.Tbl(1).TblFields.fld[0].FldReq);
+  EXPECT_FALSE(by_index.Tbl(1).TblFields.fld[2].FldIsPrimaryKey);
 }
 
 TEST_F(ScriptedBranchesTest, ColumnQuirksOfTheRecordReader) {
