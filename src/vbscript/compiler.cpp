@@ -428,6 +428,18 @@ class ProcCompiler {
           continue;
         }
       }
+      if (a.kind == ExprKind::Name && a.has_args && !a.args.empty() && i < 32) {
+        const Resolved r = Resolve(a.name);
+        if (IsVariable(r.kind)) {
+          for (const auto& index : a.args)
+            Expression(*index);
+          const auto n = static_cast<uint32_t>(a.args.size());
+          Emit(Op::ArgElem, 1 - static_cast<int>(n),
+               r.kind == NameKind::Result ? proc_.result_slot : r.index, n, VarKindOf(r.kind));
+          mask |= 1u << i;
+          continue;
+        }
+      }
       Expression(a);
     }
   }
@@ -929,7 +941,7 @@ class ProcCompiler {
   void With(const Stmt& s) {
     const int32_t hidden = Hidden();
     Expression(*s.target);
-    Emit(Op::StoreLocal, -1, hidden, 0, 0);
+    Emit(Op::StoreLocal, -1, hidden, 0, kSetFlag);
     with_slots_.push_back(hidden);
     Block(s.blocks[0]);
     with_slots_.pop_back();

@@ -27,6 +27,7 @@ enum class Op : uint8_t {
   ArgRef,
   ArgGlobal,
   ArgField,
+  ArgElem,  // an array element (flags: VarKind, a: slot, n: index count), locked for the call
   // s = s & x on a variable (flags: VarKind, a: slot); pops x.
   Append,
   // Operators.

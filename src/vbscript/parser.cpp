@@ -287,7 +287,7 @@ class Parser {
 
   // The chain of `.name` and `(args)` after a primary. When `last_paren` is given it receives
   // the token position of the last argument list, for the call-statement re-read.
-  ExprPtr PostfixTail(ExprPtr e, size_t* last_paren) {
+  ExprPtr PostfixTail(ExprPtr e, size_t* last_paren, bool statement_head = false) {
     const bool callable = e->kind == ExprKind::Name || e->kind == ExprKind::Member ||
                           e->kind == ExprKind::Me || e->kind == ExprKind::Paren;
     if (!callable) return e;
@@ -304,7 +304,9 @@ class Parser {
         }
         continue;
       }
-      if (At(Tok::Dot) && !(e->kind == ExprKind::Paren && Cur().space_before)) {
+      // At the head of a call statement `Foo .Name` passes a With member as the argument.
+      const bool spaced = Cur().space_before;
+      if (At(Tok::Dot) && !(spaced && (statement_head || e->kind == ExprKind::Paren))) {
         auto m = Make(ExprKind::Member, Cur());
         Advance();
         m->name = MemberName();
@@ -590,7 +592,7 @@ class Parser {
     auto s = MakeStmt(StmtKind::Call);
     size_t last_paren = 0;
     ExprPtr primary = Primary();
-    ExprPtr target = PostfixTail(std::move(primary), &last_paren);
+    ExprPtr target = PostfixTail(std::move(primary), &last_paren, true);
     if (Accept(Tok::Eq)) {
       s->kind = StmtKind::Assign;
       s->target = std::move(target);

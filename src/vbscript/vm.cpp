@@ -299,6 +299,7 @@ void CheckSetValue(const Variant& v) {
 Vm::Vm() {
   stack_ = new Variant[kStackSlots];
   refs_ = new Variant*[kStackSlots]();
+  locks_ = new SafeArray*[kStackSlots]();
   capacity_ = kStackSlots;
   top_ = stack_;
   stack_limit_ = StackLimit();
@@ -307,6 +308,17 @@ Vm::Vm() {
 Vm::~Vm() {
   delete[] stack_;
   delete[] refs_;
+  delete[] locks_;
+}
+
+void Vm::ReleaseLocks(Variant* from, Variant* to) {
+  for (size_t i = from - stack_, end = to - stack_; i < end; ++i) {
+    if (SafeArray* array = locks_[i]) {
+      locks_[i] = nullptr;
+      array->Unlock();
+      array->Release();
+    }
+  }
 }
 
 Object* Vm::err_object() {
@@ -345,12 +357,14 @@ void Vm::CheckStack(const Proc& proc, Variant* base) {
 namespace {
 // Clears a callee's slots and restores the machine's top when the call ends, thrown or not.
 struct FrameGuard {
+  Vm& vm;
   Variant* base;
   Variant* end;
   Variant*& top;
   Variant* saved_top;
   int& depth;
   ~FrameGuard() {
+    vm.ReleaseLocks(base, end);
     for (Variant* p = base; p < end; ++p)
       p->Clear();
     top = saved_top;
@@ -374,7 +388,7 @@ Variant Vm::CallOnStack(const Proc& proc, ScriptObject* me, Variant* base, uint3
   }
   Variant* const end = base + proc.nlocals + proc.max_stack;
   ++depth_;
-  FrameGuard guard{base, end, top_, top_, depth_};
+  FrameGuard guard{*this, base, end, top_, top_, depth_};
   top_ = end;
   Ref<ScriptObject> keep(me);
   Run(f);
@@ -402,7 +416,7 @@ void Vm::RunTop(const Proc& top) {
   Frame f{&top, base, refs_ + (base - stack_), nullptr, false};
   Variant* const end = base + top.nlocals + top.max_stack;
   ++depth_;
-  FrameGuard guard{base, end, top_, top_, depth_};
+  FrameGuard guard{*this, base, end, top_, top_, depth_};
   top_ = end;
   Run(f);
 }
@@ -451,7 +465,7 @@ Variant Vm::RunSnippet(Frame& caller, StringView code, bool expression, bool glo
   }
   Variant* const end = base + proc->nlocals + proc->max_stack;
   ++depth_;
-  FrameGuard guard{base, end, top_, top_, depth_};
+  FrameGuard guard{*this, base, end, top_, top_, depth_};
   top_ = end;
   Run(f);
   if (proc->result_slot >= 0) return std::move(base[proc->result_slot]);
@@ -998,6 +1012,47 @@ void Vm::Run(Frame& f) {
             refs_[sp - stack_] = &f.me->fields()[in->a];
             ++sp;
             break;
+          case Op::ArgElem: {
+            Variant* base = sp - in->n;
+            if ((in->flags & kVarKindMask) == kVarGlobal) {
+              // A global name may be a function: then this is a call, passed by value.
+              GlobalSlot& s = Resolve(*proc.globals[in->a], proc);
+              if (s.kind != SlotKind::Variable) {
+                Variant value = CallSlot(f, s, base, in->n, 0, true);
+                while (sp > base)
+                  Drop(*--sp);
+                *sp = std::move(value);
+                refs_[sp - stack_] = nullptr;
+                ++sp;
+                QV_NEXT();
+              }
+            }
+            Variant& target = VarRef(f, in->flags, in->a);
+            if (!target.is_array()) {
+              Variant value = ApplyIndex(target, Args(base, in->n), true);
+              while (sp > base)
+                Drop(*--sp);
+              *sp = std::move(value);
+              refs_[sp - stack_] = nullptr;
+              ++sp;
+              QV_NEXT();
+            }
+            SafeArray* array = target.mutable_array();
+            if (in->n > kMaxArrayDimensions) Raise(kErrSubscript);
+            int32_t idx[kMaxArrayDimensions];
+            for (uint32_t i = 0; i < in->n; ++i)
+              idx[i] = IndexValue(base[i]);
+            Variant& element = array->At(std::span<const int32_t>(idx, in->n));
+            while (sp > base)
+              Drop(*--sp);
+            *sp = element;
+            refs_[sp - stack_] = &element;
+            array->AddRef();
+            array->Lock();
+            locks_[sp - stack_] = array;
+            ++sp;
+            QV_NEXT();
+          }
           case Op::ArgGlobal: {
             GlobalSlot& s = Resolve(*proc.globals[in->a], proc);
             if (s.kind == SlotKind::Undefined && !proc.option_explicit) s.kind = SlotKind::Variable;
@@ -1219,6 +1274,7 @@ void Vm::Run(Frame& f) {
             Variant r = s.kind == SlotKind::Procedure
                             ? CallOnStack(*s.proc, nullptr, args, in->n, in->b)
                             : CallSlot(f, s, args, in->n, in->b, in->flags & kWantResult);
+            if (in->b) ReleaseLocks(args, sp);
             while (sp > args)
               (--sp)->Clear();
             if (in->flags & kWantResult) *sp++ = std::move(r);
@@ -1227,6 +1283,7 @@ void Vm::Run(Frame& f) {
           case Op::CallMethod: {
             Variant* args = sp - in->n;
             Variant r = CallMethod(f, in->a, args, in->n, in->b, in->flags & kWantResult);
+            if (in->b) ReleaseLocks(args, sp);
             while (sp > args)
               (--sp)->Clear();
             if (in->flags & kWantResult) *sp++ = std::move(r);
@@ -1236,6 +1293,7 @@ void Vm::Run(Frame& f) {
           L_CallMember : {
             Variant* base = sp - in->n - 1;
             Variant r = CallMember(f, *in, base);
+            if (in->b) ReleaseLocks(base, sp);
             while (sp > base)
               (--sp)->Clear();
             if (in->flags & kWantResult) *sp++ = std::move(r);
@@ -1246,6 +1304,7 @@ void Vm::Run(Frame& f) {
             Variant* args = sp - in->n;
             const Variant target = VarRef(f, in->flags, in->a);
             Variant r = ApplyIndex(target, Args(args, in->n), in->flags & kWantResult);
+            if (in->b) ReleaseLocks(args, sp);
             while (sp > args)
               (--sp)->Clear();
             if (in->flags & kWantResult) *sp++ = std::move(r);
@@ -1254,6 +1313,7 @@ void Vm::Run(Frame& f) {
           case Op::IndexValue: {
             Variant* base = sp - in->n - 1;
             Variant r = ApplyIndex(base[0], Args(base + 1, in->n), true);
+            if (in->b) ReleaseLocks(base, sp);
             while (sp > base)
               (--sp)->Clear();
             *sp++ = std::move(r);

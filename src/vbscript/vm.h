@@ -73,6 +73,8 @@ class Vm : public RefCounted {
   Ref<ScriptObject> NewInstance(ClassInfo& cls);
   // Runs Class_Terminate of an instance that is going away; swallows its errors.
   void Terminate(ScriptObject& object) noexcept;
+  // Unlocks the arrays whose elements were passed ByRef from these stack slots.
+  void ReleaseLocks(Variant* from, Variant* to);
 
  private:
   struct Frame {
@@ -117,6 +119,7 @@ class Vm : public RefCounted {
 
   Variant* stack_ = nullptr;
   Variant** refs_ = nullptr;
+  SafeArray** locks_ = nullptr;  // arrays locked while an element is passed ByRef
   size_t capacity_ = 0;
   Variant* top_ = nullptr;  // first free slot above every running frame
   int depth_ = 0;
