@@ -5,6 +5,8 @@
 // does not hold (variable names, field quotes, table keys). Any failure on the way ends in the
 // load-failed text, and what was read so far stays.
 #include <exception>
+#include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -128,8 +130,9 @@ class ProjectReader {
   int32_t total() const { return total_; }
 
   void ReadAttributes(int32_t element, TyProperties& bag) {
+    std::vector<int32_t>* slots = SlotsOf(bag);
     for (const ProjectDocument::Attribute& a : doc_.attributes(element)) {
-      TyProperty* p = Match(bag, a.name);
+      TyProperty* p = Match(bag, slots, a.name);
       if (p) Store(*p, a);
     }
   }
@@ -154,13 +157,20 @@ class ProjectReader {
   // The first FileSave entry whose Name equals the attribute's name exactly. Bags that hold
   // their class's layout unchanged share slot numbers, so the key search runs once per name
   // and class; a bag changed by the host is searched by name.
-  TyProperty* Match(const TyProperties& bag, int32_t name) {
+  // The slot cache of the bag's layout, or nullptr for a bag without one.
+  std::vector<int32_t>* SlotsOf(const TyProperties& bag) {
+    const PropertyLayout* layout = bag.layout();
+    if (!layout) return nullptr;
+    std::vector<int32_t>& slots = slots_[layout];
+    if (slots.empty()) slots.assign(rules_.size(), kUnknownSlot);
+    return &slots;
+  }
+
+  TyProperty* Match(const TyProperties& bag, std::vector<int32_t>* slots, int32_t name) {
     const String& text = doc_.name(name);
     int32_t slot = -1;
-    if (const PropertyLayout* layout = bag.layout()) {
-      std::vector<int32_t>& slots = slots_[layout];
-      if (slots.empty()) slots.assign(rules_.size(), kUnknownSlot);
-      int32_t& cached = slots[static_cast<size_t>(name)];
+    if (slots) {
+      int32_t& cached = (*slots)[static_cast<size_t>(name)];
       if (cached == kUnknownSlot) cached = bag.SlotOf(text);
       slot = cached;
     } else {
@@ -187,7 +197,23 @@ class ProjectReader {
       p.SetValue(Variant(LineBreaksFromBars(value)));
       return;
     }
+    const PropType type = p.Type();
+    if (type == PropType::String || type == PropType::Variant) {
+      p.SetValue(Variant(Intern(value)));  // no word that ToPropertyValue converts by
+      return;
+    }
     p.SetValue(ToPropertyValue(value, p.DataType()));
+  }
+
+  // Short texts repeat across thousands of fields ("TEXT", "None", "Values"); they share one
+  // buffer, which saves an allocation per value and memory for the life of the project.
+  String Intern(std::string_view utf8) {
+    if (utf8.empty()) return String();
+    if (utf8.size() > kInternMaxSize) return Text(utf8);
+    if (const auto it = interned_.find(utf8); it != interned_.end()) return it->second;
+    String text = Text(utf8);
+    if (interned_.size() < kInternMaxCount) interned_.emplace(std::string(utf8), text);
+    return text;
   }
 
   // An attribute's text; an absent attribute reads as "".
@@ -271,11 +297,21 @@ class ProjectReader {
   }
 
   static constexpr int32_t kUnknownSlot = -2;
+  static constexpr size_t kInternMaxSize = 32;
+  static constexpr size_t kInternMaxCount = 4096;
+
+  struct TextHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view s) const noexcept {
+      return std::hash<std::string_view>()(s);
+    }
+  };
 
   Tyx& tyx_;
   const ProjectDocument& doc_;
   std::vector<NameRule> rules_;
   std::unordered_map<const PropertyLayout*, std::vector<int32_t>> slots_;
+  std::unordered_map<std::string, String, TextHash, std::equal_to<>> interned_;
   int32_t extension_, database_, table_, field_;
   int32_t name_, db_name_, tbl_name_, fld_name_;
   int32_t total_ = 0;

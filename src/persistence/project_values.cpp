@@ -22,19 +22,6 @@ String ValueText(const Variant& value) {
   return ToString(value);
 }
 
-String ReplaceLineBreaks(StringView text, StringView by) {
-  String out;
-  out.Reserve(text.size());
-  size_t start = 0;
-  for (size_t at = text.find(u"\r\n"); at != StringView::npos; at = text.find(u"\r\n", start)) {
-    out.Append(text.substr(start, at - start));
-    out.Append(by);
-    start = at + 2;
-  }
-  out.Append(text.substr(start));
-  return out;
-}
-
 std::vector<StringView> SplitDots(StringView text) {
   std::vector<StringView> parts;
   if (text.empty()) return parts;
@@ -86,12 +73,83 @@ String XmlEscape(StringView text) {
   return out;
 }
 
+void AppendEscaped(std::string& out, StringView text, bool bars) {
+  size_t i = 0;
+  while (i < text.size()) {
+    const Char c = text[i];
+    if (c >= 0x80) {
+      // A run of other characters goes through the engine's UTF-8 conversion whole, so that
+      // surrogate pairs stay together; the ASCII around it is copied byte by byte.
+      size_t end = i + 1;
+      while (end < text.size() && text[end] >= 0x80)
+        ++end;
+      out += String::ToUtf8(text.substr(i, end - i));
+      i = end;
+      continue;
+    }
+    switch (c) {
+      case u'&':
+        out += "&amp;";
+        break;
+      case u'<':
+        out += "&lt;";
+        break;
+      case u'>':
+        out += "&gt;";
+        break;
+      case u'"':
+        out += "&quot;";
+        break;
+      case u'\r':
+        if (bars && i + 1 < text.size() && text[i + 1] == u'\n') {
+          out += '|';
+          ++i;
+          break;
+        }
+        [[fallthrough]];
+      default:
+        out += static_cast<char>(c);
+    }
+    ++i;
+  }
+}
+
+namespace {
+
+// The value part of an attribute, in the rule's steps: text, escape, bars, Booleans.
+void AppendValue(std::string& out, bool bars, StringView data_type, const Variant& value) {
+  if (!IsBooleanType(data_type)) {
+    AppendEscaped(out, value.is_string() ? value.as_string() : ValueText(value), bars);
+    return;
+  }
+  if (value.type() == VarType::Boolean) {
+    out += value.as_bool() ? '1' : '0';
+    return;
+  }
+  const String text = XmlEscape(ValueText(value));
+  out += text.empty() || !ToBool(Variant(text)) ? '0' : '1';
+}
+
+bool IsTagValues(std::string_view escaped_name) {
+  return escaped_name.size() == 12 && EqualsNoCase(String::FromUtf8(escaped_name), u"fldtagvalues");
+}
+
+}  // namespace
+
+void AppendAttribute(std::string& out, StringView name, StringView data_type,
+                     const Variant& value) {
+  const size_t name_start = out.size();
+  AppendEscaped(out, name);
+  const bool bars = IsTagValues(std::string_view(out).substr(name_start));
+  out += "=\"";
+  AppendValue(out, bars, data_type, value);
+  out += "\" ";
+}
+
 String AttributeText(StringView escaped_name, StringView data_type, const Variant& value) {
-  String text = XmlEscape(ValueText(value));
-  if (EqualsNoCase(escaped_name, u"fldtagvalues")) text = ReplaceLineBreaks(text, u"|");
-  if (!IsBooleanType(data_type)) return text;
-  if (text.empty()) return String(u"0");
-  return String(ToBool(Variant(text)) ? u"1" : u"0");
+  std::string out;
+  AppendValue(out, EqualsNoCase(escaped_name, u"fldtagvalues"), data_type, value);
+  return String::FromUtf8(out);
 }
 
 bool VersionGreater(StringView a, StringView b) {
@@ -120,6 +178,9 @@ Variant ToPropertyValue(const String& text, StringView data_type) {
 }
 
 Variant ToPropertyValue(std::string_view utf8, StringView data_type) {
+  const bool converts = data_type == u"Boolean" || data_type == u"Integer" || data_type == u"Long";
+  // Empty text is no Boolean and no number: Empty, without a conversion that would raise.
+  if (utf8.empty()) return converts ? Variant() : Variant(String());
   if (data_type == u"Boolean") {
     if (utf8 == "1") return Variant(true);
     if (utf8 == "0") return Variant(false);

@@ -4,6 +4,9 @@
 // every rule live here together.
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "automation/string.h"
 #include "automation/variant.h"
 
@@ -20,6 +23,13 @@ String XmlEscape(StringView text);
 // FldTagValues, and as "1"/"0" when the property's DataType is "Boolean". A Boolean property
 // whose text is no Boolean raises 13, as the platform's conversion does.
 String AttributeText(StringView escaped_name, StringView data_type, const Variant& value);
+
+// The writer's form of the same rules: appends `name="value" ` (name and value escaped, one
+// blank after) to UTF-8 text.
+void AppendAttribute(std::string& out, StringView name, StringView data_type, const Variant& value);
+// Appends text to UTF-8 output with the four characters escaped; with `bars`, each CR LF pair
+// becomes "|".
+void AppendEscaped(std::string& out, StringView text, bool bars = false);
 
 // Compares the first numbers of two dotted versions, at most three and no more than the
 // shorter one has: True only when `a` is greater at the first number that differs. An empty

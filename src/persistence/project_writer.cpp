@@ -40,12 +40,13 @@ class ProjectSink {
   ProjectSink(const ProjectSink&) = delete;
   ProjectSink& operator=(const ProjectSink&) = delete;
 
-  // Appends one line and its CR LF.
-  void Line(StringView text) {
-    buffer_ += EncodeText(text);
+  // Appends one line of UTF-8 text and its CR LF.
+  void Line(std::string_view text) {
+    buffer_ += text;
     buffer_ += "\r\n";
     if (buffer_.size() >= kFlushSize) Flush();
   }
+  void Line(StringView text) { Line(std::string_view(String::ToUtf8(text))); }
   void Close() {
     Flush();
     const int failed = std::fclose(file_);
@@ -84,25 +85,22 @@ String Declaration(const String& encoding) {
 }
 
 // Appends `name="value" ` for each FileSave entry of the bag.
-void AppendAttributes(String& line, const TyProperties& bag) {
+void AppendAttributes(std::string& line, const TyProperties& bag) {
   bag.ForEach([&](const TyProperty& p) {
-    if (!p.FileSave()) return;
-    const String name = XmlEscape(p.Name());
-    line.Append(name.view());
-    line.Append(u"=\"");
-    line.Append(AttributeText(name, p.DataType(), p.Value()).view());
-    line.Append(u"\" ");
+    if (p.FileSave()) AppendAttribute(line, p.Name(), p.DataType(), p.Value());
   });
 }
 
-String ElementLine(StringView tag, const TyProperties& bag, StringView close) {
-  String line;
-  line.Reserve(4096);
-  line.Append(u'<');
-  line.Append(tag);
-  line.Append(u' ');
+// One element's line: "<Tag ", the attributes, then ">" or "/>". The buffer is reused from
+// line to line.
+std::string_view ElementLine(std::string& line, std::string_view tag, const TyProperties& bag,
+                             std::string_view close) {
+  line.clear();
+  line += '<';
+  line += tag;
+  line += ' ';
   AppendAttributes(line, bag);
-  line.Append(close);
+  line += close;
   return line;
 }
 
@@ -133,20 +131,16 @@ T& Required(T* item) {
   return *item;
 }
 
-void WriteFields(ProjectSink& sink, const TyxTable& table) {
-  for (TyxField* field : BySequence(table.Fields().list())) {
-    sink.Line(ElementLine(u"Field", Required(field).Properties(), u"/>"));
-  }
-}
-
-void WriteDatabase(ProjectSink& sink, const TyxDatabase& db) {
-  sink.Line(ElementLine(u"Database", db.Properties(), u">"));
+void WriteDatabase(ProjectSink& sink, std::string& line, const TyxDatabase& db) {
+  sink.Line(ElementLine(line, "Database", db.Properties(), ">"));
   for (TyxTable* table : BySequence(db.Tables().list())) {
-    sink.Line(ElementLine(u"Table", Required(table).Properties(), u">"));
-    WriteFields(sink, *table);
-    sink.Line(u"</Table>");
+    sink.Line(ElementLine(line, "Table", Required(table).Properties(), ">"));
+    for (TyxField* field : BySequence(table->Fields().list())) {
+      sink.Line(ElementLine(line, "Field", Required(field).Properties(), "/>"));
+    }
+    sink.Line(std::string_view("</Table>"));
   }
-  sink.Line(u"</Database>");
+  sink.Line(std::string_view("</Database>"));
 }
 
 }  // namespace
@@ -157,16 +151,16 @@ void SaveProjectFile(Tyx& tyx, const String& project_file) {
   sink.Line(Declaration(encoding));
   WriteRegValue(u"HKCU", Vars().SettingsKey, kEncodingValue, kRegSz, Variant(encoding));
 
-  String project = u"<Project Version=\"" + tyx.EngineVersion() + u"\" ";
-  AppendAttributes(project, tyx.Properties());
-  project.Append(u">");
-  sink.Line(project);
+  std::string line = "<Project Version=\"" + tyx.EngineVersion().ToUtf8() + "\" ";
+  AppendAttributes(line, tyx.Properties());
+  line += '>';
+  sink.Line(std::string_view(line));
 
   for (TyxExtension* extension : BySequence(tyx.Extensions().list())) {
-    sink.Line(ElementLine(u"Extension", Required(extension).Properties(), u"/>"));
+    sink.Line(ElementLine(line, "Extension", Required(extension).Properties(), "/>"));
   }
-  if (tyx.Databases().Count() >= 1) WriteDatabase(sink, *tyx.db());
-  sink.Line(u"</Project>");
+  if (tyx.Databases().Count() >= 1) WriteDatabase(sink, line, *tyx.db());
+  sink.Line(std::string_view("</Project>"));
   sink.Close();
 }
 
