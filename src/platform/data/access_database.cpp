@@ -216,8 +216,9 @@ Variant DaoField::Properties(StringView name) const {
 
 AccessDatabase::~AccessDatabase() = default;
 
-std::unique_ptr<AccessDatabase> AccessDatabase::Open(StringView path, bool /*read_only*/,
-                                                     StringView /*connect*/) {
+// The database is only ever read here, whatever the options ask for.
+std::unique_ptr<AccessDatabase> AccessDatabase::Open(StringView path, bool /*exclusive*/,
+                                                     bool /*read_only*/, StringView /*connect*/) {
   const String file(path);
   std::error_code ec;
   if (file.empty() || !std::filesystem::is_regular_file(Narrow(file), ec)) {
@@ -334,6 +335,7 @@ void AccessDatabase::Load() {
 void AccessDatabase::ResolveQueryFields() {
   for (DaoQueryDef& query : queries_) {
     std::vector<DaoField> resolved;
+    int unnamed = 0;
     for (DaoField& field : query.fields) {
       const String expression = field.properties[u"Expression"];
       field.properties.clear();
@@ -350,7 +352,11 @@ void AccessDatabase::ResolveQueryFields() {
         }
         continue;
       }
-      if (field.name.empty()) field.name = IsPlainReference(expression) ? column : expression;
+      if (field.name.empty()) {
+        field.name = IsPlainReference(expression)
+                         ? column
+                         : u"Expr" + String::FromUtf8(std::to_string(1000 + unnamed++));
+      }
       if (IsPlainReference(expression)) {
         if (const DaoTableDef* table = FindTable(source)) {
           for (const DaoField& f : table->fields) {

@@ -65,7 +65,9 @@ struct DaoQueryDef {
   String name;
   int32_t type = 0;  // DaoQueryType
   String sql;        // rebuilt in Access's own layout, lines ended by CR LF, closed by ";"
-  std::vector<DaoField> fields;  // output columns; expressions that name no column are dbText
+  // Output columns. An expression without an alias is named as Access names it (Expr1000,
+  // Expr1001, ...); an expression that names no column reads as dbText.
+  std::vector<DaoField> fields;
   std::vector<DaoParameter> parameters;
   bool hidden = false;
   std::map<String, String> aliases;  // name used in the query -> table or query it stands for
@@ -77,8 +79,8 @@ class AccessDatabase {
   // "PWD=...": mdbtools reads files without checking the database password, so it is
   // accepted and ignored. Raises qv::Error (3024 "Could not find file", 3343 "Unrecognized
   // database format") with the file named in the words.
-  static std::unique_ptr<AccessDatabase> Open(StringView path, bool read_only = true,
-                                              StringView connect = {});
+  static std::unique_ptr<AccessDatabase> Open(StringView path, bool exclusive = false,
+                                              bool read_only = false, StringView connect = {});
   ~AccessDatabase();
   AccessDatabase(const AccessDatabase&) = delete;
   AccessDatabase& operator=(const AccessDatabase&) = delete;

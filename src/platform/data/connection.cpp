@@ -28,9 +28,10 @@ ProviderError ProviderMissing(StringView provider, StringView why) {
 // through an installed ODBC driver for that DBMS when there is one.
 std::unique_ptr<Backend> OpenThroughOdbcDriver(const ConnectionString& cs, ProviderKind kind,
                                                StringView user, StringView password,
-                                               int32_t timeout) {
+                                               const OdbcTimeouts& timeout) {
   const bool sql_server = kind == ProviderKind::SqlServer;
-  const auto driver = FindOdbcDriver(sql_server ? u"SQL Server" : u"Oracle");
+  auto driver = FindOdbcDriver(sql_server ? u"SQL Server" : u"Oracle");
+  if (!driver && sql_server) driver = FindOdbcDriver(u"FreeTDS");
   if (!driver) {
     throw ProviderMissing(cs.Provider(), sql_server ? u"no ODBC driver for SQL Server is installed"
                                                     : u"no ODBC driver for Oracle is installed");
@@ -51,7 +52,7 @@ std::unique_ptr<Backend> OpenThroughOdbcDriver(const ConnectionString& cs, Provi
 }
 
 std::unique_ptr<Backend> OpenBackend(StringView text, StringView user, StringView password,
-                                     int32_t timeout) {
+                                     const OdbcTimeouts& timeout) {
   const ConnectionString cs = ConnectionString::Parse(text);
   const ProviderKind kind = cs.Kind();
   switch (kind) {
@@ -110,7 +111,8 @@ void Connection::Open(StringView connection_string, StringView user, StringView 
                 u"Operation is not allowed when the object is open.", u"ADODB.Connection");
   }
   const String text = ExpandShortUrl(connection_string);
-  backend_ = Guard([&] { return OpenBackend(text, user, password, login_timeout_seconds_); });
+  const OdbcTimeouts timeouts{login_timeout_seconds_, command_timeout_seconds_};
+  backend_ = Guard([&] { return OpenBackend(text, user, password, timeouts); });
   connection_string_ = text;
 }
 

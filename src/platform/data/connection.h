@@ -36,7 +36,8 @@ class Connection {
   Connection& operator=(const Connection&) = delete;
 
   // Opens the data source. user and password, when not empty, override those in the string.
-  // ODBC logins time out after `login_timeout_seconds` (ConnectionTimeout; 15 by default).
+  // ODBC logins time out after ConnectionTimeout seconds (15 by default) and statements after
+  // CommandTimeout seconds (30 by default, 0 for none); both are read when Open runs.
   void Open(StringView connection_string, StringView user = {}, StringView password = {});
   // Opens on a backend made elsewhere (the scripted backend of tests, for instance).
   void OpenWith(std::unique_ptr<Backend> backend, StringView connection_string = {});
@@ -48,6 +49,8 @@ class Connection {
   const String& ConnectionString() const noexcept { return connection_string_; }
   int32_t ConnectionTimeout() const noexcept { return login_timeout_seconds_; }
   void SetConnectionTimeout(int32_t seconds) noexcept { login_timeout_seconds_ = seconds; }
+  int32_t CommandTimeout() const noexcept { return command_timeout_seconds_; }
+  void SetCommandTimeout(int32_t seconds) noexcept { command_timeout_seconds_ = seconds; }
 
   // Properties(name).Value; raises kErrItemNotFound for a name the provider lacks.
   Variant Properties(StringView name) const;
@@ -75,6 +78,7 @@ class Connection {
   std::unique_ptr<Backend> backend_;
   String connection_string_;
   int32_t login_timeout_seconds_ = 15;
+  int32_t command_timeout_seconds_ = 30;
   Errors errors_;
 };
 

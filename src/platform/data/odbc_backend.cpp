@@ -14,6 +14,7 @@
 #include "automation/date_time.h"
 #include "platform/data/connection_string.h"
 #include "platform/data/data_types.h"
+#include "platform/data/odbc_ini.h"
 #include "platform/data/provider_error.h"
 #include "platform/data/type_mapping.h"
 
@@ -240,8 +241,10 @@ class OdbcBackend final : public Backend {
     dbc_.reset();
   }
 
-  void Connect(const String& text, int32_t timeout) {
-    const auto seconds = reinterpret_cast<SQLPOINTER>(static_cast<intptr_t>(timeout));
+  void Connect(const String& text, const OdbcTimeouts& timeouts) {
+    command_timeout_ = timeouts.command_seconds;
+    const auto seconds =
+        reinterpret_cast<SQLPOINTER>(static_cast<intptr_t>(timeouts.login_seconds));
     SQLSetConnectAttr(dbc_->get(), SQL_ATTR_LOGIN_TIMEOUT, seconds, 0);
     SQLSetConnectAttr(dbc_->get(), SQL_ATTR_CONNECTION_TIMEOUT, seconds, 0);
     SQLWCHAR out[1024];
@@ -313,6 +316,8 @@ class OdbcBackend final : public Backend {
 
   Rowset Execute(StringView sql) override {
     Handle stmt(SQL_HANDLE_STMT, dbc_->get());
+    SQLSetStmtAttr(stmt.get(), SQL_ATTR_QUERY_TIMEOUT,
+                   reinterpret_cast<SQLPOINTER>(static_cast<intptr_t>(command_timeout_)), 0);
     const String text(sql);
     stmt.Check(SQLExecDirectW(stmt.get(), W(text), SQL_NTS), u"Running the statement");
     Rowset rowset;
@@ -552,19 +557,38 @@ class OdbcBackend final : public Backend {
   Handle env_;
   std::unique_ptr<Handle> dbc_;
   bool connected_ = false;
+  int32_t command_timeout_ = 30;
   String quote_ = u"\"";
 };
 
 }  // namespace
 
+namespace {
+
+// True when the string's driver, named directly or through its DSN, is MariaDB's or MySQL's.
+bool IsMysqlFamily(const ConnectionString& cs) {
+  String driver = cs.Get(u"Driver").value_or(String());
+  if (driver.empty()) {
+    if (auto dsn = cs.Get(u"DSN")) driver = ReadOdbcIniValue(*dsn, u"Driver");
+  }
+  const String lower = ToLower(driver);
+  return lower.view().find(u"maria") != StringView::npos ||
+         lower.view().find(u"mysql") != StringView::npos;
+}
+
+}  // namespace
+
 std::unique_ptr<Backend> OpenOdbcBackend(StringView connection_string, StringView user,
-                                         StringView password, int32_t timeout_seconds) {
+                                         StringView password, const OdbcTimeouts& timeouts) {
   ConnectionString cs = ConnectionString::Parse(connection_string);
   cs.Remove(u"Provider");
   if (!user.empty()) cs.Set(u"UID", user);
   if (!password.empty()) cs.Set(u"PWD", password);
+  if (timeouts.login_seconds > 0 && !cs.Has(u"CONN_TIMEOUT") && IsMysqlFamily(cs)) {
+    cs.Set(u"CONN_TIMEOUT", String::FromUtf8(std::to_string(timeouts.login_seconds)));
+  }
   auto backend = std::make_unique<OdbcBackend>();
-  backend->Connect(cs.ToText(), timeout_seconds);
+  backend->Connect(cs.ToText(), timeouts);
   return backend;
 }
 

@@ -129,6 +129,18 @@ TEST(AccessDatabaseTest, NorthwindQueriesAndViews) {
   EXPECT_TRUE(parameters->sql.view().starts_with(
       u"PARAMETERS [Beginning Date] DateTime, [Ending Date] DateTime;\r\n"));
 
+  const DaoQueryDef* sales = db->FindQuery(u"Category Sales for 1995");
+  ASSERT_NE(sales, nullptr);
+  ASSERT_EQ(sales->fields.size(), 2u);
+  EXPECT_EQ(sales->fields[0].name, u"CategoryName");
+  EXPECT_EQ(sales->fields[1].name, u"CategorySales");
+  for (const DaoQueryDef& query : db->QueryDefs()) {
+    EXPECT_TRUE(query.sql.view().ends_with(u";")) << query.name.ToUtf8();
+    for (const DaoField& field : query.fields) {
+      EXPECT_FALSE(field.name.empty()) << query.name.ToUtf8();
+    }
+  }
+
   // The ADOX views: plain select queries only.
   const auto views = db->Views();
   auto has = [&](StringView name) {
@@ -142,7 +154,9 @@ TEST(AccessDatabaseTest, NorthwindQueriesAndViews) {
 }
 
 TEST(AccessDatabaseTest, Jet4FileAndItsRows) {
-  const auto db = AccessDatabase::Open(String::FromUtf8(SharedData("access/DateTestDatabase.mdb")));
+  // The DAO form with a password opens read-only; mdbtools does not check the password.
+  const auto db = AccessDatabase::Open(String::FromUtf8(SharedData("access/DateTestDatabase.mdb")),
+                                       false, true, u"MS Access;PWD=secret;");
   EXPECT_EQ(db->Version(), u"4.0");
   const DaoTableDef* table = db->FindTable(u"DateTest");
   ASSERT_NE(table, nullptr);

@@ -3,6 +3,11 @@
 // start on this machine.
 #include <gtest/gtest.h>
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -218,6 +223,48 @@ TEST(OdbcFailureTest, DownServerUnknownDsnAndMissingDriverFailFast) {
     }
   }
   EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(30));
+}
+
+// A server that takes the connection and then never says a word: only the login timeout
+// ends the wait.
+class SilentServer {
+ public:
+  SilentServer() {
+    fd_ = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    bind(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    listen(fd_, 8);
+    socklen_t length = sizeof address;
+    getsockname(fd_, reinterpret_cast<sockaddr*>(&address), &length);
+    port_ = ntohs(address.sin_port);
+  }
+  ~SilentServer() { close(fd_); }
+  int port() const { return port_; }
+
+ private:
+  int fd_ = -1;
+  int port_ = 0;
+};
+
+TEST(OdbcFailureTest, SilentServerEndsAtTheLoginTimeout) {
+  SKIP_WITHOUT(kPostgres);
+  SilentServer silent;
+  const String port = String::FromUtf8(std::to_string(silent.port()));
+  const String forms[] = {
+      u"Driver={PostgreSQL Unicode};Servername=127.0.0.1;Database=x;Port=" + port,
+      u"Driver={MariaDB Unicode};Server=127.0.0.1;Database=x;Port=" + port,
+  };
+  for (const String& text : forms) {
+    SCOPED_TRACE(text.ToUtf8());
+    Connection cn;
+    cn.SetConnectionTimeout(2);
+    cn.SetCommandTimeout(2);
+    const auto started = std::chrono::steady_clock::now();
+    EXPECT_THROW(cn.Open(text, u"qv", u"qv"), Error);
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(20));
+  }
 }
 
 TEST(OdbcIniTest, DataSourceValuesComeFromOdbcIni) {
