@@ -4,6 +4,7 @@
 
 #include "automation/safe_array.h"
 #include "vbscript/runtime_lib.h"
+#include "vbscript/strings_lib.h"
 
 namespace qv::vbs {
 
@@ -59,7 +60,7 @@ Variant Split(RuntimeState&, Args a) {
   const StringView needle = text ? needle_store.view() : delimiter.view();
   size_t from = 0;
   while (limit < 0 || parts.size() + 1 < static_cast<size_t>(limit)) {
-    const size_t at = hay.find(needle, from);
+    const size_t at = FindText(hay, needle, from);
     if (at == StringView::npos) break;
     parts.emplace_back(String(s.view().substr(from, at - from)));
     from = at + needle.size();

@@ -1,10 +1,10 @@
-// Scripting.Dictionary: entries in insertion order in a vector, a hash index from key to
-// entry. Removing leaves a hole that later compaction closes, so Remove stays O(1) and the
-// order of the rest is kept.
+// Scripting.Dictionary: entries in insertion order in a vector and an open-addressing index
+// of entry numbers beside it (no allocation per key, one probe sequence per call). Removing
+// leaves a hole that a later rebuild closes, so Remove stays O(1) and the order is kept.
 #include "vbscript/dictionary.h"
 
 #include <cmath>
-#include <functional>
+#include <cstring>
 
 #include "automation/convert.h"
 #include "automation/safe_array.h"
@@ -31,150 +31,223 @@ class KeyEnumerator : public Enumerator {
 
 }  // namespace
 
-size_t Dictionary::KeyHash::operator()(const Key& k) const noexcept {
-  switch (k.kind) {
-    case Key::Number:
-      return std::hash<double>()(k.number == 0 ? 0.0 : k.number);
-    case Key::Text:
-      return owner->text_keys() ? HashNoCase(k.text) : std::hash<StringView>()(k.text.view());
-    case Key::Object:
-      return std::hash<const void*>()(k.object);
+namespace {
+
+enum class KeyKind { Empty, Null, Number, Text, Object };
+
+KeyKind KindOf(const Variant& key) {
+  switch (key.type()) {
+    case VarType::Empty:
+      return KeyKind::Empty;
+    case VarType::Null:
+      return KeyKind::Null;
+    case VarType::String:
+      return KeyKind::Text;
+    case VarType::Object:
+      return KeyKind::Object;
+    case VarType::Array:
+    case VarType::Error:
+      throw Error(kErrTypeMismatch);
     default:
-      return k.kind;
+      return KeyKind::Number;
   }
 }
 
-bool Dictionary::KeyEqual::operator()(const Key& a, const Key& b) const noexcept {
-  if (a.kind != b.kind) return false;
-  switch (a.kind) {
-    case Key::Number:
-      return a.number == b.number;
-    case Key::Text:
-      return owner->text_keys() ? EqualsNoCase(a.text, b.text) : a.text == b.text;
-    case Key::Object:
-      return a.object == b.object;
+double NumberOfKey(const Variant& key) {
+  const double d = key.type() == VarType::Currency ? key.as_currency() / 10000.0 : ToDouble(key);
+  return d == 0 ? 0.0 : d;  // -0 and 0 are one key
+}
+
+size_t Mix(uint64_t h) {
+  h ^= h >> 33;
+  h *= 0xff51afd7ed558ccdull;
+  h ^= h >> 33;
+  return static_cast<size_t>(h);
+}
+
+size_t HashBinary(StringView text) {
+  uint64_t h = 1469598103934665603ull;
+  for (const Char c : text) {
+    h ^= c;
+    h *= 1099511628211ull;
+  }
+  return static_cast<size_t>(h);
+}
+
+}  // namespace
+
+size_t Dictionary::HashOf(const Variant& key) const {
+  switch (KindOf(key)) {
+    case KeyKind::Empty:
+      return 0x1234;
+    case KeyKind::Null:
+      return 0x5678;
+    case KeyKind::Text:
+      return Mix(text_keys() ? HashNoCase(key.as_string()) : HashBinary(key.as_string()));
+    case KeyKind::Object:
+      return Mix(reinterpret_cast<uintptr_t>(key.as_object()));
+    case KeyKind::Number: {
+      const double d = NumberOfKey(key);
+      uint64_t bits;
+      std::memcpy(&bits, &d, sizeof bits);
+      return Mix(bits);
+    }
+  }
+  return 0;
+}
+
+bool Dictionary::SameKey(const Variant& a, const Variant& b) const {
+  const KeyKind kind = KindOf(a);
+  if (kind != KindOf(b)) return false;
+  switch (kind) {
+    case KeyKind::Text:
+      return text_keys() ? EqualsNoCase(a.as_string(), b.as_string())
+                         : a.as_string() == b.as_string();
+    case KeyKind::Object:
+      return a.as_object() == b.as_object();
+    case KeyKind::Number:
+      return NumberOfKey(a) == NumberOfKey(b);
     default:
       return true;
   }
 }
 
-Dictionary::Key Dictionary::MakeKey(const Variant& key) {
-  Key k;
-  switch (key.type()) {
-    case VarType::Empty:
-      k.kind = Key::Empty;
-      break;
-    case VarType::Null:
-      k.kind = Key::Null;
-      break;
-    case VarType::String:
-      k.kind = Key::Text;
-      k.text = key.as_string();
-      break;
-    case VarType::Object:
-      k.kind = Key::Object;
-      k.object = key.as_object();
-      break;
-    case VarType::Array:
-    case VarType::Error:
-      throw Error(kErrTypeMismatch);
-    default:
-      k.kind = Key::Number;
-      k.number = key.type() == VarType::Currency ? key.as_currency() / 10000.0 : ToDouble(key);
+size_t Dictionary::Probe(const Variant& key, size_t hash, bool& found) const {
+  found = false;
+  const size_t mask = slots_.size() - 1;
+  size_t reuse = SIZE_MAX;
+  for (size_t i = hash & mask;; i = (i + 1) & mask) {
+    const uint32_t slot = slots_[i];
+    if (slot == kFree) return reuse != SIZE_MAX ? reuse : i;
+    if (slot == kGone) {
+      if (reuse == SIZE_MAX) reuse = i;
+      continue;
+    }
+    const Entry& e = entries_[slot - 1];
+    if (e.hash == hash && SameKey(e.key, key)) {
+      found = true;
+      return i;
+    }
   }
-  return k;
 }
 
-size_t* Dictionary::Find(const Variant& key) {
-  const auto it = index_.find(MakeKey(key));
-  return it == index_.end() ? nullptr : &it->second;
+size_t Dictionary::FindEntry(const Variant& key) const {
+  const size_t hash = HashOf(key);
+  if (slots_.empty()) return SIZE_MAX;
+  bool found;
+  const size_t i = Probe(key, hash, found);
+  return found ? slots_[i] - 1 : SIZE_MAX;
 }
 
-const size_t* Dictionary::Find(const Variant& key) const {
-  const auto it = index_.find(MakeKey(key));
-  return it == index_.end() ? nullptr : &it->second;
+void Dictionary::Insert(const Variant& key, size_t hash, size_t slot, const Variant& item) {
+  if (slots_[slot] == kFree) ++used_slots_;
+  entries_.push_back(Entry{key, item, hash});
+  slots_[slot] = static_cast<uint32_t>(entries_.size());
+  ++live_;
 }
 
-size_t Dictionary::Append(const Variant& key, Key&& normal, const Variant& item) {
-  entries_.push_back(Entry{key, item});
-  const size_t at = entries_.size() - 1;
-  index_.emplace(std::move(normal), at);
-  return at;
-}
-
-void Dictionary::Add(const Variant& key, const Variant& item) {
-  Key normal = MakeKey(key);
-  if (index_.count(normal)) throw Error(kErrKeyExists);
-  Append(key, std::move(normal), item);
-}
-
-bool Dictionary::Exists(const Variant& key) const {
-  return Find(key) != nullptr;
-}
-
-Variant Dictionary::Item(const Variant& key) {
-  if (const size_t* at = Find(key)) return entries_[*at].item;
-  Append(key, MakeKey(key), Variant());
-  return {};
-}
-
-void Dictionary::SetItem(const Variant& key, const Variant& item) {
-  if (const size_t* at = Find(key)) {
-    entries_[*at].item = item;
-    return;
-  }
-  Append(key, MakeKey(key), item);
-}
-
-void Dictionary::RenameKey(const Variant& key, const Variant& new_key) {
-  const auto it = index_.find(MakeKey(key));
-  if (it == index_.end()) throw Error(kErrElementNotFound);
-  Key normal = MakeKey(new_key);
-  if (index_.count(normal)) throw Error(kErrKeyExists);
-  const size_t at = it->second;
-  index_.erase(it);
-  entries_[at].key = new_key;
-  index_.emplace(std::move(normal), at);
-}
-
-void Dictionary::Remove(const Variant& key) {
-  const auto it = index_.find(MakeKey(key));
-  if (it == index_.end()) throw Error(kErrElementNotFound);
-  Entry& e = entries_[it->second];
-  index_.erase(it);
-  e = Entry{{}, {}, false};
-  ++dead_;
-  if (dead_ > 32 && dead_ > index_.size()) Compact();
-}
-
-void Dictionary::Compact() {
+void Dictionary::Rebuild(size_t capacity) {
+  // Closes the holes of removed entries and lays the index out anew.
   std::vector<Entry> live;
-  live.reserve(index_.size());
+  live.reserve(live_);
   for (Entry& e : entries_) {
     if (e.alive) live.push_back(std::move(e));
   }
   entries_ = std::move(live);
-  dead_ = 0;
-  index_.clear();
-  for (size_t i = 0; i < entries_.size(); ++i)
-    index_.emplace(MakeKey(entries_[i].key), i);
+  slots_.assign(capacity, kFree);
+  const size_t mask = capacity - 1;
+  for (size_t n = 0; n < entries_.size(); ++n) {
+    size_t i = entries_[n].hash & mask;
+    while (slots_[i] != kFree)
+      i = (i + 1) & mask;
+    slots_[i] = static_cast<uint32_t>(n + 1);
+  }
+  used_slots_ = entries_.size();
+}
+
+size_t Dictionary::Prepare(const Variant& key, size_t& hash, bool& found) {
+  hash = HashOf(key);
+  if ((used_slots_ + 1) * 2 > slots_.size()) {
+    size_t capacity = 16;
+    while (capacity < (live_ + 1) * 4)
+      capacity *= 2;
+    Rebuild(capacity);
+  }
+  return Probe(key, hash, found);
+}
+
+void Dictionary::Add(const Variant& key, const Variant& item) {
+  size_t hash;
+  bool found;
+  const size_t slot = Prepare(key, hash, found);
+  if (found) throw Error(kErrKeyExists);
+  Insert(key, hash, slot, item);
+}
+
+bool Dictionary::Exists(const Variant& key) const {
+  return FindEntry(key) != SIZE_MAX;
+}
+
+Variant Dictionary::Item(const Variant& key) {
+  const size_t at = FindEntry(key);
+  if (at != SIZE_MAX) return entries_[at].item;
+  SetItem(key, Variant());
+  return {};
+}
+
+void Dictionary::SetItem(const Variant& key, const Variant& item) {
+  size_t hash;
+  bool found;
+  const size_t slot = Prepare(key, hash, found);
+  if (found) {
+    entries_[slots_[slot] - 1].item = item;
+    return;
+  }
+  Insert(key, hash, slot, item);
+}
+
+void Dictionary::RenameKey(const Variant& key, const Variant& new_key) {
+  const size_t at = FindEntry(key);
+  if (at == SIZE_MAX) throw Error(kErrElementNotFound);
+  if (FindEntry(new_key) != SIZE_MAX) throw Error(kErrKeyExists);
+  // Take the entry out of the index under its old key, then put it back under the new one.
+  bool found;
+  slots_[Probe(key, entries_[at].hash, found)] = kGone;
+  entries_[at].key = new_key;
+  entries_[at].hash = HashOf(new_key);
+  const size_t slot = Probe(new_key, entries_[at].hash, found);
+  if (slots_[slot] == kFree) ++used_slots_;
+  slots_[slot] = static_cast<uint32_t>(at + 1);
+}
+
+void Dictionary::Remove(const Variant& key) {
+  const size_t hash = HashOf(key);
+  bool found = false;
+  const size_t slot = slots_.empty() ? 0 : Probe(key, hash, found);
+  if (!found) throw Error(kErrElementNotFound);
+  Entry& e = entries_[slots_[slot] - 1];
+  e = Entry{{}, {}, 0, false};
+  slots_[slot] = kGone;
+  --live_;
+  if (entries_.size() > 32 && live_ * 2 < entries_.size()) Rebuild(slots_.size());
 }
 
 void Dictionary::RemoveAll() {
   entries_.clear();
-  index_.clear();
-  dead_ = 0;
+  slots_.clear();
+  live_ = 0;
+  used_slots_ = 0;
 }
 
 void Dictionary::set_compare_mode(int32_t mode) {
   if (mode < 0) throw Error(kErrInvalidCall);
-  if (!index_.empty()) throw Error(kErrInvalidCall);
+  if (live_ != 0) throw Error(kErrInvalidCall);
   compare_mode_ = mode;
 }
 
 Variant Dictionary::Keys() const {
   std::vector<Variant> keys;
-  keys.reserve(index_.size());
+  keys.reserve(live_);
   for (const Entry& e : entries_) {
     if (e.alive) keys.push_back(e.key);
   }
@@ -183,7 +256,7 @@ Variant Dictionary::Keys() const {
 
 Variant Dictionary::Items() const {
   std::vector<Variant> items;
-  items.reserve(index_.size());
+  items.reserve(live_);
   for (const Entry& e : entries_) {
     if (e.alive) items.push_back(e.item);
   }
@@ -191,12 +264,12 @@ Variant Dictionary::Items() const {
 }
 
 int32_t Dictionary::HashVal(const Variant& key) const {
-  return static_cast<int32_t>(KeyHash{this}(MakeKey(key)) % 1201);
+  return static_cast<int32_t>(HashOf(key) % 1201);
 }
 
 Ref<Enumerator> Dictionary::NewEnum() {
   std::vector<Variant> keys;
-  keys.reserve(index_.size());
+  keys.reserve(live_);
   for (const Entry& e : entries_) {
     if (e.alive) keys.push_back(e.key);
   }

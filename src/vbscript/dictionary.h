@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <unordered_map>
 #include <vector>
 
 #include "automation/dispatch.h"
@@ -24,7 +23,7 @@ class Dictionary : public DispatchObject<Dictionary> {
   void RenameKey(const Variant& key, const Variant& new_key);
   void Remove(const Variant& key);
   void RemoveAll();
-  int32_t Count() const { return static_cast<int32_t>(index_.size()); }
+  int32_t Count() const { return static_cast<int32_t>(live_); }
   int32_t compare_mode() const { return compare_mode_; }
   void set_compare_mode(int32_t mode);
   Variant Keys() const;
@@ -34,39 +33,32 @@ class Dictionary : public DispatchObject<Dictionary> {
   Ref<Enumerator> NewEnum() override;
 
  private:
-  // A key reduced to what identifies it.
-  struct Key {
-    enum Kind : uint8_t { Empty, Null, Number, Text, Object } kind = Empty;
-    double number = 0;
-    String text;
-    const void* object = nullptr;
-  };
-  struct KeyHash {
-    const Dictionary* owner;
-    size_t operator()(const Key& k) const noexcept;
-  };
-  struct KeyEqual {
-    const Dictionary* owner;
-    bool operator()(const Key& a, const Key& b) const noexcept;
-  };
   struct Entry {
     Variant key;
     Variant item;
+    size_t hash = 0;
     bool alive = true;
   };
-  using Map = std::unordered_map<Key, size_t, KeyHash, KeyEqual>;
+  static constexpr uint32_t kFree = 0;
+  static constexpr uint32_t kGone = UINT32_MAX;
 
-  static Key MakeKey(const Variant& key);
   bool text_keys() const { return compare_mode_ >= 1; }
-  size_t* Find(const Variant& key);
-  const size_t* Find(const Variant& key) const;
-  size_t Append(const Variant& key, Key&& normal, const Variant& item);
-  void Compact();
+  // Raises 13 for keys that cannot be keys (arrays).
+  size_t HashOf(const Variant& key) const;
+  bool SameKey(const Variant& a, const Variant& b) const;
+  // The slot holding the key, or the free slot where it would go (`found` tells which).
+  size_t Probe(const Variant& key, size_t hash, bool& found) const;
+  size_t FindEntry(const Variant& key) const;  // SIZE_MAX when absent
+  // Probe after growing the index when it is half full.
+  size_t Prepare(const Variant& key, size_t& hash, bool& found);
+  void Insert(const Variant& key, size_t hash, size_t slot, const Variant& item);
+  void Rebuild(size_t capacity);
 
   int32_t compare_mode_ = 0;
-  std::vector<Entry> entries_;
-  size_t dead_ = 0;
-  Map index_{16, KeyHash{this}, KeyEqual{this}};
+  std::vector<Entry> entries_;   // insertion order, with holes where keys were removed
+  std::vector<uint32_t> slots_;  // open addressing: entry index + 1, kFree or kGone
+  size_t live_ = 0;
+  size_t used_slots_ = 0;  // live entries and tombstones
 };
 
 }  // namespace qv::vbs

@@ -10,6 +10,7 @@
 
 #include "automation/convert.h"
 #include "automation/date_time.h"
+#include "vbscript/runtime_lib.h"
 #include "vbscript/text_stream.h"
 
 namespace qv::vbs {
@@ -17,10 +18,6 @@ namespace qv::vbs {
 namespace fs = std::filesystem;
 
 namespace {
-
-[[noreturn]] void Raise(int32_t number) {
-  throw Error(number);
-}
 
 // File attributes as scripts know them.
 enum Attribute : int32_t {
@@ -280,9 +277,13 @@ const DispatchTable<Folder>& Folder::Table() {
           .Property(u"DateLastModified", [](Folder& f, Args) { return DateOf(f.path_); })
           .Property(u"DateLastAccessed", [](Folder& f, Args) { return DateOf(f.path_); })
           .Property(u"Files",
-                    [](Folder& f, Args) { return Variant(MakeRef<FileList>(f.path_, false)); })
+                    [](Folder& f, Args a) {
+                      return ApplyArgs(Variant(MakeRef<FileList>(f.path_, false)), a);
+                    })
           .Property(u"SubFolders",
-                    [](Folder& f, Args) { return Variant(MakeRef<FileList>(f.path_, true)); })
+                    [](Folder& f, Args a) {
+                      return ApplyArgs(Variant(MakeRef<FileList>(f.path_, true)), a);
+                    })
           .Method(u"Copy",
                   [](Folder& f, Args a) {
                     CheckArgCount(a, 1, 2);

@@ -9,6 +9,7 @@
 
 #include "automation/convert.h"
 #include "vbscript/file_objects.h"
+#include "vbscript/runtime_lib.h"
 #include "vbscript/text_stream.h"
 
 namespace qv::vbs {
@@ -16,10 +17,6 @@ namespace qv::vbs {
 namespace fs = std::filesystem;
 
 namespace {
-
-[[noreturn]] void Raise(int32_t number) {
-  throw Error(number);
-}
 
 bool IsSeparator(Char c) {
   return c == u'/' || c == u'\\';
@@ -312,7 +309,8 @@ const DispatchTable<FileSystemObject>& FileSystemObject::Table() {
                     if (!DriveNameOk(PathArg(a, 0))) Raise(68);  // "Device unavailable"
                     return Variant(MakeRef<Drive>());
                   })
-          .Property(u"Drives", [](F&, Args) { return Variant(MakeRef<DriveList>()); })
+          .Property(u"Drives",
+                    [](F&, Args a) { return ApplyArgs(Variant(MakeRef<DriveList>()), a); })
           .Method(u"GetSpecialFolder", [](F&, Args a) { return SpecialFolder(a); })
           .Method(u"CreateFolder", [](F&, Args a) { return CreateFolder(a); })
           .Method(u"CreateTextFile", [](F&, Args a) { return CreateTextFile(a); })

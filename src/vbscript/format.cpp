@@ -1,8 +1,9 @@
 // The formatting family of the runtime library: FormatNumber, FormatCurrency, FormatPercent
 // and FormatDateTime under 1033 ("1,234.57", "($1,234.57)", "12.50%", "Tuesday, March 7,
 // 2006"), with their tri-state arguments (-2 the locale's default, -1 true, 0 false).
+#include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <string>
 
 #include "automation/date_time.h"
@@ -41,12 +42,15 @@ Decimal DecimalOfDouble(double value) {
   Decimal d;
   d.negative = std::signbit(value) && value != 0;
   char buf[48];
-  std::snprintf(buf, sizeof buf, "%.14e", std::fabs(value));
-  const std::string text(buf);
-  const size_t e = text.find('e');
-  d.digits = text.substr(0, 1) + text.substr(2, e - 2);
-  d.whole = std::stoi(text.substr(e + 1)) + 1;
-  if (value == 0) d.whole = 1;
+  const auto end =
+      std::to_chars(buf, buf + sizeof buf, std::fabs(value), std::chars_format::scientific, 14).ptr;
+  // "d.ddddddddddddddde[+-]xx"
+  const char* e = std::find(buf, end, 'e');
+  d.digits.assign(1, buf[0]);
+  d.digits.append(buf + 2, static_cast<size_t>(e - (buf + 2)));
+  int exponent = 0;
+  std::from_chars(e + (e[1] == '+' ? 2 : 1), end, exponent);
+  d.whole = value == 0 ? 1 : exponent + 1;
   return d;
 }
 
@@ -96,16 +100,6 @@ void RoundDecimal(const Decimal& d, int places, std::string& whole, std::string&
   fraction = kept.substr(kept.size() - fraction_len);
   const size_t nonzero = whole.find_first_not_of('0');
   whole = nonzero == std::string::npos ? std::string() : whole.substr(nonzero);
-}
-
-String GroupedText(const std::string& whole, bool group) {
-  String out;
-  const size_t n = whole.size();
-  for (size_t i = 0; i < n; ++i) {
-    if (group && i > 0 && (n - i) % 3 == 0) out.Append(u',');
-    out.Append(static_cast<Char>(whole[i]));
-  }
-  return out;
 }
 
 Decimal DecimalOf(const Variant& v) {
@@ -198,20 +192,27 @@ String FormatDecimal(bool negative, const std::string& digits, int whole_digits,
   std::string whole, fraction;
   RoundDecimal(d, style.places, whole, fraction);
   const bool zero = whole.empty() && fraction.find_first_not_of('0') == std::string::npos;
-  String body(prefix);
+  const bool minus = negative && !zero;
+  std::u16string out;
+  out.reserve(whole.size() * 4 / 3 + fraction.size() + prefix.size() + suffix.size() + 4);
+  if (minus) out.push_back(style.parentheses ? u'(' : u'-');
+  out.append(prefix);
   if (whole.empty()) {
-    if (style.leading_digit || style.places == 0) body.Append(u'0');
+    if (style.leading_digit || style.places == 0) out.push_back(u'0');
   } else {
-    body.Append(GroupedText(whole, style.group_digits));
+    const size_t n = whole.size();
+    for (size_t i = 0; i < n; ++i) {
+      if (style.group_digits && i > 0 && (n - i) % 3 == 0) out.push_back(u',');
+      out.push_back(static_cast<Char>(whole[i]));
+    }
   }
   if (style.places > 0) {
-    body.Append(u'.');
-    body.Append(String::FromUtf8(fraction));
+    out.push_back(u'.');
+    out.append(fraction.begin(), fraction.end());
   }
-  body.Append(suffix);
-  if (!negative || zero) return body;
-  if (style.parentheses) return u"(" + body + u")";
-  return u"-" + body;
+  out.append(suffix);
+  if (minus && style.parentheses) out.push_back(u')');
+  return String(StringView(out));
 }
 
 String FormatNumberText(double value, int places) {

@@ -9,7 +9,7 @@
 
 #include "automation/convert.h"
 #include "automation/safe_array.h"
-#include "vbscript/runtime.h"
+#include "vbscript/runtime_lib.h"
 
 namespace qv::vbs {
 
@@ -231,8 +231,9 @@ class Match : public DispatchObject<Match> {
             .Property(
                 u"Length",
                 [](Match& m, Args) { return Variant(static_cast<int32_t>(m.data_.value.size())); })
-            .Property(u"SubMatches",
-                      [](Match& m, Args) { return Variant(MakeRef<SubMatches>(m.data_.groups)); });
+            .Property(u"SubMatches", [](Match& m, Args a) {
+              return ApplyArgs(Variant(MakeRef<SubMatches>(m.data_.groups)), a);
+            });
     return table;
   }
 

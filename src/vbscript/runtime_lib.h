@@ -6,6 +6,7 @@
 
 #include "automation/convert.h"
 #include "automation/error.h"
+#include "automation/object.h"
 #include "vbscript/runtime.h"
 
 namespace qv::vbs {
@@ -50,6 +51,14 @@ inline bool TextCompareArg(Args args, size_t i, int32_t state_default = 0) {
   const int32_t mode = OptionalLong(args, i, state_default);
   if (mode < 0) Raise(kErrInvalidCall);
   return mode == 1;
+}
+
+// A property without parameters that a script reads with arguments, as in
+// `m.SubMatches(0)`: the arguments go to the default member of what the property returns.
+inline Variant ApplyArgs(const Variant& value, Args args) {
+  if (args.empty()) return value;
+  if (!value.is_object() || !value.as_object()) Raise(kErrWrongArgCount);
+  return value.as_object()->Invoke(kDispIdValue, kInvokeGet | kInvokeMethod, args);
 }
 
 }  // namespace qv::vbs

@@ -8,6 +8,10 @@
 
 namespace qv::vbs {
 
+// The first position of `needle` in `hay` at or after `from`, or npos; several times faster
+// than std::u16string_view::find, which scans unit by unit.
+size_t FindText(StringView hay, StringView needle, size_t from);
+
 // Replace's work once its arguments are checked: `start` is 1-based and at least 1, `count`
 // -1 for all. Returns the text from `start` on, as Replace does.
 String ReplaceText(StringView expr, StringView find, StringView with, int32_t start, int32_t count,

@@ -143,6 +143,8 @@ TEST(RuntimeRegExp, ExecuteGivesMatchesAndSubMatches) {
   const Variant subs = m.Get(u"SubMatches");
   EXPECT_EQ(ToLong(subs.as_object()->Get(u"Count")), 2);
   EXPECT_EQ(ToString(subs.as_object()->Get(u"Item", {I(1)})), u"site");
+  // `m.SubMatches(1)` reads the collection's default member.
+  EXPECT_EQ(ToString(m.Get(u"SubMatches", {I(1)})), u"site");
   // A group that took no part is Empty.
   const Variant second = list.Get(u"Item", {I(1)});
   const Variant subs2 = second.as_object()->Get(u"SubMatches");
