@@ -4,6 +4,8 @@
 # "qv_pg" and "qv_maria". Safe to run again: a server that already answers is left running.
 # A server that cannot start here is reported and skipped; the script still exits 0 so that
 # the tests can skip themselves with a clear message instead of failing.
+# Each caller takes a lease (by default one per working folder, so a normal and a sanitizer
+# build each hold one); stop.sh stops the servers when the last lease is returned.
 set -u
 
 DIR=${QV_DB_DIR:-/tmp/quorvex-db}
@@ -27,7 +29,6 @@ pg_run() {
 
 start_pg() {
   local data=$DIR/pg
-  rm -f "$DIR/pg.ok"
   command -v initdb >/dev/null && command -v pg_ctl >/dev/null || { log "PostgreSQL is not installed"; return 1; }
   if [ ! -f "$data/PG_VERSION" ]; then
     rm -rf "$data"
@@ -50,14 +51,12 @@ start_pg() {
       -f "$HERE/test_schema.sql" -f "$HERE/test_schema_pg.sql" >"$DIR/pg-load.log" 2>&1 \
       || { log "loading the test schema into PostgreSQL failed, see $DIR/pg-load.log"; return 1; }
   fi
-  touch "$DIR/pg.ok"
 }
 
 maria_client() { mariadb --no-defaults --socket="$DIR/maria/mysqld.sock" -uroot "$@"; }
 
 start_maria() {
   local data=$DIR/maria
-  rm -f "$DIR/maria.ok"
   command -v mariadbd >/dev/null || { log "MariaDB is not installed"; return 1; }
   if [ ! -d "$data/mysql" ]; then
     rm -rf "$data"
@@ -84,7 +83,6 @@ start_maria() {
     cat "$HERE/test_schema.sql" "$HERE/test_schema_maria.sql" | maria_client qvtest >"$DIR/maria-load.log" 2>&1 \
       || { log "loading the test schema into MariaDB failed, see $DIR/maria-load.log"; return 1; }
   fi
-  touch "$DIR/maria.ok"
 }
 
 write_odbc_ini() {
@@ -139,8 +137,11 @@ Server=oracle.example
 INI
 }
 
+mkdir -p "$DIR/leases"
+touch "$DIR/leases/${QV_DB_LEASE:-$(pwd | md5sum | cut -c1-16)}"
 write_odbc_ini
-start_pg || log "PostgreSQL tests will be skipped"
-start_maria || log "MariaDB tests will be skipped"
+# The markers tell the tests which servers answer; they change only once the outcome is known.
+if start_pg; then touch "$DIR/pg.ok"; else rm -f "$DIR/pg.ok"; log "PostgreSQL tests will be skipped"; fi
+if start_maria; then touch "$DIR/maria.ok"; else rm -f "$DIR/maria.ok"; log "MariaDB tests will be skipped"; fi
 echo "export QV_DB_DIR=$DIR ODBCSYSINI=$DIR ODBCINI=$DIR/odbc.ini"
 exit 0

@@ -582,6 +582,11 @@ std::unique_ptr<Backend> OpenOdbcBackend(StringView connection_string, StringVie
                                          StringView password, const OdbcTimeouts& timeouts) {
   ConnectionString cs = ConnectionString::Parse(connection_string);
   cs.Remove(u"Provider");
+  // "dsn=x;uid=;pwd=" is how a DSN that stores its own login is named: an empty value must
+  // not override the stored one.
+  for (const StringView key : {u"UID", u"PWD"}) {
+    if (auto value = cs.Get(key); value && value->empty()) cs.Remove(key);
+  }
   if (!user.empty()) cs.Set(u"UID", user);
   if (!password.empty()) cs.Set(u"PWD", password);
   if (timeouts.login_seconds > 0 && !cs.Has(u"CONN_TIMEOUT") && IsMysqlFamily(cs)) {

@@ -198,6 +198,10 @@ TEST_P(OdbcServerTest, WrongPasswordIsTheLoginFailure) {
   // The readers' own form, with the login as arguments, works with the right password.
   cn.Open(String(server.dsn), u"qv", u"qv");
   EXPECT_EQ(cn.State(), adStateOpen);
+  // A DSN that stores its login is opened with empty uid and pwd, which must not override it.
+  Connection stored;
+  stored.Open(String(server.dsn) + u";uid=;pwd=");
+  EXPECT_EQ(stored.State(), adStateOpen);
 }
 
 INSTANTIATE_TEST_SUITE_P(Servers, OdbcServerTest, ::testing::Values(kPostgres, kMaria),
