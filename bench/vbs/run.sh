@@ -27,7 +27,7 @@ best() {
 ratio() { awk -v a="$1" -v b="$2" 'BEGIN{ if (b <= 0) print "n/a"; else printf "%.2f", a / b }'; }
 
 printf "%-8s %10s %10s %10s %10s %10s\n" bench vbs lua python vbs/lua vbs/py
-for name in fib loop member concat; do
+for name in fib loop member concat dict replace format; do
   v=$(best "$vbs" "$here/$name.vbs")
   l="n/a"; p="n/a"
   command -v lua5.4 >/dev/null && l=$(best lua5.4 "$here/$name.lua")
