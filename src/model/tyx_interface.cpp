@@ -107,8 +107,9 @@ const DispatchTable<Tyx>& Tyx::Table() {
                   [](T& t, Args) { return t.Services().CustomViewConnStr(t); })
           .Method(u"LoadCustomView",
                   [](T& t, Args a) {
-                    CheckArgCount(a, 3, 3);
-                    t.Services().LoadCustomView(t, a[0], a[1], a[2]);
+                    CheckArgCount(a, 2, 3);
+                    t.Services().LoadCustomView(t, a[0], a[1],
+                                                HasArg(a, 2) ? a[2] : Variant::Missing());
                     return Variant();
                   })
           .Method(u"LoadReport",
