@@ -86,7 +86,7 @@ start_maria() {
 }
 
 write_odbc_ini() {
-  cat >"$DIR/odbcinst.ini" <<INI
+  cat >"$DIR/odbcinst.ini.tmp" <<INI
 [PostgreSQL Unicode]
 Description=PostgreSQL ODBC driver (Unicode)
 Driver=$ODBC_LIB/psqlodbcw.so
@@ -99,7 +99,7 @@ Driver=$ODBC_LIB/libmaodbc.so
 Description=MDBTools Driver
 Driver=$ODBC_LIB/libmdbodbc.so
 INI
-  cat >"$DIR/odbc.ini" <<INI
+  cat >"$DIR/odbc.ini.tmp" <<INI
 [qv_pg]
 Driver=PostgreSQL Unicode
 Servername=127.0.0.1
@@ -135,13 +135,21 @@ Driver=PostgreSQL Unicode
 ServerName=ORCL
 Server=oracle.example
 INI
+  # Renamed into place, so that a run already reading them never sees half a file.
+  mv "$DIR/odbcinst.ini.tmp" "$DIR/odbcinst.ini"
+  mv "$DIR/odbc.ini.tmp" "$DIR/odbc.ini"
 }
 
 mkdir -p "$DIR/leases"
 touch "$DIR/leases/${QV_DB_LEASE:-$(pwd | md5sum | cut -c1-16)}"
 write_odbc_ini
 # The markers tell the tests which servers answer; they change only once the outcome is known.
-if start_pg; then touch "$DIR/pg.ok"; else rm -f "$DIR/pg.ok"; log "PostgreSQL tests will be skipped"; fi
-if start_maria; then touch "$DIR/maria.ok"; else rm -f "$DIR/maria.ok"; log "MariaDB tests will be skipped"; fi
+# Both servers start side by side: each takes a few seconds, mostly waiting.
+start_pg &
+pg_job=$!
+start_maria &
+maria_job=$!
+if wait "$pg_job"; then touch "$DIR/pg.ok"; else rm -f "$DIR/pg.ok"; log "PostgreSQL tests will be skipped"; fi
+if wait "$maria_job"; then touch "$DIR/maria.ok"; else rm -f "$DIR/maria.ok"; log "MariaDB tests will be skipped"; fi
 echo "export QV_DB_DIR=$DIR ODBCSYSINI=$DIR ODBCINI=$DIR/odbc.ini"
 exit 0
