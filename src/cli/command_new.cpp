@@ -39,6 +39,19 @@ struct NewOptions {
 // come from the options; everything else is a connection string once the short forms are
 // expanded.
 std::vector<Variant> LoadDbArguments(const NewOptions& o) {
+  // "access:FILE" goes through the DAO reader, the one that knows keys and captions.
+  if (o.source.rfind("access:", 0) == 0) {
+    const String file = String::FromUtf8(o.source.substr(7));
+    return {Variant(String()),
+            Variant(String(u"ACCESS")),
+            Variant(file),
+            Variant(file),
+            Variant(false),
+            Variant(String::FromUtf8(o.user)),
+            Variant(String::FromUtf8(o.password)),
+            Variant(String()),
+            Variant(String())};
+  }
   const bool odbc = o.source.rfind("odbc:", 0) == 0;
   const String source = String::FromUtf8(o.source);
   return {

@@ -14,5 +14,7 @@ void AddVersionCommand(CLI::App& app);
 void AddNewCommand(CLI::App& app);
 void AddShowCommand(CLI::App& app);
 void AddTablesCommand(CLI::App& app);
+void AddCustomViewCommand(CLI::App& app);
+void AddReportCommand(CLI::App& app);
 
 }  // namespace qv::cli

@@ -17,6 +17,8 @@ int main(int argc, char** argv) {
   qv::cli::AddNewCommand(app);
   qv::cli::AddShowCommand(app);
   qv::cli::AddTablesCommand(app);
+  qv::cli::AddCustomViewCommand(app);
+  qv::cli::AddReportCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {

@@ -4,7 +4,9 @@
 #include "automation/convert.h"
 #include "persistence/project_file.h"
 #include "persistence/saved_defaults.h"
+#include "schema/custom_view.h"
 #include "schema/project_loader.h"
+#include "schema/report.h"
 
 namespace qv {
 
@@ -38,6 +40,21 @@ void RootServices::UnLoadTable(Tyx& tyx, const Variant& table_name) {
 
 void RootServices::UnLoadDB(Tyx& tyx) {
   qv::UnLoadDB(tyx);
+}
+
+Variant RootServices::CustomViewConnStr(Tyx& tyx) {
+  return qv::CustomViewConnStr(tyx);
+}
+
+void RootServices::LoadCustomView(Tyx& tyx, const Variant& table_name, const Variant& sql,
+                                  const Variant& copy_fields) {
+  // bCopyFields is optional: left out, the view keeps the defaults of its fields.
+  const bool copy = !copy_fields.is_missing() && !copy_fields.is_empty() && ToBool(copy_fields);
+  qv::LoadCustomView(tyx, ToString(table_name), ToString(sql), copy);
+}
+
+bool RootServices::LoadReport(Tyx& tyx, const Variant& table_name, const Variant& from_table) {
+  return qv::LoadReport(tyx, ToString(table_name), ToString(from_table));
 }
 
 }  // namespace qv

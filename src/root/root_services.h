@@ -16,6 +16,10 @@ class RootServices : public TyxServices {
   void LoadTable(Tyx& tyx, const Variant& table_name) override;
   void UnLoadTable(Tyx& tyx, const Variant& table_name) override;
   void UnLoadDB(Tyx& tyx) override;
+  Variant CustomViewConnStr(Tyx& tyx) override;
+  void LoadCustomView(Tyx& tyx, const Variant& table_name, const Variant& sql,
+                      const Variant& copy_fields) override;
+  bool LoadReport(Tyx& tyx, const Variant& table_name, const Variant& from_table) override;
 };
 
 }  // namespace qv

@@ -1,0 +1,1 @@
+SELECT [Order Details].[Unit Price], p.* FROM [Order Details], Products p WHERE x IN (SELECT y FROM z)

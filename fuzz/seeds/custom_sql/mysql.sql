@@ -1,0 +1,1 @@
+SELECT `t`.`a`, "lit" AS s, CASE WHEN a THEN b ELSE c END FROM `t`

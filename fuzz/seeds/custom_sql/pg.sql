@@ -1,0 +1,1 @@
+SELECT c.name AS who, o.total * 2 twice, "q"."a b" FROM public.customers c JOIN orders AS o ON o.c = c.id /* c */

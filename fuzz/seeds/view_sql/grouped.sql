@@ -1,0 +1,1 @@
+SELECT TOP 5 Country, Count(*) FROM Customers GROUP BY Country UNION SELECT City, 1 FROM x
