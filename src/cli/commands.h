@@ -16,5 +16,9 @@ void AddShowCommand(CLI::App& app);
 void AddTablesCommand(CLI::App& app);
 void AddCustomViewCommand(CLI::App& app);
 void AddReportCommand(CLI::App& app);
+void AddScriptCommand(CLI::App& app);
+void AddSetCommand(CLI::App& app);
+void AddDefaultsCommand(CLI::App& app);
+void AddExtensionCommand(CLI::App& app);
 
 }  // namespace qv::cli

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "cli/commands.h"
+#include "cli/host_options.h"
 #include "cli/version_text.h"
 
 int main(int argc, char** argv) {
@@ -13,12 +14,17 @@ int main(int argc, char** argv) {
       "package.\nRun 'quorvex <command> --help' for the options of a command."};
   app.set_version_flag("--version", qv::cli::EngineVersionText(), "Print the engine version");
   app.require_subcommand(0, 1);
+  qv::cli::AddHostOptions(app);  // before the commands, which pass these options on
   qv::cli::AddVersionCommand(app);
   qv::cli::AddNewCommand(app);
   qv::cli::AddShowCommand(app);
   qv::cli::AddTablesCommand(app);
   qv::cli::AddCustomViewCommand(app);
   qv::cli::AddReportCommand(app);
+  qv::cli::AddSetCommand(app);
+  qv::cli::AddDefaultsCommand(app);
+  qv::cli::AddExtensionCommand(app);
+  qv::cli::AddScriptCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {

@@ -111,7 +111,11 @@ const DispatchTable<WScriptObject>& WScriptObject::Table() {
                     w.out_->Write(line);
                     return Variant();
                   })
-          .Property(u"Arguments", [](WScriptObject& w, Args) { return Variant(w.arguments_); })
+          // WScript.Arguments(0) hands the index on to the list's Item, as WSH does.
+          .Property(u"Arguments",
+                    [](WScriptObject& w, Args args) {
+                      return args.empty() ? Variant(w.arguments_) : ArgumentAt(*w.arguments_, args);
+                    })
           .Method(u"Quit",
                   [](WScriptObject&, Args args) -> Variant {
                     CheckArgCount(args, 0, 1);

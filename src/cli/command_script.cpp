@@ -1,0 +1,99 @@
+// `quorvex script <file.vbs> [arguments...]`: runs a host script as cscript would, with the
+// WScript object, the standard classes and the library's own ("TyxClass.Tyx" gives a new
+// project root). The exit status is WScript.Quit's code, or 1 after an uncaught error, which
+// is reported in cscript's form with the offending source line below it.
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "automation/error.h"
+#include "cli/commands.h"
+#include "cli/host_classes.h"
+#include "cli/wscript.h"
+#include "vbscript/engine.h"
+
+namespace qv::cli {
+
+namespace {
+
+struct ScriptOptions {
+  std::string file;
+  std::vector<std::string> arguments;
+};
+
+std::string FullPath(const std::string& path) {
+  std::error_code ec;
+  const auto full = std::filesystem::absolute(path, ec);
+  return ec ? path : full.lexically_normal().string();
+}
+
+// cscript's report, and the line it points at. An error raised without words shows its
+// number in hexadecimal, as cscript does.
+void ReportError(const std::string& path, const vbs::ScriptError& error) {
+  std::fflush(stdout);
+  std::string report = ErrorReport(path, error);
+  if (error.Description().empty()) {
+    char number[16];
+    std::snprintf(number, sizeof number, "0x%08X", static_cast<uint32_t>(error.Number()));
+    report += number;
+  }
+  std::fprintf(stderr, "%s\n", report.c_str());
+  const std::string text = error.Text().ToUtf8();
+  if (!text.empty()) std::fprintf(stderr, "    %s\n", text.c_str());
+}
+
+int RunScript(const ScriptOptions& o) {
+  const std::string full = FullPath(o.file);
+  String code;
+  if (!ReadScriptFile(o.file, code)) {
+    std::fprintf(stderr, "Input Error: Can not find script file \"%s\".\n", full.c_str());
+    return kExitFailure;
+  }
+  std::vector<String> arguments;
+  for (const std::string& a : o.arguments)
+    arguments.push_back(String::FromUtf8(a));
+
+  vbs::Engine engine;
+  engine.SetTimeout(-1);  // a host script runs as long as its work takes
+  RegisterHostClasses(engine.Registry());
+  engine.AddObject(u"WScript",
+                   MakeRef<WScriptObject>(engine, String::FromUtf8(full), std::move(arguments)));
+  try {
+    engine.AddCode(code);
+  } catch (const ScriptQuit& quit) {
+    std::fflush(stdout);
+    return quit.code;
+  } catch (const Error&) {
+    ReportError(full, engine.Error());
+    return kExitFailure;
+  }
+  std::fflush(stdout);
+  return 0;
+}
+
+}  // namespace
+
+void AddScriptCommand(CLI::App& app) {
+  CLI::App* cmd = app.add_subcommand(
+      "script", "Run a VBScript host script; CreateObject(\"TyxClass.Tyx\") gives a project root");
+  cmd->footer(
+      "Usage: quorvex [global options] script <file.vbs> [arguments...]\n"
+      "Everything after the file, options included, goes to the script's WScript.Arguments.");
+  // The file and what follows are left unparsed: the script's arguments are its own business,
+  // even when they look like options of quorvex.
+  cmd->prefix_command();
+  cmd->fallthrough(false);
+  cmd->callback([cmd] {
+    std::vector<std::string> rest = cmd->remaining();
+    if (rest.empty()) {
+      std::fputs("quorvex script: the script file is missing\n", stderr);
+      throw CLI::RuntimeError(kExitFailure);
+    }
+    ScriptOptions options{rest.front(), std::vector<std::string>(rest.begin() + 1, rest.end())};
+    const int status = RunScript(options);
+    if (status != 0) throw CLI::RuntimeError(status);
+  });
+}
+
+}  // namespace qv::cli

@@ -1,0 +1,114 @@
+// `quorvex set <project-file> [--table T [--field F]] NAME=VALUE...`: changes settings of the
+// project, of one table or of one field, by name through the object interface, so each value
+// is converted as the setting's accessor converts it. Every assignment is made before the file
+// is written: one that fails leaves the file as it was.
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "automation/convert.h"
+#include "automation/error.h"
+#include "cli/commands.h"
+#include "cli/host_project.h"
+#include "model/database.h"
+#include "model/field.h"
+#include "model/table.h"
+
+namespace qv::cli {
+
+namespace {
+
+struct SetOptions {
+  std::string project_file;
+  std::string table;
+  std::string field;
+  std::vector<std::string> assignments;
+};
+
+// The object whose settings change and the words that name it in messages.
+struct Target {
+  Object* object = nullptr;
+  TyProperties* bag = nullptr;
+  String label;
+};
+
+Target FindTarget(Tyx& tyx, const SetOptions& o) {
+  if (o.table.empty()) {
+    if (!o.field.empty()) FailWith(ProductMessage(u"--field needs --table!"));
+    return {&tyx, &tyx.Properties(), u"the project"};
+  }
+  TyxDatabase* db = tyx.Databases().Find(tyx.CurrentDbName);
+  if (!db) FailWith(ProductMessage(u"Database not loaded!"));
+  const String table_name = String::FromUtf8(o.table);
+  TyxTable* table = db->Tables().list().ByName(table_name);
+  if (!table) FailWith(ProductMessage(u"Table " + table_name + u" not found!"));
+  if (o.field.empty()) return {table, &table->Properties(), u"table " + table_name};
+  const String field_name = String::FromUtf8(o.field);
+  TyxField* field = table->Fields().list().ByName(field_name);
+  if (!field) {
+    FailWith(ProductMessage(u"Field " + field_name + u" not found in " + table_name + u"!"));
+  }
+  return {field, &field->Properties(), u"field " + table_name + u"." + field_name};
+}
+
+// Sets one NAME=VALUE and returns the value as the setting now reads.
+Variant Assign(const Target& target, const std::string& assignment) {
+  const size_t eq = assignment.find('=');
+  if (eq == std::string::npos || eq == 0) {
+    FailWith(ProductMessage(u"Expected NAME=VALUE, not '" + String::FromUtf8(assignment) + u"'!"));
+  }
+  const String name = String::FromUtf8(assignment.substr(0, eq));
+  const String value = String::FromUtf8(assignment.substr(eq + 1));
+  // Only settings, not the object's operations or its other members, are edited here.
+  const DispId id =
+      target.bag->SlotOf(name) < 0 ? kDispIdUnknown : target.object->GetIdOfName(name);
+  if (id == kDispIdUnknown) {
+    FailWith(ProductMessage(u"Unknown setting " + name + u" of " + target.label + u"!"));
+  }
+  try {
+    Variant arg(value);
+    target.object->Invoke(id, kInvokeLet, Args(&arg, 1));
+    return target.object->Invoke(id, kInvokeGet, {});
+  } catch (const Error& e) {
+    FailWith(ProductMessage(u"Cannot set " + name + u" of " + target.label + u" to '" + value +
+                            u"': " + e.description()));
+  }
+}
+
+std::string Shown(const Variant& value) {
+  if (value.is_empty() || value.is_null()) return {};
+  try {
+    return ToString(value).ToUtf8();
+  } catch (const Error&) {
+    return "(" + TypeNameOf(value).ToUtf8() + ")";
+  }
+}
+
+void RunSet(const SetOptions& o) {
+  Ref<Tyx> tyx = OpenProject(o.project_file);
+  const Target target = FindTarget(*tyx, o);
+  std::vector<std::string> lines;
+  for (const std::string& assignment : o.assignments) {
+    const Variant now = Assign(target, assignment);
+    lines.push_back(assignment.substr(0, assignment.find('=')) + " = " + Shown(now));
+  }
+  SaveProject(*tyx, o.project_file);
+  for (const std::string& line : lines)
+    std::printf("%s\n", line.c_str());
+}
+
+}  // namespace
+
+void AddSetCommand(CLI::App& app) {
+  auto options = std::make_shared<SetOptions>();
+  CLI::App* cmd =
+      app.add_subcommand("set", "Change settings of a project, one of its tables or a field");
+  cmd->add_option("project-file", options->project_file, "The project file")->required();
+  cmd->add_option("--table", options->table, "Change a setting of this table or view");
+  cmd->add_option("--field", options->field, "Change a setting of this field of the table");
+  cmd->add_option("settings", options->assignments, "NAME=VALUE pairs, e.g. RecPerPage=25")
+      ->required();
+  cmd->callback([options] { RunSet(*options); });
+}
+
+}  // namespace qv::cli

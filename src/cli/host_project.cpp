@@ -1,0 +1,49 @@
+// Opening and saving a project for the editing commands.
+#include "cli/host_project.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+
+#include "automation/error.h"
+#include "cli/commands.h"
+#include "persistence/project_file.h"
+#include "root/create_tyx.h"
+#include "support/tyx_vars.h"
+
+namespace qv::cli {
+
+void FailWith(const String& words) {
+  std::fflush(stdout);
+  std::fprintf(stderr, "%s\n", words.ToUtf8().c_str());
+  throw CLI::RuntimeError(kExitFailure);
+}
+
+String ProductMessage(StringView words) {
+  String text = Vars().ProductTitle;
+  text.Append(u": ");
+  text.Append(words);
+  return text;
+}
+
+Ref<Tyx> OpenProject(const std::string& project_file) {
+  Ref<Tyx> tyx;
+  try {
+    tyx = CreateTyx();
+    LoadProjectFile(*tyx, String::FromUtf8(project_file), [](Tyx&) {});
+  } catch (const Error& e) {
+    FailWith(e.description());
+  }
+  if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
+  return tyx;
+}
+
+void SaveProject(Tyx& tyx, const std::string& project_file) {
+  try {
+    SaveProjectFile(tyx, String::FromUtf8(project_file));
+  } catch (const Error& e) {
+    FailWith(e.description());
+  }
+}
+
+}  // namespace qv::cli

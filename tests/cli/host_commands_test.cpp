@@ -1,0 +1,198 @@
+// `quorvex script` and the editing commands end to end: host scripts that drive the project
+// root and the library's classes, exit statuses and error reports, the global options, and
+// set / defaults / extension on a real project file made from the Chinook sample.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "cli/run_quorvex.h"
+
+namespace qv {
+namespace {
+
+using cli_testing::FreshDir;
+using cli_testing::Has;
+using cli_testing::Quorvex;
+using cli_testing::Slurp;
+
+const std::string kHostScripts = std::string(QV_SOURCE_DIR) + "/tests/host";
+const std::string kChinook = std::string(QV_SHARED_DATA) + "/sqlite/chinook.sqlite";
+
+void Write(const std::filesystem::path& file, const std::string& text) {
+  std::ofstream(file, std::ios::binary) << text;
+}
+
+// A project file made from Chinook, as a user would start one.
+std::filesystem::path ChinookProject(const std::filesystem::path& dir) {
+  const auto made = Quorvex(dir, {"new", "app.qvp", "--db", "sqlite:" + kChinook});
+  EXPECT_EQ(made.status, 0) << made.err;
+  return dir / "app.qvp";
+}
+
+TEST(HostScript, DrivesTheProjectRootAndTheLibraryClasses) {
+  const auto dir = FreshDir("host-root");
+  const auto root = Quorvex(dir, {"--quiet", "script", kHostScripts + "/project_root.vbs",
+                                  kHostScripts, kChinook, (dir / "shop.qvp").string()});
+  EXPECT_EQ(root.status, 0) << root.out << root.err;
+  EXPECT_EQ(root.out, "project root ok\n") << root.err;
+
+  const auto classes =
+      Quorvex(dir, {"script", kHostScripts + "/library_classes.vbs", kHostScripts});
+  EXPECT_EQ(classes.status, 0) << classes.out << classes.err;
+  EXPECT_EQ(classes.out, "library classes ok\n") << classes.err;
+
+  // The project the script saved is one the other commands read.
+  const auto shown = Quorvex(dir, {"show", "shop.qvp", "Invoice"});
+  EXPECT_EQ(shown.status, 0) << shown.err;
+  EXPECT_TRUE(Has(shown.out, "= Bills\n")) << shown.out;
+}
+
+TEST(HostScript, ExitStatusArgumentsAndErrorReports) {
+  const auto dir = FreshDir("host-exit");
+  Write(dir / "quit.vbs",
+        "WScript.Echo WScript.Arguments.Count, WScript.Arguments(1)\n"
+        "WScript.Quit 7\nWScript.Echo \"not reached\"\n");
+  // Options after the file, even ones `quorvex` knows, belong to the script.
+  const auto quit = Quorvex(dir, {"script", "quit.vbs", "--quiet", "two words"});
+  EXPECT_EQ(quit.status, 7);
+  EXPECT_EQ(quit.out, "2 two words\n");
+
+  Write(dir / "fine.vbs", "Dim x\r\nx = 1\r\n");
+  const auto fine = Quorvex(dir, {"script", "fine.vbs"});
+  EXPECT_EQ(fine.status, 0) << fine.err;
+  EXPECT_EQ(fine.out + fine.err, "");
+
+  Write(dir / "runtime.vbs", "WScript.Echo \"before\"\nDim t\nt = \"a\" * 2\n");
+  const auto runtime = Quorvex(dir, {"script", "runtime.vbs"});
+  EXPECT_EQ(runtime.status, 1);
+  EXPECT_EQ(runtime.out, "before\n");
+  EXPECT_TRUE(Has(runtime.err, (dir / "runtime.vbs").string() +
+                                   "(3, 1) Microsoft VBScript runtime error: Type mismatch"))
+      << runtime.err;
+  EXPECT_TRUE(Has(runtime.err, "    t = \"a\" * 2\n")) << runtime.err;
+
+  Write(dir / "syntax.vbs", "If x Then\nWScript.Echo 1\n");
+  const auto syntax = Quorvex(dir, {"script", "syntax.vbs"});
+  EXPECT_EQ(syntax.status, 1);
+  EXPECT_TRUE(Has(syntax.err, "Microsoft VBScript compilation error")) << syntax.err;
+  EXPECT_EQ(syntax.out, "");
+
+  // A failure of the library reaches the script as a raised error with the engine's words.
+  Write(dir / "library.vbs",
+        "Set t = CreateObject(\"TyxClass.Tyx\")\nt.Load \"" + (dir / "none.qvp").string() +
+            "\"\nIf t.ProjErr <> \"\" Then Err.Raise 1000, \"host\", t.ProjErr\n");
+  const auto library = Quorvex(dir, {"script", "library.vbs"});
+  EXPECT_EQ(library.status, 1);
+  EXPECT_TRUE(Has(library.err, "(3, 25) host: Quorvex: Load Project File failed!")) << library.err;
+
+  const auto absent = Quorvex(dir, {"script", "absent.vbs"});
+  EXPECT_EQ(absent.status, 1);
+  EXPECT_TRUE(Has(absent.err, "Can not find script file")) << absent.err;
+}
+
+TEST(HostOptions, StandBeforeOrAfterTheCommand) {
+  const auto dir = FreshDir("host-options");
+  const std::string db = "sqlite:" + kChinook;
+  // Progress goes to stderr unless --quiet, wherever the option stands.
+  const auto loud = Quorvex(dir, {"new", "a.qvp", "--db", db});
+  ASSERT_EQ(loud.status, 0) << loud.err;
+  EXPECT_TRUE(Has(loud.err, "Quorvex - Loading Database...")) << loud.err;
+  const auto after = Quorvex(dir, {"new", "b.qvp", "--quiet", "--db", db});
+  ASSERT_EQ(after.status, 0) << after.err;
+  EXPECT_EQ(after.err, "");
+  const auto before = Quorvex(dir, {"--quiet", "--no-input", "--answer", "Yes", "--answer", "No",
+                                    "new", "c.qvp", "--db", db});
+  ASSERT_EQ(before.status, 0) << before.err;
+  EXPECT_EQ(before.err, "");
+  const auto mixed = Quorvex(dir, {"extension", "list", "--answer", "Yes", "a.qvp", "--no-input"});
+  EXPECT_EQ(mixed.status, 0) << mixed.err;
+
+  EXPECT_NE(Quorvex(dir, {"--answer"}).status, 0);
+  EXPECT_NE(Quorvex(dir, {"--answer", "new", "d.qvp", "--db", db}).status, 0);
+  EXPECT_FALSE(std::filesystem::exists(dir / "d.qvp"));
+}
+
+TEST(EditingCommands, SetChangesProjectTableAndFieldSettings) {
+  const auto dir = FreshDir("host-set");
+  const auto project = ChinookProject(dir);
+
+  const auto set =
+      Quorvex(dir, {"set", "app.qvp", "RecPerPage=40", "ExportCsv=true", "CSS=shop.css"});
+  ASSERT_EQ(set.status, 0) << set.err;
+  EXPECT_EQ(set.out, "RecPerPage = 40\nExportCsv = True\nCSS = shop.css\n");
+  const auto table = Quorvex(dir, {"set", "app.qvp", "--table", "Invoice", "TblCaption=Bills"});
+  ASSERT_EQ(table.status, 0) << table.err;
+  const auto field = Quorvex(
+      dir, {"set", "app.qvp", "--table", "Invoice", "--field", "Total", "FldCaption=Sum due"});
+  ASSERT_EQ(field.status, 0) << field.err;
+
+  EXPECT_TRUE(Has(Quorvex(dir, {"show", "app.qvp"}).out, "= shop.css\n"));
+  EXPECT_TRUE(Has(Quorvex(dir, {"show", "app.qvp", "Invoice"}).out, "= Bills\n"));
+  EXPECT_TRUE(Has(Quorvex(dir, {"show", "app.qvp", "Invoice", "Total"}).out, "= Sum due\n"));
+
+  // Each failure names its cause, exits non-zero and leaves the file exactly as it was.
+  const std::string before = Slurp(project);
+  const struct {
+    std::initializer_list<std::string> args;
+    const char* words;
+  } failures[] = {
+      {{"set", "app.qvp", "RecPerPage=12", "Colour=red"},
+       "Quorvex: Unknown setting Colour of the project!"},
+      {{"set", "app.qvp", "RecPerPage=lots"}, "Quorvex: Cannot set RecPerPage of the project"},
+      {{"set", "app.qvp", "AddProj=x"}, "Unknown setting AddProj"},
+      {{"set", "app.qvp", "=x"}, "Expected NAME=VALUE"},
+      {{"set", "app.qvp", "--table", "Nope", "TblCaption=x"}, "Table Nope not found!"},
+      {{"set", "app.qvp", "--table", "Invoice", "--field", "Nope", "FldCaption=x"},
+       "Field Nope not found in Invoice!"},
+      {{"set", "app.qvp", "--field", "Total", "FldCaption=x"}, "--field needs --table"},
+      {{"set", "missing.qvp", "CSS=x"}, "Quorvex: "},
+  };
+  for (const auto& f : failures) {
+    const auto run = Quorvex(dir, f.args);
+    EXPECT_NE(run.status, 0) << f.words;
+    EXPECT_TRUE(Has(run.err, f.words)) << run.err;
+  }
+  EXPECT_EQ(Slurp(project), before);
+}
+
+TEST(EditingCommands, ExtensionsAndSavedDefaults) {
+  const auto dir = FreshDir("host-ext");
+  ChinookProject(dir);
+  ASSERT_EQ(Quorvex(dir, {"extension", "add", "app.qvp", "Charts", "/packs/charts.zip"}).status, 0);
+  ASSERT_EQ(Quorvex(dir, {"extension", "add", "app.qvp", "Maps", "/packs/maps.zip"}).status, 0);
+  ASSERT_EQ(Quorvex(dir, {"extension", "add", "app.qvp", "Charts", "/packs/c2.zip"}).status, 0);
+  EXPECT_EQ(Quorvex(dir, {"extension", "list", "app.qvp"}).out,
+            "Charts = /packs/c2.zip\nMaps = /packs/maps.zip\n");
+  ASSERT_EQ(Quorvex(dir, {"extension", "remove", "app.qvp", "Charts"}).status, 0);
+  EXPECT_EQ(Quorvex(dir, {"extension", "list", "app.qvp"}).out, "Maps = /packs/maps.zip\n");
+  const auto gone = Quorvex(dir, {"extension", "remove", "app.qvp", "Charts"});
+  EXPECT_NE(gone.status, 0);
+  EXPECT_TRUE(Has(gone.err, "Quorvex: Extension Charts not found!")) << gone.err;
+  EXPECT_NE(Quorvex(dir, {"extension", "add", "app.qvp", ""}).status, 0);
+  EXPECT_NE(Quorvex(dir, {"extension"}).status, 0);
+
+  // Saved defaults: a project's registry-backed settings and its extensions become what new
+  // projects start from; settings that never go to the store stay out.
+  ASSERT_EQ(
+      Quorvex(dir, {"set", "app.qvp", "RecPerPage=33", "CSS=house.css", "SecType=Fixed"}).status,
+      0);
+  const auto saved = Quorvex(dir, {"defaults", "save", "app.qvp"});
+  ASSERT_EQ(saved.status, 0) << saved.err;
+  const auto shown = Quorvex(dir, {"defaults", "show"});
+  ASSERT_EQ(shown.status, 0) << shown.err;
+  EXPECT_TRUE(Has(shown.out, "[Settings]\n")) << shown.out;
+  EXPECT_TRUE(Has(shown.out, "\nRecPerPage = 33\n")) << shown.out;
+  EXPECT_TRUE(Has(shown.out, "\nCSS = house.css\n")) << shown.out;
+  EXPECT_FALSE(Has(shown.out, "SecType")) << shown.out;
+  EXPECT_TRUE(Has(shown.out, "[Extensions]\nMaps = /packs/maps.zip\n")) << shown.out;
+
+  const auto fresh = Quorvex(dir, {"new", "next.qvp", "--db", "sqlite:" + kChinook});
+  ASSERT_EQ(fresh.status, 0) << fresh.err;
+  const auto next = Quorvex(dir, {"show", "next.qvp"});
+  EXPECT_TRUE(Has(next.out, "= house.css\n")) << next.out;
+
+  EXPECT_NE(Quorvex(dir, {"defaults", "save", "missing.qvp"}).status, 0);
+}
+
+}  // namespace
+}  // namespace qv
