@@ -366,7 +366,7 @@ TEST_F(LoadTest, LargeGeneratedProjectRoundTrips) {
   db->SetDBQuoteE(u"]");
   const AdoType types[] = {adInteger,  adVarWChar, adBoolean, adDate,         adLongVarWChar,
                            adCurrency, adGUID,     adBigInt,  adLongVarBinary};
-  constexpr int kTables = 300;
+  constexpr int kTables = 200;
   constexpr int kFields = 20;
   for (int t = kTables; t >= 1; --t) {  // the list order is the reverse of the user's order
     const String name = u"Table " + NumberText(t) + u" \u00e9&<>";

@@ -71,6 +71,13 @@ TEST_F(SaveTest, ProjectWithoutDatabaseHoldsProjectAndExtensionsOnly) {
                          "</Project>\r\n"),
             std::string::npos);
   EXPECT_EQ(written.find("<Database"), std::string::npos);
+
+  // Such a file loads its settings and extensions, then ends with the missing database.
+  const Ref<Tyx> reopened = FreshRoot();
+  LoadProjectFile(*reopened, path);
+  EXPECT_EQ(reopened->ProjErr().ToUtf8(), "Quorvex: No Database Information in Project File!");
+  EXPECT_EQ(reopened->ProjName(), u"Empty");
+  EXPECT_EQ(reopened->Extensions().Count(), 1);
 }
 
 TEST_F(SaveTest, EncodingNameComesFromTheUserSettingsAndIsWrittenBack) {
