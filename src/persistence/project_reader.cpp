@@ -4,7 +4,9 @@
 // bag by its exact name, converts the text by the entry's DataType, and derives what the file
 // does not hold (variable names, field quotes, table keys). Any failure on the way ends in the
 // load-failed text, and what was read so far stays.
+#include <algorithm>
 #include <exception>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -59,41 +61,16 @@ String LineBreaksFromBars(std::string_view utf8) {
 // The quote pair of a field from its type, by the rule of SetFieldSupport; nothing for a type
 // that the rule does not list, whose quotes stay as the file had them.
 std::optional<StringView> FieldQuote(int16_t ado_type, int32_t dbms_kind) {
-  switch (ado_type) {
-    case 20:
-    case 11:
-    case 6:
-    case 14:
-    case 5:
-    case 3:
-    case 131:
-    case 4:
-    case 2:
-    case 16:
-    case 21:
-    case 19:
-    case 18:
-    case 17:
-    case 139:
-      return StringView();
-    case 8:
-    case 129:
-    case 72:
-    case 203:
-    case 202:
-    case 201:
-    case 200:
-    case 130:
-    case 205:
-      return StringView(u"'");
-    case 7:
-    case 133:
-    case 134:
-    case 135:
-      return StringView(dbms_kind == 1 ? u"#" : u"'");
-    default:
-      return std::nullopt;
-  }
+  static constexpr int16_t kUnquoted[] = {20, 11, 6, 14, 5, 3, 131, 4, 2, 16, 21, 19, 18, 17, 139};
+  static constexpr int16_t kQuoted[] = {8, 129, 72, 203, 202, 201, 200, 130, 205};
+  static constexpr int16_t kDates[] = {7, 133, 134, 135};
+  const auto in = [ado_type](const auto& list) {
+    return std::find(std::begin(list), std::end(list), ado_type) != std::end(list);
+  };
+  if (in(kUnquoted)) return StringView();
+  if (in(kQuoted)) return StringView(u"'");
+  if (in(kDates)) return StringView(dbms_kind == 1 ? u"#" : u"'");
+  return std::nullopt;
 }
 
 // What the reader knows about one attribute name of the document.
