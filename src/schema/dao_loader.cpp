@@ -58,11 +58,15 @@ std::unique_ptr<Db> OpenReadOnly(StringView path, StringView connect) {
   }
 }
 
+}  // namespace
+
 std::unique_ptr<data::AccessDatabase> OpenDaoDatabase(StringView phy_path, StringView pwd) {
   if (pwd.empty()) return data::AccessDatabase::Open(phy_path);
   const String connect = u"MS Access;PWD=" + String(pwd) + u";";
   return OpenReadOnly<data::AccessDatabase>(phy_path, connect);
 }
+
+namespace {
 
 // A new table of the list, marked as not loaded; nullptr when the name was refused.
 TyxTable* AddListed(TyxTables& tables, StringView name, StringView type) {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "automation/string.h"
@@ -39,6 +40,8 @@ int32_t MapDaoAttributes(const data::DaoField& column);
 // equals `value`.
 bool IsInList(const Variant& list, const Variant& value);
 
+// DBEngine.OpenDatabase of the file: read-write without a password, read-only with one.
+std::unique_ptr<data::AccessDatabase> OpenDaoDatabase(StringView phy_path, StringView pwd);
 // The Jet provider string for an Access file, with the password part when there is one.
 String JetConnectionString(StringView file, StringView pwd);
 // The views ADOX lists for the file, as a 1-based array; after a failure, which a message

@@ -72,17 +72,16 @@ void TyxSchema::LoadDB(Variant& db_name, const Variant& db_type, const Variant& 
     if (TextOrEmpty(conn_str).empty()) vars.ProjErr = u"invalid connection string specified!";
     db_name = Variant(String(u"DB"));
   }
-  (void)path;
-  (void)use_server_map_path;
 
   TyxStatus& status = SharedStatus();
   status.ShowStatus(Variant(int32_t{0}),
                     Variant(LengthMarked(vars.ProductTitle + u" - Checking Database Schema...")));
   int16_t result = 0;
   if (type == u"ACCESS") {
-    // The DAO reader is not part of this build: an Access file can't be read into records.
-    vars.ProjErr = vars.ProductTitle + u": Access databases can't be read in this build!";
-    result = 1;
+    result = ReadDaoSchema(TextOrEmpty(path), TextOrEmpty(phy_path),
+                           !use_server_map_path.is_empty() && !use_server_map_path.is_null() &&
+                               ToBool(use_server_map_path),
+                           TextOrEmpty(uid), TextOrEmpty(pwd));
   } else if (type == u"ODBC" || type == u"CONNECTIONSTRING") {
     result = ReadAdoSchema(type, TextOrEmpty(db_name), TextOrEmpty(uid), TextOrEmpty(pwd),
                            TextOrEmpty(conn_str), TextOrEmpty(schema));

@@ -36,6 +36,16 @@ class TyxSchema {
   int16_t ReadAdoSchema(StringView db_type, StringView db_name, StringView uid, StringView pwd,
                         StringView conn_str, StringView schema);
 
+  // The DAO reader of an Access file: 0 success (also for an empty physical path), 1 when its
+  // error handler ran. The object counts as loaded from the moment the file is open.
+  int16_t ReadDaoSchema(StringView path, StringView phy_path, bool use_server_map_path,
+                        StringView uid, StringView pwd);
+
+  // The columns of a custom view as one record, for the comparison of synchronisation: 0 (a
+  // failing SQL text leaves its words in ProjErr and TblGen False), 1 the connection was not
+  // open, 3 the connection error handler ran.
+  int16_t LoadADOCustomView(StringView conn_str, StringView table_name, StringView sql);
+
  private:
   int16_t ReadTablesAndKeys(data::Connection& cn, StringView uid, StringView schema);
   void ReadColumns(data::Connection& cn, TySchemaTable& table, StringView owner);
