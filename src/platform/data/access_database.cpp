@@ -105,12 +105,13 @@ struct RowBuffers {
   }
 };
 
-std::vector<StoredQueryRow> ReadQueryTable(MdbHandle* mdb,
-                                           std::map<long, std::vector<StoredQueryRow>>& by_id) {
-  std::vector<StoredQueryRow> unused;
+// The rows of the query table, grouped by the query they belong to (the low 24 bits of
+// ObjectId are the catalogue id of the query). A file without the table has no queries.
+std::map<long, std::vector<StoredQueryRow>> ReadQueryTable(MdbHandle* mdb) {
+  std::map<long, std::vector<StoredQueryRow>> by_id;
   char name[] = "MSysQueries";
   TableReader reader(mdb_read_table_by_name(mdb, name, MDB_TABLE));
-  if (!reader.table || !mdb_read_columns(reader.table)) return unused;
+  if (!reader.table || !mdb_read_columns(reader.table)) return by_id;
   RowBuffers buffers(reader.table, mdb->bind_size);
   auto column = [&](const char* wanted) -> int {
     for (unsigned i = 0; i < reader.table->num_cols; ++i) {
@@ -124,7 +125,7 @@ std::vector<StoredQueryRow> ReadQueryTable(MdbHandle* mdb,
   const int name1 = column("Name1");
   const int name2 = column("Name2");
   const int expression = column("Expression");
-  if (id < 0 || attribute < 0) return unused;
+  if (id < 0 || attribute < 0) return by_id;
   auto text = [&](int i) -> String {
     if (i < 0 || buffers.lengths[i] <= 0) return {};
     return Utf8(buffers.values[i].data());
@@ -141,7 +142,7 @@ std::vector<StoredQueryRow> ReadQueryTable(MdbHandle* mdb,
     const long object = std::strtol(text(id).ToUtf8().c_str(), nullptr, 10);
     by_id[object & 0x00FFFFFF].push_back(std::move(row));
   }
-  return unused;
+  return by_id;
 }
 
 // "[Order Details].[UnitPrice]" -> {"Order Details", "UnitPrice"}; a bare name has no table.
@@ -241,8 +242,7 @@ void AccessDatabase::Load() {
   MdbHandle* mdb = handle_->mdb;
   // Finding the query table by name re-reads the catalogue for tables only, so it comes
   // first, and the full catalogue is read after it.
-  std::map<long, std::vector<StoredQueryRow>> query_rows;
-  ReadQueryTable(mdb, query_rows);
+  std::map<long, std::vector<StoredQueryRow>> query_rows = ReadQueryTable(mdb);
   if (!mdb_read_catalog(mdb, MDB_ANY)) {
     throw Error(kErrUnrecognizedFormat,
                 u"Unrecognized database format '" + path_ + u"': its catalogue cannot be read.",
