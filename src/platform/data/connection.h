@@ -12,7 +12,7 @@
 // mdbtools), SQLOLEDB / Oracle provider strings (through a configured ODBC driver), and
 // "Provider=Scripted;Data Source=name" for catalogues that tests describe in code.
 // Every failure raises qv::Error with the ADO-style number and the provider's words, and
-// leaves the diagnostic records in Errors().
+// leaves the diagnostic records in GetErrors() (ADO's Errors).
 #pragma once
 
 #include <cstdint>
