@@ -36,33 +36,22 @@ struct NewOptions {
 }
 
 // The nine arguments of Tyx.LoadDB. "odbc:NAME" names a data source whose user and password
-// come from the options; everything else is a connection string once the short forms are
-// expanded.
+// come from the options, "access:FILE" an Access file read through DAO (with --password for a
+// protected file); everything else is a connection string once the short forms are expanded.
 std::vector<Variant> LoadDbArguments(const NewOptions& o) {
-  // "access:FILE" goes through the DAO reader, the one that knows keys and captions.
-  if (o.source.rfind("access:", 0) == 0) {
-    const String file = String::FromUtf8(o.source.substr(7));
-    return {Variant(String()),
-            Variant(String(u"ACCESS")),
-            Variant(file),
-            Variant(file),
-            Variant(false),
-            Variant(String::FromUtf8(o.user)),
-            Variant(String::FromUtf8(o.password)),
-            Variant(String()),
-            Variant(String())};
-  }
   const bool odbc = o.source.rfind("odbc:", 0) == 0;
-  const String source = String::FromUtf8(o.source);
+  const bool access = o.source.rfind("access:", 0) == 0;
+  const String rest = String::FromUtf8(o.source.substr(odbc ? 5 : access ? 7 : 0));
+  const StringView type = odbc ? u"ODBC" : access ? u"ACCESS" : u"CONNECTIONSTRING";
   return {
-      Variant(odbc ? String::FromUtf8(o.source.substr(5)) : String()),
-      Variant(String(odbc ? u"ODBC" : u"CONNECTIONSTRING")),
-      Variant(String()),
-      Variant(String()),
+      Variant(odbc ? rest : String()),
+      Variant(String(type)),
+      Variant(access ? rest : String()),
+      Variant(access ? rest : String()),
       Variant(false),
       Variant(String::FromUtf8(o.user)),
       Variant(String::FromUtf8(o.password)),
-      Variant(odbc ? String() : data::ExpandShortUrl(source)),
+      Variant(odbc || access ? String() : data::ExpandShortUrl(rest)),
       Variant(String::FromUtf8(o.schema)),
   };
 }
@@ -100,8 +89,8 @@ void AddNewCommand(CLI::App& app) {
   cmd->add_option("--db", options->source,
                   "The database: sqlite:FILE, odbc:DSN, access:FILE.mdb or a connection string")
       ->required();
-  cmd->add_option("--user", options->user, "User name for odbc:DSN");
-  cmd->add_option("--password", options->password, "Password for odbc:DSN");
+  cmd->add_option("--user", options->user, "User name for odbc:DSN and access:FILE");
+  cmd->add_option("--password", options->password, "Password for odbc:DSN and access:FILE");
   cmd->add_option("--schema", options->schema, "The Oracle owner whose tables are read");
   cmd->add_option("--name", options->name, "Project name (default: the file name)");
   cmd->add_flag("--dynamic", options->dynamic,

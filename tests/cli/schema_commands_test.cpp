@@ -55,6 +55,26 @@ TEST(SchemaCommands, NewProjectFromChinookAndItsListings) {
   EXPECT_EQ(forced.status, 0) << forced.err;
 }
 
+TEST(SchemaCommands, NewProjectFromAnAccessFile) {
+  const auto dir = FreshDir("access");
+  const auto made = Quorvex(dir, {"new", "nw.qvp", "--db",
+                                  std::string("access:") + QV_SHARED_DATA + "/access/nwind.mdb"});
+  ASSERT_EQ(made.status, 0) << made.err;
+  EXPECT_TRUE(Has(made.out, "from ACCESS")) << made.out;
+  const auto tables = Quorvex(dir, {"tables", "nw.qvp"});
+  ASSERT_EQ(tables.status, 0) << tables.err;
+  EXPECT_TRUE(Has(tables.out, "Order Details")) << tables.out;
+  EXPECT_TRUE(Has(tables.out, "OrderID,ProductID")) << tables.out;
+  const auto db = Quorvex(dir, {"show", "nw.qvp"});
+  ASSERT_EQ(db.status, 0) << db.err;
+
+  const auto missing =
+      Quorvex(dir, {"new", "none.qvp", "--db", "access:" + (dir / "none.mdb").string()});
+  EXPECT_NE(missing.status, 0);
+  EXPECT_FALSE(missing.err.empty());
+  EXPECT_FALSE(std::filesystem::exists(dir / "none.qvp"));
+}
+
 TEST(SchemaCommands, FailuresExitNonZeroWithTheirWords) {
   const auto dir = FreshDir("failures");
   const auto missing =
