@@ -138,6 +138,33 @@ TEST_F(CustomViewTest, AccessFilesRunWhatMdbtoolsCanRun) {
   EXPECT_EQ(Table(u"Joined"), nullptr);
 }
 
+TEST_F(CustomViewTest, OracleNamesWithBlanksAndPasswordedAccessFiles) {
+  LoadShop();
+  // On Oracle a view named with a blank stays, not generated, without fields or words.
+  Vars().CurrentDbmsName = u"Oracle";
+  LoadCustomView(*tyx_, u"my view", u"SELECT id FROM customers", false);
+  EXPECT_EQ(Vars().ProjErr, u"");
+  ASSERT_NE(Table(u"my view"), nullptr);
+  EXPECT_FALSE(Table(u"my view")->TblGen());
+  EXPECT_EQ(Table(u"my view")->Fields().Count(), 0);
+  EXPECT_EQ(Table(u"my view")->TblCustomError(),
+            u"Quorvex: Oracle Table/View Name [my view] contain spaces,table not loaded!");
+  UnLoadDB(*tyx_);
+
+  // A password goes into both connection forms; the file is read all the same.
+  LoadDbRequest request;
+  request.db_type = u"ACCESS";
+  request.phy_path = String::FromUtf8(SharedData("access/nwind.mdb"));
+  request.pwd = u"secret";
+  LoadDB(*tyx_, request);
+  ASSERT_EQ(Vars().ProjErr, u"");
+  EXPECT_EQ(Db().DBPwd(), u"secret");
+  EXPECT_NE(
+      ToString(CustomViewConnStr(*tyx_)).ToUtf8().find(";Jet OLEDB:Database Password=secret;"),
+      std::string::npos);
+  EXPECT_NE(Table(u"Alphabetical List of Products"), nullptr);  // ADOX read the views too
+}
+
 TEST_F(CustomViewTest, ReportsCopyALoadedSource) {
   LoadShop();
   Field(u"customers", u"city").SetFldCaption(u"Town");
