@@ -41,9 +41,7 @@ String UpperAscii(StringView word) {
 
 class SelectReader {
  public:
-  SelectReader(std::vector<SqlToken> tokens) : s_{} {  // NOLINT
-    s_.tokens = std::move(tokens);
-  }
+  explicit SelectReader(std::vector<SqlToken> tokens) { s_.tokens = std::move(tokens); }
 
   std::optional<SqlSelect> Run() {
     if (!MatchParentheses()) return std::nullopt;
@@ -153,26 +151,37 @@ class SelectReader {
   bool ReadPrimary(size_t& i, size_t end) {
     if (i >= end) return false;
     if (At(i).IsSymbol(u'(')) {
-      const size_t close = close_of_[i];
-      if (close >= end) return false;
-      if (i + 1 < close && At(i + 1).IsWord(u"SELECT")) {
-        SqlTableRef ref;
-        ref.subquery = true;
-        i = close + 1;
-        ReadAlias(i, end, ref.alias);
-        s_.tables.push_back(std::move(ref));
-        return true;
-      }
-      size_t inner = i + 1;
-      if (!ReadSource(inner, close) || inner != close) return false;
-      i = close + 1;
-      return true;
+      // Joins nest one level per parenthesis: a text deeper than any real query is refused
+      // rather than allowed to exhaust the stack.
+      if (nesting_ >= kMaxNesting) return false;
+      ++nesting_;
+      const bool ok = ReadGroup(i, end);
+      --nesting_;
+      return ok;
     }
     SqlTableRef ref;
     String schema;
     if (!ReadDottedName(i, end, schema, ref.name)) return false;
     ReadAlias(i, end, ref.alias);
     s_.tables.push_back(std::move(ref));
+    return true;
+  }
+
+  // A parenthesised subquery or join, `i` on its "(".
+  bool ReadGroup(size_t& i, size_t end) {
+    const size_t close = close_of_[i];
+    if (close >= end) return false;
+    if (i + 1 < close && At(i + 1).IsWord(u"SELECT")) {
+      SqlTableRef ref;
+      ref.subquery = true;
+      i = close + 1;
+      ReadAlias(i, end, ref.alias);
+      s_.tables.push_back(std::move(ref));
+      return true;
+    }
+    size_t inner = i + 1;
+    if (!ReadSource(inner, close) || inner != close) return false;
+    i = close + 1;
     return true;
   }
 
@@ -294,8 +303,11 @@ class SelectReader {
     return String();
   }
 
+  static constexpr int kMaxNesting = 200;
+
   SqlSelect s_;
   std::vector<size_t> close_of_;
+  int nesting_ = 0;
 };
 
 }  // namespace

@@ -110,6 +110,15 @@ TEST(ViewSqlParserTest, TextsItCannotFollowAreNotAnalysed) {
     EXPECT_EQ(p.JoinCount(), 0) << String::ToUtf8(sql);
     EXPECT_TRUE(p.TableName().empty()) << String::ToUtf8(sql);
   }
+  // Parentheses nested far deeper than any query are refused, not followed down the stack.
+  std::u16string deep = u"SELECT * FROM ";
+  deep.append(100000, u'(');
+  deep += u"a";
+  deep.append(100000, u')');
+  p.SetSql(deep);
+  EXPECT_FALSE(p.Analysed());
+  CustomSqlParser c;
+  EXPECT_FALSE(c.Parse(deep, 1));
 }
 
 struct Origin {
