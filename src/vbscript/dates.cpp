@@ -130,7 +130,7 @@ Interval IntervalArg(const Variant& raw) {
 }
 
 double CheckedDate(std::optional<double> d) {
-  if (!d || *d < kMinDate || *d > kMaxDate) Raise(kErrInvalidCall);
+  if (!d || !(*d >= kMinDate && *d <= kMaxDate)) Raise(kErrInvalidCall);
   return *d;
 }
 
@@ -254,7 +254,7 @@ Variant DateDiff(RuntimeState&, Args a) {
       diff = SecondNumber(*d2) - SecondNumber(*d1);
       break;
   }
-  if (diff > INT32_MAX || diff < INT32_MIN) Raise(kErrOverflow);
+  if (!(diff <= INT32_MAX && diff >= INT32_MIN)) Raise(kErrOverflow);
   return Variant(static_cast<int32_t>(diff));
 }
 
@@ -330,7 +330,7 @@ int SerialPart(const Variant& raw) {
   const Variant v = ValueOf(raw);
   if (v.is_null()) Raise(kErrInvalidUseOfNull);
   const double d = RoundHalfEven(ToDouble(v));
-  if (d < -2147483648.0 || d > 2147483647.0) Raise(kErrOverflow);
+  if (!(d >= -2147483648.0 && d <= 2147483647.0)) Raise(kErrOverflow);
   return static_cast<int>(d);
 }
 

@@ -104,7 +104,9 @@ void RoundDecimal(const Decimal& d, int places, std::string& whole, std::string&
 
 Decimal DecimalOf(const Variant& v) {
   if (v.type() == VarType::Currency) return DecimalOfCurrency(v.as_currency());
-  return DecimalOfDouble(ToDouble(v));
+  const double d = ToDouble(v);
+  if (!std::isfinite(d)) Raise(kErrOverflow);
+  return DecimalOfDouble(d);
 }
 
 int32_t PlacesArg(Args a, size_t i) {

@@ -84,8 +84,11 @@ Variant KeepingType(const Variant& raw, RoundFn round) {
       return v;
     case VarType::Single:
       return Variant(static_cast<float>(round(v.as_single())));
-    case VarType::Currency:
-      return Variant::Currency(static_cast<int64_t>(round(v.as_currency() / 10000.0)) * 10000);
+    case VarType::Currency: {
+      const double whole = round(static_cast<double>(v.as_currency()) / 10000.0);
+      if (!(std::fabs(whole) < 922337203685477.0)) Raise(kErrOverflow);
+      return Variant::Currency(static_cast<int64_t>(whole) * 10000);
+    }
     case VarType::Date:
       return Variant::Date(round(v.as_date()));
     default:
@@ -125,6 +128,7 @@ Variant Round(RuntimeState&, Args a) {
     const int64_t r = c % unit;
     if (2 * r > unit || (2 * r == unit && (q & 1))) ++q;
     if (2 * r < -unit || (2 * r == -unit && (q & 1))) --q;
+    if (q > INT64_MAX / unit || q < INT64_MIN / unit) Raise(kErrOverflow);
     return Variant::Currency(q * unit);
   }
   return KeepingType(v, [places](double d) { return RoundTo(d, places); });

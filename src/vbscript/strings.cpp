@@ -23,7 +23,7 @@ size_t BuildCount(const Variant& raw) {
   const Variant v = ValueOf(raw);
   if (v.is_null()) Raise(kErrInvalidUseOfNull);
   const double n = RoundHalfEven(ToDouble(v));
-  if (n < 0) Raise(kErrInvalidCall);
+  if (!(n >= 0)) Raise(kErrInvalidCall);
   if (n > kMaxBuiltLength) Raise(kErrOutOfMemory);
   return static_cast<size_t>(n);
 }
