@@ -144,7 +144,12 @@ Variant Arithmetic(Arith op, const Num& x, const Num& y) {
   return FromDouble(r);
 }
 
+bool EitherNull(const Variant& a, const Variant& b) {
+  return a.is_null() || b.is_null();
+}
+
 Variant ArithmeticOp(Arith op, const Variant& a, const Variant& b) {
+  if (EitherNull(a, b)) return Variant::Null();
   Num x, y;
   const bool ok_a = Reduce(a, x);
   const bool ok_b = Reduce(b, y);
@@ -186,6 +191,7 @@ bool ReduceWhole(const Variant& in, Whole& out) {
 }
 
 Variant IntegerDivision(const Variant& a, const Variant& b, bool modulo) {
+  if (a.is_null() || b.is_null()) return Variant::Null();
   Whole x, y;
   const bool ok_a = ReduceWhole(a, x);
   const bool ok_b = ReduceWhole(b, y);
@@ -250,6 +256,7 @@ Variant LogicOp(Logic op, const Variant& a, const Variant& b) {
 Variant OpAdd(const Variant& a, const Variant& b) {
   const Variant& x = a.is_object() ? ValueOf(a) : a;
   const Variant& y = b.is_object() ? ValueOf(b) : b;
+  if (x.is_null() || y.is_null()) return Variant::Null();
   if (x.is_string() && y.is_string()) return Variant(x.as_string() + y.as_string());
   if (x.is_string() && y.is_empty()) return x;
   if (y.is_string() && x.is_empty()) return y;
@@ -265,6 +272,7 @@ Variant OpMul(const Variant& a, const Variant& b) {
 }
 
 Variant OpDiv(const Variant& a, const Variant& b) {
+  if (a.is_null() || b.is_null()) return Variant::Null();
   Num x, y;
   const bool ok_a = Reduce(a, x);
   const bool ok_b = Reduce(b, y);
@@ -283,6 +291,7 @@ Variant OpMod(const Variant& a, const Variant& b) {
 }
 
 Variant OpPow(const Variant& a, const Variant& b) {
+  if (a.is_null() || b.is_null()) return Variant::Null();
   Num x, y;
   const bool ok_a = Reduce(a, x);
   const bool ok_b = Reduce(b, y);

@@ -7,6 +7,7 @@
 #include <pthread.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 
@@ -149,13 +150,6 @@ int32_t IndexValue(const Variant& v) {
   std::memcpy(d, s, sizeof(VarType));
   std::memcpy(d + 8, s + 8, 8);
 }
-[[gnu::always_inline]] inline void CopyInto(Variant& dst, const Variant& src) {
-  if (IsPlain(dst) && IsPlain(src)) {
-    CopyPlain(dst, src);
-  } else {
-    dst = src;
-  }
-}
 [[gnu::always_inline]] inline void MoveInto(Variant& dst, Variant& src) {
   if (IsPlain(dst)) {
     CopyPlain(dst, src);
@@ -195,9 +189,6 @@ template <class T>
   constexpr uint64_t kClasses = (1ull << (2 * 4)) | (2ull << (3 * 4)) | (3ull << (5 * 4));
   const auto t = static_cast<unsigned>(v.type());
   return t < 16 ? static_cast<unsigned>((kClasses >> (t * 4)) & 0xF) : 0;
-}
-[[gnu::always_inline]] inline bool IsSmallNumber(const Variant& v) {
-  return NumClass(v) != 0;
 }
 [[gnu::always_inline]] inline int64_t WholeOf(const Variant& v) {
   return v.type() == VarType::Integer ? v.as_integer() : v.as_long();
@@ -297,18 +288,23 @@ void CheckSetValue(const Variant& v) {
 // --- set-up ----------------------------------------------------------------------------------
 
 Vm::Vm() {
-  stack_ = new Variant[kStackSlots];
-  refs_ = new Variant*[kStackSlots]();
-  locks_ = new SafeArray*[kStackSlots]();
+  // An Empty Variant is all zero bytes, so zeroed pages are a stack of Empty values: calloc
+  // hands them out lazily instead of touching megabytes per engine.
+  static_assert(static_cast<int>(VarType::Empty) == 0);
+  stack_ = static_cast<Variant*>(std::calloc(kStackSlots, sizeof(Variant)));
+  refs_ = static_cast<Variant**>(std::calloc(kStackSlots, sizeof(Variant*)));
+  locks_ = static_cast<SafeArray**>(std::calloc(kStackSlots, sizeof(SafeArray*)));
+  if (!stack_ || !refs_ || !locks_) throw std::bad_alloc();
   capacity_ = kStackSlots;
   top_ = stack_;
   stack_limit_ = StackLimit();
 }
 
 Vm::~Vm() {
-  delete[] stack_;
-  delete[] refs_;
-  delete[] locks_;
+  // Every slot is Empty again once no frame runs, so there is nothing to destroy.
+  std::free(stack_);
+  std::free(refs_);
+  std::free(locks_);
 }
 
 void Vm::ReleaseLocks(Variant* from, Variant* to) {
@@ -1024,7 +1020,7 @@ void Vm::Run(Frame& f) {
                 *sp = std::move(value);
                 refs_[sp - stack_] = nullptr;
                 ++sp;
-                QV_NEXT();
+                break;
               }
             }
             Variant& target = VarRef(f, in->flags, in->a);
@@ -1035,7 +1031,7 @@ void Vm::Run(Frame& f) {
               *sp = std::move(value);
               refs_[sp - stack_] = nullptr;
               ++sp;
-              QV_NEXT();
+              break;
             }
             SafeArray* array = target.mutable_array();
             if (in->n > kMaxArrayDimensions) Raise(kErrSubscript);

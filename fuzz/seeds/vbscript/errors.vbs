@@ -1,0 +1,78 @@
+' On Error Resume Next, On Error GoTo 0 and the Err object.
+On Error Resume Next
+x = 1 / 0
+Check Err.Number, CLng(11), "Err.Number after a failure"
+Check Err.Description, "Division by zero", "Err.Description"
+Check Err.Source, "Microsoft VBScript runtime error", "Err.Source"
+Err.Clear
+Check Err.Number, CLng(0), "Err.Clear"
+Check Err.Description, "", "Clear empties the description"
+y = "before"
+y = CInt("abc")
+Check y, "before", "a failed assignment leaves the variable"
+Err.Clear
+Err.Raise 5
+Check Err.Number, CLng(5), "Err.Raise with a standard number"
+Check Err.Description, "Invalid procedure call or argument", "its standard text"
+Err.Raise vbObjectError + 1, "MySource", "My description"
+Check Err.Number, vbObjectError + 1, "Err.Raise with own number"
+Check Err.Source, "MySource", "own source"
+Check Err.Description, "My description", "own description"
+Err.Raise 1234
+Check Err.Description, "Unknown runtime error", "a number without text"
+Err.Number = 0
+On Error GoTo 0
+Check Err.Number, CLng(0), "On Error GoTo 0 clears"
+
+' An error in an If condition under Resume Next continues inside the If.
+On Error Resume Next
+r = "none"
+If 1 / 0 = 1 Then
+  r = "inside"
+End If
+Check r, "inside", "Resume Next goes to the next statement, inside the If"
+On Error GoTo 0
+
+' Errors in called procedures.
+Function Fails()
+  Fails = "partial"
+  x = 1 / 0
+  Fails = "complete"
+End Function
+Function Guarded()
+  On Error Resume Next
+  Guarded = Fails()
+  Guarded = Guarded & "|" & Err.Number
+End Function
+Check Guarded(), "|11", "the caller's Resume Next catches the callee's error"
+Function Tolerant()
+  On Error Resume Next
+  x = 1 / 0
+  Tolerant = "went on"
+End Function
+Check Tolerant(), "went on", "Resume Next inside the procedure"
+Sub Raiser()
+  Err.Raise 9
+End Sub
+On Error Resume Next
+Raiser
+Check Err.Number, CLng(9), "a raised error reaches the caller"
+On Error GoTo 0
+CheckError "Raiser", 9, "and ends the statement without a handler"
+' Err is an object with a default member.
+On Error Resume Next
+Err.Raise 13
+n = Err
+Check n, CLng(13), "Err's default member is Number"
+On Error GoTo 0
+' Run-time error numbers.
+CheckError "Dim u : u.x = 1", 424, "member of a non-object"
+CheckError "Set o = CreateObject(""Scripting.Dictionary"") : o.NoSuchMember", 438, "unknown member"
+CheckError "x = Array(1)(5)", 9, "subscript out of range"
+CheckError "x = CLng(""x"")", 13, "type mismatch"
+CheckError "x = Sqr(-1)", 5, "invalid procedure call"
+CheckError "x = CInt(40000)", 6, "overflow"
+CheckError "Set o = CreateObject(""No.Such.Class"")", 429, "cannot create object"
+CheckError "Option Explicit" & vbCrLf & "undeclaredName = 1", 500, "variable is undefined"
+CheckError "x = 1 +", 1023, "a compile error in ExecuteGlobal"
+CheckError "Const c1 = 1" & vbCrLf & "c1 = 2", 1002, "assigning a constant"

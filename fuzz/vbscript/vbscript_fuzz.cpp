@@ -1,0 +1,24 @@
+// Feeds arbitrary bytes to the engine as script source (UTF-8), first as a whole program,
+// then as an expression. A short time limit turns endless loops into the time-out error.
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "vbscript/engine.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  if (size > 4096) return 0;
+  const qv::String code =
+      qv::String::FromUtf8(std::string_view(reinterpret_cast<const char*>(data), size));
+  qv::vbs::Engine engine;
+  engine.SetTimeout(50);
+  try {
+    engine.AddCode(code);
+  } catch (const qv::Error&) {
+  }
+  try {
+    engine.Eval(code);
+  } catch (const qv::Error&) {
+  }
+  return 0;
+}
