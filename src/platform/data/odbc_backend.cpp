@@ -315,6 +315,7 @@ class OdbcBackend final : public Backend {
   }
 
   Rowset Execute(StringView sql) override {
+    last_key_.reset();
     Handle stmt(SQL_HANDLE_STMT, dbc_->get());
     SQLSetStmtAttr(stmt.get(), SQL_ATTR_QUERY_TIMEOUT,
                    reinterpret_cast<SQLPOINTER>(static_cast<intptr_t>(command_timeout_)), 0);
@@ -429,9 +430,21 @@ class OdbcBackend final : public Backend {
   }
 
   // The key's columns and name, in key order.
-  std::pair<std::vector<String>, String> KeyOf(const std::optional<String>& catalog,
-                                               const std::optional<String>& schema,
-                                               const String& table) {
+  using Key = std::pair<std::vector<String>, String>;
+
+  // A reader asks for a table's key rowset and then for its index rowset, which needs the key
+  // again; the last answer is kept until a statement runs (which could change the schema).
+  Key KeyOf(const std::optional<String>& catalog, const std::optional<String>& schema,
+            const String& table) {
+    const Target target(catalog, schema, table);
+    if (last_key_ && last_key_->first == target) return last_key_->second;
+    Key key = ReadKey(catalog, schema, table);
+    last_key_.emplace(target, key);
+    return key;
+  }
+
+  Key ReadKey(const std::optional<String>& catalog, const std::optional<String>& schema,
+              const String& table) {
     Handle stmt(SQL_HANDLE_STMT, dbc_->get());
     std::optional<String> name(table);
     stmt.Check(SQLPrimaryKeysW(stmt.get(), Arg(catalog), Len(catalog), Arg(schema), Len(schema),
@@ -557,6 +570,7 @@ class OdbcBackend final : public Backend {
   Handle env_;
   std::unique_ptr<Handle> dbc_;
   bool connected_ = false;
+  std::optional<std::pair<Target, Key>> last_key_;
   int32_t command_timeout_ = 30;
   String quote_ = u"\"";
 };

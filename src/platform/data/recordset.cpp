@@ -68,6 +68,8 @@ void Recordset::Assign(Rowset rowset) {
 }
 
 void Recordset::Open(StringView source, Connection& connection) {
+  // A failed open leaves the recordset closed, not holding the rows of an earlier source.
+  Close();
   auto opened = connection.OpenSource(source);
   Assign(std::move(opened->rowset_));
 }

@@ -208,6 +208,7 @@ TEST_F(SqliteBackendTest, ValuesArriveAsVariantsOfTheColumnKind) {
 
 TEST_F(SqliteBackendTest, StatementErrorsCarryNumbersAndFillErrors) {
   Recordset rs;
+  rs.Open(u"customers", cn_);
   try {
     rs.Open(u"SELECT * FROM missing_table WHERE 0=1", cn_);
     FAIL() << "a missing table must raise";
@@ -215,6 +216,8 @@ TEST_F(SqliteBackendTest, StatementErrorsCarryNumbersAndFillErrors) {
     EXPECT_EQ(e.number(), kErrNoSuchTable);
     EXPECT_NE(e.description().ToUtf8().find("missing_table"), std::string::npos);
   }
+  // The failed open leaves the recordset closed, not showing the customers any more.
+  EXPECT_EQ(rs.State(), adStateClosed);
   ASSERT_EQ(cn_.GetErrors().Count(), 1);
   EXPECT_EQ(cn_.GetErrors().Item(0).number, kErrNoSuchTable);
   EXPECT_FALSE(cn_.GetErrors().Item(0).source.empty());
