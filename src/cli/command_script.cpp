@@ -2,6 +2,7 @@
 // WScript object, the standard classes and the library's own ("TyxClass.Tyx" gives a new
 // project root). The exit status is WScript.Quit's code, or 1 after an uncaught error, which
 // is reported in cscript's form with the offending source line below it.
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -28,19 +29,25 @@ std::string FullPath(const std::string& path) {
   return ec ? path : full.lexically_normal().string();
 }
 
-// cscript's report, and the line it points at. An error raised without words shows its
-// number in hexadecimal, as cscript does.
+// The code of an error as Windows Script Host shows it: VBScript's own numbers inside the
+// 800A facility, anything else (an object's HRESULT, the library's -1) as it is.
+uint32_t HostErrorCode(int32_t number) {
+  if (number >= 0 && number <= 0xFFFF) return 0x800A0000u | static_cast<uint32_t>(number);
+  return static_cast<uint32_t>(number);
+}
+
+// cscript's report, then the line it points at and the error's code. An error raised without
+// words shows its code in their place, as cscript does.
 void ReportError(const std::string& path, const vbs::ScriptError& error) {
   std::fflush(stdout);
+  char code[16];
+  std::snprintf(code, sizeof code, "%08X", HostErrorCode(error.Number()));
   std::string report = ErrorReport(path, error);
-  if (error.Description().empty()) {
-    char number[16];
-    std::snprintf(number, sizeof number, "0x%08X", static_cast<uint32_t>(error.Number()));
-    report += number;
-  }
+  if (error.Description().empty()) report += std::string("0x") + code;
   std::fprintf(stderr, "%s\n", report.c_str());
   const std::string text = error.Text().ToUtf8();
   if (!text.empty()) std::fprintf(stderr, "    %s\n", text.c_str());
+  std::fprintf(stderr, "    Code: %s\n", code);
 }
 
 int RunScript(const ScriptOptions& o) {

@@ -69,7 +69,7 @@ TEST(HostScript, ExitStatusArgumentsAndErrorReports) {
   EXPECT_TRUE(Has(runtime.err, (dir / "runtime.vbs").string() +
                                    "(3, 1) Microsoft VBScript runtime error: Type mismatch"))
       << runtime.err;
-  EXPECT_TRUE(Has(runtime.err, "    t = \"a\" * 2\n")) << runtime.err;
+  EXPECT_TRUE(Has(runtime.err, "    t = \"a\" * 2\n    Code: 800A000D\n")) << runtime.err;
 
   Write(dir / "syntax.vbs", "If x Then\nWScript.Echo 1\n");
   const auto syntax = Quorvex(dir, {"script", "syntax.vbs"});
@@ -84,6 +84,21 @@ TEST(HostScript, ExitStatusArgumentsAndErrorReports) {
   const auto library = Quorvex(dir, {"script", "library.vbs"});
   EXPECT_EQ(library.status, 1);
   EXPECT_TRUE(Has(library.err, "(3, 25) host: Quorvex: Load Project File failed!")) << library.err;
+
+  // A failure raised inside the library stops the script at the line that called it.
+  Write(dir / "hard.vbs",
+        "Set t = CreateObject(\"TyxClass.Tyx\")\nt.AddProj \"a\"\n"
+        "t.Save \"" +
+            (dir / "no" / "such" / "x.qvp").string() +
+            "\"\n"
+            "WScript.Echo \"not reached\"\n");
+  const auto hard = Quorvex(dir, {"--quiet", "script", "hard.vbs"});
+  EXPECT_EQ(hard.status, 1);
+  EXPECT_TRUE(Has(hard.err, "hard.vbs(3, 1) Microsoft VBScript runtime error: Path not found\n"))
+      << hard.err;
+  EXPECT_TRUE(Has(hard.err, "    Code: 800A004C\n")) << hard.err;
+  EXPECT_EQ(hard.out, "");
+  EXPECT_FALSE(std::filesystem::exists(dir / "no")) << hard.err;
 
   const auto absent = Quorvex(dir, {"script", "absent.vbs"});
   EXPECT_EQ(absent.status, 1);
