@@ -1462,6 +1462,11 @@ void Vm::Run(Frame& f) {
               VarRef(f, in->flags, in->a) = std::move(item);
               break;
             }
+            if (!state.is_object() || !state.as_object()) {
+              // The group failed to evaluate under On Error Resume Next: the loop ends.
+              ip = code + in->b;
+              break;
+            }
             auto* holder = static_cast<EnumHolder*>(state.as_object());
             Variant item;
             if (!holder->e->Next(item)) {

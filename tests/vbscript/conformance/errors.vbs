@@ -76,3 +76,11 @@ CheckError "Set o = CreateObject(""No.Such.Class"")", 429, "cannot create object
 CheckError "Option Explicit" & vbCrLf & "undeclaredName = 1", 500, "variable is undefined"
 CheckError "x = 1 +", 1023, "a compile error in ExecuteGlobal"
 CheckError "Const c1 = 1" & vbCrLf & "c1 = 2", 1002, "assigning a constant"
+' A loop whose header fails under Resume Next.
+On Error Resume Next
+n = 0
+For Each v In 5
+  n = n + 1
+Next
+CheckTrue n <= 1, "a failed For Each header does not loop"
+On Error GoTo 0
