@@ -45,6 +45,17 @@ Target FindTarget(Tyx& tyx, const SetOptions& o) {
   if (o.field.empty()) return {table, &table->Properties(), u"table " + table_name};
   const String field_name = String::FromUtf8(o.field);
   TyxField* field = table->Fields().list().ByName(field_name);
+  if (!field && table->Fields().Count() == 0 && tyx.DynamicLoadDB()) {
+    // A project that loads its tables on demand has not read this one's fields yet.
+    try {
+      tyx.Services().LoadTable(tyx, Variant(table_name));
+    } catch (const Error& e) {
+      FailWith(e.description());
+    }
+    if (!tyx.ProjErr().empty()) FailWith(tyx.ProjErr());
+    table = db->Tables().list().ByName(table_name);
+    field = table ? table->Fields().list().ByName(field_name) : nullptr;
+  }
   if (!field) {
     FailWith(ProductMessage(u"Field " + field_name + u" not found in " + table_name + u"!"));
   }

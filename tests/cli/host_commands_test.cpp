@@ -168,6 +168,17 @@ TEST(EditingCommands, SetChangesProjectTableAndFieldSettings) {
     EXPECT_TRUE(Has(run.err, f.words)) << run.err;
   }
   EXPECT_EQ(Slurp(project), before);
+
+  // A project that loads tables on demand reads a table's fields when one of them is set.
+  ASSERT_EQ(Quorvex(dir, {"new", "dyn.qvp", "--dynamic", "--db", "sqlite:" + kChinook}).status, 0);
+  const auto dynamic =
+      Quorvex(dir, {"set", "dyn.qvp", "--table", "Invoice", "--field", "Total", "FldCaption=Due"});
+  ASSERT_EQ(dynamic.status, 0) << dynamic.err;
+  EXPECT_TRUE(Has(Quorvex(dir, {"show", "dyn.qvp", "Invoice", "Total"}).out, "= Due\n"));
+  EXPECT_NE(
+      Quorvex(dir, {"set", "dyn.qvp", "--table", "Invoice", "--field", "Nope", "FldCaption=x"})
+          .status,
+      0);
 }
 
 TEST(EditingCommands, ExtensionsAndSavedDefaults) {
