@@ -30,4 +30,6 @@ For Each n In Array("TyxControls", "TyxLanguage", "TyxKeyword", "TyxFilter", "Ty
   names = names & TypeName(CreateObject("TyxClass." & n)) & " "
 Next
 Check "type names", names, "TyxControls TyxLanguage TyxKeyword TyxFilter TyxStatus "
+Check "through WScript", TypeName(WScript.CreateObject("TyxClass.Tyx")), "Tyx"
+Check "any case", TypeName(CreateObject("tyxclass.typarser")), "TyParser"
 WScript.Echo "library classes ok"
