@@ -122,8 +122,13 @@ class ErrObject : public DispatchObject<ErrObject> {
   Vm* vm_;
 };
 
-bool Truth(const Variant& v) {
+bool SlowTruth(const Variant& v);
+[[gnu::always_inline]] inline bool Truth(const Variant& v) {
   if (v.type() == VarType::Boolean) return v.as_bool();
+  return SlowTruth(v);
+}
+
+bool SlowTruth(const Variant& v) {
   if (v.is_null()) return false;
   return ToBool(v.is_object() ? ValueOf(v) : v);
 }
@@ -308,8 +313,10 @@ Vm::~Vm() {
 }
 
 void Vm::ReleaseLocks(Variant* from, Variant* to) {
+  if (active_locks_ == 0) return;
   for (size_t i = from - stack_, end = to - stack_; i < end; ++i) {
     if (SafeArray* array = locks_[i]) {
+      --active_locks_;
       locks_[i] = nullptr;
       array->Unlock();
       array->Release();
@@ -362,7 +369,7 @@ struct FrameGuard {
   ~FrameGuard() {
     vm.ReleaseLocks(base, end);
     for (Variant* p = base; p < end; ++p)
-      p->Clear();
+      Drop(*p);
     top = saved_top;
     --depth;
   }
@@ -1046,6 +1053,7 @@ void Vm::Run(Frame& f) {
             array->AddRef();
             array->Lock();
             locks_[sp - stack_] = array;
+            ++active_locks_;
             ++sp;
             QV_NEXT();
           }

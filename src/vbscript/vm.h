@@ -120,6 +120,7 @@ class Vm : public RefCounted {
   Variant* stack_ = nullptr;
   Variant** refs_ = nullptr;
   SafeArray** locks_ = nullptr;  // arrays locked while an element is passed ByRef
+  size_t active_locks_ = 0;
   size_t capacity_ = 0;
   Variant* top_ = nullptr;  // first free slot above every running frame
   int depth_ = 0;
