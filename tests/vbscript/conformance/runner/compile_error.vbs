@@ -1,0 +1,2 @@
+' A compile error, reported with its line and column.
+x = (1 +
