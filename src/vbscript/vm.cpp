@@ -1429,6 +1429,21 @@ void Vm::Run(Frame& f) {
             Variant& var = (in->flags & kVarKindMask) == kVarLocal ? locals[in->a]
                                                                    : VarRef(f, in->flags, in->a);
             const Variant& step = locals[in->n + 1];
+            const Variant& end = locals[in->n];
+            // The common loop: a Long counter with whole-number end and step.
+            if (var.type() == VarType::Long && NumClass(step) - 1u < 2u &&
+                NumClass(end) - 1u < 2u) {
+              const int64_t next = int64_t{var.as_long()} + WholeOf(step);
+              if (next >= INT32_MIN && next <= INT32_MAX) {
+                new (&var) Variant(static_cast<int32_t>(next));
+                const int64_t limit = WholeOf(end);
+                if (WholeOf(step) >= 0 ? next <= limit : next >= limit) {
+                  CheckTime();
+                  ip = code + in->b;
+                }
+                QV_NEXT();
+              }
+            }
             if (!FastArith(
                     var, step, [](int64_t x, int64_t y) { return x + y; },
                     [](double x, double y) { return x + y; }))
