@@ -35,6 +35,7 @@ d.Add "Key", 1
 Check d.Exists("KEY"), True, "text compare"
 Set d("obj") = d
 Check TypeName(d("obj")), "Dictionary", "objects as items"
+d.Remove "obj"  ' a dictionary holding itself is a cycle that reference counts never free
 
 Set d2 = CreateObject("Scripting.Dictionary")
 d2.Add "k", 1
