@@ -80,3 +80,46 @@ Function AfterGoto0()
   AfterGoto0 = "went on"
 End Function
 CheckError "x = AfterGoto0()", 11, "On Error GoTo 0 turns the handler off"
+' Standard texts for raised numbers.
+Function TextOf(n)
+  On Error Resume Next
+  Err.Raise n
+  TextOf = Err.Description
+End Function
+Check TextOf(70), "Permission denied", "70"
+Check TextOf(76), "Path not found", "76"
+Check TextOf(53), "File not found", "53"
+Check TextOf(58), "File already exists", "58"
+Check TextOf(62), "Input past end of file", "62"
+Check TextOf(10), "This array is fixed or temporarily locked", "10"
+Check TextOf(28), "Out of stack space", "28"
+Check TextOf(35), "Sub or Function not defined", "35"
+Check TextOf(91), "Object variable not set", "91"
+Check TextOf(424), "Object required", "424"
+Check TextOf(438), "Object doesn't support this property or method", "438"
+Check TextOf(449), "Argument not optional", "449"
+Check TextOf(450), "Wrong number of arguments or invalid property assignment", "450"
+Check TextOf(500), "Variable is undefined", "500"
+Check TextOf(501), "Illegal assignment", "501"
+Check TextOf(32811), "Element not found", "32811"
+Check TextOf(5017), "Syntax error in regular expression", "5017"
+' Compile errors met through ExecuteGlobal.
+CheckError "x = 1 Then", 1025, "expected end of statement"
+CheckError "x = ""open", 1033, "unterminated string"
+CheckError "x = (1", 1006, "expected )"
+CheckError "x = [open", 1007, "expected ]"
+CheckError "Dim Dim", 1010, "expected identifier"
+CheckError "Exit For", 1039, "Exit outside its block"
+CheckError "For i = 1 To 2 : Next i", 1025, "Next takes no counter"
+CheckError "Sub S8(a) : End Sub : S8(1, 2)", 1044, "parentheses around several Sub arguments"
+CheckError "Class K2 : Public Default Function A() : End Function : Public Default Function B() : End Function : End Class", 1052, "two defaults"
+CheckError "Class K3 : Private Sub Class_Initialize(a) : End Sub : End Class", 1053, "Initialize with arguments"
+CheckError "Set x = New NoSuchClass", 506, "class not defined"
+CheckError "With 5 : .x = 1 : End With", 424, "With on a non-object"
+CheckError "Erase neverAssigned", 13, "Erase of Empty"
+CheckError "Dim fixedArr(2) : ReDim fixedArr(3)", 10, "ReDim of a fixed array"
+' Stack overflow is caught like any other error.
+Function Forever(n)
+  Forever = Forever(n + 1)
+End Function
+CheckError "x = Forever(0)", 28, "endless recursion"
