@@ -81,3 +81,15 @@ Check UBound(MakeArray), CLng(2), "array from a function"
 ReDim z(0)
 z(0) = Array(1, 2)
 Check z(0)(1), 2, "array inside an element"
+ReDim cube(1, 1, 1)
+cube(1, 1, 1) = "deep"
+Check cube(1, 1, 1), "deep", "three dimensions"
+Check UBound(cube, 3), CLng(1), "third dimension"
+CheckError "Dim two(1, 1) : x = two(0)", 9, "too few indices"
+b = Split("a b c")
+ReDim Preserve b(4)
+b(4) = "e"
+Check Join(b, "|"), "a|b|c||e", "ReDim Preserve of a Split result"
+CheckError "x = UBound(""abc"")", 13, "UBound of text"
+CheckError "Dim notArr : x = UBound(notArr)", 13, "UBound of Empty"
+Check LBound(Split("")), CLng(0), "LBound of an empty Split"

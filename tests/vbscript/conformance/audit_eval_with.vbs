@@ -83,3 +83,25 @@ For i = 1 To 2
   End With
 Next
 Check bx.W, 1, "Exit For out of a With"
+' Eval and Execute inside a class method see the instance's members.
+Class Scoped
+  Public V
+  Public Sub SetByExecute()
+    Execute "V = 42"
+  End Sub
+  Public Function ReadByEval()
+    ReadByEval = Eval("Me.V + 1")
+  End Function
+End Class
+Set sc = New Scoped
+sc.SetByExecute
+Check sc.V, 42, "Execute in a method assigns the member"
+Check sc.ReadByEval(), 43, "Eval in a method reads Me"
+Execute "Set madeByExecute = New Scoped"
+Check TypeName(madeByExecute), "Scoped", "Set inside Execute"
+Check Eval("sc Is Nothing"), False, "Is inside Eval"
+Function GiveScoped()
+  Set GiveScoped = sc
+End Function
+Set viaRef = GetRef("GiveScoped")()
+Check viaRef Is sc, True, "an object through GetRef"
