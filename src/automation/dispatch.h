@@ -35,6 +35,7 @@ class DispatchTable {
     PutFn let = nullptr;
     PutFn set = nullptr;
     CallFn call = nullptr;
+    bool parameterless = false;
   };
 
   explicit DispatchTable(String type_name) : type_name_(std::move(type_name)) {}
@@ -50,6 +51,16 @@ class DispatchTable {
   }
   DispatchTable& Method(StringView name, CallFn call) {
     Slot(name).call = call;
+    return *this;
+  }
+  // Marks properties that take no parameters. Arguments given to one of them index its value's
+  // default member, the way VBScript reads `db.Tables("Orders")` as `db.Tables.Item("Orders")`
+  // on objects made in Visual Basic; a plain value given arguments raises 450.
+  DispatchTable& Parameterless(std::initializer_list<StringView> names) {
+    for (StringView name : names) {
+      const DispId id = Find(name);
+      if (id != kDispIdUnknown) members_[id - 1].parameterless = true;
+    }
     return *this;
   }
   // Makes an existing member the default member (id 0).
@@ -78,6 +89,12 @@ class DispatchTable {
       if (id == kDispIdValue) throw Error(kErrNotSupported);
       return false;
     }
+    const bool indexes_value =
+        m->parameterless && m->get && args.size() > ((flags & (kInvokeLet | kInvokeSet)) ? 1u : 0u);
+    if (indexes_value) {
+      result = IndexValue(m->get(self, {}), flags, args);
+      return true;
+    }
     if (flags & (kInvokeLet | kInvokeSet)) {
       if (args.empty()) throw Error(kErrWrongArgCount);
       PutFn put = (flags & kInvokeSet) ? (m->set ? m->set : m->let) : (m->let ? m->let : m->set);
@@ -99,6 +116,11 @@ class DispatchTable {
   }
 
  private:
+  static Variant IndexValue(const Variant& value, uint16_t flags, Args args) {
+    if (!value.is_object() || !value.as_object()) throw Error(kErrWrongArgCount);
+    return value.as_object()->Invoke(kDispIdValue, flags, args);
+  }
+
   Member& Slot(StringView name) {
     const DispId id = Find(name);
     if (id != kDispIdUnknown) return members_[id - 1];

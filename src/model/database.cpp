@@ -66,7 +66,8 @@ const DispatchTable<TyxDatabase>& TyxDatabase::Table() {
           .Property(u"DBDBMSVer", [](D& d, Args) { return Variant(d.DBDBMSVer()); })
           .Property(u"DBOLEDBVer", [](D& d, Args) { return Variant(d.DBOLEDBVer()); })
           .Property(u"DBProviderName", [](D& d, Args) { return Variant(d.DBProviderName()); })
-          .Property(u"DBProviderVer", [](D& d, Args) { return Variant(d.DBProviderVer()); });
+          .Property(u"DBProviderVer", [](D& d, Args) { return Variant(d.DBProviderVer()); })
+          .Parameterless({u"Properties", u"tables"});
   return table;
 }
 

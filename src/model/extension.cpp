@@ -20,7 +20,8 @@ const DispatchTable<TyxExtension>& TyxExtension::Table() {
                     [](E& e, Args) { return Variant(Ref<TyProperties>(&e.Properties())); })
           .Property(
               u"Key", [](E& e, Args) { return Variant(e.Key()); },
-              [](E& e, Args, const Variant& v) { e.SetKey(ToString(v)); });
+              [](E& e, Args, const Variant& v) { e.SetKey(ToString(v)); })
+          .Parameterless({u"Properties"});
   return table;
 }
 

@@ -21,10 +21,12 @@ const DispatchTable<TyxField>& TyxField::Table() {
           .Property(
               u"Key", [](F& f, Args) { return Variant(f.Key()); },
               [](F& f, Args, const Variant& v) { f.SetKey(ToString(v)); })
-          .Method(u"LoadFldDefault", [](F& f, Args) {
-            f.LoadFldDefault();
-            return Variant();
-          });
+          .Method(u"LoadFldDefault",
+                  [](F& f, Args) {
+                    f.LoadFldDefault();
+                    return Variant();
+                  })
+          .Parameterless({u"Properties"});
   return table;
 }
 

@@ -67,10 +67,12 @@ const DispatchTable<TyxTable>& TyxTable::Table() {
           .Property(
               u"Key", [](T& t, Args) { return Variant(t.Key()); },
               [](T& t, Args, const Variant& v) { t.SetKey(ToString(v)); })
-          .Method(u"LoadTableDefault", [](T& t, Args) {
-            t.LoadTableDefault();
-            return Variant();
-          });
+          .Method(u"LoadTableDefault",
+                  [](T& t, Args) {
+                    t.LoadTableDefault();
+                    return Variant();
+                  })
+          .Parameterless({u"Properties", u"Fields"});
   return table;
 }
 

@@ -146,10 +146,12 @@ const DispatchTable<Tyx>& Tyx::Table() {
                     return Variant(t.Services().FldSrchOprs(t, ToInteger(a[0])));
                   })
           .Method(u"GenCheck", [](T& t, Args) { return Variant(t.Services().GenCheck(t)); })
-          .Method(u"GenScript", [](T& t, Args) {
-            t.Services().GenScript(t);
-            return Variant();
-          });
+          .Method(u"GenScript",
+                  [](T& t, Args) {
+                    t.Services().GenScript(t);
+                    return Variant();
+                  })
+          .Parameterless({u"db", u"Properties", u"Extensions"});
   return table;
 }
 

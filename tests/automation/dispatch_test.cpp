@@ -86,3 +86,60 @@ TEST(Dispatch, LastReferenceEndsTheObjectAtOnce) {
 
 }  // namespace
 }  // namespace qv
+
+namespace qv {
+namespace {
+
+// A list whose default member takes an index, and a holder that hands it out without parameters.
+class Row : public DispatchObject<Row> {
+ public:
+  static const DispatchTable<Row>& Table() {
+    static const auto table = DispatchTable<Row>(u"Row")
+                                  .Property(
+                                      u"Item",
+                                      [](Row& r, Args a) {
+                                        CheckArgCount(a, 1, 1);
+                                        return Variant(r.cells[ToLong(a[0])]);
+                                      },
+                                      [](Row& r, Args a, const Variant& v) {
+                                        CheckArgCount(a, 1, 1);
+                                        r.cells[ToLong(a[0])] = ToLong(v);
+                                      })
+                                  .Default(u"Item");
+    return table;
+  }
+  int32_t cells[4] = {0, 10, 20, 30};
+};
+
+class Shelf : public DispatchObject<Shelf> {
+ public:
+  static const DispatchTable<Shelf>& Table() {
+    static const auto table = DispatchTable<Shelf>(u"Shelf")
+                                  .Property(u"Rows", [](Shelf& s, Args) { return Variant(s.row); })
+                                  .Property(u"Size", [](Shelf&, Args) { return Variant(3); })
+                                  .Parameterless({u"Rows", u"Size"});
+    return table;
+  }
+  Ref<Row> row = MakeRef<Row>();
+};
+
+TEST(Dispatch, ArgumentsOfAParameterlessPropertyIndexItsValue) {
+  Ref<Shelf> shelf = MakeRef<Shelf>();
+  // Shelf.Rows(2) reads Shelf.Rows.Item(2); without arguments the list itself comes back.
+  EXPECT_EQ(ToLong(shelf->Get(u"Rows", {Variant(2)})), 20);
+  EXPECT_TRUE(shelf->Get(u"Rows").is_object());
+  // Shelf.Rows(1) = 7 writes through the list's default member.
+  std::vector<Variant> let_args{Variant(1), Variant(7)};
+  shelf->Invoke(shelf->GetIdOfName(u"Rows"), kInvokeLet, let_args);
+  EXPECT_EQ(shelf->row->cells[1], 7);
+  // A plain value cannot be indexed.
+  try {
+    shelf->Get(u"Size", {Variant(1)});
+    FAIL();
+  } catch (const Error& e) {
+    EXPECT_EQ(e.number(), 450);
+  }
+}
+
+}  // namespace
+}  // namespace qv

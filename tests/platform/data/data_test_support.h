@@ -4,6 +4,8 @@
 
 #include <sqlite3.h>
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -15,10 +17,12 @@
 
 namespace qv::data::testing {
 
+// A fresh folder of this process: CTest runs each test case as its own process, two at a time, so
+// a folder shared between processes would be emptied under another test's feet.
 inline std::filesystem::path ScratchDir(const std::string& name) {
   const char* root = std::getenv("QV_TEST_SCRATCH");
   std::filesystem::path dir = root ? root : std::filesystem::temp_directory_path() / "qv-test";
-  dir /= "data-" + name;
+  dir /= "data-" + name + "-" + std::to_string(::getpid());
   std::filesystem::remove_all(dir);
   std::filesystem::create_directories(dir);
   return dir;
