@@ -119,7 +119,7 @@ class ProcCompiler {
     cur_col_ = e.column;
     MarkStatement(e.line, e.column);
     Expression(e);
-    Emit(Op::StoreLocal, -1, proc_.result_slot);
+    Emit(Op::StoreLocal, -1, proc_.result_slot, 0, kRawStore);
     Finish();
   }
 
@@ -996,6 +996,28 @@ void CollectTopNames(const Block& body, NameSet& names) {
   }
 }
 
+// The Dim and Const names of a script's own level, wherever their statements are nested.
+void CheckTopDeclarations(const Block& body, NameSet& seen) {
+  for (const auto& s : body) {
+    if (s->kind == StmtKind::Dim || s->kind == StmtKind::Const) {
+      for (const auto& v : s->vars) {
+        if (!seen.insert(v.name).second) Fail(kCeNameRedefined, v.line, v.column);
+      }
+    }
+    for (const auto& b : s->blocks)
+      CheckTopDeclarations(b, seen);
+    for (const auto& c : s->cases)
+      CheckTopDeclarations(c.body, seen);
+  }
+}
+
+// One piece of code declares each variable and constant of its own level once. Procedures are
+// left out on purpose: a later definition replaces an earlier one, even within one piece.
+void CheckUniqueNames(const Program& program) {
+  NameSet seen;
+  CheckTopDeclarations(program.body, seen);
+}
+
 std::unique_ptr<Proc> NewProc(Module& module, const String& source, bool explicit_) {
   auto p = std::make_unique<Proc>();
   p->module = &module;
@@ -1050,6 +1072,7 @@ Ref<ClassInfo> BuildClass(const ClassDecl& decl, Module& module) {
 
 CompiledUnit CompileProgram(const Program& program, Module& module, const String& source,
                             const Proc* outer) {
+  CheckUniqueNames(program);
   CompiledUnit unit;
   UnitNames names;
   CollectTopNames(program.body, names.globals);

@@ -22,7 +22,10 @@ Variant CCur(RuntimeState&, Args a) {
   return Variant::Currency(ToCurrency(a[0]));
 }
 Variant CDate(RuntimeState&, Args a) {
-  return Variant::Date(ToDate(a[0]));
+  // A number past the calendar's last day would make a Date that no function can print.
+  const double d = ToDate(a[0]);
+  if (!(d >= kMinDate && d < std::floor(kMaxDate) + 1)) Raise(kErrOverflow);
+  return Variant::Date(d);
 }
 Variant CDbl(RuntimeState&, Args a) {
   return Variant(ToDouble(a[0]));

@@ -163,7 +163,8 @@ Variant DateAdd(RuntimeState&, Args a) {
   const Interval interval = IntervalArg(a[0]);
   const Variant count_arg = ValueOf(a[1]);
   if (count_arg.is_null()) Raise(kErrInvalidUseOfNull);
-  const double count = std::trunc(ToDouble(count_arg));
+  // A fractional count is rounded as CLng rounds it, half to even, before it is applied.
+  const double count = RoundHalfEven(ToDouble(count_arg));
   const auto d = DateArg(a[2]);
   if (!d) return Variant::Null();
   double result = 0;
@@ -353,7 +354,11 @@ Variant DateValue(RuntimeState&, Args a) {
 Variant TimeValue(RuntimeState&, Args a) {
   const auto d = DateArg(a[0]);
   if (!d) return Variant::Null();
-  return Variant::Date(std::fabs(*d - std::trunc(*d)));
+  // Rebuilt from whole seconds: the fraction of a date far from the epoch carries the rounding
+  // of the date part, and the time must compare equal to the same time written alone.
+  double seconds = std::round(std::fabs(*d - std::trunc(*d)) * 86400.0);
+  if (seconds >= 86400.0) seconds = 0;
+  return Variant::Date(seconds / 86400.0);
 }
 
 constexpr BuiltinFunction kDateFunctions[] = {

@@ -107,6 +107,9 @@ enum VarKind : uint8_t { kVarLocal = 0, kVarRef = 1, kVarGlobal = 2, kVarField =
 inline constexpr uint8_t kVarKindMask = 3;
 inline constexpr uint8_t kSetFlag = 4;
 inline constexpr uint8_t kWantResult = 8;
+// A store that keeps an object as it is, neither Let's default value nor Set's check: Eval's
+// result, which its caller's own assignment judges.
+inline constexpr uint8_t kRawStore = 16;
 
 struct Instr {
   Op op = Op::Nop;

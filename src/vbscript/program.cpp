@@ -44,11 +44,15 @@ void Module::Define(const Proc* proc) {
 }
 
 void Module::Clear() {
-  // Values go first, while classes and code are still there for Class_Terminate.
-  for (auto& slot : slots_) {
-    Variant gone = std::move(slot.value);
-    slot.value.Clear();
-    gone.Clear();
+  // Values go first, while classes and code are still there for Class_Terminate. The script's
+  // variables go before host objects such as WScript, which Class_Terminate may still use.
+  for (const bool variables : {true, false}) {
+    for (auto& slot : slots_) {
+      if ((slot.kind == SlotKind::Variable) != variables) continue;
+      Variant gone = std::move(slot.value);
+      slot.value.Clear();
+      gone.Clear();
+    }
   }
   for (auto& slot : slots_) {
     slot.kind = SlotKind::Undefined;

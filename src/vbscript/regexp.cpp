@@ -30,6 +30,28 @@ void RegExp::set_pattern(String pattern) {
   compiled_.reset();
 }
 
+namespace {
+
+// The script's error for a pattern PCRE2 refuses: the faults scripts name get their own
+// numbers, anything else is the general syntax error.
+int32_t PatternErrorNumber(int pcre_error) {
+  switch (pcre_error) {
+    case PCRE2_ERROR_QUANTIFIER_INVALID:
+      return 5018;
+    case PCRE2_ERROR_MISSING_SQUARE_BRACKET:
+      return 5019;
+    case PCRE2_ERROR_MISSING_CLOSING_PARENTHESIS:
+      return 5020;
+    case PCRE2_ERROR_CLASS_RANGE_ORDER:
+    case PCRE2_ERROR_CLASS_INVALID_RANGE:
+      return 5021;
+    default:
+      return kErrRegExpSyntax;
+  }
+}
+
+}  // namespace
+
 const RegExp::Compiled& RegExp::Compile() {
   uint32_t options = PCRE2_ALT_BSUX | PCRE2_MATCH_UNSET_BACKREF | PCRE2_ALLOW_EMPTY_CLASS;
   if (ignore_case) options |= PCRE2_CASELESS;
@@ -45,7 +67,7 @@ const RegExp::Compiled& RegExp::Compile() {
   auto c = std::make_unique<Compiled>();
   c->code = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern_.data()), pattern_.size(), options,
                           &error_code, &error_offset, nullptr);
-  if (!c->code) throw Error(kErrRegExpSyntax);
+  if (!c->code) throw Error(PatternErrorNumber(error_code));
   c->match = pcre2_match_data_create_from_pattern(c->code, nullptr);
   if (!c->match) throw Error(kErrOutOfMemory);
   pcre2_pattern_info(c->code, PCRE2_INFO_CAPTURECOUNT, &c->groups);

@@ -36,7 +36,7 @@ class RegExp : public DispatchObject<RegExp> {
 
  private:
   struct Compiled;
-  // The compiled pattern for the present options; raises 5017 for an invalid pattern.
+  // The compiled pattern for the present options; raises 5017-5021 for an invalid pattern.
   const Compiled& Compile();
 
   String pattern_;

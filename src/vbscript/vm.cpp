@@ -455,7 +455,8 @@ Variant Vm::RunSnippet(Frame& caller, StringView code, bool expression, bool glo
       proc = Link(unit, module);
     }
   } catch (const CompileError& e) {
-    throw Error(e.number(), e.description());
+    // Raised at run time, but Err still tells the script the code never compiled.
+    throw Error(e.number(), e.description(), String(kCompileErrorSource));
   }
   Variant* base = top_;
   CheckStack(*proc, base);
@@ -537,6 +538,12 @@ size_t Vm::HandleError(Frame& f, size_t pc, const Error& e) {
   while (next < starts.size() && !starts[next])
     ++next;
   if (next >= starts.size()) next = starts.size() - 1;
+  // A For header that failed leaves no bounds to count against: resuming in the body would loop
+  // for ever, so the loop is skipped instead.
+  const auto& code = f.proc->code;
+  for (size_t i = pc; i < next && i < code.size(); ++i) {
+    if (code[i].op == Op::ForInit) return static_cast<size_t>(code[i].b);
+  }
   return next;
 }
 
@@ -975,7 +982,7 @@ void Vm::Run(Frame& f) {
             Variant v = std::move(*--sp);
             if (in->flags & kSetFlag) {
               CheckSetValue(v);
-            } else if (v.is_object()) {
+            } else if (v.is_object() && !(in->flags & kRawStore)) {
               v = ValueOf(v);
             }
             switch (in->op) {

@@ -230,6 +230,29 @@ TEST(EngineTest, ClassTerminateRunsWhenTheLastReferenceGoes) {
   engine.ExecuteStatement(u"Set c = New T");
 }
 
+TEST(EngineTest, ResetEndsLiveObjectsWhileHostObjectsStillAnswer) {
+  Engine engine;
+  const auto probe = MakeRef<Probe>();
+  // P is added before the variables, yet each Class_Terminate can still call it at Reset.
+  engine.AddObject(u"P", probe);
+  engine.AddCode(
+      u"Class T\r\n Public Step\r\n Sub Class_Terminate()\r\n"
+      u"  P.Value = P.Value * 10 + Step\r\n End Sub\r\nEnd Class\r\n"
+      u"Set first = New T : first.Step = 1\r\nDim kept(0) : Set kept(0) = New T : kept(0).Step = "
+      u"2");
+  probe->value = 0;
+  engine.Reset();
+  EXPECT_EQ(probe->value, 12);
+  // A Class_Terminate that fails at Reset does not stop the others.
+  engine.AddObject(u"P", probe);
+  engine.AddCode(
+      u"Class F\r\n Sub Class_Terminate()\r\n  P.Bump\r\n  x = 1 / 0\r\n End Sub\r\nEnd Class\r\n"
+      u"Set f1 = New F : Set f2 = New F");
+  probe->calls = 0;
+  engine.Reset();
+  EXPECT_EQ(probe->calls, 2);
+}
+
 TEST(EngineTest, DeepRecursionIsOutOfStackSpace) {
   Engine engine;
   engine.SetTimeout(-1);

@@ -84,3 +84,29 @@ For Each v In 5
 Next
 CheckTrue n <= 1, "a failed For Each header does not loop"
 On Error GoTo 0
+' A failed For header under Resume Next skips the loop instead of counting for ever, whether
+' the fault is in the bounds themselves or in evaluating them.
+Dim forRuns, forErr
+For Each forHeader In Array("For i = 1 To ""x""", "For i = 1 To 3 Step ""x""", _
+                            "For i = Null To 3", "For i = 1 To 1 / 0")
+  forRuns = 0
+  ExecuteGlobal "On Error Resume Next" & vbCrLf & forHeader & vbCrLf & _
+                "forRuns = forRuns + 1 : If forRuns > 5 Then Exit For" & vbCrLf & _
+                "Next" & vbCrLf & "forErr = Err.Number"
+  CheckTrue forRuns = 0, "a failed For header skips its loop: " & forHeader
+  CheckTrue forErr <> 0, "a failed For header sets Err: " & forHeader
+Next
+On Error Resume Next
+forRuns = 0
+For i = 1 To "x"
+  forRuns = forRuns + 1
+  If forRuns > 5 Then Exit For
+Next
+Check Err.Number, CLng(13), "For with a text bound"
+On Error GoTo 0
+CheckTrue forRuns = 0, "For with a text bound runs nothing"
+' The body after a failed header still works as normal once the loop is left.
+For i = 1 To 2
+  forRuns = forRuns + 1
+Next
+Check forRuns, 2, "a later For loop counts normally"

@@ -55,3 +55,18 @@ CheckError "x = MonthName(13)", 5, "MonthName 13"
 CheckError "x = DateSerial(10000, 1, 1)", 5, "DateSerial beyond 9999"
 CheckError "x = CDate(""not a date"")", 13, "CDate of text"
 CheckError "x = Year(""2/30/2006"")", 13, "Year of an impossible date"
+' A fractional count is rounded half to even before it is added.
+Check DateAdd("d", 1.5, #1/1/2004#), #1/3/2004#, "DateAdd rounds a day count up"
+Check DateAdd("d", 2.5, #1/1/2004#), #1/3/2004#, "DateAdd rounds half to even"
+Check DateAdd("d", -1.5, #1/5/2004#), #1/3/2004#, "DateAdd rounds a negative count"
+Check DateAdd("m", 1.5, #1/1/2004#), #3/1/2004#, "DateAdd rounds a month count"
+Check DateAdd("h", "1.6", #1/1/2004#), #1/1/2004 2:00:00 AM#, "DateAdd rounds a text count"
+' TimeValue keeps only the time, exactly as the same time written alone.
+CheckTrue TimeValue("1/2/2003 10:00") = #10:00:00 AM#, "TimeValue drops a date part exactly"
+CheckTrue CDbl(TimeValue(#7/4/2150 6:30:15 PM#)) = CDbl(#6:30:15 PM#), "TimeValue of a far date"
+Check TimeValue(#12/30/1899 11:59:59 PM#), #11:59:59 PM#, "TimeValue of the last second"
+' CDate refuses a number past the calendar.
+CheckError "x = CDate(2958466)", 6, "CDate beyond 12/31/9999"
+CheckError "x = CDate(-657435)", 6, "CDate before 1/1/100"
+Check CDate(2958465), #12/31/9999#, "CDate of the last day"
+Check CDate(-657434), #1/1/100#, "CDate of the first day"

@@ -37,4 +37,18 @@ Check re.Test("A"), True, "\u escapes"
 Set re2 = CreateObject("VBScript.RegExp")
 Check TypeName(re2), "IRegExp2", "CreateObject"
 re2.Pattern = "("
-CheckError "x = re2.Test(""a"")", 5017, "bad pattern"
+CheckError "x = re2.Test(""a"")", 5020, "unclosed group"
+' Bad patterns name their fault where the engine has a word for it.
+Set reBad = New RegExp
+For Each badCase In Array(Array("*abc", 5018), Array("[a", 5019), Array("(a", 5020), _
+                          Array("[z-a]", 5021), Array("a{3,1}", 5017))
+  reBad.Pattern = badCase(0)
+  CheckError "x = reBad.Test(""a"")", badCase(1), "bad pattern " & badCase(0)
+Next
+On Error Resume Next
+reBad.Pattern = "*abc"
+x = reBad.Test("a")
+Check Err.Description, "Unexpected quantifier", "text of a misplaced quantifier"
+On Error GoTo 0
+reBad.Pattern = "a+"
+Check reBad.Test("caa"), True, "a good pattern after bad ones"
