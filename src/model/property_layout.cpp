@@ -3,19 +3,19 @@
 
 namespace qv {
 
-PropertyLayout::PropertyLayout(std::initializer_list<PropertySpec> specs)
+PropertyLayout::PropertyLayout(std::initializer_list<PropertyEntry> entries)
     : prototype_(MakeRef<CSuperCollection>()) {
   prototype_->SetCompareMode(1);
-  descriptors_.reserve(specs.size());
-  for (const PropertySpec& spec : specs) {
+  descriptors_.reserve(entries.size());
+  for (const PropertyEntry& entry : entries) {
     Ref<PropertyDescriptor> d = MakeRef<PropertyDescriptor>();
-    d->Name = String(spec.name);
-    d->DataType = String(spec.data_type);
+    d->Name = String(entry.name);
+    d->DataType = String(entry.data_type);
     d->Type = PropTypeOf(d->DataType);
-    d->RegSave = spec.reg_save;
-    d->RegFormat = spec.reg_format;
-    d->FileSave = spec.file_save;
-    d->Sync = spec.sync;
+    d->RegSave = entry.reg_save;
+    d->RegFormat = entry.reg_format;
+    d->FileSave = entry.file_save;
+    d->Sync = entry.sync;
     prototype_->Add(Variant(), d->Name);
     descriptors_.push_back(std::move(d));
   }

@@ -14,7 +14,7 @@
 namespace qv {
 
 // One registration line: the arguments of TyProperties.Add.
-struct PropertySpec {
+struct PropertyEntry {
   const char16_t* name;
   const char16_t* data_type;
   bool reg_save;
@@ -25,7 +25,7 @@ struct PropertySpec {
 
 class PropertyLayout {
  public:
-  explicit PropertyLayout(std::initializer_list<PropertySpec> specs);
+  explicit PropertyLayout(std::initializer_list<PropertyEntry> entries);
 
   int32_t size() const { return static_cast<int32_t>(descriptors_.size()); }
   const Ref<PropertyDescriptor>& at(int32_t index) const { return descriptors_[index]; }
