@@ -236,8 +236,11 @@ class ProcCompiler {
     return static_cast<int32_t>(proc_.consts.size() - 1);
   }
 
-  int32_t Site(StringView name) {
-    proc_.sites.push_back(MemberSite{String(name)});
+  int32_t Site(StringView name, const Expr* object = nullptr) {
+    MemberSite site;
+    site.name = String(name);
+    if (object && object->kind == ExprKind::Name && !object->has_args) site.subject = object->name;
+    proc_.sites.push_back(std::move(site));
     return static_cast<int32_t>(proc_.sites.size() - 1);
   }
 
@@ -532,8 +535,8 @@ class ProcCompiler {
     uint32_t mask = 0;
     Arguments(e.args, mask);
     const auto argc = static_cast<uint32_t>(e.args.size());
-    Emit(Op::CallMember, -static_cast<int>(argc) - 1 + (want ? 1 : 0), Site(e.name), argc,
-         want ? kWantResult : 0, static_cast<int32_t>(mask));
+    Emit(Op::CallMember, -static_cast<int>(argc) - 1 + (want ? 1 : 0), Site(e.name, e.object.get()),
+         argc, want ? kWantResult : 0, static_cast<int32_t>(mask));
   }
 
   // --- statements ---------------------------------------------------------------------------
@@ -686,7 +689,7 @@ class ProcCompiler {
       for (const auto& a : t.args)
         Expression(*a);
       Expression(*s.value);
-      Emit(Op::StoreMember, -static_cast<int>(argc) - 2, Site(t.name), argc, set);
+      Emit(Op::StoreMember, -static_cast<int>(argc) - 2, Site(t.name, t.object.get()), argc, set);
       return;
     }
     if (t.kind == ExprKind::Index) {

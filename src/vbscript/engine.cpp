@@ -188,6 +188,12 @@ auto Engine::Guard(StringView code, F&& body) -> decltype(body()) {
     error_.description_ = e.description();
     error_.source_ = e.source().empty() ? String(kRuntimeErrorSource) : e.source();
     const ErrorSite& site = vm->error_site();
+    if (!site.subject.empty()) {
+      // The report names the variable, as the everyday "Object required: 'name'" does.
+      error_.description_.Append(u": '");
+      error_.description_.Append(site.subject);
+      error_.description_.Append(u"'");
+    }
     if (site.set) {
       error_.line_ = site.line;
       error_.column_ = site.column;

@@ -23,6 +23,7 @@ struct GlobalSlot;
 // MemberCacheKey.
 struct MemberSite {
   String name;
+  String subject;  // the variable the member is taken from, when it is a plain name
   const void* key = nullptr;
   DispId id = kDispIdUnknown;
 };

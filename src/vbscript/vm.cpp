@@ -496,11 +496,15 @@ void Vm::Terminate(ScriptObject& object) noexcept {
 
 // --- errors ----------------------------------------------------------------------------------
 
-void Vm::RecordSite(const Frame& f, size_t pc) {
+void Vm::RecordSite(const Frame& f, size_t pc, int32_t number) {
   if (site_.set) return;
   const Proc& p = *f.proc;
   if (pc >= p.lines.size()) pc = p.lines.empty() ? 0 : p.lines.size() - 1;
   site_.set = true;
+  if (number == kErrObjectRequired && pc < p.code.size()) {
+    const Instr& in = p.code[pc];
+    if (in.op == Op::CallMember || in.op == Op::StoreMember) site_.subject = p.sites[in.a].subject;
+  }
   site_.line = p.lines.empty() ? 0 : p.lines[pc];
   site_.column = p.columns.empty() ? 0 : p.columns[pc];
   // The text of that line of the source.
@@ -522,7 +526,7 @@ void Vm::RecordSite(const Frame& f, size_t pc) {
 
 size_t Vm::HandleError(Frame& f, size_t pc, const Error& e) {
   if (!f.resume_next || e.number() == kErrTimeout) {
-    RecordSite(f, pc);
+    RecordSite(f, pc, e.number());
     throw;
   }
   err_.number = e.number();

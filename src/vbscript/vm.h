@@ -28,7 +28,8 @@ struct ErrorSite {
   bool set = false;
   int32_t line = 0;
   int32_t column = 0;
-  String text;  // the source line
+  String text;     // the source line
+  String subject;  // for "Object required": the variable that held no object
 };
 
 class Vm : public RefCounted {
@@ -90,7 +91,7 @@ class Vm : public RefCounted {
   void Run(Frame& f);
   void Execute(Frame& f, size_t& pc, Variant*& sp);
   size_t HandleError(Frame& f, size_t pc, const Error& e);
-  void RecordSite(const Frame& f, size_t pc);
+  void RecordSite(const Frame& f, size_t pc, int32_t number);
   void CheckStack(const Proc& proc, Variant* base);
   void CheckTime() {
     if (--budget_ <= 0) CheckClock();

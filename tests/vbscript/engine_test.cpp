@@ -230,6 +230,25 @@ TEST(EngineTest, ClassTerminateRunsWhenTheLastReferenceGoes) {
   engine.ExecuteStatement(u"Set c = New T");
 }
 
+TEST(EngineTest, ObjectRequiredNamesTheVariableOnlyWhenUncaught) {
+  Engine engine;
+  engine.AddCode(
+      u"Dim p, q, log\r\nSet q = Nothing\r\nSub Store() : p.Name = 1 : End Sub\r\n"
+      u"Sub Call2() : q.Go 1 : End Sub\r\nSub Indexed() : Dim a(1) : a(0).Go : End Sub\r\n"
+      u"Sub Caught()\r\n On Error Resume Next\r\n p.Go\r\n log = Err.Description\r\nEnd Sub");
+  const std::pair<const char16_t*, const char16_t*> cases[] = {
+      {u"Store", u"Object required: 'p'"},
+      {u"Call2", u"Object required: 'q'"},
+      {u"Indexed", u"Object required"}};  // no plain name to give
+  for (const auto& [proc, text] : cases) {
+    EXPECT_EQ(ErrorOf([&] { engine.Run(proc); }), kErrObjectRequired);
+    EXPECT_EQ(engine.Error().Description(), text);
+  }
+  // A script that handles the error sees the plain text in Err.
+  engine.Run(u"Caught");
+  EXPECT_EQ(Utf8(engine.Eval(u"log")), "Object required");
+}
+
 TEST(EngineTest, ResetEndsLiveObjectsWhileHostObjectsStillAnswer) {
   Engine engine;
   const auto probe = MakeRef<Probe>();

@@ -1,0 +1,3 @@
+' An uncaught "Object required" names the variable that held no object.
+Dim p
+p.Name = 1
