@@ -93,9 +93,12 @@ case "$cmd" in
       [ -x "$f" ] || continue
       name=$(basename "$f")
       mkdir -p "$ROOT/build-fuzz/corpus/$name"
+      seeds=("$ROOT/fuzz/seeds/${name#fuzz_}")
+      # The conformance scripts are the best seeds of the script front end; no need to copy them.
+      [ "$name" = fuzz_vbscript ] && seeds+=("$ROOT/tests/vbscript/conformance")
       log "fuzzing $name for ${seconds}s"
       "$f" -max_total_time="$seconds" -timeout=10 "$ROOT/build-fuzz/corpus/$name" \
-        "$ROOT/fuzz/seeds/${name#fuzz_}" 2>&1 | tail -n 3
+        "${seeds[@]}" 2>&1 | tail -n 3
     done
     ;;
   help | -h | --help)

@@ -91,22 +91,22 @@ bool HasWildcard(const fs::path& p) {
 
 // The paths a source names: itself, or with "*" and "?" in its last part every match in its
 // folder. Raises `missing` when nothing matches.
-std::vector<fs::path> Sources(const fs::path& spec, bool folders, int32_t missing) {
+std::vector<fs::path> Sources(const fs::path& source, bool folders, int32_t missing) {
   std::error_code ec;
   std::vector<fs::path> out;
-  if (!HasWildcard(spec)) {
-    const bool found =
-        folders ? fs::is_directory(spec, ec) : fs::exists(spec, ec) && !fs::is_directory(spec, ec);
+  if (!HasWildcard(source)) {
+    const bool found = folders ? fs::is_directory(source, ec)
+                               : fs::exists(source, ec) && !fs::is_directory(source, ec);
     if (!found) {
-      const fs::path parent = spec.parent_path();
+      const fs::path parent = source.parent_path();
       if (!parent.empty() && !fs::is_directory(parent, ec)) Raise(kErrPathNotFound);
       Raise(missing);
     }
-    out.push_back(spec);
+    out.push_back(source);
     return out;
   }
-  const fs::path folder = spec.parent_path().empty() ? fs::path(".") : spec.parent_path();
-  const std::string pattern = spec.filename().string();
+  const fs::path folder = source.parent_path().empty() ? fs::path(".") : source.parent_path();
+  const std::string pattern = source.filename().string();
   if (!fs::is_directory(folder, ec)) Raise(kErrPathNotFound);
   for (const auto& entry : fs::directory_iterator(folder, ec)) {
     std::error_code type_ec;
@@ -129,11 +129,11 @@ fs::path Target(const String& dest, const fs::path& source, bool many) {
 
 void CopyFiles(Args a, bool folders) {
   CheckArgCount(a, 2, 3);
-  const fs::path spec = NativePath(PathArg(a, 0));
+  const fs::path source = NativePath(PathArg(a, 0));
   const String dest = PathArg(a, 1);
   const bool overwrite = OptionalBool(a, 2, true);
-  const auto sources = Sources(spec, folders, folders ? kErrPathNotFound : kErrFileNotFound);
-  const bool many = HasWildcard(spec);
+  const auto sources = Sources(source, folders, folders ? kErrPathNotFound : kErrFileNotFound);
+  const bool many = HasWildcard(source);
   for (const fs::path& s : sources) {
     const fs::path to = Target(dest, s, many);
     std::error_code ec;
@@ -144,19 +144,19 @@ void CopyFiles(Args a, bool folders) {
 
 void MoveFiles(Args a, bool folders) {
   CheckArgCount(a, 2, 2);
-  const fs::path spec = NativePath(PathArg(a, 0));
+  const fs::path source = NativePath(PathArg(a, 0));
   const String dest = PathArg(a, 1);
-  const auto sources = Sources(spec, folders, folders ? kErrPathNotFound : kErrFileNotFound);
-  const bool many = HasWildcard(spec);
+  const auto sources = Sources(source, folders, folders ? kErrPathNotFound : kErrFileNotFound);
+  const bool many = HasWildcard(source);
   for (const fs::path& s : sources)
     MoveItem(s, Target(dest, s, many));
 }
 
 void DeleteFiles(Args a, bool folders) {
   CheckArgCount(a, 1, 2);
-  const fs::path spec = NativePath(PathArg(a, 0));
+  const fs::path source = NativePath(PathArg(a, 0));
   const bool force = OptionalBool(a, 1, false);
-  for (const fs::path& p : Sources(spec, folders, folders ? kErrPathNotFound : kErrFileNotFound))
+  for (const fs::path& p : Sources(source, folders, folders ? kErrPathNotFound : kErrFileNotFound))
     DeleteItem(p, force);
 }
 
