@@ -269,16 +269,20 @@ double ToDate(const Variant& v) {
     case VarType::Date:
       return v.as_date();
     case VarType::String: {
-      const auto parsed = ParseDateText(v.as_string());
-      if (!parsed) Mismatch();
-      return *parsed;
+      if (const auto parsed = ParseDateText(v.as_string())) return *parsed;
+      // Text that is no date but a number ("1", "-2.5") counts days, as a number would.
+      const auto n = ParseNumberText(v.as_string());
+      if (!n) Mismatch();
+      d = *n;
+      break;
     }
     case VarType::Object:
       return ToDate(ValueOf(v));
     default:
       d = NumberOf(v);
   }
-  if (!(d >= kMinDate && d < kMaxDate + 1)) Overflow();
+  // Any time of 1/1/100 through 12/31/9999, whichever side of the epoch.
+  if (!InDateRange(d)) Overflow();
   return d;
 }
 

@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <ctime>
-#include <vector>
 
 namespace qv {
 
@@ -32,15 +31,6 @@ void CivilFromDays(int64_t z, int& y, int& m, int& d) {
 }
 
 const int64_t kEpochDays = DaysFromCivil(1899, 12, 30);
-
-bool IsLeap(int y) {
-  return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
-}
-
-int DaysInMonth(int y, int m) {
-  static constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  return m == 2 && IsLeap(y) ? 29 : kDays[m - 1];
-}
 
 int ExpandYear(int year) {
   if (year >= 0 && year < 30) return year + 2000;
@@ -116,7 +106,7 @@ String ShortDateText(double date) {
   out.Append(u'/');
   AppendNumber(out, p->day, 1);
   out.Append(u'/');
-  AppendNumber(out, p->year, 4);
+  AppendNumber(out, p->year, 1);
   return out;
 }
 
@@ -162,206 +152,6 @@ double NowAsDate() {
   localtime_r(&now, &local);
   const double day = *DateFromParts(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
   return day + TimeFromParts(local.tm_hour, local.tm_min, local.tm_sec);
-}
-
-namespace {
-
-struct DateToken {
-  enum Kind { Number, Month, Weekday, Meridiem, Colon, Separator } kind;
-  int value = 0;
-  int digits = 0;
-  double fraction = 0;  // seconds' fraction after a decimal point
-};
-
-// Matches a word against month names: the whole name or its first three letters or more.
-int MatchName(StringView word, const char16_t* const* names, int count) {
-  if (word.size() < 3) return 0;
-  for (int i = 0; i < count; ++i) {
-    StringView name(names[i]);
-    if (word.size() <= name.size() && EqualsNoCase(word, name.substr(0, word.size()))) return i + 1;
-  }
-  return 0;
-}
-
-bool Tokenize(StringView text, std::vector<DateToken>& out) {
-  size_t i = 0;
-  while (i < text.size()) {
-    const Char c = text[i];
-    if (c >= u'0' && c <= u'9') {
-      DateToken t{DateToken::Number};
-      while (i < text.size() && text[i] >= u'0' && text[i] <= u'9') {
-        if (t.digits < 9) t.value = t.value * 10 + (text[i] - u'0');
-        ++t.digits;
-        ++i;
-      }
-      out.push_back(t);
-      continue;
-    }
-    if ((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z')) {
-      size_t j = i;
-      while (j < text.size() &&
-             ((text[j] >= u'a' && text[j] <= u'z') || (text[j] >= u'A' && text[j] <= u'Z'))) {
-        ++j;
-      }
-      StringView word = text.substr(i, j - i);
-      i = j;
-      if (EqualsNoCase(word, u"am") || EqualsNoCase(word, u"a")) {
-        out.push_back({DateToken::Meridiem, 0});
-      } else if (EqualsNoCase(word, u"pm") || EqualsNoCase(word, u"p")) {
-        out.push_back({DateToken::Meridiem, 1});
-      } else if (int m = MatchName(word, kMonths, 12)) {
-        out.push_back({DateToken::Month, m});
-      } else if (MatchName(word, kWeekdays, 7)) {
-        out.push_back({DateToken::Weekday, 0});
-      } else {
-        return false;
-      }
-      continue;
-    }
-    if (c == u':') {
-      out.push_back({DateToken::Colon});
-    } else if (c == u'/' || c == u'-' || c == u',' || c == u'.') {
-      out.push_back({DateToken::Separator, static_cast<int>(c)});
-    } else if (c != u' ' && c != u'\t') {
-      return false;
-    }
-    ++i;
-  }
-  return true;
-}
-
-}  // namespace
-
-std::optional<double> ParseDateText(StringView text) {
-  std::vector<DateToken> tokens;
-  if (!Tokenize(text, tokens) || tokens.empty()) return std::nullopt;
-
-  // Pull out the time: a number followed by ':' starts it; a number followed by AM/PM is an hour.
-  bool has_time = false;
-  int hour = 0, minute = 0, second = 0, meridiem = -1;
-  std::vector<DateToken> rest;
-  for (size_t i = 0; i < tokens.size(); ++i) {
-    const DateToken& t = tokens[i];
-    const bool starts_time =
-        t.kind == DateToken::Number && !has_time && i + 1 < tokens.size() &&
-        (tokens[i + 1].kind == DateToken::Colon || tokens[i + 1].kind == DateToken::Meridiem);
-    if (starts_time) {
-      has_time = true;
-      hour = t.value;
-      size_t j = i + 1;
-      int parts = 1;
-      while (j + 1 < tokens.size() && tokens[j].kind == DateToken::Colon &&
-             tokens[j + 1].kind == DateToken::Number && parts < 3) {
-        (parts == 1 ? minute : second) = tokens[j + 1].value;
-        ++parts;
-        j += 2;
-      }
-      // A decimal fraction of the seconds is accepted and rounded away.
-      if (parts == 3 && j + 1 < tokens.size() && tokens[j].kind == DateToken::Separator &&
-          tokens[j].value == u'.' && tokens[j + 1].kind == DateToken::Number) {
-        j += 2;
-      }
-      if (j < tokens.size() && tokens[j].kind == DateToken::Meridiem) {
-        meridiem = tokens[j].value;
-        ++j;
-      }
-      if (parts == 1 && meridiem < 0) return std::nullopt;
-      i = j - 1;
-      continue;
-    }
-    if (t.kind == DateToken::Colon || t.kind == DateToken::Meridiem) return std::nullopt;
-    rest.push_back(t);
-  }
-  if (has_time) {
-    if (minute > 59 || second > 59) return std::nullopt;
-    if (meridiem >= 0) {
-      if (hour > 12) return std::nullopt;
-      if (hour == 12) hour = 0;
-      if (meridiem == 1) hour += 12;
-    } else if (hour > 23) {
-      return std::nullopt;
-    }
-  }
-
-  std::vector<DateToken> numbers;
-  int month_name = 0;
-  for (const DateToken& t : rest) {
-    if (t.kind == DateToken::Number) {
-      numbers.push_back(t);
-    } else if (t.kind == DateToken::Month) {
-      if (month_name) return std::nullopt;
-      month_name = t.value;
-    }
-  }
-  const double time = has_time ? TimeFromParts(hour, minute, second) : 0.0;
-  if (numbers.empty() && !month_name) {
-    return has_time ? std::optional<double>(time) : std::nullopt;
-  }
-
-  int year = -1, month = 0, day = 0;
-  auto is_year = [](const DateToken& t) { return t.digits >= 3 || t.value > 31; };
-  std::tm local{};
-  const std::time_t now = std::time(nullptr);
-  localtime_r(&now, &local);
-  const int this_year = local.tm_year + 1900;
-
-  if (month_name) {
-    month = month_name;
-    if (numbers.size() == 1) {
-      if (is_year(numbers[0])) {
-        year = numbers[0].value;
-        day = 1;
-      } else {
-        day = numbers[0].value;
-        year = this_year;
-      }
-    } else if (numbers.size() == 2) {
-      if (is_year(numbers[0])) {
-        year = numbers[0].value;
-        day = numbers[1].value;
-      } else {
-        day = numbers[0].value;
-        year = numbers[1].value;
-        if (numbers[1].digits <= 2) year = ExpandYear(year);
-      }
-    } else {
-      return std::nullopt;
-    }
-  } else if (numbers.size() == 3) {
-    if (is_year(numbers[0])) {
-      year = numbers[0].value;
-      month = numbers[1].value;
-      day = numbers[2].value;
-    } else {
-      month = numbers[0].value;
-      day = numbers[1].value;
-      year = numbers[2].value;
-      if (numbers[2].digits <= 2) year = ExpandYear(year);
-      if (month > 12 && day <= 12) std::swap(month, day);
-    }
-  } else if (numbers.size() == 2) {
-    if (is_year(numbers[0])) {
-      year = numbers[0].value;
-      month = numbers[1].value;
-      day = 1;
-    } else if (is_year(numbers[1])) {
-      month = numbers[0].value;
-      year = numbers[1].value;
-      day = 1;
-    } else {
-      month = numbers[0].value;
-      day = numbers[1].value;
-      year = this_year;
-      if (month > 12 && day <= 12) std::swap(month, day);
-    }
-  } else {
-    return std::nullopt;
-  }
-  if (month < 1 || month > 12 || year < 100 || year > 9999) return std::nullopt;
-  if (day < 1 || day > DaysInMonth(year, month)) return std::nullopt;
-  const auto date = DateFromParts(year, month, day);
-  if (!date) return std::nullopt;
-  return CombineDateTime(*date, time);
 }
 
 }  // namespace qv

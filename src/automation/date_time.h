@@ -13,6 +13,12 @@ namespace qv {
 inline constexpr double kMinDate = -657434.0;         // 1/1/100
 inline constexpr double kMaxDate = 2958465.99999999;  // 12/31/9999 23:59:59
 
+// Whether a value is some time of 1/1/100 through 12/31/9999. Before the epoch the fraction
+// counts forward from midnight, so the first day's times run from -657434 down to -657435.
+constexpr bool InDateRange(double date) {
+  return date > kMinDate - 1 && date < 2958466.0;
+}
+
 struct DateParts {
   int year = 1899;
   int month = 12;
@@ -43,10 +49,11 @@ String DateText(double date);
 String ShortDateText(double date);  // "3/7/2006"
 String LongTimeText(double date);   // "9:05:01 AM"
 
-// Reads a date or time the way VBScript's CDate and IsDate do under 1033: month/day/year with
-// "/", "-" or "." (a first number above 12 swaps month and day, a leading four-digit number
-// is a year), month names and their abbreviations, weekday names (ignored), times with ":" and
-// AM/PM. Returns nothing for text that is no date.
+// Reads a date or time the way VBScript's CDate and IsDate do under 1033: numbers separated by
+// "/", "-", spaces or commas (month/day/year first, then year/month/day, then day/month/year;
+// two numbers are month and day of this year, or month and year), month names and their
+// abbreviations, weekday names (ignored), times with ":" or "." and AM/PM. Two-digit years
+// 00-29 are 2000-2029, 30-99 are 1930-1999. Returns nothing for text that is no date.
 std::optional<double> ParseDateText(StringView text);
 
 // English month and weekday names (1-based); abbreviations are the first three letters.

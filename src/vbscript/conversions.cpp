@@ -24,7 +24,7 @@ Variant CCur(RuntimeState&, Args a) {
 Variant CDate(RuntimeState&, Args a) {
   // A number past the calendar's last day would make a Date that no function can print.
   const double d = ToDate(a[0]);
-  if (!(d >= kMinDate && d < std::floor(kMaxDate) + 1)) Raise(kErrOverflow);
+  if (!InDateRange(d)) Raise(kErrOverflow);
   return Variant::Date(d);
 }
 Variant CDbl(RuntimeState&, Args a) {

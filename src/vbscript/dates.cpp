@@ -96,17 +96,26 @@ Variant Weekday(RuntimeState&, Args a) {
   return DatePartOf(a[0], [first](const DateParts& p) { return WeekdayFrom(p.weekday, first); });
 }
 
+// The optional arguments are read before the first, so a Null among them raises 94 even
+// when the first is no number.
+bool AbbreviateArg(Args a, size_t i) {
+  if (!Given(a, i)) return false;
+  const Variant v = ValueOf(a[i]);
+  if (v.is_null()) Raise(kErrInvalidUseOfNull);
+  return ToBool(v);
+}
+
 Variant WeekdayName(RuntimeState&, Args a) {
-  const int32_t n = OptionalLong(a, 0, 0);
-  const bool abbreviate = Given(a, 1) && ToBool(ValueOf(a[1]));
   const int first = FirstDayArg(a, 2);
+  const bool abbreviate = AbbreviateArg(a, 1);
+  const int32_t n = OptionalLong(a, 0, 0);
   if (n < 1 || n > 7) Raise(kErrInvalidCall);
   return WeekdayNameText((n + first - 2) % 7 + 1, abbreviate);
 }
 
 Variant MonthName(RuntimeState&, Args a) {
+  const bool abbreviate = AbbreviateArg(a, 1);
   const int32_t n = OptionalLong(a, 0, 0);
-  const bool abbreviate = Given(a, 1) && ToBool(ValueOf(a[1]));
   if (n < 1 || n > 12) Raise(kErrInvalidCall);
   return MonthNameText(n, abbreviate);
 }
@@ -130,7 +139,7 @@ Interval IntervalArg(const Variant& raw) {
 }
 
 double CheckedDate(std::optional<double> d) {
-  if (!d || !(*d >= kMinDate && *d <= kMaxDate)) Raise(kErrInvalidCall);
+  if (!d || !InDateRange(*d)) Raise(kErrInvalidCall);
   return *d;
 }
 
@@ -273,14 +282,19 @@ double FirstWeekStart(int year, int first_day, int first_week) {
   }
 }
 
-// Week of the year. Days before week 1 count in the previous year's last week; days at the
-// end of December never move on to week 1 of the next year, which is how Windows counts
-// (so Monday 12/29/2003 is week 53 under vbMonday, vbFirstFourDays).
+// Week of the year. Days before week 1 count in the previous year's last week. Under
+// vbFirstFourDays the last days of December can already be week 1 of the next year (Tuesday
+// 12/30/2003 under vbMonday); under the other rules the next year's week 1 never starts in
+// December, or (vbFirstJan1) the year keeps its days to the end, giving weeks 53 and 54.
 int WeekOfYear(double date, int first_day, int first_week) {
   const DateParts p = PartsOf(date);
   const double day = DayNumber(date);
   double start = FirstWeekStart(p.year, first_day, first_week);
   if (day < start && p.year > 100) start = FirstWeekStart(p.year - 1, first_day, first_week);
+  if (first_week == 2 && p.month == 12 && p.year < 9999 &&
+      day >= FirstWeekStart(p.year + 1, first_day, first_week)) {
+    return 1;
+  }
   return static_cast<int>(std::floor((day - start) / 7)) + 1;
 }
 

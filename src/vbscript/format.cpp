@@ -122,7 +122,9 @@ Variant FormatWith(Args a, Style style) {
   const int32_t places = PlacesArg(a, 1);
   const NumberStyle ns{places, TriState(a, 2, true), TriState(a, 3, style == Style::Currency),
                        TriState(a, 4, true)};
-  if (v.is_null()) return Variant::Null();
+  // Unlike most of the library these do not pass Null through: a Null value is a type
+  // mismatch, and a Null among the options (read first) is an invalid use of Null.
+  if (v.is_null()) Raise(kErrTypeMismatch);
   if (style == Style::Percent) {
     Decimal d = DecimalOf(v);
     d.whole += 2;  // times 100, exactly, on the digits
@@ -163,7 +165,7 @@ Variant FormatDateTime(RuntimeState&, Args a) {
   const Variant v = ValueOf(a[0]);
   const int32_t kind = OptionalLong(a, 1, 0);
   if (kind < 0 || kind > 4) Raise(kErrInvalidCall);
-  if (v.is_null()) return Variant::Null();
+  if (v.is_null()) Raise(kErrTypeMismatch);
   const double d = ToDate(v);
   switch (kind) {
     case 1:

@@ -102,8 +102,13 @@ TEST(RuntimeDates, DatePartWeeksFollowTheFirstWeekRules) {
   EXPECT_EQ(Show(u"DatePart", {u"ww", D(u"1/3/2005"), I(2), I(2)}), "1");
   EXPECT_EQ(Show(u"DatePart", {u"ww", D(u"1/3/2005"), I(2), I(3)}), "1");
   EXPECT_EQ(Show(u"DatePart", {u"ww", D(u"1/2/2005"), I(2), I(3)}), "52");
-  // Windows never moves late December on to week 1 of the next year.
-  EXPECT_EQ(Show(u"DatePart", {u"ww", D(u"12/29/2003"), I(2), I(2)}), "53");
+  // Under first-four-days the week of 1/1/2004 (a Thursday) starts on Monday 12/29/2003; the
+  // other rules keep late December in its own year.
+  EXPECT_EQ(Show(u"DatePart", {u"ww", D(u"12/29/2003"), I(2), I(2)}), "1");
+  EXPECT_EQ(Show(u"DatePart", {u"ww", D(u"12/31/2003"), I(2), I(2)}), "1");
+  EXPECT_EQ(Show(u"DatePart", {u"ww", D(u"12/28/2003"), I(2), I(2)}), "52");
+  EXPECT_EQ(Show(u"DatePart", {u"ww", D(u"12/31/2003"), I(2), I(3)}), "52");
+  EXPECT_EQ(Show(u"DatePart", {u"ww", D(u"12/31/2000")}), "54");
   EXPECT_EQ(Show(u"DatePart", {u"ww", D(u"1/1/2006"), I(1), I(4)}), "Err 5");
 }
 
@@ -117,7 +122,8 @@ TEST(RuntimeDates, FormatDateTimeUnder1033) {
   EXPECT_EQ(Show(u"FormatDateTime", {d, I(5)}), "Err 5");
   EXPECT_EQ(Show(u"FormatDateTime", {D(u"3/7/2006")}), "3/7/2006");
   EXPECT_EQ(Show(u"FormatDateTime", {Variant::Date(0.5)}), "12:00:00 PM");
-  EXPECT_EQ(Show(u"FormatDateTime", {Variant::Null()}), "Null");
+  EXPECT_EQ(Show(u"FormatDateTime", {Variant::Null()}), "Err 13");
+  EXPECT_EQ(Show(u"FormatDateTime", {d, Variant::Null()}), "Err 94");
 }
 
 TEST(RuntimeDates, ClockFunctionsAgree) {
