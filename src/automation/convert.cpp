@@ -395,7 +395,10 @@ Comparison Compare(const Variant& left, const Variant& right, bool text_compare,
   const bool number_literal = hints & (number_is_left ? kLeftIsLiteral : kRightIsLiteral);
   const bool text_literal = hints & (number_is_left ? kRightIsLiteral : kLeftIsLiteral);
   Comparison c;
-  if (number_literal) {
+  if (number_literal && number.type() == VarType::Date) {
+    // The text turns into the literal's type: for a date, it is read as a date.
+    c = CompareNumbers(number, Variant(ToDate(text)));
+  } else if (number_literal) {
     const auto n = ParseNumberText(text.as_string());
     if (!n) Mismatch();
     c = CompareNumbers(number, Variant(*n));

@@ -54,5 +54,26 @@ TEST(DateTime, ReadsTheCommonUsForms) {
   EXPECT_FALSE(ParseDateText(u""));
 }
 
+TEST(DateTime, ResolvesAmbiguousNumbersAndTimesLikeWindows) {
+  // Year/month/day is tried before day/month/year; a number past 31 can only be a year.
+  EXPECT_DOUBLE_EQ(*ParseDateText(u"14 2 3"), Date(2014, 2, 3));
+  EXPECT_DOUBLE_EQ(*ParseDateText(u"32 2 3"), Date(1932, 2, 3));
+  EXPECT_DOUBLE_EQ(*ParseDateText(u"1 2 30"), Date(1930, 1, 2));
+  EXPECT_DOUBLE_EQ(*ParseDateText(u"30 2"), Date(1930, 2, 1));
+  EXPECT_DOUBLE_EQ(*ParseDateText(u"Jan 35"), Date(1935, 1, 1));
+  // '.' separates a time as ':' does; AM/PM only matters up to 12 o'clock.
+  EXPECT_DOUBLE_EQ(*ParseDateText(u"2.5"), TimeFromParts(2, 5, 0));
+  EXPECT_DOUBLE_EQ(*ParseDateText(u"13:00 AM"), TimeFromParts(13, 0, 0));
+  EXPECT_DOUBLE_EQ(*ParseDateText(u"00:00 p"), 0.5);
+  EXPECT_DOUBLE_EQ(*ParseDateText(u"1 2 3 4.5"), Date(2003, 1, 2, 4, 5));
+  EXPECT_DOUBLE_EQ(*ParseDateText(u"6/30/2011 01:20:34 PM"), Date(2011, 6, 30, 13, 20, 34));
+  // A time between the parts of a date, fractions of a second, and stray separators fail.
+  for (const char16_t* bad :
+       {u"1 2.3 4", u"2013-05-14 02:04:12.017", u"0:60", u"24.00", u"1 2 am", u"3//7/2006",
+        u"-3/7/2006", u"3/7/2006-", u"Sept 5", u"1.2.3.4", u"(1:2)"}) {
+    EXPECT_FALSE(ParseDateText(bad)) << String(bad).ToUtf8();
+  }
+}
+
 }  // namespace
 }  // namespace qv

@@ -78,3 +78,7 @@ CheckError "x = CDate(-657435)", 6, "the day before the first"
 Check #13/1/2006#, #1/13/2006#, "a literal with the day first"
 Check #March 7, 2006#, #3/7/2006#, "a literal with a month name"
 Check #2006-03-07#, #3/7/2006#, "a literal with the year first"
+' A date literal compared with text reads the text as a date.
+Check #3/7/2006# = "3/7/2006", True, "a date literal equals its text"
+Check #3/7/2006# < "March 8, 2006", True, "a date literal before a later date's text"
+CheckError "x = (#3/7/2006# = ""soon"")", 13, "text that is no date"
