@@ -29,22 +29,35 @@ bool IsBlank(Char c) {
   return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n' || c == 0x00A0 || c == 0x3000;
 }
 
+// The full names then the abbreviations, built once.
+std::vector<String> NameTable(String (*name_of)(int, bool), int count) {
+  std::vector<String> names;
+  for (const bool abbreviate : {false, true}) {
+    for (int i = 1; i <= count; ++i)
+      names.push_back(name_of(i, abbreviate));
+  }
+  return names;
+}
+
 // A month or weekday by its full English name or its three-letter abbreviation.
-int MatchName(StringView word, String (*name_of)(int, bool), int count) {
-  for (int i = 1; i <= count; ++i) {
-    if (EqualsNoCase(word, name_of(i, false)) || EqualsNoCase(word, name_of(i, true))) return i;
+int MatchName(StringView word, const std::vector<String>& names) {
+  const int count = static_cast<int>(names.size() / 2);
+  for (int i = 0; i < 2 * count; ++i) {
+    if (EqualsNoCase(word, names[i])) return i % count + 1;
   }
   return 0;
 }
 
 bool ReadWord(StringView word, std::vector<Token>& out) {
+  static const std::vector<String> months = NameTable(MonthNameText, 12);
+  static const std::vector<String> weekdays = NameTable(WeekdayNameText, 7);
   if (EqualsNoCase(word, u"am") || EqualsNoCase(word, u"a")) {
     out.push_back({Token::Meridiem, 0});
   } else if (EqualsNoCase(word, u"pm") || EqualsNoCase(word, u"p")) {
     out.push_back({Token::Meridiem, 1});
-  } else if (const int m = MatchName(word, MonthNameText, 12)) {
+  } else if (const int m = MatchName(word, months)) {
     out.push_back({Token::Month, m});
-  } else if (MatchName(word, WeekdayNameText, 7)) {
+  } else if (MatchName(word, weekdays)) {
     out.push_back({Token::Weekday, 0});
   } else {
     return false;
