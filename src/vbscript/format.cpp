@@ -36,14 +36,15 @@ struct Decimal {
   int whole = 0;
 };
 
-// Fifteen significant digits, the precision a double prints with in VBScript; rounding for
-// display then works on that text, half away from zero, as Windows does.
-Decimal DecimalOfDouble(double value) {
+// The digits a number prints with in VBScript (fifteen significant for a Double, seven for a
+// Single); rounding for display then works on that text, half away from zero, as Windows does.
+Decimal DecimalOfDouble(double value, int significant = 15) {
   Decimal d;
   d.negative = std::signbit(value) && value != 0;
   char buf[48];
-  const auto end =
-      std::to_chars(buf, buf + sizeof buf, std::fabs(value), std::chars_format::scientific, 14).ptr;
+  const auto end = std::to_chars(buf, buf + sizeof buf, std::fabs(value),
+                                 std::chars_format::scientific, significant - 1)
+                       .ptr;
   // "d.ddddddddddddddde[+-]xx"
   const char* e = std::find(buf, end, 'e');
   d.digits.assign(1, buf[0]);
@@ -106,7 +107,7 @@ Decimal DecimalOf(const Variant& v) {
   if (v.type() == VarType::Currency) return DecimalOfCurrency(v.as_currency());
   const double d = ToDouble(v);
   if (!std::isfinite(d)) Raise(kErrOverflow);
-  return DecimalOfDouble(d);
+  return DecimalOfDouble(d, v.type() == VarType::Single ? 7 : 15);
 }
 
 int32_t PlacesArg(Args a, size_t i) {
