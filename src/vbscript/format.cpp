@@ -196,8 +196,9 @@ String FormatDecimal(bool negative, const std::string& digits, int whole_digits,
   Decimal d{negative, digits, whole_digits};
   std::string whole, fraction;
   RoundDecimal(d, style.places, whole, fraction);
-  const bool zero = whole.empty() && fraction.find_first_not_of('0') == std::string::npos;
-  const bool minus = negative && !zero;
+  // A negative value keeps its sign even when it rounds to zero ("-0.00", "($0.00)"), as the
+  // Windows number formats do.
+  const bool minus = negative;
   std::u16string out;
   out.reserve(whole.size() * 4 / 3 + fraction.size() + prefix.size() + suffix.size() + 4);
   if (minus) out.push_back(style.parentheses ? u'(' : u'-');

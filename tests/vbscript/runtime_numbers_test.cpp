@@ -113,7 +113,7 @@ TEST(RuntimeFormat, NumbersCurrencyAndPercent) {
   EXPECT_EQ(Show(u"FormatNumber", {2.675, I(2)}), "2.68");
   EXPECT_EQ(Show(u"FormatNumber", {0.125, I(2)}), "0.13");
   EXPECT_EQ(Show(u"FormatNumber", {999.996, I(2)}), "1,000.00");
-  EXPECT_EQ(Show(u"FormatNumber", {-0.001, I(2)}), "0.00");
+  EXPECT_EQ(Show(u"FormatNumber", {-0.001, I(2)}), "-0.00");  // the sign survives rounding
   EXPECT_EQ(Show(u"FormatNumber", {1e-7, I(3)}), "0.000");
   EXPECT_EQ(Show(u"FormatNumber", {Variant()}), "0.00");
   EXPECT_EQ(Show(u"FormatNumber", {u"1e3"}), "1,000.00");
