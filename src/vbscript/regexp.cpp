@@ -1,7 +1,6 @@
-// VBScript.RegExp over PCRE2's 16-bit library. The options that make PCRE2 read patterns as
-// JavaScript does: \uXXXX and \xXX escapes (ALT_BSUX), a back reference to a group that took
-// no part matches the empty text (MATCH_UNSET_BACKREF), "[]" and "[^]" are legal
-// (ALLOW_EMPTY_CLASS), and "$" without Multiline matches only at the very end (DOLLAR_ENDONLY).
+// VBScript.RegExp over PCRE2's 16-bit library. Patterns are first rewritten into PCRE2's
+// language (regexp_pattern); a back reference to a group that took no part matches the empty
+// text, as in VBScript (MATCH_UNSET_BACKREF).
 #define PCRE2_CODE_UNIT_WIDTH 16
 #include "vbscript/regexp.h"
 
@@ -9,6 +8,7 @@
 
 #include "automation/convert.h"
 #include "automation/safe_array.h"
+#include "vbscript/regexp_pattern.h"
 #include "vbscript/runtime_lib.h"
 
 namespace qv::vbs {
@@ -53,26 +53,25 @@ int32_t PatternErrorNumber(int pcre_error) {
 }  // namespace
 
 const RegExp::Compiled& RegExp::Compile() {
-  uint32_t options = PCRE2_ALT_BSUX | PCRE2_MATCH_UNSET_BACKREF | PCRE2_ALLOW_EMPTY_CLASS;
-  if (ignore_case) options |= PCRE2_CASELESS;
-  if (multiline) {
-    options |= PCRE2_MULTILINE;
-  } else {
-    options |= PCRE2_DOLLAR_ENDONLY;
-  }
-  if (compiled_ && compiled_options_ == options) return *compiled_;
+  // The translation spells out anchors, "." and case variants itself; PCRE2 folds ASCII case.
+  const uint32_t options = PCRE2_MATCH_UNSET_BACKREF | PCRE2_NEVER_UTF | PCRE2_NEVER_UCP |
+                           (ignore_case ? PCRE2_CASELESS : 0);
+  const uint32_t key = options | (multiline ? 1u << 31 : 0);
+  if (compiled_ && compiled_options_ == key) return *compiled_;
   compiled_.reset();
+  const PatternTranslation pattern = TranslatePattern(pattern_, ignore_case, multiline);
+  if (pattern.error) throw Error(pattern.error);
   int error_code = 0;
   PCRE2_SIZE error_offset = 0;
   auto c = std::make_unique<Compiled>();
-  c->code = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern_.data()), pattern_.size(), options,
-                          &error_code, &error_offset, nullptr);
+  c->code = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern.pcre.data()), pattern.pcre.size(),
+                          options, &error_code, &error_offset, nullptr);
   if (!c->code) throw Error(PatternErrorNumber(error_code));
   c->match = pcre2_match_data_create_from_pattern(c->code, nullptr);
   if (!c->match) throw Error(kErrOutOfMemory);
   pcre2_pattern_info(c->code, PCRE2_INFO_CAPTURECOUNT, &c->groups);
   compiled_ = std::move(c);
-  compiled_options_ = options;
+  compiled_options_ = key;
   return *compiled_;
 }
 
@@ -293,9 +292,18 @@ class MatchCollection : public DispatchObject<MatchCollection> {
   std::vector<Variant> items_;
 };
 
+// Text arguments are converted the way COM converts a Variant to a BSTR: booleans become
+// "-1" and "0", and Null is a type mismatch.
+String Text(const Variant& arg) {
+  const Variant v = ValueOf(arg);
+  if (v.is_null()) throw Error(kErrTypeMismatch);
+  if (v.type() == VarType::Boolean) return String(v.as_bool() ? u"-1" : u"0");
+  return ToString(v);
+}
+
 String TextArg(Args a, size_t i) {
   CheckArgCount(a, i + 1, i + 1);
-  return ToString(a[i]);
+  return Text(a[i]);
 }
 
 bool BoolArg(const Variant& v) {
@@ -309,7 +317,7 @@ const DispatchTable<RegExp>& RegExp::Table() {
       DispatchTable<RegExp>(u"IRegExp2")
           .Property(
               u"Pattern", [](RegExp& r, Args) { return Variant(r.pattern_); },
-              [](RegExp& r, Args, const Variant& v) { r.set_pattern(ToString(v)); })
+              [](RegExp& r, Args, const Variant& v) { r.set_pattern(Text(v)); })
           .Property(
               u"Global", [](RegExp& r, Args) { return Variant(r.global); },
               [](RegExp& r, Args, const Variant& v) { r.global = BoolArg(v); })
@@ -326,7 +334,7 @@ const DispatchTable<RegExp>& RegExp::Table() {
                   })
           .Method(u"Replace", [](RegExp& r, Args a) {
             CheckArgCount(a, 2, 2);
-            return Variant(r.Replace(ToString(a[0]), ToString(a[1])));
+            return Variant(r.Replace(Text(a[0]), Text(a[1])));
           });
   return table;
 }
