@@ -46,24 +46,45 @@ size_t LastSeparator(StringView p) {
   return StringView::npos;
 }
 
+// "C:" and the like: a drive name, which paths written for Windows may start with.
+bool IsDriveSpec(StringView p) {
+  return p.size() == 2 && p[1] == u':' &&
+         ((p[0] >= u'A' && p[0] <= u'Z') || (p[0] >= u'a' && p[0] <= u'z'));
+}
+
 String FileNameOf(StringView path) {
   const StringView p = StripTrailing(path);
   if (p.size() == 1 && IsSeparator(p[0])) return {};
+  if (IsDriveSpec(p)) return {};
   const size_t at = LastSeparator(p);
   return String(at == StringView::npos ? p : p.substr(at + 1));
 }
 
+// The path up to its last name, with the separators it was written with; a drive keeps the
+// separator after it ("C:\a" gives "C:\").
 String ParentOf(StringView path) {
   const StringView p = StripTrailing(path);
-  const size_t at = LastSeparator(p);
-  if (at == StringView::npos || (p.size() == 1)) return {};
-  if (at == 0) return String(u"/");
-  String out(p.substr(0, at));
-  std::u16string text(out.view());
-  for (Char& c : text) {
-    if (c == u'\\') c = u'/';
-  }
-  return String(StringView(text));
+  size_t end = LastSeparator(p);
+  if (end == StringView::npos || p.size() == 1) return {};
+  while (end > 0 && IsSeparator(p[end - 1]))
+    --end;
+  if (end == 0) return String(p.substr(0, 1));
+  if (IsDriveSpec(p.substr(0, end))) return String(p.substr(0, end + 1));
+  return String(p.substr(0, end));
+}
+
+// "C:" of "C:\x", "\\server\share" of a network path, else nothing: Linux has no drives.
+String DriveNameOf(StringView p) {
+  if (p.size() >= 2 && IsDriveSpec(p.substr(0, 2))) return String(p.substr(0, 2));
+  if (p.size() < 3 || !IsSeparator(p[0]) || !IsSeparator(p[1])) return {};
+  size_t at = 2;
+  while (at < p.size() && !IsSeparator(p[at]))
+    ++at;
+  if (at >= p.size()) return {};
+  ++at;
+  while (at < p.size() && !IsSeparator(p[at]))
+    ++at;
+  return String(p.substr(0, at));
 }
 
 String BaseNameOf(StringView path) {
@@ -78,10 +99,18 @@ String ExtensionOf(StringView path) {
   return dot == StringView::npos ? String() : String(name.view().substr(dot + 1));
 }
 
+// Joins with one separator between: the kind the path already uses ("/" when it has none),
+// none after a bare drive name, and one fewer when both sides bring their own.
 String BuildPath(StringView path, StringView name) {
   if (path.empty()) return String(name);
-  if (IsSeparator(path.back()) || (!name.empty() && IsSeparator(name[0]))) return path + name;
-  return path + StringView(u"/") + name;
+  if (name.empty()) return String(path);
+  const bool path_ends = IsSeparator(path.back());
+  const bool name_starts = IsSeparator(name[0]);
+  if (path_ends && name_starts) return path + name.substr(1);
+  if (path_ends || name_starts || IsDriveSpec(path)) return path + name;
+  const size_t last = LastSeparator(path);
+  const StringView separator = last != StringView::npos && path[last] == u'\\' ? u"\\" : u"/";
+  return path + separator + name;
 }
 
 bool HasWildcard(const fs::path& p) {
@@ -262,7 +291,14 @@ const DispatchTable<FileSystemObject>& FileSystemObject::Table() {
           .Method(u"GetDriveName",
                   [](F&, Args a) {
                     CheckArgCount(a, 1, 1);
-                    return Variant(String());
+                    return Variant(DriveNameOf(PathArg(a, 0)));
+                  })
+          .Method(u"GetStandardStream",
+                  [](F&, Args a) {
+                    CheckArgCount(a, 1, 2);
+                    const int32_t which = ToLong(a[0]);
+                    if (which < 0 || which > 2) Raise(kErrInvalidCall);
+                    return Variant(TextStream::Standard(which));
                   })
           .Method(u"GetTempName",
                   [](F&, Args a) {

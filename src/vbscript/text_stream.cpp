@@ -52,10 +52,39 @@ std::u16string Decode(const std::string& bytes, bool unicode) {
   return std::u16string(String::FromUtf8(bytes).view());
 }
 
+bool StartsWithUtf16Bom(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  char bom[2] = {};
+  return in.read(bom, 2) && bom[0] == '\xFF' && bom[1] == '\xFE';
+}
+
 }  // namespace
 
 TextStream::~TextStream() {
-  if (file_) std::fclose(file_);
+  if (file_ && !borrowed_) std::fclose(file_);
+}
+
+Ref<TextStream> TextStream::Standard(int32_t which) {
+  auto stream = MakeRef<TextStream>();
+  stream->borrowed_ = true;
+  if (which == 0) {
+    stream->mode_ = IoMode::Reading;
+    stream->stdin_pending_ = true;
+    return stream;
+  }
+  stream->mode_ = IoMode::Writing;
+  stream->file_ = which == 1 ? stdout : stderr;
+  return stream;
+}
+
+void TextStream::LoadStandardInput() {
+  stdin_pending_ = false;
+  std::string bytes;
+  char buf[4096];
+  size_t n;
+  while ((n = std::fread(buf, 1, sizeof buf, stdin)) > 0)
+    bytes.append(buf, n);
+  text_ = Decode(bytes, false);
 }
 
 Ref<TextStream> TextStream::Open(const std::string& path, IoMode mode, bool create,
@@ -75,6 +104,8 @@ Ref<TextStream> TextStream::Open(const std::string& path, IoMode mode, bool crea
   }
   if (!exists && !create) Raise(kErrFileNotFound);
   const bool append = mode == IoMode::Appending;
+  if (append && exists && format == TextFormat::Default)
+    stream->unicode_ = StartsWithUtf16Bom(path);
   errno = 0;
   stream->file_ = std::fopen(path.c_str(), append ? "ab" : "wb");
   if (!stream->file_) RaiseOpenFailure(path);
@@ -83,9 +114,10 @@ Ref<TextStream> TextStream::Open(const std::string& path, IoMode mode, bool crea
   return stream;
 }
 
-void TextStream::RequireReading() const {
+void TextStream::RequireReading() {
   if (mode_ != IoMode::Reading) Raise(kErrBadFileMode);
   if (file_ == nullptr && at_ == SIZE_MAX) Raise(kErrBadFileNameOrNumber);
+  if (stdin_pending_) LoadStandardInput();
 }
 
 void TextStream::RequireWriting() const {
@@ -104,12 +136,12 @@ void TextStream::Advance(size_t count) {
   }
 }
 
-bool TextStream::AtEndOfStream() const {
+bool TextStream::AtEndOfStream() {
   RequireReading();
   return at_ >= text_.size();
 }
 
-bool TextStream::AtEndOfLine() const {
+bool TextStream::AtEndOfLine() {
   RequireReading();
   return at_ >= text_.size() || text_[at_] == u'\r' || text_[at_] == u'\n';
 }
@@ -127,20 +159,13 @@ String TextStream::Read(int32_t count) {
 String TextStream::ReadLine() {
   RequireReading();
   if (at_ >= text_.size()) Raise(kErrInputPastEnd);
-  size_t end = at_;
-  while (end < text_.size() && text_[end] != u'\r' && text_[end] != u'\n')
-    ++end;
-  String out(StringView(text_).substr(at_, end - at_));
-  size_t next = end;
-  if (next < text_.size() && text_[next] == u'\r') ++next;
-  if (next < text_.size() && text_[next] == u'\n') ++next;
-  at_ = end;
-  Advance(next - end);
-  if (next > end && text_[next - 1] == u'\r') {
-    // A lone CR ends a line too.
-    ++line_;
-    column_ = 1;
-  }
+  // Only a line feed ends a line (a CR just before it goes with it); a lone CR is text.
+  const size_t feed = StringView(text_).find(u'\n', at_);
+  const size_t end = feed == StringView::npos ? text_.size() : feed;
+  const size_t cut =
+      (end > at_ && text_[end - 1] == u'\r' && feed != StringView::npos) ? end - 1 : end;
+  String out(StringView(text_).substr(at_, cut - at_));
+  Advance(end - at_ + (feed == StringView::npos ? 0 : 1));
   return out;
 }
 
@@ -201,7 +226,7 @@ void TextStream::WriteBlankLines(int32_t count) {
 
 void TextStream::Close() {
   if (file_) {
-    const bool failed = std::fclose(file_) != 0;
+    const bool failed = borrowed_ ? std::fflush(file_) != 0 : std::fclose(file_) != 0;
     file_ = nullptr;
     mode_ = IoMode::Writing;
     if (failed) Raise(kErrDeviceIo);

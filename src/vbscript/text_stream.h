@@ -23,6 +23,8 @@ class TextStream : public DispatchObject<TextStream> {
   // Opens `path`; raises 53 for a missing file to read, 76 for a missing folder, 70 when the
   // system refuses.
   static Ref<TextStream> Open(const std::string& path, IoMode mode, bool create, TextFormat format);
+  // The process's standard input (0), output (1) or error (2), which Close leaves open.
+  static Ref<TextStream> Standard(int32_t which);
 
   String Read(int32_t count);
   String ReadLine();
@@ -33,20 +35,23 @@ class TextStream : public DispatchObject<TextStream> {
   void WriteLine(StringView text);
   void WriteBlankLines(int32_t count);
   void Close();
-  bool AtEndOfStream() const;
-  bool AtEndOfLine() const;
+  bool AtEndOfStream();
+  bool AtEndOfLine();
   int32_t line() const { return line_; }
   int32_t column() const { return column_; }
 
  private:
-  void RequireReading() const;
+  void RequireReading();
+  void LoadStandardInput();
   void RequireWriting() const;
   void Advance(size_t count);
 
   IoMode mode_ = IoMode::Reading;
   bool unicode_ = false;
-  std::FILE* file_ = nullptr;  // open while writing
-  std::u16string text_;        // the decoded file while reading
+  std::FILE* file_ = nullptr;   // open while writing
+  bool borrowed_ = false;       // a standard stream, not ours to close
+  bool stdin_pending_ = false;  // standard input, read at the first call that needs it
+  std::u16string text_;         // the decoded file while reading
   size_t at_ = 0;
   int32_t line_ = 1;
   int32_t column_ = 1;

@@ -66,7 +66,7 @@ TEST_F(RuntimeFso, PathFunctionsWorkOnTextWithEitherSeparator) {
   EXPECT_EQ(call(u"GetBaseName", {u"a/b/c.tar.gz"}), "c.tar");
   EXPECT_EQ(call(u"GetExtensionName", {u"a\\c.TXT"}), "TXT");
   EXPECT_EQ(call(u"GetExtensionName", {u"a\\c"}), "");
-  EXPECT_EQ(call(u"GetParentFolderName", {u"a\\b\\c.txt"}), "a/b");
+  EXPECT_EQ(call(u"GetParentFolderName", {u"a\\b\\c.txt"}), "a\\b");
   EXPECT_EQ(call(u"GetParentFolderName", {u"c.txt"}), "");
   EXPECT_EQ(call(u"GetParentFolderName", {u"/c.txt"}), "/");
   EXPECT_EQ(call(u"BuildPath", {u"a", u"b.txt"}), "a/b.txt");

@@ -30,7 +30,7 @@ Check fso.OpenTextFile(root & "/u.txt").ReadAll, "€", "BOM honoured on reading
 Check fso.GetFileName(root & "\a.txt"), "a.txt", "GetFileName"
 Check fso.GetBaseName("x/y.tar.gz"), "y.tar", "GetBaseName"
 Check fso.GetExtensionName("x\y.TXT"), "TXT", "GetExtensionName"
-Check fso.GetParentFolderName("a\b\c.txt"), "a/b", "GetParentFolderName"
+Check fso.GetParentFolderName("a\b\c.txt"), "a\b", "GetParentFolderName"
 Check fso.BuildPath("a", "b"), "a/b", "BuildPath"
 
 fso.CreateFolder root & "/sub"

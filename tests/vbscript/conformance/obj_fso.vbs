@@ -1,0 +1,113 @@
+' FileSystemObject details scripts written for Windows rely on: the path functions keep the
+' separators they are given, text streams split lines at line feeds only, Unicode files stay
+' Unicode when appended to, and the error numbers of the file operations.
+Dim fso, root, ts, i, t
+Set fso = CreateObject("Scripting.FileSystemObject")
+
+' Path text, worked out without touching the disk.
+Check fso.GetParentFolderName("a\b\c"), "a\b", "parent keeps backslashes"
+Check fso.GetParentFolderName("a/b/c"), "a/b", "parent keeps slashes"
+Check fso.GetParentFolderName("a/b//\\"), "a", "trailing separators go"
+Check fso.GetParentFolderName("C:\\x"), "C:\", "a drive keeps its separator"
+Check fso.GetParentFolderName("ac:\x"), "ac:", "only a one-letter drive"
+Check fso.GetParentFolderName("name"), "", "no parent"
+Check fso.GetFileName("a\"), "a", "file name before a trailing separator"
+Check fso.GetFileName("C:"), "", "a drive has no file name"
+Check fso.GetFileName("/\"), "", "the root has no file name"
+Check fso.GetBaseName("a/a.b.c"), "a.b", "base name drops the last extension"
+Check fso.GetBaseName(".a"), "", "a name that is all extension"
+Check fso.GetExtensionName("a/b.tar.gz"), "gz", "extension"
+Check fso.GetExtensionName("a/b"), "", "no extension"
+Check fso.GetDriveName("C:\a.txt"), "C:", "drive name"
+Check fso.GetDriveName("o:"), "o:", "lower-case drive name"
+Check fso.GetDriveName("\\srv\share\x"), "\\srv\share", "network share"
+Check fso.GetDriveName("OO:"), "", "not a drive"
+Check fso.GetDriveName("/usr/lib"), "", "Linux paths have no drive"
+Check fso.BuildPath("C:\path", "..\n.tmp"), "C:\path\..\n.tmp", "BuildPath joins with a backslash"
+Check fso.BuildPath("C:\path", "\n.tmp"), "C:\path\n.tmp", "BuildPath, name with separator"
+Check fso.BuildPath("C:\path\", "\n.tmp"), "C:\path\n.tmp", "BuildPath, both with separators"
+Check fso.BuildPath("C:\path\", "\\n.tmp"), "C:\path\\n.tmp", "BuildPath drops only one"
+Check fso.BuildPath("C:", "n.tmp"), "C:n.tmp", "BuildPath after a bare drive"
+Check fso.BuildPath("/usr", "lib"), "/usr/lib", "BuildPath on Linux paths"
+Check fso.BuildPath("path", ""), "path", "BuildPath with no name"
+Check fso.BuildPath("", "name"), "name", "BuildPath with no path"
+Check Left(fso.GetTempName, 3) & Right(fso.GetTempName, 4), "rad.tmp", "GetTempName"
+Check Len(fso.GetTempName), CLng(12), "GetTempName length"
+
+root = fso.BuildPath(fso.GetSpecialFolder(2).Path, "obj_fso_" & fso.GetTempName())
+fso.CreateFolder root
+
+' Lines end at LF (with a CR before it); a lone CR is part of the line.
+Set ts = fso.CreateTextFile(root & "/lines.txt")
+ts.Write "first line" & vbCrLf & "second" & vbLf & vbLf & vbCr & "t" & vbCr & vbCr & "e " & vbCr & "st" & vbLf & "last"
+ts.Close
+Set ts = fso.OpenTextFile(root & "/lines.txt")
+Check ts.ReadLine, "first line", "CR LF ends a line"
+Check ts.ReadLine, "second", "LF ends a line"
+Check ts.ReadLine, "", "an empty line"
+Check ts.ReadLine, vbCr & "t" & vbCr & vbCr & "e " & vbCr & "st", "lone CRs stay"
+Check ts.Line, CLng(5), "Line counts line feeds"
+Check ts.ReadLine, "last", "the last line without an end"
+Check ts.AtEndOfStream, True, "at the end"
+CheckError "x = ts.ReadLine", 62, "ReadLine past the end"
+CheckError "x = ts.ReadAll", 62, "ReadAll past the end"
+CheckError "x = ts.Read(1)", 62, "Read past the end"
+CheckError "ts.Write ""x""", 54, "writing a stream opened for reading"
+ts.Close
+Set ts = fso.OpenTextFile(root & "/lines.txt")
+CheckError "x = ts.Read(-1)", 5, "a negative count"
+Check ts.Read(0), "", "Read(0)"
+ts.SkipLine
+Check ts.Read(3), "sec", "Read after SkipLine"
+Check ts.Column, CLng(4), "Column"
+ts.Close
+
+' Appending with the default format continues a Unicode file in Unicode.
+Set ts = fso.CreateTextFile(root & "/u.txt", True, True)
+ts.Write "ab"
+ts.Close
+Set ts = fso.OpenTextFile(root & "/u.txt", 8, False, -2)
+ts.Write "c"
+ts.Close
+Check fso.GetFile(root & "/u.txt").Size, CLng(8), "BOM and three UTF-16 units"
+Check fso.OpenTextFile(root & "/u.txt", 1, False, -1).ReadAll, "abc", "read back as Unicode"
+
+Set ts = fso.OpenTextFile(root & "/w.txt", 2, True)
+CheckError "x = ts.ReadAll", 54, "reading a stream opened for writing"
+CheckError "x = ts.AtEndOfStream", 54, "AtEndOfStream while writing"
+ts.Close
+Set ts = fso.OpenTextFile(root & "/w.txt", 8)
+CheckError "x = ts.Read(1)", 54, "reading a stream opened for appending"
+ts.Close
+
+' Errors of the file operations.
+CheckError "fso.CreateTextFile root & ""/missing/x.txt""", 76, "CreateTextFile in a missing folder"
+CheckError "fso.CreateTextFile root & ""/w.txt"", False", 58, "CreateTextFile without overwrite"
+CheckError "fso.CreateFolder root", 58, "CreateFolder of an existing folder"
+CheckError "Set f = fso.GetFile(root & ""/nothere"")", 53, "GetFile of a missing file"
+CheckError "Set f = fso.GetFile(root)", 53, "GetFile of a folder"
+CheckError "Set f = fso.GetFolder(root & ""/nothere"")", 76, "GetFolder of a missing folder"
+CheckError "fso.CopyFile root & ""/nothere"", root & ""/x""", 53, "CopyFile of a missing file"
+CheckError "fso.CopyFolder root & ""/nothere"", root & ""/x""", 76, "CopyFolder of a missing folder"
+CheckError "fso.CopyFolder root & ""/w.txt"", root & ""/x""", 76, "CopyFolder of a file"
+CheckError "fso.DeleteFile root & ""/nothere""", 53, "DeleteFile of a missing file"
+CheckError "fso.DeleteFolder root & ""/nothere""", 76, "DeleteFolder of a missing folder"
+CheckError "x = fso.OpenTextFile(root & ""/nothere"")", 53, "OpenTextFile of a missing file"
+CheckError "x = fso.OpenTextFile(root & ""/w.txt"", 3)", 5, "an unknown mode"
+CheckError "x = fso.GetStandardStream(3)", 5, "an unknown standard stream"
+
+' Wildcards copy every match into a folder.
+fso.CreateFolder root & "/src1"
+fso.CreateFolder root & "/src2"
+fso.CreateFolder root & "/dst"
+fso.CopyFile root & "/*.txt", root & "/dst/"
+Check fso.FileExists(root & "/dst/lines.txt") And fso.FileExists(root & "/dst/u.txt"), True, "CopyFile with a wildcard"
+fso.CopyFolder root & "/src*", root & "/dst"
+Check fso.FolderExists(root & "/dst/src1") And fso.FolderExists(root & "/dst/src2"), True, "CopyFolder with a wildcard"
+CheckError "fso.CopyFile root & ""/*.none"", root & ""/dst/""", 53, "a wildcard that matches nothing"
+fso.DeleteFile root & "/dst/*.txt"
+Check fso.FileExists(root & "/dst/u.txt"), False, "DeleteFile with a wildcard"
+
+Check TypeName(fso.GetStandardStream(1)), "TextStream", "GetStandardStream"
+fso.DeleteFolder root
+Check fso.FolderExists(root), False, "DeleteFolder"
