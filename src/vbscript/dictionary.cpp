@@ -240,6 +240,7 @@ void Dictionary::RemoveAll() {
 }
 
 void Dictionary::set_compare_mode(int32_t mode) {
+  // Any mode from 0 up is taken (above 1 they compare as text), but only while empty.
   if (mode < 0) throw Error(kErrInvalidCall);
   if (live_ != 0) throw Error(kErrInvalidCall);
   compare_mode_ = mode;
@@ -263,8 +264,33 @@ Variant Dictionary::Items() const {
   return Variant(SafeArray::FromValues(std::move(items)));
 }
 
+// The numbers Windows reports: a shift-and-add over the characters (folded to lower case
+// under text compare), or the bits of the number as a single-precision float; modulo 1201.
 int32_t Dictionary::HashVal(const Variant& key) const {
-  return static_cast<int32_t>(HashOf(key) % 1201);
+  constexpr uint32_t kBuckets = 1201;
+  switch (key.type()) {
+    case VarType::String: {
+      uint32_t h = 0;
+      for (const Char c : key.as_string().view())
+        h += (h << 4) + (text_keys() ? ToLowerChar(c) : c);
+      return static_cast<int32_t>(h % kBuckets);
+    }
+    case VarType::Byte:
+    case VarType::Integer:
+    case VarType::Long:
+    case VarType::Single:
+    case VarType::Double:
+    case VarType::Date: {
+      const float f = static_cast<float>(ToDouble(key));
+      if (std::isnan(f)) throw Error(kErrInvalidCall);
+      if (std::isinf(f)) return 0;
+      uint32_t bits;
+      std::memcpy(&bits, &f, sizeof bits);
+      return static_cast<int32_t>(bits % kBuckets);
+    }
+    default:
+      return static_cast<int32_t>(HashOf(key) % kBuckets);
+  }
 }
 
 Ref<Enumerator> Dictionary::NewEnum() {

@@ -854,13 +854,24 @@ Variant Vm::CallIntrinsic(Frame& f, Intrinsic which, Args args, bool want) {
     case Intrinsic::CreateObject: {
       CheckArgCount(args, 1, 2);
       const String id = ToString(args[0]);
+      // Objects live on this machine only: naming another server is an unreachable one.
+      if (HasArg(args, 1) && !ToString(args[1]).empty())
+        Raise(462);  // "The remote server machine does not exist or is unavailable"
       Ref<Object> object = registry_ ? registry_->Create(id) : Ref<Object>();
       if (!object) RaiseNamed(kErrCannotCreateObject, id);
       return Variant(object);
     }
-    case Intrinsic::GetObject:
+    case Intrinsic::GetObject: {
       CheckArgCount(args, 0, 2);
-      Raise(kErrCannotCreateObject);
+      // An empty path with a class makes a new object; there are no running objects or
+      // monikers to find, so anything else fails as a missing class does.
+      const bool empty_path = HasArg(args, 0) && ToString(args[0]).empty();
+      if (empty_path && HasArg(args, 1) && registry_) {
+        Ref<Object> object = registry_->Create(ToString(args[1]));
+        if (object) return Variant(object);
+      }
+      RaiseNamed(kErrCannotCreateObject, u"GetObject");
+    }
   }
   return Variant();
 }
