@@ -75,12 +75,27 @@ String NameOf(const fs::path& p) {
   return String::FromUtf8(p.filename().string());
 }
 
+// The type names a stock Windows installation registers; any other extension is "<EXT> File".
 String TypeOf(const fs::path& p) {
   std::string ext = p.extension().string();
   if (ext.size() <= 1) return u"File";
   ext = ext.substr(1);
   std::transform(ext.begin(), ext.end(), ext.begin(),
                  [](unsigned char c) { return std::toupper(c); });
+  static const std::pair<const char*, const char16_t*> kKnown[] = {
+      {"TXT", u"Text Document"},
+      {"LOG", u"Text Document"},
+      {"VBS", u"VBScript Script File"},
+      {"JS", u"JScript Script File"},
+      {"BAT", u"Windows Batch File"},
+      {"CMD", u"Windows Command Script"},
+      {"EXE", u"Application"},
+      {"DLL", u"Application extension"},
+      {"INI", u"Configuration settings"},
+      {"ZIP", u"Compressed (zipped) Folder"}};
+  for (const auto& [known, name] : kKnown) {
+    if (ext == known) return String(name);
+  }
   return String::FromUtf8(ext) + u" File";
 }
 

@@ -293,6 +293,15 @@ const DispatchTable<FileSystemObject>& FileSystemObject::Table() {
                     CheckArgCount(a, 1, 1);
                     return Variant(DriveNameOf(PathArg(a, 0)));
                   })
+          .Method(u"GetFileVersion",
+                  [](F&, Args a) {
+                    // Version resources belong to Windows executables; other files have none.
+                    CheckArgCount(a, 1, 1);
+                    std::error_code ec;
+                    const fs::path p = NativePath(PathArg(a, 0));
+                    if (!fs::exists(p, ec) || fs::is_directory(p, ec)) Raise(kErrFileNotFound);
+                    return Variant(String());
+                  })
           .Method(u"GetStandardStream",
                   [](F&, Args a) {
                     CheckArgCount(a, 1, 2);

@@ -109,5 +109,9 @@ fso.DeleteFile root & "/dst/*.txt"
 Check fso.FileExists(root & "/dst/u.txt"), False, "DeleteFile with a wildcard"
 
 Check TypeName(fso.GetStandardStream(1)), "TextStream", "GetStandardStream"
+Check fso.GetFile(root & "/lines.txt").Type, "Text Document", "the type of a text file"
+fso.CopyFile root & "/lines.txt", root & "/lines.xyz"
+Check fso.GetFile(root & "/lines.xyz").Type, "XYZ File", "the type of an unknown extension"
+Check fso.GetFileVersion(root & "/lines.xyz"), "", "a file without a version"
 fso.DeleteFolder root
 Check fso.FolderExists(root), False, "DeleteFolder"
