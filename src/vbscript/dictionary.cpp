@@ -3,6 +3,7 @@
 // leaves a hole that a later rebuild closes, so Remove stays O(1) and the order is kept.
 #include "vbscript/dictionary.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -13,20 +14,26 @@ namespace qv::vbs {
 
 namespace {
 
-// For Each walks a snapshot of the keys, so a loop that changes the dictionary is safe.
+// Walks the live dictionary by adding order. Once it has reported the end it stays there until
+// Reset, even if keys are added afterwards.
 class KeyEnumerator : public Enumerator {
  public:
-  explicit KeyEnumerator(std::vector<Variant> keys) : keys_(std::move(keys)) {}
+  explicit KeyEnumerator(Ref<Dictionary> d) : d_(std::move(d)) {}
   bool Next(Variant& item) override {
-    if (at_ >= keys_.size()) return false;
-    item = keys_[at_++];
-    return true;
+    if (done_) return false;
+    if (d_->KeyFrom(from_, item, from_)) return true;
+    done_ = true;
+    return false;
   }
-  void Reset() override { at_ = 0; }
+  void Reset() override {
+    from_ = 0;
+    done_ = false;
+  }
 
  private:
-  std::vector<Variant> keys_;
-  size_t at_ = 0;
+  Ref<Dictionary> d_;
+  uint64_t from_ = 0;
+  bool done_ = false;
 };
 
 }  // namespace
@@ -141,7 +148,7 @@ size_t Dictionary::FindEntry(const Variant& key) const {
 
 void Dictionary::Insert(const Variant& key, size_t hash, size_t slot, const Variant& item) {
   if (slots_[slot] == kFree) ++used_slots_;
-  entries_.push_back(Entry{key, item, hash});
+  entries_.push_back(Entry{key, item, hash, true, next_sequence_++});
   slots_[slot] = static_cast<uint32_t>(entries_.size());
   ++live_;
 }
@@ -226,7 +233,9 @@ void Dictionary::Remove(const Variant& key) {
   const size_t slot = slots_.empty() ? 0 : Probe(key, hash, found);
   if (!found) throw Error(kErrElementNotFound);
   Entry& e = entries_[slots_[slot] - 1];
-  e = Entry{{}, {}, 0, false};
+  e.key = Variant();
+  e.item = Variant();
+  e.alive = false;
   slots_[slot] = kGone;
   --live_;
   if (entries_.size() > 32 && live_ * 2 < entries_.size()) Rebuild(slots_.size());
@@ -294,12 +303,19 @@ int32_t Dictionary::HashVal(const Variant& key) const {
 }
 
 Ref<Enumerator> Dictionary::NewEnum() {
-  std::vector<Variant> keys;
-  keys.reserve(live_);
-  for (const Entry& e : entries_) {
-    if (e.alive) keys.push_back(e.key);
+  return MakeRef<KeyEnumerator>(Ref<Dictionary>(this));
+}
+
+bool Dictionary::KeyFrom(uint64_t sequence, Variant& key, uint64_t& next) const {
+  auto it = std::lower_bound(entries_.begin(), entries_.end(), sequence,
+                             [](const Entry& e, uint64_t s) { return e.sequence < s; });
+  for (; it != entries_.end(); ++it) {
+    if (!it->alive) continue;
+    key = it->key;
+    next = it->sequence + 1;
+    return true;
   }
-  return MakeRef<KeyEnumerator>(std::move(keys));
+  return false;
 }
 
 namespace {

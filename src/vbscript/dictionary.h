@@ -30,7 +30,12 @@ class Dictionary : public DispatchObject<Dictionary> {
   Variant Items() const;
   int32_t HashVal(const Variant& key) const;
 
+  // For Each sees the dictionary as it is at each step: keys added during the loop come up
+  // in turn, removed ones are passed over.
   Ref<Enumerator> NewEnum() override;
+  // The first live key added at or after `sequence`, and the sequence after it; false when
+  // there is none.
+  bool KeyFrom(uint64_t sequence, Variant& key, uint64_t& next) const;
 
  private:
   struct Entry {
@@ -38,6 +43,7 @@ class Dictionary : public DispatchObject<Dictionary> {
     Variant item;
     size_t hash = 0;
     bool alive = true;
+    uint64_t sequence = 0;  // order of adding, kept across index rebuilds
   };
   static constexpr uint32_t kFree = 0;
   static constexpr uint32_t kGone = UINT32_MAX;
@@ -59,6 +65,7 @@ class Dictionary : public DispatchObject<Dictionary> {
   std::vector<uint32_t> slots_;  // open addressing: entry index + 1, kFree or kGone
   size_t live_ = 0;
   size_t used_slots_ = 0;  // live entries and tombstones
+  uint64_t next_sequence_ = 0;
 };
 
 }  // namespace qv::vbs

@@ -159,7 +159,7 @@ TEST_F(RuntimeFso, FoldersFilesCopyMoveAndDelete) {
   EXPECT_EQ(ToLong(f.Get(u"Size")), 3);
   const Variant file = fso_->Call(u"GetFile", {P("sub/two.log")});
   EXPECT_EQ(ToLong(file.as_object()->Get(u"Size")), 2);
-  EXPECT_EQ(ToString(file.as_object()->Get(u"Type")), u"LOG File");
+  EXPECT_EQ(ToString(file.as_object()->Get(u"Type")), u"Text Document");
   EXPECT_EQ(ToString(file.as_object()->Get(u"ParentFolder")), ToString(f.Get(u"Path")));
   EXPECT_EQ(ErrorOf(u"GetFile", {P("sub/none")}), 53);
   EXPECT_EQ(ErrorOf(u"GetFolder", {P("none")}), 76);

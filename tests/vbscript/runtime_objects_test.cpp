@@ -121,6 +121,34 @@ TEST(RuntimeDictionary, ManyEntriesSurviveRemovalAndCompaction) {
   EXPECT_FALSE(ToBool(d->Call(u"Exists", {L(998)})));
 }
 
+// The enumerator follows the dictionary through removals and the compaction they trigger,
+// sees keys added before it reaches the end, and stays at the end once there until Reset.
+TEST(RuntimeDictionary, EnumeratorIsLive) {
+  const Ref<Object> d = ClassRegistry::WithStandardClasses().Create(u"Scripting.Dictionary");
+  const Ref<Enumerator> e = d->NewEnum();
+  Variant key;
+  d->Call(u"Add", {I(1), I(100)});
+  d->Call(u"Add", {I(4000), I(200)});
+  d->Call(u"Add", {I(0), I(300)});
+  e->Reset();
+  d->Call(u"Remove", {I(1)});
+  ASSERT_TRUE(e->Next(key));
+  EXPECT_EQ(ToLong(key), 4000);
+  for (int32_t i = 10; i < 200; ++i)
+    d->Call(u"Add", {L(i), L(i)});
+  for (int32_t i = 10; i < 190; ++i)
+    d->Call(u"Remove", {L(i)});  // enough holes to compact the entries
+  std::vector<int32_t> rest;
+  while (e->Next(key))
+    rest.push_back(ToLong(key));
+  EXPECT_EQ(rest, (std::vector<int32_t>{0, 190, 191, 192, 193, 194, 195, 196, 197, 198, 199}));
+  d->Call(u"Add", {I(13), I(350)});
+  EXPECT_FALSE(e->Next(key));
+  e->Reset();
+  ASSERT_TRUE(e->Next(key));
+  EXPECT_EQ(ToLong(key), 4000);
+}
+
 Ref<Object> MakeRegExp(StringView pattern, bool global = false, bool ignore_case = false) {
   const Ref<Object> r = NewRegExp();
   r->Let(u"Pattern", Variant(pattern));

@@ -51,6 +51,25 @@ Next
 Check d.Count, CLng(0), "removed inside For Each"
 Check UBound(d.Items), CLng(-1), "Items of an empty dictionary"
 
+' The walk is live: keys added on the way come up, keys removed ahead are passed over.
+d.Add "a", 1
+d.Add "b", 2
+d.Add "c", 3
+t = ""
+For Each k In d
+  t = t & k
+  If k = "a" Then d.Remove "b"
+  If k = "c" Then d.Add "d", 4
+Next
+Check t, "acd", "For Each over a changing dictionary"
+t = ""
+For Each k In d.Keys
+  t = t & k
+  If k = "a" Then d.Add "e", 5
+Next
+Check t, "acd", "Keys is a copy"
+d.RemoveAll
+
 ' CompareMode: text compare for 1 and above, and only while empty.
 d.CompareMode = 2
 d.Add "Straße", 1
