@@ -336,7 +336,12 @@ FileList::FileList(fs::path folder, bool folders) : folder_(std::move(folder)), 
     std::error_code type_ec;
     if (entry.is_directory(type_ec) == folders) entries_.push_back(entry.path());
   }
-  std::sort(entries_.begin(), entries_.end());
+  // NTFS lists a folder in upper-case order, so "a.txt" comes before "B.txt".
+  std::sort(entries_.begin(), entries_.end(), [](const fs::path& a, const fs::path& b) {
+    const String x = NameOf(a), y = NameOf(b);
+    const int order = CompareBinary(ToUpper(x), ToUpper(y));
+    return order != 0 ? order < 0 : CompareBinary(x, y) < 0;
+  });
 }
 
 Ref<Enumerator> FileList::NewEnum() {

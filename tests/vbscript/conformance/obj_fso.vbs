@@ -106,6 +106,16 @@ CheckError "fso.CopyFile root & ""/*.none"", root & ""/dst/""", 53, "a wildcard 
 fso.DeleteFile root & "/dst/*.txt"
 Check fso.FileExists(root & "/dst/u.txt"), False, "DeleteFile with a wildcard"
 
+' A folder lists its files in upper-case order.
+For Each i In Array("B.txt", "a.txt", "C.txt")
+  fso.CreateTextFile(root & "/dst/" & i).Close
+Next
+t = ""
+For Each i In fso.GetFolder(root & "/dst").Files
+  t = t & i.Name & ";"
+Next
+Check t, "a.txt;B.txt;C.txt;", "Files in upper-case order"
+
 Check TypeName(fso.GetStandardStream(1)), "TextStream", "GetStandardStream"
 Check fso.GetFile(root & "/lines.txt").Type, "Text Document", "the type of a text file"
 fso.CopyFile root & "/lines.txt", root & "/lines.xyz"
