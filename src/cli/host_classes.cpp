@@ -2,15 +2,28 @@
 // that a script's root has its entry points wired and its defaults read, as a host's would.
 #include "cli/host_classes.h"
 
+#include "model/chart.h"
+#include "model/charts.h"
+#include "model/database.h"
+#include "model/databases.h"
+#include "model/extension.h"
+#include "model/extensions.h"
+#include "model/field.h"
+#include "model/fields.h"
 #include "model/properties.h"
 #include "model/super_collection.h"
+#include "model/table.h"
+#include "model/tables.h"
 #include "root/create_tyx.h"
 #include "support/status.h"
 #include "templates/block_parser.h"
+#include "templates/control.h"
 #include "templates/controls.h"
 #include "templates/filter.h"
 #include "templates/keyword.h"
 #include "templates/language.h"
+#include "templates/session.h"
+#include "templates/sessions.h"
 
 namespace qv::cli {
 namespace {
@@ -30,6 +43,19 @@ const HostClass kHostClasses[] = {
     {u"TyxClass.TyxStatus", Make<TyxStatus>},
     {u"TyxClass.TyProperties", Make<TyProperties>},
     {u"TyxClass.CSuperCollection", Make<CSuperCollection>},
+    {u"TyxClass.TyxDatabases", Make<TyxDatabases>},
+    {u"TyxClass.TyxDatabase", Make<TyxDatabase>},
+    {u"TyxClass.TyxTables", Make<TyxTables>},
+    {u"TyxClass.TyxTable", Make<TyxTable>},
+    {u"TyxClass.TyxFields", Make<TyxFields>},
+    {u"TyxClass.TyxField", Make<TyxField>},
+    {u"TyxClass.TyxCharts", Make<TyxCharts>},
+    {u"TyxClass.TyxChart", Make<TyxChart>},
+    {u"TyxClass.TyxExtensions", Make<TyxExtensions>},
+    {u"TyxClass.TyxExtension", Make<TyxExtension>},
+    {u"TyxClass.TyxControl", Make<TyxControl>},
+    {u"TyxClass.TyxSessions", Make<TyxSessions>},
+    {u"TyxClass.TyxSession", Make<TyxSession>},
 };
 
 }  // namespace
