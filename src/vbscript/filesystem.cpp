@@ -163,6 +163,9 @@ void CopyFiles(Args a, bool folders) {
   const bool overwrite = OptionalBool(a, 2, true);
   const auto sources = Sources(source, folders, folders ? kErrPathNotFound : kErrFileNotFound);
   const bool many = HasWildcard(source);
+  std::error_code folder_ec;
+  // Wildcards copy into a folder that must already be there.
+  if (many && !fs::is_directory(NativePath(dest), folder_ec)) Raise(kErrPathNotFound);
   for (const fs::path& s : sources) {
     const fs::path to = Target(dest, s, many);
     std::error_code ec;
@@ -177,6 +180,8 @@ void MoveFiles(Args a, bool folders) {
   const String dest = PathArg(a, 1);
   const auto sources = Sources(source, folders, folders ? kErrPathNotFound : kErrFileNotFound);
   const bool many = HasWildcard(source);
+  std::error_code folder_ec;
+  if (many && !fs::is_directory(NativePath(dest), folder_ec)) Raise(kErrPathNotFound);
   for (const fs::path& s : sources)
     MoveItem(s, Target(dest, s, many));
 }

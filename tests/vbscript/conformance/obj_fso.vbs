@@ -116,6 +116,27 @@ For Each i In fso.GetFolder(root & "/dst").Files
 Next
 Check t, "a.txt;B.txt;C.txt;", "Files in upper-case order"
 
+' CopyFolder: onto a file, into an existing folder, with wildcards, and without overwrite.
+Dim src, dst
+src = root & "\c_src1"
+dst = root & "\c_dst"
+fso.CreateFolder src
+fso.CreateTextFile(dst).Close
+CheckError "fso.CopyFolder src, dst", 58, "CopyFolder onto a file"
+CheckError "fso.CopyFile src, dst", 53, "CopyFile of a folder"
+fso.DeleteFile dst
+fso.CopyFolder src, dst
+fso.CopyFolder src, dst
+Check fso.FolderExists(dst & "\c_src1"), False, "CopyFolder onto a folder copies its contents"
+fso.CopyFolder src, dst & "\"
+Check fso.FolderExists(dst & "\c_src1"), True, "CopyFolder into dst\ makes dst\src"
+fso.DeleteFolder dst
+CheckError "fso.CopyFolder root & ""\c_src*"", dst", 76, "wildcards into a missing folder"
+fso.CreateTextFile(src & "\c_src1").Close
+fso.CopyFolder src, dst, False
+CheckError "fso.CopyFolder src, dst, False", 58, "CopyFolder without overwrite"
+CheckError "fso.CopyFolder src, dst, True", 0, "CopyFolder with overwrite"
+
 Check TypeName(fso.GetStandardStream(1)), "TextStream", "GetStandardStream"
 Check fso.GetFile(root & "/lines.txt").Type, "Text Document", "the type of a text file"
 fso.CopyFile root & "/lines.txt", root & "/lines.xyz"
