@@ -330,22 +330,26 @@ const DispatchTable<Folder>& Folder::Table() {
   return table;
 }
 
-FileList::FileList(fs::path folder, bool folders) : folder_(std::move(folder)), folders_(folders) {
+FileList::FileList(fs::path folder, bool folders) : folder_(std::move(folder)), folders_(folders) {}
+
+std::vector<fs::path> FileList::Scan() const {
+  std::vector<fs::path> entries;
   std::error_code ec;
   for (const auto& entry : fs::directory_iterator(folder_, ec)) {
     std::error_code type_ec;
-    if (entry.is_directory(type_ec) == folders) entries_.push_back(entry.path());
+    if (entry.is_directory(type_ec) == folders_) entries.push_back(entry.path());
   }
   // NTFS lists a folder in upper-case order, so "a.txt" comes before "B.txt".
-  std::sort(entries_.begin(), entries_.end(), [](const fs::path& a, const fs::path& b) {
+  std::sort(entries.begin(), entries.end(), [](const fs::path& a, const fs::path& b) {
     const String x = NameOf(a), y = NameOf(b);
     const int order = CompareBinary(ToUpper(x), ToUpper(y));
     return order != 0 ? order < 0 : CompareBinary(x, y) < 0;
   });
+  return entries;
 }
 
 Ref<Enumerator> FileList::NewEnum() {
-  return MakeRef<PathEnumerator>(entries_, folders_);
+  return MakeRef<PathEnumerator>(Scan(), folders_);
 }
 
 const DispatchTable<FileList>& FileList::Table() {
@@ -362,7 +366,7 @@ const DispatchTable<FileList>& FileList::Table() {
                     })
           .Default(u"Item")
           .Property(u"Count", [](FileList& l,
-                                 Args) { return Variant(static_cast<int32_t>(l.entries_.size())); })
+                                 Args) { return Variant(static_cast<int32_t>(l.Scan().size())); })
           .Method(u"Add", [](FileList& l, Args a) {
             CheckArgCount(a, 1, 1);
             if (!l.folders_) Raise(kErrNotSupported);
@@ -370,7 +374,6 @@ const DispatchTable<FileList>& FileList::Table() {
             std::error_code ec;
             if (fs::exists(p, ec)) Raise(kErrFileExists);
             if (!fs::create_directory(p, ec)) Raise(kErrPermissionDenied);
-            l.entries_.push_back(p);
             return Variant(MakeRef<Folder>(p));
           });
   return table;

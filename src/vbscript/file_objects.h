@@ -39,7 +39,8 @@ class Folder : public DispatchObject<Folder> {
   std::filesystem::path path_;
 };
 
-// The files (or sub-folders) of a folder, read when the collection is made, sorted by name.
+// The files (or sub-folders) of a folder, sorted by name. Like Windows, the collection reads the
+// folder again each time it is counted or walked, so it sees files made after it.
 class FileList : public DispatchObject<FileList> {
  public:
   FileList(std::filesystem::path folder, bool folders);
@@ -49,9 +50,10 @@ class FileList : public DispatchObject<FileList> {
   String TypeName() const override { return folders_ ? u"Folders" : u"Files"; }
 
  private:
+  std::vector<std::filesystem::path> Scan() const;
+
   std::filesystem::path folder_;
   bool folders_;
-  std::vector<std::filesystem::path> entries_;
 };
 
 class Drive : public DispatchObject<Drive> {

@@ -115,6 +115,9 @@ For Each i In fso.GetFolder(root & "/dst").Files
   t = t & i.Name & ";"
 Next
 Check t, "a.txt;B.txt;C.txt;", "Files in upper-case order"
+Set files = fso.GetFolder(root & "/dst").Files
+fso.CreateTextFile(root & "/dst/D.txt").Close
+Check files.Count, CLng(4), "a Files collection sees files made after it"
 
 ' CopyFolder: onto a file, into an existing folder, with wildcards, and without overwrite.
 Dim src, dst
