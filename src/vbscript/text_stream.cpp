@@ -96,6 +96,13 @@ Ref<TextStream> TextStream::Open(const std::string& path, IoMode mode, bool crea
   const bool exists = fs::exists(path, ec);
   if (fs::is_directory(path, ec)) Raise(kErrPermissionDenied);
   if (mode == IoMode::Reading) {
+    // With the create flag a missing file is made, empty, even for reading.
+    if (!exists && create) {
+      errno = 0;
+      std::FILE* made = std::fopen(path.c_str(), "wb");
+      if (!made) RaiseOpenFailure(path);
+      std::fclose(made);
+    }
     std::ifstream in(path, std::ios::binary);
     if (!in) RaiseOpenFailure(path);
     const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());

@@ -70,6 +70,10 @@ ts.Close
 Check fso.GetFile(root & "/u.txt").Size, CLng(8), "BOM and three UTF-16 units"
 Check fso.OpenTextFile(root & "/u.txt", 1, False, -1).ReadAll, "abc", "read back as Unicode"
 
+Set ts = fso.OpenTextFile(root & "/made.txt", 1, True)
+Check ts.AtEndOfStream, True, "reading with the create flag makes an empty file"
+ts.Close
+Check fso.FileExists(root & "/made.txt"), True, "the made file stays"
 Set ts = fso.OpenTextFile(root & "/w.txt", 2, True)
 CheckError "x = ts.ReadAll", 54, "reading a stream opened for writing"
 CheckError "x = ts.AtEndOfStream", 54, "AtEndOfStream while writing"
