@@ -194,6 +194,34 @@ String RegExp::Replace(StringView text, StringView replacement) {
 
 namespace {
 
+String Text(const Variant& arg);
+
+}  // namespace
+
+String RegExp::Replace(StringView text, Object& replacer) {
+  // All matches are found before the first call: the replacer may use this RegExp itself.
+  const std::vector<MatchData> matches = Matches(text);
+  const String source(text);
+  String out;
+  size_t copied = 0;
+  std::vector<Variant> args;
+  for (const MatchData& m : matches) {
+    const auto at = static_cast<size_t>(m.first_index);
+    out.Append(text.substr(copied, at - copied));
+    args.clear();
+    args.emplace_back(m.value);
+    args.insert(args.end(), m.groups.begin(), m.groups.end());
+    args.emplace_back(m.first_index);
+    args.emplace_back(source);
+    out.Append(Text(replacer.Invoke(kDispIdValue, kInvokeMethod | kInvokeGet, args)));
+    copied = at + m.value.size();
+  }
+  out.Append(text.substr(copied));
+  return out;
+}
+
+namespace {
+
 class SubMatches : public DispatchObject<SubMatches> {
  public:
   explicit SubMatches(std::vector<Variant> groups) : groups_(std::move(groups)) {}
@@ -334,6 +362,10 @@ const DispatchTable<RegExp>& RegExp::Table() {
                   })
           .Method(u"Replace", [](RegExp& r, Args a) {
             CheckArgCount(a, 2, 2);
+            if (a[1].is_object() && a[1].as_object()) {
+              const Ref<Object> replacer(a[1].as_object());
+              return Variant(r.Replace(Text(a[0]), *replacer));
+            }
             return Variant(r.Replace(Text(a[0]), Text(a[1])));
           });
   return table;

@@ -33,6 +33,10 @@ class RegExp : public DispatchObject<RegExp> {
   // Every match (all with Global, else the first), in order.
   std::vector<MatchData> Matches(StringView text);
   String Replace(StringView text, StringView replacement);
+  // Replace with an object in place of the text: its default member is called for each match
+  // with the match, each sub-match, the match's position and the whole text, and what it
+  // returns goes in unchanged (the way a GetRef function or a class's default method is used).
+  String Replace(StringView text, Object& replacer);
 
  private:
   struct Compiled;

@@ -109,3 +109,22 @@ Check re.Pattern, "-1", "a boolean pattern"
 CheckError "x = re.Replace(Null, ""x"")", 13, "Null text"
 CheckError "x = re.Test(Null)", 13, "Null text to Test"
 CheckError "x = re.Execute(Null)", 13, "Null text to Execute"
+
+' An object as the replacement is called for each match with the match, the sub-matches, the
+' position and the whole text; what it returns goes in as it is.
+Function qvUpper(m, g1, pos, src)
+  qvUpper = UCase(m) & pos & "$1"
+End Function
+Class qvBracket
+  Public Default Function Apply(m, pos, src)
+    Apply = "[" & m & "@" & pos & "/" & Len(src) & "]"
+  End Function
+End Class
+re.Pattern = "(b)"
+re.Global = True
+Check re.Replace("abcb", GetRef("qvUpper")), "aB1$1cB3$1", "a GetRef function replaces"
+re.Global = False
+Check re.Replace("abcb", GetRef("qvUpper")), "aB1$1cb", "only the first without Global"
+re.Pattern = "c"
+re.Global = True
+Check re.Replace("abcbc", New qvBracket), "ab[c@2/5]b[c@4/5]", "a class's default method replaces"
