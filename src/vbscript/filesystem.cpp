@@ -47,7 +47,7 @@ size_t LastSeparator(StringView p) {
 }
 
 // "C:" and the like: a drive name, which paths written for Windows may start with.
-bool IsDriveSpec(StringView p) {
+bool IsDriveName(StringView p) {
   return p.size() == 2 && p[1] == u':' &&
          ((p[0] >= u'A' && p[0] <= u'Z') || (p[0] >= u'a' && p[0] <= u'z'));
 }
@@ -55,7 +55,7 @@ bool IsDriveSpec(StringView p) {
 String FileNameOf(StringView path) {
   const StringView p = StripTrailing(path);
   if (p.size() == 1 && IsSeparator(p[0])) return {};
-  if (IsDriveSpec(p)) return {};
+  if (IsDriveName(p)) return {};
   const size_t at = LastSeparator(p);
   return String(at == StringView::npos ? p : p.substr(at + 1));
 }
@@ -69,13 +69,13 @@ String ParentOf(StringView path) {
   while (end > 0 && IsSeparator(p[end - 1]))
     --end;
   if (end == 0) return String(p.substr(0, 1));
-  if (IsDriveSpec(p.substr(0, end))) return String(p.substr(0, end + 1));
+  if (IsDriveName(p.substr(0, end))) return String(p.substr(0, end + 1));
   return String(p.substr(0, end));
 }
 
 // "C:" of "C:\x", "\\server\share" of a network path, else nothing: Linux has no drives.
 String DriveNameOf(StringView p) {
-  if (p.size() >= 2 && IsDriveSpec(p.substr(0, 2))) return String(p.substr(0, 2));
+  if (p.size() >= 2 && IsDriveName(p.substr(0, 2))) return String(p.substr(0, 2));
   if (p.size() < 3 || !IsSeparator(p[0]) || !IsSeparator(p[1])) return {};
   size_t at = 2;
   while (at < p.size() && !IsSeparator(p[at]))
@@ -107,7 +107,7 @@ String BuildPath(StringView path, StringView name) {
   const bool path_ends = IsSeparator(path.back());
   const bool name_starts = IsSeparator(name[0]);
   if (path_ends && name_starts) return path + name.substr(1);
-  if (path_ends || name_starts || IsDriveSpec(path)) return path + name;
+  if (path_ends || name_starts || IsDriveName(path)) return path + name;
   const size_t last = LastSeparator(path);
   const StringView separator = last != StringView::npos && path[last] == u'\\' ? u"\\" : u"/";
   return path + separator + name;
