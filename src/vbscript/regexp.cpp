@@ -32,6 +32,15 @@ void RegExp::set_pattern(String pattern) {
 
 namespace {
 
+// Text arguments are converted the way COM converts a Variant to a BSTR: booleans become
+// "-1" and "0", and Null is a type mismatch.
+String Text(const Variant& arg) {
+  const Variant v = ValueOf(arg);
+  if (v.is_null()) throw Error(kErrTypeMismatch);
+  if (v.type() == VarType::Boolean) return String(v.as_bool() ? u"-1" : u"0");
+  return ToString(v);
+}
+
 // The script's error for a pattern PCRE2 refuses: the faults scripts name get their own
 // numbers, anything else is the general syntax error.
 int32_t PatternErrorNumber(int pcre_error) {
@@ -192,12 +201,6 @@ String RegExp::Replace(StringView text, StringView replacement) {
   return out;
 }
 
-namespace {
-
-String Text(const Variant& arg);
-
-}  // namespace
-
 String RegExp::Replace(StringView text, Object& replacer) {
   // All matches are found before the first call: the replacer may use this RegExp itself.
   const std::vector<MatchData> matches = Matches(text);
@@ -319,15 +322,6 @@ class MatchCollection : public DispatchObject<MatchCollection> {
  private:
   std::vector<Variant> items_;
 };
-
-// Text arguments are converted the way COM converts a Variant to a BSTR: booleans become
-// "-1" and "0", and Null is a type mismatch.
-String Text(const Variant& arg) {
-  const Variant v = ValueOf(arg);
-  if (v.is_null()) throw Error(kErrTypeMismatch);
-  if (v.type() == VarType::Boolean) return String(v.as_bool() ? u"-1" : u"0");
-  return ToString(v);
-}
 
 String TextArg(Args a, size_t i) {
   CheckArgCount(a, i + 1, i + 1);
