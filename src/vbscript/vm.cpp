@@ -879,11 +879,29 @@ Variant Vm::CallIntrinsic(Frame& f, Intrinsic which, Args args, bool want) {
 // --- the dispatch loop -----------------------------------------------------------------------
 
 void Vm::Run(Frame& f) {
+  const Instr* const code = f.proc->code.data();
+  f.ip = code;
+  for (;;) {
+    try {
+      Execute(f);
+      return;
+    } catch (const Error& e) {
+      f.ip = code + HandleError(f, static_cast<size_t>(f.ip - code) - 1, e);
+    } catch (const std::bad_alloc&) {
+      f.ip = code + HandleError(f, static_cast<size_t>(f.ip - code) - 1, Error(kErrOutOfMemory));
+    }
+  }
+}
+
+// No handler lives in here, so the instruction pointer stays in a register; it is published
+// to the frame at each dispatch for Run's handler to know where an error happened.
+void Vm::Execute(Frame& f) {
   const Proc& proc = *f.proc;
   const Instr* const code = proc.code.data();
-  const Instr* ip = code;
+  const Instr* ip = f.ip;
   Variant* sp = f.locals + proc.nlocals;
   Variant* const locals = f.locals;
+  const Variant* const consts = proc.consts.data();
   static void* targets[256];
   static bool targets_ready = false;
   if (!targets_ready) {
@@ -933,614 +951,601 @@ void Vm::Run(Frame& f) {
     targets[static_cast<uint8_t>(Op::GeL)] = &&L_GeK;
     targets_ready = true;
   }
-  for (;;) {
-    try {
-      const Instr* in;
-      // Hot operations end by jumping straight to the next one's code (computed goto);
-      // the others go back through the switch.
-#define QV_NEXT()                                \
-  do {                                           \
-    in = ip++;                                   \
-    goto* targets[static_cast<uint8_t>(in->op)]; \
+  // Hot operations end by jumping straight to the next one's code (computed goto);
+  // the others go back through the switch.
+#define QV_NEXT()                                   \
+  do {                                              \
+    f.ip = ++ip;                                    \
+    goto* targets[static_cast<uint8_t>(ip[-1].op)]; \
   } while (0)
-      QV_NEXT();
-      for (;;) {
-      generic:
-        switch (in->op) {
-          case Op::Nop:
-            break;
-          case Op::PushConst:
-          L_PushConst:
-            PushCopy(sp++, proc.consts[in->a]);
-            QV_NEXT();
-          case Op::PushEmpty:
-            ++sp;
-            break;
-          case Op::PushMe:
-            *sp++ = Variant(static_cast<Object*>(f.me));
-            break;
-          case Op::Pop:
-            Drop(*--sp);
-            break;
-          case Op::LoadLocal:
-          L_LoadLocal:
-            PushCopy(sp++, locals[in->a]);
-            QV_NEXT();
-          case Op::LoadRef:
-          L_LoadRef:
-            PushCopy(sp++, *f.refs[in->a]);
-            QV_NEXT();
-          case Op::LoadField:
-            new (sp++) Variant(f.me->fields()[in->a]);
-            break;
-          case Op::LoadGlobal:
-          L_LoadGlobal : {
-            GlobalSlot& s = *proc.globals[in->a];
-            if (s.kind == SlotKind::Variable) {
-              PushCopy(sp++, s.value);
-            } else {
-              *sp = LoadGlobalSlot(f, s);
-              ++sp;
-            }
-            break;
-          }
+  QV_NEXT();
+  for (;;) {
+  generic:
+    switch (ip[-1].op) {
+      case Op::Nop:
+        break;
+      case Op::PushConst:
+      L_PushConst:
+        PushCopy(sp++, consts[ip[-1].a]);
+        QV_NEXT();
+      case Op::PushEmpty:
+        ++sp;
+        break;
+      case Op::PushMe:
+        *sp++ = Variant(static_cast<Object*>(f.me));
+        break;
+      case Op::Pop:
+        Drop(*--sp);
+        break;
+      case Op::LoadLocal:
+      L_LoadLocal:
+        PushCopy(sp++, locals[ip[-1].a]);
+        QV_NEXT();
+      case Op::LoadRef:
+      L_LoadRef:
+        PushCopy(sp++, *f.refs[ip[-1].a]);
+        QV_NEXT();
+      case Op::LoadField:
+        new (sp++) Variant(f.me->fields()[ip[-1].a]);
+        break;
+      case Op::LoadGlobal:
+      L_LoadGlobal : {
+        GlobalSlot& s = *proc.globals[ip[-1].a];
+        if (s.kind == SlotKind::Variable) {
+          PushCopy(sp++, s.value);
+        } else {
+          *sp = LoadGlobalSlot(f, s);
+          ++sp;
+        }
+        break;
+      }
+      case Op::StoreLocal:
+      L_StoreLocal:
+        if (!(ip[-1].flags & kSetFlag) && IsPlain(sp[-1])) {
+          MoveInto(locals[ip[-1].a], *--sp);
+          QV_NEXT();
+        }
+        [[fallthrough]];
+      case Op::StoreRef:
+      case Op::StoreField:
+      case Op::StoreGlobal: {
+        Variant v = std::move(*--sp);
+        if (ip[-1].flags & kSetFlag) {
+          CheckSetValue(v);
+        } else if (v.is_object() && !(ip[-1].flags & kRawStore)) {
+          v = ValueOf(v);
+        }
+        switch (ip[-1].op) {
           case Op::StoreLocal:
-          L_StoreLocal:
-            if (!(in->flags & kSetFlag) && IsPlain(sp[-1])) {
-              MoveInto(locals[in->a], *--sp);
-              QV_NEXT();
-            }
-            [[fallthrough]];
+            locals[ip[-1].a] = std::move(v);
+            break;
           case Op::StoreRef:
+            *f.refs[ip[-1].a] = std::move(v);
+            break;
           case Op::StoreField:
-          case Op::StoreGlobal: {
-            Variant v = std::move(*--sp);
-            if (in->flags & kSetFlag) {
-              CheckSetValue(v);
-            } else if (v.is_object() && !(in->flags & kRawStore)) {
-              v = ValueOf(v);
-            }
-            switch (in->op) {
-              case Op::StoreLocal:
-                locals[in->a] = std::move(v);
-                break;
-              case Op::StoreRef:
-                *f.refs[in->a] = std::move(v);
-                break;
-              case Op::StoreField:
-                f.me->fields()[in->a] = std::move(v);
-                break;
-              default: {
-                GlobalSlot& s = *proc.globals[in->a];
-                if (s.kind == SlotKind::Variable) {
-                  s.value = std::move(v);
-                } else {
-                  StoreGlobalSlot(f, s, std::move(v), in->flags & kSetFlag);
-                }
-              }
-            }
+            f.me->fields()[ip[-1].a] = std::move(v);
             break;
+          default: {
+            GlobalSlot& s = *proc.globals[ip[-1].a];
+            if (s.kind == SlotKind::Variable) {
+              s.value = std::move(v);
+            } else {
+              StoreGlobalSlot(f, s, std::move(v), ip[-1].flags & kSetFlag);
+            }
           }
-          case Op::ArgLocal:
-          L_ArgLocal:
-            *sp = locals[in->a];
-            refs_[sp - stack_] = &locals[in->a];
-            ++sp;
-            break;
-          case Op::ArgRef:
-            *sp = *f.refs[in->a];
-            refs_[sp - stack_] = f.refs[in->a];
-            ++sp;
-            break;
-          case Op::ArgField:
-            *sp = f.me->fields()[in->a];
-            refs_[sp - stack_] = &f.me->fields()[in->a];
-            ++sp;
-            break;
-          case Op::ArgElem: {
-            Variant* base = sp - in->n;
-            if ((in->flags & kVarKindMask) == kVarGlobal) {
-              // A global name may be a function: then this is a call, passed by value.
-              GlobalSlot& s = Resolve(*proc.globals[in->a], proc);
-              if (s.kind != SlotKind::Variable) {
-                Variant value = CallSlot(f, s, base, in->n, 0, true);
-                while (sp > base)
-                  Drop(*--sp);
-                *sp = std::move(value);
-                refs_[sp - stack_] = nullptr;
-                ++sp;
-                break;
-              }
-            }
-            Variant& target = VarRef(f, in->flags, in->a);
-            if (!target.is_array()) {
-              Variant value = ApplyIndex(target, Args(base, in->n), true);
-              while (sp > base)
-                Drop(*--sp);
-              *sp = std::move(value);
-              refs_[sp - stack_] = nullptr;
-              ++sp;
-              break;
-            }
-            SafeArray* array = target.mutable_array();
-            if (in->n > kMaxArrayDimensions) Raise(kErrSubscript);
-            int32_t idx[kMaxArrayDimensions];
-            for (uint32_t i = 0; i < in->n; ++i)
-              idx[i] = IndexValue(base[i]);
-            Variant& element = array->At(std::span<const int32_t>(idx, in->n));
+        }
+        break;
+      }
+      case Op::ArgLocal:
+      L_ArgLocal:
+        *sp = locals[ip[-1].a];
+        refs_[sp - stack_] = &locals[ip[-1].a];
+        ++sp;
+        break;
+      case Op::ArgRef:
+        *sp = *f.refs[ip[-1].a];
+        refs_[sp - stack_] = f.refs[ip[-1].a];
+        ++sp;
+        break;
+      case Op::ArgField:
+        *sp = f.me->fields()[ip[-1].a];
+        refs_[sp - stack_] = &f.me->fields()[ip[-1].a];
+        ++sp;
+        break;
+      case Op::ArgElem: {
+        Variant* base = sp - ip[-1].n;
+        if ((ip[-1].flags & kVarKindMask) == kVarGlobal) {
+          // A global name may be a function: then this is a call, passed by value.
+          GlobalSlot& s = Resolve(*proc.globals[ip[-1].a], proc);
+          if (s.kind != SlotKind::Variable) {
+            Variant value = CallSlot(f, s, base, ip[-1].n, 0, true);
             while (sp > base)
               Drop(*--sp);
-            *sp = element;
-            refs_[sp - stack_] = &element;
-            array->AddRef();
-            array->Lock();
-            locks_[sp - stack_] = array;
-            ++active_locks_;
-            ++sp;
-            QV_NEXT();
-          }
-          case Op::ArgGlobal: {
-            GlobalSlot& s = Resolve(*proc.globals[in->a], proc);
-            if (s.kind == SlotKind::Undefined && !proc.option_explicit) s.kind = SlotKind::Variable;
-            if (s.kind == SlotKind::Variable) {
-              *sp = s.value;
-              refs_[sp - stack_] = &s.value;
-            } else {
-              *sp = LoadGlobalSlot(f, s);
-              refs_[sp - stack_] = nullptr;
-            }
+            *sp = std::move(value);
+            refs_[sp - stack_] = nullptr;
             ++sp;
             break;
           }
-          case Op::Append:
-          L_Append : {
-            Variant v = std::move(*--sp);
-            AppendInPlace(VarRef(f, in->flags, in->a), v);
-            break;
-          }
-          case Op::Add:
-          L_Add : {
-            Variant& a = sp[-2];
-            const Variant& b = sp[-1];
-            if (!FastArith(
-                    a, b, [](int64_t x, int64_t y) { return x + y; },
-                    [](double x, double y) { return x + y; }))
-              a = OpAdd(a, b);
+        }
+        Variant& target = VarRef(f, ip[-1].flags, ip[-1].a);
+        if (!target.is_array()) {
+          Variant value = ApplyIndex(target, Args(base, ip[-1].n), true);
+          while (sp > base)
             Drop(*--sp);
-            QV_NEXT();
-          }
-          case Op::Sub:
-          L_Sub : {
-            Variant& a = sp[-2];
-            const Variant& b = sp[-1];
-            if (!FastArith(
-                    a, b, [](int64_t x, int64_t y) { return x - y; },
-                    [](double x, double y) { return x - y; }))
-              a = OpSub(a, b);
-            Drop(*--sp);
-            QV_NEXT();
-          }
-          case Op::Mul:
-          L_Mul : {
-            Variant& a = sp[-2];
-            const Variant& b = sp[-1];
-            if (!FastArith(
-                    a, b, [](int64_t x, int64_t y) { return x * y; },
-                    [](double x, double y) { return x * y; }))
-              a = OpMul(a, b);
-            Drop(*--sp);
-            QV_NEXT();
-          }
-          case Op::Div:
-            sp[-2] = OpDiv(sp[-2], sp[-1]);
-            (--sp)->Clear();
-            break;
-          case Op::IntDiv:
-            sp[-2] = OpIntDiv(sp[-2], sp[-1]);
-            (--sp)->Clear();
-            break;
-          case Op::Mod:
-            sp[-2] = OpMod(sp[-2], sp[-1]);
-            (--sp)->Clear();
-            break;
-          case Op::Pow:
-            sp[-2] = OpPow(sp[-2], sp[-1]);
-            (--sp)->Clear();
-            break;
-          case Op::Concat:
-          L_Concat:
-            sp[-2] = OpConcat(sp[-2], sp[-1]);
-            (--sp)->Clear();
-            break;
-          case Op::Eq:
-          L_Eq:
-            if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x == y; }))
-              sp[-2] = OpCompare(0, sp[-2], sp[-1], in->flags);
-            Drop(*--sp);
-            break;
-          case Op::Ne:
-          L_Ne:
-            if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x != y; }))
-              sp[-2] = OpCompare(1, sp[-2], sp[-1], in->flags);
-            Drop(*--sp);
-            break;
-          case Op::Lt:
-          L_Lt:
-            if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x < y; }))
-              sp[-2] = OpCompare(2, sp[-2], sp[-1], in->flags);
-            Drop(*--sp);
-            break;
-          case Op::Le:
-          L_Le:
-            if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x <= y; }))
-              sp[-2] = OpCompare(3, sp[-2], sp[-1], in->flags);
-            Drop(*--sp);
-            break;
-          case Op::Gt:
-          L_Gt:
-            if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x > y; }))
-              sp[-2] = OpCompare(4, sp[-2], sp[-1], in->flags);
-            Drop(*--sp);
-            break;
-          case Op::Ge:
-          L_Ge:
-            if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x >= y; }))
-              sp[-2] = OpCompare(5, sp[-2], sp[-1], in->flags);
-            Drop(*--sp);
-            break;
-          case Op::Is:
-            sp[-2] = Variant(OpIs(sp[-2], sp[-1]));
-            (--sp)->Clear();
-            break;
-          case Op::And:
-            sp[-2] = OpAnd(sp[-2], sp[-1]);
-            (--sp)->Clear();
-            break;
-          case Op::Or:
-            sp[-2] = OpOr(sp[-2], sp[-1]);
-            (--sp)->Clear();
-            break;
-          case Op::Xor:
-            sp[-2] = OpXor(sp[-2], sp[-1]);
-            (--sp)->Clear();
-            break;
-          case Op::Eqv:
-            sp[-2] = OpEqv(sp[-2], sp[-1]);
-            (--sp)->Clear();
-            break;
-          case Op::Imp:
-            sp[-2] = OpImp(sp[-2], sp[-1]);
-            (--sp)->Clear();
-            break;
-          case Op::Neg:
-            sp[-1] = OpNeg(sp[-1]);
-            break;
-          case Op::Not:
-            sp[-1] = OpNot(sp[-1]);
-            break;
-          case Op::AddK:
-          L_AddK:
-          case Op::AddL: {
-            Variant& a = sp[-1];
-            const Variant& b = in->op == Op::AddK ? proc.consts[in->a] : locals[in->a];
-            if (!FastArith(
-                    a, b, [](int64_t x, int64_t y) { return x + y; },
-                    [](double x, double y) { return x + y; }))
-              a = OpAdd(a, b);
-            QV_NEXT();
-          }
-          case Op::SubK:
-          L_SubK:
-          case Op::SubL: {
-            Variant& a = sp[-1];
-            const Variant& b = in->op == Op::SubK ? proc.consts[in->a] : locals[in->a];
-            if (!FastArith(
-                    a, b, [](int64_t x, int64_t y) { return x - y; },
-                    [](double x, double y) { return x - y; }))
-              a = OpSub(a, b);
-            QV_NEXT();
-          }
-          case Op::MulK:
-          L_MulK:
-          case Op::MulL: {
-            Variant& a = sp[-1];
-            const Variant& b = in->op == Op::MulK ? proc.consts[in->a] : locals[in->a];
-            if (!FastArith(
-                    a, b, [](int64_t x, int64_t y) { return x * y; },
-                    [](double x, double y) { return x * y; }))
-              a = OpMul(a, b);
-            QV_NEXT();
-          }
-#define QV_FUSED_COMPARE(K, L, INDEX, EXPR)                                    \
-  case Op::K:                                                                  \
-  case Op::L:                                                                  \
-    L_##K : {                                                                  \
-      Variant& a = sp[-1];                                                     \
-      const Variant& b = in->op == Op::K ? proc.consts[in->a] : locals[in->a]; \
-      if (!FastCompare(a, b, [](auto x, auto y) { return EXPR; }))             \
-        a = OpCompare(INDEX, a, b, in->flags);                                 \
-      QV_NEXT();                                                               \
+          *sp = std::move(value);
+          refs_[sp - stack_] = nullptr;
+          ++sp;
+          break;
+        }
+        SafeArray* array = target.mutable_array();
+        if (ip[-1].n > kMaxArrayDimensions) Raise(kErrSubscript);
+        int32_t idx[kMaxArrayDimensions];
+        for (uint32_t i = 0; i < ip[-1].n; ++i)
+          idx[i] = IndexValue(base[i]);
+        Variant& element = array->At(std::span<const int32_t>(idx, ip[-1].n));
+        while (sp > base)
+          Drop(*--sp);
+        *sp = element;
+        refs_[sp - stack_] = &element;
+        array->AddRef();
+        array->Lock();
+        locks_[sp - stack_] = array;
+        ++active_locks_;
+        ++sp;
+        QV_NEXT();
+      }
+      case Op::ArgGlobal: {
+        GlobalSlot& s = Resolve(*proc.globals[ip[-1].a], proc);
+        if (s.kind == SlotKind::Undefined && !proc.option_explicit) s.kind = SlotKind::Variable;
+        if (s.kind == SlotKind::Variable) {
+          *sp = s.value;
+          refs_[sp - stack_] = &s.value;
+        } else {
+          *sp = LoadGlobalSlot(f, s);
+          refs_[sp - stack_] = nullptr;
+        }
+        ++sp;
+        break;
+      }
+      case Op::Append:
+      L_Append : {
+        Variant v = std::move(*--sp);
+        AppendInPlace(VarRef(f, ip[-1].flags, ip[-1].a), v);
+        break;
+      }
+      case Op::Add:
+      L_Add : {
+        Variant& a = sp[-2];
+        const Variant& b = sp[-1];
+        if (!FastArith(
+                a, b, [](int64_t x, int64_t y) { return x + y; },
+                [](double x, double y) { return x + y; }))
+          a = OpAdd(a, b);
+        Drop(*--sp);
+        QV_NEXT();
+      }
+      case Op::Sub:
+      L_Sub : {
+        Variant& a = sp[-2];
+        const Variant& b = sp[-1];
+        if (!FastArith(
+                a, b, [](int64_t x, int64_t y) { return x - y; },
+                [](double x, double y) { return x - y; }))
+          a = OpSub(a, b);
+        Drop(*--sp);
+        QV_NEXT();
+      }
+      case Op::Mul:
+      L_Mul : {
+        Variant& a = sp[-2];
+        const Variant& b = sp[-1];
+        if (!FastArith(
+                a, b, [](int64_t x, int64_t y) { return x * y; },
+                [](double x, double y) { return x * y; }))
+          a = OpMul(a, b);
+        Drop(*--sp);
+        QV_NEXT();
+      }
+      case Op::Div:
+        sp[-2] = OpDiv(sp[-2], sp[-1]);
+        (--sp)->Clear();
+        break;
+      case Op::IntDiv:
+        sp[-2] = OpIntDiv(sp[-2], sp[-1]);
+        (--sp)->Clear();
+        break;
+      case Op::Mod:
+        sp[-2] = OpMod(sp[-2], sp[-1]);
+        (--sp)->Clear();
+        break;
+      case Op::Pow:
+        sp[-2] = OpPow(sp[-2], sp[-1]);
+        (--sp)->Clear();
+        break;
+      case Op::Concat:
+      L_Concat:
+        sp[-2] = OpConcat(sp[-2], sp[-1]);
+        (--sp)->Clear();
+        break;
+      case Op::Eq:
+      L_Eq:
+        if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x == y; }))
+          sp[-2] = OpCompare(0, sp[-2], sp[-1], ip[-1].flags);
+        Drop(*--sp);
+        break;
+      case Op::Ne:
+      L_Ne:
+        if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x != y; }))
+          sp[-2] = OpCompare(1, sp[-2], sp[-1], ip[-1].flags);
+        Drop(*--sp);
+        break;
+      case Op::Lt:
+      L_Lt:
+        if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x < y; }))
+          sp[-2] = OpCompare(2, sp[-2], sp[-1], ip[-1].flags);
+        Drop(*--sp);
+        break;
+      case Op::Le:
+      L_Le:
+        if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x <= y; }))
+          sp[-2] = OpCompare(3, sp[-2], sp[-1], ip[-1].flags);
+        Drop(*--sp);
+        break;
+      case Op::Gt:
+      L_Gt:
+        if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x > y; }))
+          sp[-2] = OpCompare(4, sp[-2], sp[-1], ip[-1].flags);
+        Drop(*--sp);
+        break;
+      case Op::Ge:
+      L_Ge:
+        if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x >= y; }))
+          sp[-2] = OpCompare(5, sp[-2], sp[-1], ip[-1].flags);
+        Drop(*--sp);
+        break;
+      case Op::Is:
+        sp[-2] = Variant(OpIs(sp[-2], sp[-1]));
+        (--sp)->Clear();
+        break;
+      case Op::And:
+        sp[-2] = OpAnd(sp[-2], sp[-1]);
+        (--sp)->Clear();
+        break;
+      case Op::Or:
+        sp[-2] = OpOr(sp[-2], sp[-1]);
+        (--sp)->Clear();
+        break;
+      case Op::Xor:
+        sp[-2] = OpXor(sp[-2], sp[-1]);
+        (--sp)->Clear();
+        break;
+      case Op::Eqv:
+        sp[-2] = OpEqv(sp[-2], sp[-1]);
+        (--sp)->Clear();
+        break;
+      case Op::Imp:
+        sp[-2] = OpImp(sp[-2], sp[-1]);
+        (--sp)->Clear();
+        break;
+      case Op::Neg:
+        sp[-1] = OpNeg(sp[-1]);
+        break;
+      case Op::Not:
+        sp[-1] = OpNot(sp[-1]);
+        break;
+      case Op::AddK:
+      L_AddK:
+      case Op::AddL: {
+        Variant& a = sp[-1];
+        const Variant& b = ip[-1].op == Op::AddK ? consts[ip[-1].a] : locals[ip[-1].a];
+        if (!FastArith(
+                a, b, [](int64_t x, int64_t y) { return x + y; },
+                [](double x, double y) { return x + y; }))
+          a = OpAdd(a, b);
+        QV_NEXT();
+      }
+      case Op::SubK:
+      L_SubK:
+      case Op::SubL: {
+        Variant& a = sp[-1];
+        const Variant& b = ip[-1].op == Op::SubK ? consts[ip[-1].a] : locals[ip[-1].a];
+        if (!FastArith(
+                a, b, [](int64_t x, int64_t y) { return x - y; },
+                [](double x, double y) { return x - y; }))
+          a = OpSub(a, b);
+        QV_NEXT();
+      }
+      case Op::MulK:
+      L_MulK:
+      case Op::MulL: {
+        Variant& a = sp[-1];
+        const Variant& b = ip[-1].op == Op::MulK ? consts[ip[-1].a] : locals[ip[-1].a];
+        if (!FastArith(
+                a, b, [](int64_t x, int64_t y) { return x * y; },
+                [](double x, double y) { return x * y; }))
+          a = OpMul(a, b);
+        QV_NEXT();
+      }
+#define QV_FUSED_COMPARE(K, L, INDEX, EXPR)                                        \
+  case Op::K:                                                                      \
+  case Op::L:                                                                      \
+    L_##K : {                                                                      \
+      Variant& a = sp[-1];                                                         \
+      const Variant& b = ip[-1].op == Op::K ? consts[ip[-1].a] : locals[ip[-1].a]; \
+      if (!FastCompare(a, b, [](auto x, auto y) { return EXPR; }))                 \
+        a = OpCompare(INDEX, a, b, ip[-1].flags);                                  \
+      QV_NEXT();                                                                   \
     }
-            QV_FUSED_COMPARE(EqK, EqL, 0, x == y)
-            QV_FUSED_COMPARE(NeK, NeL, 1, x != y)
-            QV_FUSED_COMPARE(LtK, LtL, 2, x < y)
-            QV_FUSED_COMPARE(LeK, LeL, 3, x <= y)
-            QV_FUSED_COMPARE(GtK, GtL, 4, x > y)
-            QV_FUSED_COMPARE(GeK, GeL, 5, x >= y)
+        QV_FUSED_COMPARE(EqK, EqL, 0, x == y)
+        QV_FUSED_COMPARE(NeK, NeL, 1, x != y)
+        QV_FUSED_COMPARE(LtK, LtL, 2, x < y)
+        QV_FUSED_COMPARE(LeK, LeL, 3, x <= y)
+        QV_FUSED_COMPARE(GtK, GtL, 4, x > y)
+        QV_FUSED_COMPARE(GeK, GeL, 5, x >= y)
 #undef QV_FUSED_COMPARE
-          case Op::Jmp:
-          L_Jmp:
-            if (in->a < ip - code) CheckTime();
-            ip = code + in->a;
-            QV_NEXT();
-          case Op::JmpFalse:
-          L_JmpFalse : {
-            const bool t = Truth(sp[-1]);
-            Drop(*--sp);
-            if (!t) {
-              if (in->a < ip - code) CheckTime();
-              ip = code + in->a;
-            }
-            QV_NEXT();
-          }
-          case Op::JmpTrue:
-          L_JmpTrue : {
-            const bool t = Truth(sp[-1]);
-            Drop(*--sp);
-            if (t) {
-              if (in->a < ip - code) CheckTime();
-              ip = code + in->a;
-            }
-            QV_NEXT();
-          }
-          case Op::CallGlobal:
-          L_CallGlobal : {
-            Variant* args = sp - in->n;
-            GlobalSlot& s = *proc.globals[in->a];
-            Variant r = s.kind == SlotKind::Procedure
-                            ? CallOnStack(*s.proc, nullptr, args, in->n, in->b)
-                            : CallSlot(f, s, args, in->n, in->b, in->flags & kWantResult);
-            if (in->b) ReleaseLocks(args, sp);
-            while (sp > args)
-              (--sp)->Clear();
-            if (in->flags & kWantResult) *sp++ = std::move(r);
-            break;
-          }
-          case Op::CallMethod: {
-            Variant* args = sp - in->n;
-            Variant r = CallMethod(f, in->a, args, in->n, in->b, in->flags & kWantResult);
-            if (in->b) ReleaseLocks(args, sp);
-            while (sp > args)
-              (--sp)->Clear();
-            if (in->flags & kWantResult) *sp++ = std::move(r);
-            break;
-          }
-          case Op::CallMember:
-          L_CallMember : {
-            Variant* base = sp - in->n - 1;
-            Variant r = CallMember(f, *in, base);
-            if (in->b) ReleaseLocks(base, sp);
-            while (sp > base)
-              (--sp)->Clear();
-            if (in->flags & kWantResult) *sp++ = std::move(r);
-            break;
-          }
-          case Op::Index:
-          L_Index : {
-            Variant* args = sp - in->n;
-            const Variant target = VarRef(f, in->flags, in->a);
-            Variant r = ApplyIndex(target, Args(args, in->n), in->flags & kWantResult);
-            if (in->b) ReleaseLocks(args, sp);
-            while (sp > args)
-              (--sp)->Clear();
-            if (in->flags & kWantResult) *sp++ = std::move(r);
-            break;
-          }
-          case Op::IndexValue: {
-            Variant* base = sp - in->n - 1;
-            Variant r = ApplyIndex(base[0], Args(base + 1, in->n), true);
-            if (in->b) ReleaseLocks(base, sp);
-            while (sp > base)
-              (--sp)->Clear();
-            *sp++ = std::move(r);
-            break;
-          }
-          case Op::New:
-            *sp = NewObject(f, *proc.globals[in->a]);
-            ++sp;
-            break;
-          case Op::StoreIndex: {
-            Variant* base = sp - in->n - 1;
-            Variant value = std::move(sp[-1]);
-            StoreIndexed(VarRef(f, in->flags, in->a), Args(base, in->n), std::move(value),
-                         in->flags & kSetFlag);
-            while (sp > base)
-              (--sp)->Clear();
-            break;
-          }
-          case Op::StoreMember: {
-            Variant* base = sp - in->n - 2;
-            const Variant& target = base[0];
-            if (!target.is_object() || !target.as_object()) Raise(kErrObjectRequired);
-            Object* object = target.as_object();
-            MemberSite& site = proc.sites[in->a];
-            const void* key = object->MemberCacheKey();
-            DispId id;
-            if (key && site.key == key) {
-              id = site.id;
-            } else {
-              id = object->GetIdOfName(site.name);
-              if (id == kDispIdUnknown) RaiseNamed(kErrNotSupported, site.name);
-              site.key = key;
-              site.id = id;
-            }
-            const bool is_set = in->flags & kSetFlag;
-            if (is_set) {
-              CheckSetValue(sp[-1]);
-            } else if (sp[-1].is_object()) {
-              sp[-1] = ValueOf(sp[-1]);
-            }
-            object->Invoke(id, is_set ? kInvokeSet : kInvokeLet, Args(base + 1, in->n + 1));
-            while (sp > base)
-              (--sp)->Clear();
-            break;
-          }
-          case Op::StoreIndexValue: {
-            Variant* base = sp - in->n - 2;
-            Variant target = base[0];
-            StoreIndexed(target, Args(base + 1, in->n), std::move(sp[-1]), in->flags & kSetFlag);
-            while (sp > base)
-              (--sp)->Clear();
-            break;
-          }
-          case Op::DimArray: {
-            Variant* base = sp - in->n;
-            DimArray(VarRef(f, in->flags, in->a), Args(base, in->n));
-            while (sp > base)
-              (--sp)->Clear();
-            break;
-          }
-          case Op::ReDim: {
-            Variant* base = sp - in->n;
-            ReDimArray(VarRef(f, in->flags, in->a), Args(base, in->n), in->b != 0);
-            while (sp > base)
-              (--sp)->Clear();
-            break;
-          }
-          case Op::ReDimMember: {
-            Variant* base = sp - in->n - 1;
-            if (!base[0].is_object() || !base[0].as_object()) Raise(kErrObjectRequired);
-            Object* object = base[0].as_object();
-            const DispId id = object->GetIdOfName(proc.sites[in->a].name);
-            if (id == kDispIdUnknown) RaiseNamed(kErrNotSupported, proc.sites[in->a].name);
-            Variant value = object->Invoke(id, kInvokeGet, {});
-            ReDimArray(value, Args(base + 1, in->n), in->b != 0);
-            object->Invoke(id, kInvokeLet, Args(&value, 1));
-            while (sp > base)
-              (--sp)->Clear();
-            break;
-          }
-          case Op::Erase: {
-            Variant& target = VarRef(f, in->flags, in->a);
-            if (!target.is_array()) Raise(kErrTypeMismatch);
-            if (target.as_array()->locked()) Raise(kErrArrayLocked);
-            if (target.as_array()->fixed()) {
-              target.mutable_array()->ResetElements();
-            } else {
-              target = Variant(MakeRef<SafeArray>(VarType::Variant, std::span<const ArrayBound>()));
-            }
-            break;
-          }
-          case Op::ForInit: {
-            Variant step = ForOperand(std::move(sp[-1]));
-            Variant end = ForOperand(std::move(sp[-2]));
-            Variant start = ForOperand(std::move(sp[-3]));
-            sp[-1].Clear();
-            sp[-2].Clear();
-            sp[-3].Clear();
-            sp -= 3;
-            locals[in->n] = std::move(end);
-            locals[in->n + 1] = std::move(step);
-            Variant& var = VarRef(f, in->flags, in->a);
-            var = std::move(start);
-            if (!ForContinues(var, locals[in->n], locals[in->n + 1])) ip = code + in->b;
-            break;
-          }
-          case Op::ForNext:
-          L_ForNext : {
-            Variant& var = (in->flags & kVarKindMask) == kVarLocal ? locals[in->a]
-                                                                   : VarRef(f, in->flags, in->a);
-            const Variant& step = locals[in->n + 1];
-            const Variant& end = locals[in->n];
-            // The common loop: a Long counter with whole-number end and step.
-            if (var.type() == VarType::Long && NumClass(step) - 1u < 2u &&
-                NumClass(end) - 1u < 2u) {
-              const int64_t next = int64_t{var.as_long()} + WholeOf(step);
-              if (next >= INT32_MIN && next <= INT32_MAX) {
-                new (&var) Variant(static_cast<int32_t>(next));
-                const int64_t limit = WholeOf(end);
-                if (WholeOf(step) >= 0 ? next <= limit : next >= limit) {
-                  CheckTime();
-                  ip = code + in->b;
-                }
-                QV_NEXT();
-              }
-            }
-            if (!FastArith(
-                    var, step, [](int64_t x, int64_t y) { return x + y; },
-                    [](double x, double y) { return x + y; }))
-              var = OpAdd(var, step);
-            if (ForContinues(var, locals[in->n], step)) {
-              CheckTime();
-              ip = code + in->b;
-            }
-            QV_NEXT();
-          }
-          case Op::ForEachInit: {
-            Variant group = std::move(*--sp);
-            if (group.is_array()) {
-              locals[in->n] = std::move(group);
-              locals[in->n + 1] = Variant(int32_t{0});
-            } else if (group.is_object() && group.as_object()) {
-              Ref<Enumerator> e = group.as_object()->NewEnum();
-              if (!e) Raise(kErrNotACollection);
-              locals[in->n] = Variant(MakeRef<EnumHolder>(std::move(e)));
-            } else if (group.is_object()) {
-              Raise(kErrObjectRequired);
-            } else {
-              Raise(kErrNotACollection);
-            }
-            break;
-          }
-          case Op::ForEachNext: {
-            CheckTime();
-            Variant& state = locals[in->n];
-            if (state.is_array()) {
-              const int32_t i = locals[in->n + 1].as_long();
-              const SafeArray* array = state.as_array();
-              if (static_cast<size_t>(i) >= array->size()) {
-                ip = code + in->b;
-                break;
-              }
-              Variant item = (*array)[i];
-              locals[in->n + 1] = Variant(i + 1);
-              VarRef(f, in->flags, in->a) = std::move(item);
-              break;
-            }
-            if (!state.is_object() || !state.as_object()) {
-              // The group failed to evaluate under On Error Resume Next: the loop ends.
-              ip = code + in->b;
-              break;
-            }
-            auto* holder = static_cast<EnumHolder*>(state.as_object());
-            Variant item;
-            if (!holder->e->Next(item)) {
-              ip = code + in->b;
-              break;
-            }
-            VarRef(f, in->flags, in->a) = std::move(item);
-            break;
-          }
-          case Op::OnError:
-            f.resume_next = in->a != 0;
-            err_.Clear();
-            break;
-          case Op::Return:
-            return;
+      case Op::Jmp:
+      L_Jmp:
+        if (ip[-1].a < ip - code) CheckTime();
+        ip = code + ip[-1].a;
+        QV_NEXT();
+      case Op::JmpFalse:
+      L_JmpFalse : {
+        const bool t = Truth(sp[-1]);
+        Drop(*--sp);
+        if (!t) {
+          if (ip[-1].a < ip - code) CheckTime();
+          ip = code + ip[-1].a;
         }
         QV_NEXT();
       }
-#undef QV_NEXT
-    } catch (const Error& e) {
-      const size_t pc = static_cast<size_t>(ip - code) - 1;
-      ip = code + HandleError(f, pc, e);
-      sp = locals + proc.nlocals;
-    } catch (const std::bad_alloc&) {
-      const size_t pc = static_cast<size_t>(ip - code) - 1;
-      ip = code + HandleError(f, pc, Error(kErrOutOfMemory));
-      sp = locals + proc.nlocals;
+      case Op::JmpTrue:
+      L_JmpTrue : {
+        const bool t = Truth(sp[-1]);
+        Drop(*--sp);
+        if (t) {
+          if (ip[-1].a < ip - code) CheckTime();
+          ip = code + ip[-1].a;
+        }
+        QV_NEXT();
+      }
+      case Op::CallGlobal:
+      L_CallGlobal : {
+        Variant* args = sp - ip[-1].n;
+        GlobalSlot& s = *proc.globals[ip[-1].a];
+        Variant r = s.kind == SlotKind::Procedure
+                        ? CallOnStack(*s.proc, nullptr, args, ip[-1].n, ip[-1].b)
+                        : CallSlot(f, s, args, ip[-1].n, ip[-1].b, ip[-1].flags & kWantResult);
+        if (ip[-1].b) ReleaseLocks(args, sp);
+        while (sp > args)
+          (--sp)->Clear();
+        if (ip[-1].flags & kWantResult) *sp++ = std::move(r);
+        break;
+      }
+      case Op::CallMethod: {
+        Variant* args = sp - ip[-1].n;
+        Variant r = CallMethod(f, ip[-1].a, args, ip[-1].n, ip[-1].b, ip[-1].flags & kWantResult);
+        if (ip[-1].b) ReleaseLocks(args, sp);
+        while (sp > args)
+          (--sp)->Clear();
+        if (ip[-1].flags & kWantResult) *sp++ = std::move(r);
+        break;
+      }
+      case Op::CallMember:
+      L_CallMember : {
+        Variant* base = sp - ip[-1].n - 1;
+        Variant r = CallMember(f, ip[-1], base);
+        if (ip[-1].b) ReleaseLocks(base, sp);
+        while (sp > base)
+          (--sp)->Clear();
+        if (ip[-1].flags & kWantResult) *sp++ = std::move(r);
+        break;
+      }
+      case Op::Index:
+      L_Index : {
+        Variant* args = sp - ip[-1].n;
+        const Variant target = VarRef(f, ip[-1].flags, ip[-1].a);
+        Variant r = ApplyIndex(target, Args(args, ip[-1].n), ip[-1].flags & kWantResult);
+        if (ip[-1].b) ReleaseLocks(args, sp);
+        while (sp > args)
+          (--sp)->Clear();
+        if (ip[-1].flags & kWantResult) *sp++ = std::move(r);
+        break;
+      }
+      case Op::IndexValue: {
+        Variant* base = sp - ip[-1].n - 1;
+        Variant r = ApplyIndex(base[0], Args(base + 1, ip[-1].n), true);
+        if (ip[-1].b) ReleaseLocks(base, sp);
+        while (sp > base)
+          (--sp)->Clear();
+        *sp++ = std::move(r);
+        break;
+      }
+      case Op::New:
+        *sp = NewObject(f, *proc.globals[ip[-1].a]);
+        ++sp;
+        break;
+      case Op::StoreIndex: {
+        Variant* base = sp - ip[-1].n - 1;
+        Variant value = std::move(sp[-1]);
+        StoreIndexed(VarRef(f, ip[-1].flags, ip[-1].a), Args(base, ip[-1].n), std::move(value),
+                     ip[-1].flags & kSetFlag);
+        while (sp > base)
+          (--sp)->Clear();
+        break;
+      }
+      case Op::StoreMember: {
+        Variant* base = sp - ip[-1].n - 2;
+        const Variant& target = base[0];
+        if (!target.is_object() || !target.as_object()) Raise(kErrObjectRequired);
+        Object* object = target.as_object();
+        MemberSite& site = proc.sites[ip[-1].a];
+        const void* key = object->MemberCacheKey();
+        DispId id;
+        if (key && site.key == key) {
+          id = site.id;
+        } else {
+          id = object->GetIdOfName(site.name);
+          if (id == kDispIdUnknown) RaiseNamed(kErrNotSupported, site.name);
+          site.key = key;
+          site.id = id;
+        }
+        const bool is_set = ip[-1].flags & kSetFlag;
+        if (is_set) {
+          CheckSetValue(sp[-1]);
+        } else if (sp[-1].is_object()) {
+          sp[-1] = ValueOf(sp[-1]);
+        }
+        object->Invoke(id, is_set ? kInvokeSet : kInvokeLet, Args(base + 1, ip[-1].n + 1));
+        while (sp > base)
+          (--sp)->Clear();
+        break;
+      }
+      case Op::StoreIndexValue: {
+        Variant* base = sp - ip[-1].n - 2;
+        Variant target = base[0];
+        StoreIndexed(target, Args(base + 1, ip[-1].n), std::move(sp[-1]), ip[-1].flags & kSetFlag);
+        while (sp > base)
+          (--sp)->Clear();
+        break;
+      }
+      case Op::DimArray: {
+        Variant* base = sp - ip[-1].n;
+        DimArray(VarRef(f, ip[-1].flags, ip[-1].a), Args(base, ip[-1].n));
+        while (sp > base)
+          (--sp)->Clear();
+        break;
+      }
+      case Op::ReDim: {
+        Variant* base = sp - ip[-1].n;
+        ReDimArray(VarRef(f, ip[-1].flags, ip[-1].a), Args(base, ip[-1].n), ip[-1].b != 0);
+        while (sp > base)
+          (--sp)->Clear();
+        break;
+      }
+      case Op::ReDimMember: {
+        Variant* base = sp - ip[-1].n - 1;
+        if (!base[0].is_object() || !base[0].as_object()) Raise(kErrObjectRequired);
+        Object* object = base[0].as_object();
+        const DispId id = object->GetIdOfName(proc.sites[ip[-1].a].name);
+        if (id == kDispIdUnknown) RaiseNamed(kErrNotSupported, proc.sites[ip[-1].a].name);
+        Variant value = object->Invoke(id, kInvokeGet, {});
+        ReDimArray(value, Args(base + 1, ip[-1].n), ip[-1].b != 0);
+        object->Invoke(id, kInvokeLet, Args(&value, 1));
+        while (sp > base)
+          (--sp)->Clear();
+        break;
+      }
+      case Op::Erase: {
+        Variant& target = VarRef(f, ip[-1].flags, ip[-1].a);
+        if (!target.is_array()) Raise(kErrTypeMismatch);
+        if (target.as_array()->locked()) Raise(kErrArrayLocked);
+        if (target.as_array()->fixed()) {
+          target.mutable_array()->ResetElements();
+        } else {
+          target = Variant(MakeRef<SafeArray>(VarType::Variant, std::span<const ArrayBound>()));
+        }
+        break;
+      }
+      case Op::ForInit: {
+        Variant step = ForOperand(std::move(sp[-1]));
+        Variant end = ForOperand(std::move(sp[-2]));
+        Variant start = ForOperand(std::move(sp[-3]));
+        sp[-1].Clear();
+        sp[-2].Clear();
+        sp[-3].Clear();
+        sp -= 3;
+        locals[ip[-1].n] = std::move(end);
+        locals[ip[-1].n + 1] = std::move(step);
+        Variant& var = VarRef(f, ip[-1].flags, ip[-1].a);
+        var = std::move(start);
+        if (!ForContinues(var, locals[ip[-1].n], locals[ip[-1].n + 1])) ip = code + ip[-1].b;
+        break;
+      }
+      case Op::ForNext:
+      L_ForNext : {
+        Variant& var = (ip[-1].flags & kVarKindMask) == kVarLocal
+                           ? locals[ip[-1].a]
+                           : VarRef(f, ip[-1].flags, ip[-1].a);
+        const Variant& step = locals[ip[-1].n + 1];
+        const Variant& end = locals[ip[-1].n];
+        // The common loop: a Long counter with whole-number end and step.
+        if (var.type() == VarType::Long && NumClass(step) - 1u < 2u && NumClass(end) - 1u < 2u) {
+          const int64_t next = int64_t{var.as_long()} + WholeOf(step);
+          if (next >= INT32_MIN && next <= INT32_MAX) {
+            new (&var) Variant(static_cast<int32_t>(next));
+            const int64_t limit = WholeOf(end);
+            if (WholeOf(step) >= 0 ? next <= limit : next >= limit) {
+              CheckTime();
+              ip = code + ip[-1].b;
+            }
+            QV_NEXT();
+          }
+        }
+        if (!FastArith(
+                var, step, [](int64_t x, int64_t y) { return x + y; },
+                [](double x, double y) { return x + y; }))
+          var = OpAdd(var, step);
+        if (ForContinues(var, locals[ip[-1].n], step)) {
+          CheckTime();
+          ip = code + ip[-1].b;
+        }
+        QV_NEXT();
+      }
+      case Op::ForEachInit: {
+        Variant group = std::move(*--sp);
+        if (group.is_array()) {
+          locals[ip[-1].n] = std::move(group);
+          locals[ip[-1].n + 1] = Variant(int32_t{0});
+        } else if (group.is_object() && group.as_object()) {
+          Ref<Enumerator> e = group.as_object()->NewEnum();
+          if (!e) Raise(kErrNotACollection);
+          locals[ip[-1].n] = Variant(MakeRef<EnumHolder>(std::move(e)));
+        } else if (group.is_object()) {
+          Raise(kErrObjectRequired);
+        } else {
+          Raise(kErrNotACollection);
+        }
+        break;
+      }
+      case Op::ForEachNext: {
+        CheckTime();
+        Variant& state = locals[ip[-1].n];
+        if (state.is_array()) {
+          const int32_t i = locals[ip[-1].n + 1].as_long();
+          const SafeArray* array = state.as_array();
+          if (static_cast<size_t>(i) >= array->size()) {
+            ip = code + ip[-1].b;
+            break;
+          }
+          Variant item = (*array)[i];
+          locals[ip[-1].n + 1] = Variant(i + 1);
+          VarRef(f, ip[-1].flags, ip[-1].a) = std::move(item);
+          break;
+        }
+        if (!state.is_object() || !state.as_object()) {
+          // The group failed to evaluate under On Error Resume Next: the loop ends.
+          ip = code + ip[-1].b;
+          break;
+        }
+        auto* holder = static_cast<EnumHolder*>(state.as_object());
+        Variant item;
+        if (!holder->e->Next(item)) {
+          ip = code + ip[-1].b;
+          break;
+        }
+        VarRef(f, ip[-1].flags, ip[-1].a) = std::move(item);
+        break;
+      }
+      case Op::OnError:
+        f.resume_next = ip[-1].a != 0;
+        err_.Clear();
+        break;
+      case Op::Return:
+        return;
     }
+    QV_NEXT();
   }
+#undef QV_NEXT
 }
 
 }  // namespace qv::vbs

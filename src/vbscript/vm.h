@@ -84,16 +84,17 @@ class Vm : public RefCounted {
     Variant** refs;
     ScriptObject* me;
     bool resume_next = false;
+    const Instr* ip = nullptr;  // the instruction after the one running
   };
 
   Variant CallOnStack(const Proc& proc, ScriptObject* me, Variant* base, uint32_t argc,
                       uint32_t mask);
   void Run(Frame& f);
-  void Execute(Frame& f, size_t& pc, Variant*& sp);
+  [[gnu::noinline]] void Execute(Frame& f);
   size_t HandleError(Frame& f, size_t pc, const Error& e);
   void RecordSite(const Frame& f, size_t pc, int32_t number);
   void CheckStack(const Proc& proc, Variant* base);
-  void CheckTime() {
+  [[gnu::always_inline]] void CheckTime() {
     if (--budget_ <= 0) CheckClock();
   }
   void CheckClock();
