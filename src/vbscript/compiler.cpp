@@ -8,6 +8,7 @@
 #include <unordered_set>
 
 #include "vbscript/errors.h"
+#include "vbscript/fuse.h"
 #include "vbscript/operators.h"
 
 namespace qv::vbs {
@@ -276,6 +277,7 @@ class ProcCompiler {
     Emit(Op::Return, 0);
     proc_.nlocals = static_cast<uint16_t>(proc_.local_names.size());
     proc_.max_stack += 2;
+    FuseInstructions(proc_);
   }
 
   void EmitArrays() {

@@ -100,6 +100,24 @@ enum class Op : uint8_t {
   ForEachNext,
   OnError,  // a: 1 resume next, 0 goto 0
   Return,
+  // Fused sequences (see fuse.h), written over the first instruction of the sequence; the
+  // instructions they cover stay in place for jumps that land on them. a: the loaded
+  // variable, b: the operator's operand, n: the local stored to.
+  LoadAdd,  // LoadLocal|LoadRef, AddK|AddL: pushes the sum
+  LoadSub,
+  LoadMul,
+  LoadAddStore,  // LoadLocal|LoadRef, AddK|AddL, StoreLocal
+  LoadSubStore,
+  LoadMulStore,
+  LoadEqJmp,  // LoadLocal|LoadRef, EqK|EqL, JmpFalse
+  LoadNeJmp,
+  LoadLtJmp,
+  LoadLeJmp,
+  LoadGtJmp,
+  LoadGeJmp,
+  AddStore,  // AddK|AddL, StoreLocal
+  SubStore,
+  MulStore,
 };
 
 // Where a variable lives.
@@ -110,6 +128,10 @@ inline constexpr uint8_t kWantResult = 8;
 // A store that keeps an object as it is, neither Let's default value nor Set's check: Eval's
 // result, which its caller's own assignment judges.
 inline constexpr uint8_t kRawStore = 16;
+// Flags of the fused instructions: the loaded variable is a ByRef parameter; the operand is
+// a local rather than a constant.
+inline constexpr uint8_t kFusedRef = 1;
+inline constexpr uint8_t kFusedLocal = 2;
 
 struct Instr {
   Op op = Op::Nop;

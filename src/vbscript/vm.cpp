@@ -211,19 +211,36 @@ template <class T>
   }
 }
 
-// a op b for Integer/Long/Double; false when another type asks for the general rules.
+// dst = a op b for Integer/Long/Double; false when another type asks for the general rules.
+// Both operands are read before dst is written, so dst may be one of them.
 template <class F, class G>
-[[gnu::always_inline]] inline bool FastArith(Variant& a, const Variant& b, F whole, G real) {
+[[gnu::always_inline]] inline bool FastArithTo(Variant& dst, const Variant& a, const Variant& b,
+                                               F whole, G real) {
   const unsigned ca = NumClass(a), cb = NumClass(b);
   if (!ca || !cb) return false;
   if (ca != 3 && cb != 3) {
-    SetWhole(a, whole(WholeOf(a), WholeOf(b)), (ca | cb) == 1);
+    SetWhole(dst, whole(WholeOf(a), WholeOf(b)), (ca | cb) == 1);
     return true;
   }
   const double r = real(DoubleOf(a), DoubleOf(b));
   if (!std::isfinite(r)) Raise(kErrOverflow);
-  SetValue(a, r);
+  SetValue(dst, r);
   return true;
+}
+template <class F, class G>
+[[gnu::always_inline]] inline bool FastArith(Variant& a, const Variant& b, F whole, G real) {
+  return FastArithTo(a, a, b, whole, real);
+}
+
+// The comparison of two Integer/Long/Double values; false in `handled` for other types.
+template <class F>
+[[gnu::always_inline]] inline bool FastTest(const Variant& a, const Variant& b, bool& handled,
+                                            F cmp) {
+  const unsigned ca = NumClass(a), cb = NumClass(b);
+  handled = ca && cb;
+  if (!handled) return false;
+  if (ca != 3 && cb != 3) return cmp(WholeOf(a), WholeOf(b));
+  return cmp(DoubleOf(a), DoubleOf(b));
 }
 
 template <class F>
@@ -949,6 +966,21 @@ void Vm::Execute(Frame& f) {
     targets[static_cast<uint8_t>(Op::LeL)] = &&L_LeK;
     targets[static_cast<uint8_t>(Op::GtL)] = &&L_GtK;
     targets[static_cast<uint8_t>(Op::GeL)] = &&L_GeK;
+    targets[static_cast<uint8_t>(Op::LoadAdd)] = &&L_LoadAdd;
+    targets[static_cast<uint8_t>(Op::LoadSub)] = &&L_LoadSub;
+    targets[static_cast<uint8_t>(Op::LoadMul)] = &&L_LoadMul;
+    targets[static_cast<uint8_t>(Op::LoadAddStore)] = &&L_LoadAddStore;
+    targets[static_cast<uint8_t>(Op::LoadSubStore)] = &&L_LoadSubStore;
+    targets[static_cast<uint8_t>(Op::LoadMulStore)] = &&L_LoadMulStore;
+    targets[static_cast<uint8_t>(Op::LoadEqJmp)] = &&L_LoadEqJmp;
+    targets[static_cast<uint8_t>(Op::LoadNeJmp)] = &&L_LoadNeJmp;
+    targets[static_cast<uint8_t>(Op::LoadLtJmp)] = &&L_LoadLtJmp;
+    targets[static_cast<uint8_t>(Op::LoadLeJmp)] = &&L_LoadLeJmp;
+    targets[static_cast<uint8_t>(Op::LoadGtJmp)] = &&L_LoadGtJmp;
+    targets[static_cast<uint8_t>(Op::LoadGeJmp)] = &&L_LoadGeJmp;
+    targets[static_cast<uint8_t>(Op::AddStore)] = &&L_AddStore;
+    targets[static_cast<uint8_t>(Op::SubStore)] = &&L_SubStore;
+    targets[static_cast<uint8_t>(Op::MulStore)] = &&L_MulStore;
     targets_ready = true;
   }
   // Hot operations end by jumping straight to the next one's code (computed goto);
@@ -1542,6 +1574,83 @@ void Vm::Execute(Frame& f) {
         break;
       case Op::Return:
         return;
+        // The fused forms: the fast path when every operand is a plain number, else the first
+        // instruction's own work, after which the covered ones run as compiled.
+#define QV_FUSED_X() ((ip[-1].flags & kFusedRef) ? *f.refs[ip[-1].a] : locals[ip[-1].a])
+#define QV_FUSED_Y() ((ip[-1].flags & kFusedLocal) ? locals[ip[-1].b] : consts[ip[-1].b])
+#define QV_LOAD_ARITH(NAME, OP)                                                               \
+  case Op::Load##NAME:                                                                        \
+    L_Load##NAME : {                                                                          \
+      const Variant& x = QV_FUSED_X();                                                        \
+      if (FastArithTo(                                                                        \
+              *sp, x, QV_FUSED_Y(), [](int64_t p, int64_t q) { return p OP q; },              \
+              [](double p, double q) { return p OP q; })) {                                   \
+        ++sp;                                                                                 \
+        ++ip;                                                                                 \
+        QV_NEXT();                                                                            \
+      }                                                                                       \
+      PushCopy(sp++, x);                                                                      \
+      QV_NEXT();                                                                              \
+    }                                                                                         \
+  case Op::Load##NAME##Store:                                                                 \
+    L_Load##NAME##Store : {                                                                   \
+      const Variant& x = QV_FUSED_X();                                                        \
+      if (FastArithTo(                                                                        \
+              locals[ip[-1].n], x, QV_FUSED_Y(), [](int64_t p, int64_t q) { return p OP q; }, \
+              [](double p, double q) { return p OP q; })) {                                   \
+        ip += 2;                                                                              \
+        QV_NEXT();                                                                            \
+      }                                                                                       \
+      PushCopy(sp++, x);                                                                      \
+      QV_NEXT();                                                                              \
+    }                                                                                         \
+  case Op::NAME##Store:                                                                       \
+    L_##NAME##Store : {                                                                       \
+      Variant& a = sp[-1];                                                                    \
+      const Variant& y = QV_FUSED_Y();                                                        \
+      if (FastArithTo(                                                                        \
+              locals[ip[-1].n], a, y, [](int64_t p, int64_t q) { return p OP q; },            \
+              [](double p, double q) { return p OP q; })) {                                   \
+        new (--sp) Variant();                                                                 \
+        ++ip;                                                                                 \
+        QV_NEXT();                                                                            \
+      }                                                                                       \
+      a = Op##NAME(a, y);                                                                     \
+      QV_NEXT();                                                                              \
+    }
+        QV_LOAD_ARITH(Add, +)
+        QV_LOAD_ARITH(Sub, -)
+        QV_LOAD_ARITH(Mul, *)
+#undef QV_LOAD_ARITH
+#define QV_LOAD_JUMP(NAME, OP)                                                                  \
+  case Op::Load##NAME##Jmp:                                                                     \
+    L_Load##NAME##Jmp : {                                                                       \
+      const Variant& x = QV_FUSED_X();                                                          \
+      bool handled;                                                                             \
+      const bool t = FastTest(x, QV_FUSED_Y(), handled, [](auto p, auto q) { return p OP q; }); \
+      if (!handled) {                                                                           \
+        PushCopy(sp++, x);                                                                      \
+        QV_NEXT();                                                                              \
+      }                                                                                         \
+      if (t) {                                                                                  \
+        ip += 2;                                                                                \
+        QV_NEXT();                                                                              \
+      }                                                                                         \
+      /* The JmpFalse two instructions on holds the target. */                                  \
+      const int32_t target = ip[1].a;                                                           \
+      if (target < ip - code + 2) CheckTime();                                                  \
+      ip = code + target;                                                                       \
+      QV_NEXT();                                                                                \
+    }
+        QV_LOAD_JUMP(Eq, ==)
+        QV_LOAD_JUMP(Ne, !=)
+        QV_LOAD_JUMP(Lt, <)
+        QV_LOAD_JUMP(Le, <=)
+        QV_LOAD_JUMP(Gt, >)
+        QV_LOAD_JUMP(Ge, >=)
+#undef QV_LOAD_JUMP
+#undef QV_FUSED_X
+#undef QV_FUSED_Y
     }
     QV_NEXT();
   }

@@ -1,0 +1,116 @@
+// Chooses the fused forms. A fused instruction never spans a statement boundary, so an error
+// it raises reports the same statement, and Resume Next continues where it would have.
+#include "vbscript/fuse.h"
+
+namespace qv::vbs {
+namespace {
+
+enum class Kind { None, Arith, Compare };
+
+struct OperatorInfo {
+  Kind kind = Kind::None;
+  int index = 0;  // Add, Sub, Mul or Eq, Ne, Lt, Le, Gt, Ge
+  bool local = false;
+};
+
+OperatorInfo Classify(Op op) {
+  switch (op) {
+    case Op::AddK:
+      return {Kind::Arith, 0, false};
+    case Op::SubK:
+      return {Kind::Arith, 1, false};
+    case Op::MulK:
+      return {Kind::Arith, 2, false};
+    case Op::AddL:
+      return {Kind::Arith, 0, true};
+    case Op::SubL:
+      return {Kind::Arith, 1, true};
+    case Op::MulL:
+      return {Kind::Arith, 2, true};
+    case Op::EqK:
+      return {Kind::Compare, 0, false};
+    case Op::NeK:
+      return {Kind::Compare, 1, false};
+    case Op::LtK:
+      return {Kind::Compare, 2, false};
+    case Op::LeK:
+      return {Kind::Compare, 3, false};
+    case Op::GtK:
+      return {Kind::Compare, 4, false};
+    case Op::GeK:
+      return {Kind::Compare, 5, false};
+    case Op::EqL:
+      return {Kind::Compare, 0, true};
+    case Op::NeL:
+      return {Kind::Compare, 1, true};
+    case Op::LtL:
+      return {Kind::Compare, 2, true};
+    case Op::LeL:
+      return {Kind::Compare, 3, true};
+    case Op::GtL:
+      return {Kind::Compare, 4, true};
+    case Op::GeL:
+      return {Kind::Compare, 5, true};
+    default:
+      return {};
+  }
+}
+
+Op Offset(Op first, int index) {
+  return static_cast<Op>(static_cast<int>(first) + index);
+}
+
+bool IsPlainStore(const Instr& in) {
+  return in.op == Op::StoreLocal && !(in.flags & (kSetFlag | kRawStore)) && in.a >= 0 &&
+         in.a <= 0xFFFF;
+}
+
+}  // namespace
+
+void FuseInstructions(Proc& proc) {
+  auto& code = proc.code;
+  const auto& starts = proc.stmt_start;
+  const size_t size = code.size();
+  // Whether instruction i continues the statement of the one before it.
+  const auto inside = [&](size_t i) { return i < size && i < starts.size() && !starts[i]; };
+  size_t i = 0;
+  while (i < size) {
+    Instr& in = code[i];
+    const bool load = in.op == Op::LoadLocal || in.op == Op::LoadRef;
+    if (load && inside(i + 1)) {
+      const Instr& next = code[i + 1];
+      const OperatorInfo o = Classify(next.op);
+      if (o.kind != Kind::None) {
+        const uint8_t flags = static_cast<uint8_t>((in.op == Op::LoadRef ? kFusedRef : 0) |
+                                                   (o.local ? kFusedLocal : 0));
+        const bool third = inside(i + 2);
+        if (o.kind == Kind::Arith && third && IsPlainStore(code[i + 2])) {
+          in = Instr{Offset(Op::LoadAddStore, o.index), flags, static_cast<uint16_t>(code[i + 2].a),
+                     in.a, next.a};
+          i += 3;
+          continue;
+        }
+        if (o.kind == Kind::Compare && third && code[i + 2].op == Op::JmpFalse) {
+          in = Instr{Offset(Op::LoadEqJmp, o.index), flags, 0, in.a, next.a};
+          i += 3;
+          continue;
+        }
+        if (o.kind == Kind::Arith) {
+          in = Instr{Offset(Op::LoadAdd, o.index), flags, 0, in.a, next.a};
+          i += 2;
+          continue;
+        }
+      }
+    }
+    const OperatorInfo o = Classify(in.op);
+    if (o.kind == Kind::Arith && inside(i + 1) && IsPlainStore(code[i + 1])) {
+      in = Instr{Offset(Op::AddStore, o.index), static_cast<uint8_t>(o.local ? kFusedLocal : 0),
+                 static_cast<uint16_t>(code[i + 1].a), 0, in.a};
+      i += 2;
+      continue;
+    }
+    ++i;
+  }
+}
+
+}  // namespace qv::vbs
