@@ -343,9 +343,66 @@ class ProcCompiler {
       spine.push_back(cur);
       cur = cur->object.get();
     }
-    Expression(*cur);
-    for (auto it = spine.rbegin(); it != spine.rend(); ++it)
+    auto it = spine.rbegin();
+    if (LocalLeftStep(*cur, **it)) {
+      ++it;
+    } else {
+      Expression(*cur);
+    }
+    for (; it != spine.rend(); ++it)
       BinaryStep(**it);
+  }
+
+  // Whether evaluating e can neither run script code nor change a local: constants, locals
+  // and operators on them (an object operand's default value runs code that cannot reach
+  // this procedure's locals).
+  bool Pure(const Expr& e, int depth = 0) const {
+    if (depth > 8) return false;
+    switch (e.kind) {
+      case ExprKind::Literal:
+        return true;
+      case ExprKind::Name:
+        if (e.has_args) return false;
+        if (!own_name_.empty() && EqualsNoCase(e.name, own_name_)) return true;
+        return FindLocal(e.name) >= 0 || local_consts_.count(e.name) > 0;
+      case ExprKind::Paren:
+      case ExprKind::Unary:
+        return e.object && Pure(*e.object, depth + 1);
+      case ExprKind::Binary:
+        return e.object && e.right && Pure(*e.object, depth + 1) && Pure(*e.right, depth + 1);
+      default:
+        return false;
+    }
+  }
+
+  // `local op expression` with a pure expression: the expression first, then an operator
+  // that takes its left operand from the local, saving the push of the local.
+  bool LocalLeftStep(const Expr& left, const Expr& e) {
+    Op op;
+    switch (e.bin) {
+      case BinOp::Add:
+        op = Op::AddLeft;
+        break;
+      case BinOp::Sub:
+        op = Op::SubLeft;
+        break;
+      case BinOp::Mul:
+        op = Op::MulLeft;
+        break;
+      default:
+        return false;
+    }
+    if (left.kind != ExprKind::Name || left.has_args) return false;
+    if (!own_name_.empty() && EqualsNoCase(left.name, own_name_)) return false;
+    const int32_t local = FindLocal(left.name);
+    if (local < 0 || (static_cast<size_t>(local) < ref_.size() && ref_[local])) return false;
+    const Expr& right = *e.right;
+    if (right.kind == ExprKind::Literal || (right.kind == ExprKind::Name && !right.has_args))
+      return false;  // the K and L forms cover these
+    if (!Pure(right)) return false;
+    Expression(right);
+    Emit(op, 0, local);
+    return true;
   }
 
   // The fused form of an operator whose right operand is a constant or a local, or Nop.

@@ -72,6 +72,10 @@ enum class Op : uint8_t {
   GtL,
   GeK,
   GeL,
+  // The same with the left operand a local (a: slot) and the right one on the stack.
+  AddLeft,
+  SubLeft,
+  MulLeft,
   // Control flow; a: target.
   Jmp,
   JmpFalse,

@@ -6,10 +6,12 @@
 
 #include <pthread.h>
 
+#include <bit>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <type_traits>
 
 #include "automation/convert.h"
 #include "automation/dispatch.h"
@@ -178,33 +180,52 @@ int32_t IndexValue(const Variant& v) {
     v.Clear();
   }
 }
+// Numbers are written as a two-byte type and a full eight-byte payload, the way CopyPlain
+// reads them, so a later copy never waits on two partial stores.
+[[gnu::always_inline]] inline void RawSet(Variant& dst, VarType t, uint64_t bits) {
+  auto* d = reinterpret_cast<unsigned char*>(&dst);
+  std::memcpy(d, &t, sizeof t);
+  std::memcpy(d + 8, &bits, 8);
+}
 template <class T>
 [[gnu::always_inline]] inline void SetValue(Variant& dst, T value) {
   if (IsPlain(dst)) {
-    new (&dst) Variant(value);
+    if constexpr (std::is_same_v<T, int16_t>) {
+      RawSet(dst, VarType::Integer, static_cast<uint16_t>(value));
+    } else if constexpr (std::is_same_v<T, int32_t>) {
+      RawSet(dst, VarType::Long, static_cast<uint32_t>(value));
+    } else if constexpr (std::is_same_v<T, double>) {
+      RawSet(dst, VarType::Double, std::bit_cast<uint64_t>(value));
+    } else if constexpr (std::is_same_v<T, bool>) {
+      RawSet(dst, VarType::Boolean, value ? 1 : 0);
+    } else {
+      new (&dst) Variant(value);
+    }
   } else {
     dst = Variant(value);
   }
 }
 
-// Integer, Long and Double operands of the inline arithmetic.
-// The classes of the inline arithmetic: 1 Integer, 2 Long, 3 Double, 0 anything else.
-[[gnu::always_inline]] inline unsigned NumClass(const Variant& v) {
-  // Indexed by VarType: Integer = 2, Long = 3, Double = 5.
-  constexpr uint64_t kClasses = (1ull << (2 * 4)) | (2ull << (3 * 4)) | (3ull << (5 * 4));
-  const auto t = static_cast<unsigned>(v.type());
-  return t < 16 ? static_cast<unsigned>((kClasses >> (t * 4)) & 0xF) : 0;
+// The operands of the inline arithmetic: Integer (2), Long (3) and Double (5).
+[[gnu::always_inline]] inline unsigned TypeOf(const Variant& v) {
+  return static_cast<unsigned>(v.type());
 }
-[[gnu::always_inline]] inline int64_t WholeOf(const Variant& v) {
+[[gnu::always_inline]] inline bool IsWhole(unsigned t) {
+  return t - 2u <= 1u;
+}
+[[gnu::always_inline]] inline bool IsNumber(unsigned t) {
+  return t <= 5 && ((0x2Cu >> t) & 1);
+}
+[[gnu::always_inline]] inline int32_t WholeOf(const Variant& v) {
   return v.type() == VarType::Integer ? v.as_integer() : v.as_long();
 }
 [[gnu::always_inline]] inline double DoubleOf(const Variant& v) {
   return v.type() == VarType::Double ? v.as_double() : static_cast<double>(WholeOf(v));
 }
 [[gnu::always_inline]] inline void SetWhole(Variant& dst, int64_t r, bool integer) {
-  if (integer && r >= -32768 && r <= 32767) {
+  if (integer && r == static_cast<int16_t>(r)) {
     SetValue(dst, static_cast<int16_t>(r));
-  } else if (r >= INT32_MIN && r <= INT32_MAX) {
+  } else if (r == static_cast<int32_t>(r)) {
     SetValue(dst, static_cast<int32_t>(r));
   } else {
     SetValue(dst, static_cast<double>(r));
@@ -216,12 +237,12 @@ template <class T>
 template <class F, class G>
 [[gnu::always_inline]] inline bool FastArithTo(Variant& dst, const Variant& a, const Variant& b,
                                                F whole, G real) {
-  const unsigned ca = NumClass(a), cb = NumClass(b);
-  if (!ca || !cb) return false;
-  if (ca != 3 && cb != 3) {
-    SetWhole(dst, whole(WholeOf(a), WholeOf(b)), (ca | cb) == 1);
+  const unsigned ta = TypeOf(a), tb = TypeOf(b);
+  if (IsWhole(ta) && IsWhole(tb)) {
+    SetWhole(dst, whole(int64_t{WholeOf(a)}, int64_t{WholeOf(b)}), (ta | tb) == 2);
     return true;
   }
+  if (!IsNumber(ta) || !IsNumber(tb)) return false;
   const double r = real(DoubleOf(a), DoubleOf(b));
   if (!std::isfinite(r)) Raise(kErrOverflow);
   SetValue(dst, r);
@@ -236,35 +257,32 @@ template <class F, class G>
 template <class F>
 [[gnu::always_inline]] inline bool FastTest(const Variant& a, const Variant& b, bool& handled,
                                             F cmp) {
-  const unsigned ca = NumClass(a), cb = NumClass(b);
-  handled = ca && cb;
+  const unsigned ta = TypeOf(a), tb = TypeOf(b);
+  if (IsWhole(ta) && IsWhole(tb)) {
+    handled = true;
+    return cmp(WholeOf(a), WholeOf(b));
+  }
+  handled = IsNumber(ta) && IsNumber(tb);
   if (!handled) return false;
-  if (ca != 3 && cb != 3) return cmp(WholeOf(a), WholeOf(b));
   return cmp(DoubleOf(a), DoubleOf(b));
 }
 
 template <class F>
 [[gnu::always_inline]] inline bool FastCompare(Variant& a, const Variant& b, F cmp) {
-  const unsigned ca = NumClass(a), cb = NumClass(b);
-  if (!ca || !cb) return false;
-  if (ca != 3 && cb != 3) {
-    SetValue(a, cmp(WholeOf(a), WholeOf(b)));
-  } else {
-    SetValue(a, cmp(DoubleOf(a), DoubleOf(b)));
-  }
-  return true;
+  bool handled;
+  const bool r = FastTest(a, b, handled, cmp);
+  if (handled) SetValue(a, r);
+  return handled;
 }
 
 // Whether a For loop goes on: the counter has not passed the end in the step's direction.
 [[gnu::always_inline]] inline bool ForContinues(const Variant& var, const Variant& end,
                                                 const Variant& step) {
-  const unsigned cv = NumClass(var), ce = NumClass(end), cs = NumClass(step);
-  if (cv && ce && cs) {
-    if (cv != 3 && ce != 3 && cs != 3) {
-      return WholeOf(step) >= 0 ? WholeOf(var) <= WholeOf(end) : WholeOf(var) >= WholeOf(end);
-    }
+  const unsigned tv = TypeOf(var), te = TypeOf(end), ts = TypeOf(step);
+  if (IsWhole(tv) && IsWhole(te) && IsWhole(ts))
+    return WholeOf(step) >= 0 ? WholeOf(var) <= WholeOf(end) : WholeOf(var) >= WholeOf(end);
+  if (IsNumber(tv) && IsNumber(te) && IsNumber(ts))
     return DoubleOf(step) >= 0 ? DoubleOf(var) <= DoubleOf(end) : DoubleOf(var) >= DoubleOf(end);
-  }
   const double v = ToDouble(var), e = ToDouble(end), s = ToDouble(step);
   return s >= 0 ? v <= e : v >= e;
 }
@@ -966,6 +984,9 @@ void Vm::Execute(Frame& f) {
     targets[static_cast<uint8_t>(Op::LeL)] = &&L_LeK;
     targets[static_cast<uint8_t>(Op::GtL)] = &&L_GtK;
     targets[static_cast<uint8_t>(Op::GeL)] = &&L_GeK;
+    targets[static_cast<uint8_t>(Op::AddLeft)] = &&L_AddLeft;
+    targets[static_cast<uint8_t>(Op::SubLeft)] = &&L_SubLeft;
+    targets[static_cast<uint8_t>(Op::MulLeft)] = &&L_MulLeft;
     targets[static_cast<uint8_t>(Op::LoadAdd)] = &&L_LoadAdd;
     targets[static_cast<uint8_t>(Op::LoadSub)] = &&L_LoadSub;
     targets[static_cast<uint8_t>(Op::LoadMul)] = &&L_LoadMul;
@@ -1501,10 +1522,10 @@ void Vm::Execute(Frame& f) {
         const Variant& step = locals[ip[-1].n + 1];
         const Variant& end = locals[ip[-1].n];
         // The common loop: a Long counter with whole-number end and step.
-        if (var.type() == VarType::Long && NumClass(step) - 1u < 2u && NumClass(end) - 1u < 2u) {
+        if (var.type() == VarType::Long && IsWhole(TypeOf(step)) && IsWhole(TypeOf(end))) {
           const int64_t next = int64_t{var.as_long()} + WholeOf(step);
           if (next >= INT32_MIN && next <= INT32_MAX) {
-            new (&var) Variant(static_cast<int32_t>(next));
+            RawSet(var, VarType::Long, static_cast<uint32_t>(next));
             const int64_t limit = WholeOf(end);
             if (WholeOf(step) >= 0 ? next <= limit : next >= limit) {
               CheckTime();
@@ -1618,6 +1639,21 @@ void Vm::Execute(Frame& f) {
       a = Op##NAME(a, y);                                                                     \
       QV_NEXT();                                                                              \
     }
+#define QV_LEFT_ARITH(NAME, OP)                                     \
+  case Op::NAME##Left:                                              \
+    L_##NAME##Left : {                                              \
+      Variant& b = sp[-1];                                          \
+      const Variant& a = locals[ip[-1].a];                          \
+      if (!FastArithTo(                                             \
+              b, a, b, [](int64_t p, int64_t q) { return p OP q; }, \
+              [](double p, double q) { return p OP q; }))           \
+        b = Op##NAME(a, b);                                         \
+      QV_NEXT();                                                    \
+    }
+        QV_LEFT_ARITH(Add, +)
+        QV_LEFT_ARITH(Sub, -)
+        QV_LEFT_ARITH(Mul, *)
+#undef QV_LEFT_ARITH
         QV_LOAD_ARITH(Add, +)
         QV_LOAD_ARITH(Sub, -)
         QV_LOAD_ARITH(Mul, *)
