@@ -411,8 +411,8 @@ struct FrameGuard {
 };
 }  // namespace
 
-Variant Vm::CallOnStack(const Proc& proc, ScriptObject* me, Variant* base, uint32_t argc,
-                        uint32_t mask) {
+void Vm::CallInPlace(const Proc& proc, ScriptObject* me, Variant* base, uint32_t argc,
+                     uint32_t mask) {
   if (argc != proc.nparams) Raise(kErrWrongArgCount);
   CheckStack(proc, base);
   Frame f{&proc, base, refs_ + (base - stack_), me, false};
@@ -424,14 +424,30 @@ Variant Vm::CallOnStack(const Proc& proc, ScriptObject* me, Variant* base, uint3
       f.refs[i] = &base[i];
     }
   }
-  Variant* const end = base + proc.nlocals + proc.max_stack;
-  ++depth_;
-  FrameGuard guard{*this, base, end, top_, top_, depth_};
-  top_ = end;
-  Ref<ScriptObject> keep(me);
-  Run(f);
-  if (proc.result_slot >= 0) return std::move(base[proc.result_slot]);
-  return Variant();
+  alignas(Variant) unsigned char result[sizeof(Variant)] = {};
+  const int32_t slot = proc.result_slot;
+  {
+    ++depth_;
+    FrameGuard guard{*this, base, base + proc.nlocals + proc.max_stack, top_, top_, depth_};
+    top_ = guard.end;
+    Ref<ScriptObject> keep(me);
+    Run(f);
+    // A finished procedure leaves its stack area empty: only the locals need clearing. The
+    // result is taken out first, bit for bit, so that no count changes hands.
+    guard.end = base + proc.nlocals;
+    if (slot >= 0) {
+      std::memcpy(result, static_cast<void*>(base + slot), sizeof(Variant));
+      new (base + slot) Variant();
+    }
+  }
+  if (slot >= 0) std::memcpy(static_cast<void*>(base), result, sizeof(Variant));
+}
+
+Variant Vm::CallOnStack(const Proc& proc, ScriptObject* me, Variant* base, uint32_t argc,
+                        uint32_t mask) {
+  CallInPlace(proc, me, base, argc, mask);
+  Variant r = std::move(base[0]);
+  return r;
 }
 
 Variant Vm::Call(const Proc& proc, ScriptObject* me, Args args) {
@@ -1365,9 +1381,18 @@ void Vm::Execute(Frame& f) {
       L_CallGlobal : {
         Variant* args = sp - ip[-1].n;
         GlobalSlot& s = *proc.globals[ip[-1].a];
-        Variant r = s.kind == SlotKind::Procedure
-                        ? CallOnStack(*s.proc, nullptr, args, ip[-1].n, ip[-1].b)
-                        : CallSlot(f, s, args, ip[-1].n, ip[-1].b, ip[-1].flags & kWantResult);
+        if (s.kind == SlotKind::Procedure) {
+          // The callee's frame starts at the arguments and leaves its result there.
+          CallInPlace(*s.proc, nullptr, args, ip[-1].n, ip[-1].b);
+          sp = args;
+          if (ip[-1].flags & kWantResult) {
+            ++sp;
+          } else {
+            Drop(*sp);
+          }
+          QV_NEXT();
+        }
+        Variant r = CallSlot(f, s, args, ip[-1].n, ip[-1].b, ip[-1].flags & kWantResult);
         if (ip[-1].b) ReleaseLocks(args, sp);
         while (sp > args)
           (--sp)->Clear();

@@ -87,6 +87,9 @@ class Vm : public RefCounted {
     const Instr* ip = nullptr;  // the instruction after the one running
   };
 
+  // Runs a procedure whose arguments stand at base; leaves its result (Empty for a Sub) at
+  // base[0] and every other slot from base on Empty.
+  void CallInPlace(const Proc& proc, ScriptObject* me, Variant* base, uint32_t argc, uint32_t mask);
   Variant CallOnStack(const Proc& proc, ScriptObject* me, Variant* base, uint32_t argc,
                       uint32_t mask);
   void Run(Frame& f);
