@@ -1,0 +1,210 @@
+' Arithmetic, comparisons and calls on the locals of procedures, where the engine takes its
+' quickest paths: the result types, widening on overflow and every other operand type must
+' come out as they do at global level.
+
+Sub WideningOnLocals()
+  Dim i, l, d, m
+  i = 100
+  i = i + 1
+  Check i, 101, "Integer + Integer stays Integer"
+  i = 32767
+  i = i + 1
+  Check i, CLng(32768), "Integer overflow in a store widens to Long"
+  i = CInt(-32768)
+  i = i - 1
+  Check i, CLng(-32769), "Integer underflow widens to Long"
+  i = 200
+  i = i * 200
+  Check i, CLng(40000), "Integer product widens to Long"
+  l = 2147483647
+  l = l + 1
+  Check l, 2147483648, "Long overflow widens to Double"
+  l = CLng(-2147483647)
+  l = l - 2
+  Check l, -2147483649, "Long underflow widens to Double"
+  l = 65536
+  m = l * l
+  Check m, 4294967296, "Long product widens to Double"
+  d = 1.5
+  d = d + 1
+  Check d, 2.5, "Double + Integer"
+  m = i + 1
+  Check m, CLng(40001), "load, add and store into another local"
+  m = 5
+  m = m * m - m
+  Check m, 20, "a local on both sides"
+End Sub
+WideningOnLocals
+
+Sub OtherTypesOnLocals()
+  Dim s, e, n, b, y, t, c, dt
+  s = "5"
+  s = s + 1
+  Check s, CDbl(6), "String + Integer is Double"
+  s = "a"
+  s = s + "b"
+  Check s, "ab", "String + String joins"
+  e = e + 1
+  Check e, 1, "Empty + Integer"
+  n = Null
+  n = n + 1
+  Check n, Null, "Null + Integer"
+  b = True
+  b = b + 1
+  Check b, 0, "Boolean + Integer"
+  y = CByte(255)
+  y = y + 1
+  Check y, 256, "Byte overflow widens to Integer"
+  c = CCur(1.5)
+  c = c * 2
+  Check c, CCur(3), "Currency * Integer"
+  dt = #1/1/2000#
+  dt = dt + 1
+  Check dt, #1/2/2000#, "Date + Integer"
+  t = "x"
+  t = t + ("y" & "z")
+  Check t, "xyz", "the local stays the left operand"
+  t = 10
+  t = t - (3 * 2)
+  Check t, 4, "subtraction keeps its order"
+  t = 10
+  t = t - t * 2
+  Check t, -10, "the same local on both sides of -"
+End Sub
+OtherTypesOnLocals
+
+Sub Bump(x)
+  x = x + 1
+End Sub
+
+Sub ByRefOperands()
+  Dim v
+  v = 32767
+  Bump v
+  Check v, CLng(32768), "ByRef parameter incremented and widened"
+  v = "7"
+  Bump v
+  Check v, CDbl(8), "ByRef String parameter"
+End Sub
+ByRefOperands
+
+Function Classify(n)
+  If n < 2 Then
+    Classify = "small"
+  Else
+    Classify = "large"
+  End If
+End Function
+
+Sub ComparisonsAndBranches()
+  Check Classify(1), "small", "Integer below"
+  Check Classify(2), "large", "Integer at the bound"
+  Check Classify(CLng(-5)), "small", "Long"
+  Check Classify(1.999), "small", "Double below"
+  Check Classify(2.001), "large", "Double above"
+  Check Classify(Empty), "small", "Empty counts as zero"
+  Check Classify(Null), "large", "Null is not True: the Else branch runs"
+  Dim i, hits
+  i = 0
+  hits = 0
+  Do While i < 10
+    i = i + 1
+    If i <> 5 Then hits = hits + 1
+  Loop
+  Check hits, 9, "loop condition and inner test on locals"
+End Sub
+ComparisonsAndBranches
+
+Sub OverflowOnLocals()
+  Dim d, after
+  d = 1.7E+308
+  On Error Resume Next
+  d = d * 10
+  Check Err.Number, CLng(6), "Double overflow raises Overflow"
+  Err.Clear
+  after = 1
+  On Error GoTo 0
+  Check d, 1.7E+308, "the failed store leaves the local as it was"
+  Check after, 1, "execution goes on at the next statement"
+End Sub
+OverflowOnLocals
+
+Sub LongLoop()
+  Dim i, s
+  s = 0
+  For i = 1 To 50000
+    s = s + i * 2 - 1
+  Next
+  Check s, 2500000000, "sum of odd numbers, widened to Double on the way"
+End Sub
+LongLoop
+
+Function Fib(n)
+  If n < 2 Then
+    Fib = n
+  Else
+    Fib = Fib(n - 1) + Fib(n - 2)
+  End If
+End Function
+
+Function Repeat(n)
+  Repeat = String(n, "x")
+End Function
+
+Function NoResult()
+End Function
+
+Class Tracked
+  Private Sub Class_Terminate()
+    terminated = terminated + 1
+  End Sub
+End Class
+Dim terminated
+terminated = 0
+
+Function MakeTracked()
+  Set MakeTracked = New Tracked
+End Function
+
+Function Failing(x)
+  Dim local
+  local = "kept"
+  Failing = 1 / x
+End Function
+
+Sub CallsAndResults()
+  Check Fib(15), 610, "recursive Function assigning its own name"
+  Check Repeat(5), "xxxxx", "String result"
+  Check IsEmpty(NoResult()), True, "a Function that assigns nothing returns Empty"
+  Call Repeat(3)
+  Repeat 3
+  Dim o
+  Set o = MakeTracked()
+  Check terminated, 0, "returned object is alive"
+  Set o = Nothing
+  Check terminated, 1, "last reference released at once"
+  MakeTracked
+  Check terminated, 2, "a discarded object result ends at once"
+  Dim r
+  On Error Resume Next
+  r = Failing(0)
+  Check Err.Number, CLng(11), "error in the callee reaches the caller"
+  On Error GoTo 0
+  Check IsEmpty(r), True, "nothing stored after the failed call"
+  Check Failing(4), 0.25, "the same procedure works afterwards"
+End Sub
+CallsAndResults
+
+Function Deep(n)
+  Deep = Deep(n + 1)
+End Function
+
+Sub RunawayRecursion()
+  Dim r
+  On Error Resume Next
+  r = Deep(0)
+  Check Err.Number, CLng(28), "runaway recursion is Out of stack space"
+  On Error GoTo 0
+  Check Fib(10), 55, "calls work after running out of stack"
+End Sub
+RunawayRecursion
