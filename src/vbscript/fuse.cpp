@@ -65,6 +65,19 @@ bool IsPlainStore(const Instr& in) {
          in.a <= 0xFFFF;
 }
 
+// The b and flags of a fused instruction for the operator's operand: a small Integer
+// constant travels in the instruction itself.
+struct Operand {
+  int32_t b;
+  uint8_t flags;
+};
+Operand OperandOf(const Proc& proc, const Instr& op, bool local) {
+  if (local) return {op.a, kFusedLocal};
+  const Variant& k = proc.consts[static_cast<size_t>(op.a)];
+  if (k.type() == VarType::Integer) return {k.as_integer(), kFusedImmediate};
+  return {op.a, 0};
+}
+
 }  // namespace
 
 void FuseInstructions(Proc& proc) {
@@ -81,22 +94,23 @@ void FuseInstructions(Proc& proc) {
       const Instr& next = code[i + 1];
       const OperatorInfo o = Classify(next.op);
       if (o.kind != Kind::None) {
-        const uint8_t flags = static_cast<uint8_t>((in.op == Op::LoadRef ? kFusedRef : 0) |
-                                                   (o.local ? kFusedLocal : 0));
+        const Operand y = OperandOf(proc, next, o.local);
+        const uint8_t flags =
+            static_cast<uint8_t>((in.op == Op::LoadRef ? kFusedRef : 0) | y.flags);
         const bool third = inside(i + 2);
         if (o.kind == Kind::Arith && third && IsPlainStore(code[i + 2])) {
           in = Instr{Offset(Op::LoadAddStore, o.index), flags, static_cast<uint16_t>(code[i + 2].a),
-                     in.a, next.a};
+                     in.a, y.b};
           i += 3;
           continue;
         }
         if (o.kind == Kind::Compare && third && code[i + 2].op == Op::JmpFalse) {
-          in = Instr{Offset(Op::LoadEqJmp, o.index), flags, 0, in.a, next.a};
+          in = Instr{Offset(Op::LoadEqJmp, o.index), flags, 0, in.a, y.b};
           i += 3;
           continue;
         }
         if (o.kind == Kind::Arith) {
-          in = Instr{Offset(Op::LoadAdd, o.index), flags, 0, in.a, next.a};
+          in = Instr{Offset(Op::LoadAdd, o.index), flags, 0, in.a, y.b};
           i += 2;
           continue;
         }
@@ -104,8 +118,9 @@ void FuseInstructions(Proc& proc) {
     }
     const OperatorInfo o = Classify(in.op);
     if (o.kind == Kind::Arith && inside(i + 1) && IsPlainStore(code[i + 1])) {
-      in = Instr{Offset(Op::AddStore, o.index), static_cast<uint8_t>(o.local ? kFusedLocal : 0),
-                 static_cast<uint16_t>(code[i + 1].a), 0, in.a};
+      const Operand y = OperandOf(proc, in, o.local);
+      in = Instr{Offset(Op::AddStore, o.index), y.flags, static_cast<uint16_t>(code[i + 1].a), in.a,
+                 y.b};
       i += 2;
       continue;
     }

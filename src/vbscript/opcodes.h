@@ -106,7 +106,8 @@ enum class Op : uint8_t {
   Return,
   // Fused sequences (see fuse.h), written over the first instruction of the sequence; the
   // instructions they cover stay in place for jumps that land on them. a: the loaded
-  // variable, b: the operator's operand, n: the local stored to.
+  // variable (for AddStore..MulStore: the operator's operand), b: the operator's operand or
+  // its Integer value, n: the local stored to.
   LoadAdd,  // LoadLocal|LoadRef, AddK|AddL: pushes the sum
   LoadSub,
   LoadMul,
@@ -133,9 +134,10 @@ inline constexpr uint8_t kWantResult = 8;
 // result, which its caller's own assignment judges.
 inline constexpr uint8_t kRawStore = 16;
 // Flags of the fused instructions: the loaded variable is a ByRef parameter; the operand is
-// a local rather than a constant.
+// a local rather than a constant; the operand is an Integer constant held in b itself.
 inline constexpr uint8_t kFusedRef = 1;
 inline constexpr uint8_t kFusedLocal = 2;
+inline constexpr uint8_t kFusedImmediate = 4;
 
 struct Instr {
   Op op = Op::Nop;

@@ -187,25 +187,6 @@ int32_t IndexValue(const Variant& v) {
   std::memcpy(d, &t, sizeof t);
   std::memcpy(d + 8, &bits, 8);
 }
-template <class T>
-[[gnu::always_inline]] inline void SetValue(Variant& dst, T value) {
-  if (IsPlain(dst)) {
-    if constexpr (std::is_same_v<T, int16_t>) {
-      RawSet(dst, VarType::Integer, static_cast<uint16_t>(value));
-    } else if constexpr (std::is_same_v<T, int32_t>) {
-      RawSet(dst, VarType::Long, static_cast<uint32_t>(value));
-    } else if constexpr (std::is_same_v<T, double>) {
-      RawSet(dst, VarType::Double, std::bit_cast<uint64_t>(value));
-    } else if constexpr (std::is_same_v<T, bool>) {
-      RawSet(dst, VarType::Boolean, value ? 1 : 0);
-    } else {
-      new (&dst) Variant(value);
-    }
-  } else {
-    dst = Variant(value);
-  }
-}
-
 // The operands of the inline arithmetic: Integer (2), Long (3) and Double (5).
 [[gnu::always_inline]] inline unsigned TypeOf(const Variant& v) {
   return static_cast<unsigned>(v.type());
@@ -222,14 +203,114 @@ template <class T>
 [[gnu::always_inline]] inline double DoubleOf(const Variant& v) {
   return v.type() == VarType::Double ? v.as_double() : static_cast<double>(WholeOf(v));
 }
-[[gnu::always_inline]] inline void SetWhole(Variant& dst, int64_t r, bool integer) {
+// Writes a number into a slot known to own nothing.
+[[gnu::always_inline]] inline void PutDouble(Variant& dst, double r) {
+  RawSet(dst, VarType::Double, std::bit_cast<uint64_t>(r));
+}
+[[gnu::always_inline]] inline void PutWhole(Variant& dst, int64_t r, bool integer) {
   if (integer && r == static_cast<int16_t>(r)) {
-    SetValue(dst, static_cast<int16_t>(r));
+    RawSet(dst, VarType::Integer, static_cast<uint16_t>(r));
   } else if (r == static_cast<int32_t>(r)) {
-    SetValue(dst, static_cast<int32_t>(r));
+    RawSet(dst, VarType::Long, static_cast<uint32_t>(r));
   } else {
-    SetValue(dst, static_cast<double>(r));
+    PutDouble(dst, static_cast<double>(r));
   }
+}
+
+// The two operands of the inline arithmetic as one key: both types below 8, else kNoPair.
+constexpr unsigned kNoPair = 64;
+[[gnu::always_inline]] inline unsigned PairOf(const Variant& a, const Variant& b) {
+  const unsigned ta = TypeOf(a), tb = TypeOf(b);
+  return (ta | tb) < 8 ? ta * 8 + tb : kNoPair;
+}
+constexpr unsigned Pair(VarType a, VarType b) {
+  return static_cast<unsigned>(a) * 8 + static_cast<unsigned>(b);
+}
+
+// The operands of an Integer/Long/Double operation, as whole numbers or as Doubles.
+struct Operands {
+  int64_t wa, wb;
+  double da, db;
+};
+// 0: not for the inline paths, 1: Integer and Integer, 2: whole numbers, 3: Doubles.
+[[gnu::always_inline]] inline int Load(const Variant& a, const Variant& b, Operands& o) {
+  switch (PairOf(a, b)) {
+    case Pair(VarType::Integer, VarType::Integer):
+      o.wa = a.as_integer();
+      o.wb = b.as_integer();
+      return 1;
+    case Pair(VarType::Integer, VarType::Long):
+      o.wa = a.as_integer();
+      o.wb = b.as_long();
+      return 2;
+    case Pair(VarType::Long, VarType::Integer):
+      o.wa = a.as_long();
+      o.wb = b.as_integer();
+      return 2;
+    case Pair(VarType::Long, VarType::Long):
+      o.wa = a.as_long();
+      o.wb = b.as_long();
+      return 2;
+    case Pair(VarType::Double, VarType::Double):
+      o.da = a.as_double();
+      o.db = b.as_double();
+      return 3;
+    case Pair(VarType::Double, VarType::Integer):
+      o.da = a.as_double();
+      o.db = b.as_integer();
+      return 3;
+    case Pair(VarType::Double, VarType::Long):
+      o.da = a.as_double();
+      o.db = b.as_long();
+      return 3;
+    case Pair(VarType::Integer, VarType::Double):
+      o.da = a.as_integer();
+      o.db = b.as_double();
+      return 3;
+    case Pair(VarType::Long, VarType::Double):
+      o.da = a.as_long();
+      o.db = b.as_double();
+      return 3;
+    default:
+      return 0;
+  }
+}
+
+// The same with the right operand an Integer constant held in the instruction.
+[[gnu::always_inline]] inline int LoadImmediate(const Variant& a, int32_t k, Operands& o) {
+  switch (a.type()) {
+    case VarType::Integer:
+      o.wa = a.as_integer();
+      o.wb = k;
+      return 1;
+    case VarType::Long:
+      o.wa = a.as_long();
+      o.wb = k;
+      return 2;
+    case VarType::Double:
+      o.da = a.as_double();
+      o.db = k;
+      return 3;
+    default:
+      return 0;
+  }
+}
+
+// Writes the result of an operation Load accepted. kOwned: dst may hold a string or an
+// object, released once the result is known (an overflow leaves dst as it was).
+template <bool kOwned, class F, class G>
+[[gnu::always_inline]] inline void PutResult(Variant& dst, int kind, const Operands& o, F whole,
+                                             G real) {
+  if (kind != 3) {
+    const int64_t r = whole(o.wa, o.wb);
+    if (kOwned && !IsPlain(dst)) dst.Clear();
+    PutWhole(dst, r, kind == 1);
+    return;
+  }
+  const double r = real(o.da, o.db);
+  if (!std::isfinite(r)) Raise(kErrOverflow);
+  if (kOwned && !IsPlain(dst)) dst.Clear();
+  PutDouble(dst, r);
 }
 
 // dst = a op b for Integer/Long/Double; false when another type asks for the general rules.
@@ -237,15 +318,10 @@ template <class T>
 template <class F, class G>
 [[gnu::always_inline]] inline bool FastArithTo(Variant& dst, const Variant& a, const Variant& b,
                                                F whole, G real) {
-  const unsigned ta = TypeOf(a), tb = TypeOf(b);
-  if (IsWhole(ta) && IsWhole(tb)) {
-    SetWhole(dst, whole(int64_t{WholeOf(a)}, int64_t{WholeOf(b)}), (ta | tb) == 2);
-    return true;
-  }
-  if (!IsNumber(ta) || !IsNumber(tb)) return false;
-  const double r = real(DoubleOf(a), DoubleOf(b));
-  if (!std::isfinite(r)) Raise(kErrOverflow);
-  SetValue(dst, r);
+  Operands o;
+  const int kind = Load(a, b, o);
+  if (!kind) return false;
+  PutResult<false>(dst, kind, o, whole, real);
   return true;
 }
 template <class F, class G>
@@ -253,25 +329,31 @@ template <class F, class G>
   return FastArithTo(a, a, b, whole, real);
 }
 
+// The operands of a fused instruction: x and its right operand, an Integer held in the
+// instruction, a local or a constant.
+[[gnu::always_inline]] inline int LoadFused(const Instr& in, int32_t operand, const Variant& x,
+                                            const Variant* locals, const Variant* consts,
+                                            Operands& o) {
+  if (in.flags & kFusedImmediate) return LoadImmediate(x, operand, o);
+  return Load(x, (in.flags & kFusedLocal) ? locals[operand] : consts[operand], o);
+}
+
 // The comparison of two Integer/Long/Double values; false in `handled` for other types.
 template <class F>
 [[gnu::always_inline]] inline bool FastTest(const Variant& a, const Variant& b, bool& handled,
                                             F cmp) {
-  const unsigned ta = TypeOf(a), tb = TypeOf(b);
-  if (IsWhole(ta) && IsWhole(tb)) {
-    handled = true;
-    return cmp(WholeOf(a), WholeOf(b));
-  }
-  handled = IsNumber(ta) && IsNumber(tb);
-  if (!handled) return false;
-  return cmp(DoubleOf(a), DoubleOf(b));
+  Operands o;
+  const int kind = Load(a, b, o);
+  handled = kind != 0;
+  if (kind == 3) return cmp(o.da, o.db);
+  return handled && cmp(o.wa, o.wb);
 }
 
 template <class F>
 [[gnu::always_inline]] inline bool FastCompare(Variant& a, const Variant& b, F cmp) {
   bool handled;
   const bool r = FastTest(a, b, handled, cmp);
-  if (handled) SetValue(a, r);
+  if (handled) RawSet(a, VarType::Boolean, r ? 1 : 0);
   return handled;
 }
 
@@ -1623,57 +1705,54 @@ void Vm::Execute(Frame& f) {
         // The fused forms: the fast path when every operand is a plain number, else the first
         // instruction's own work, after which the covered ones run as compiled.
 #define QV_FUSED_X() ((ip[-1].flags & kFusedRef) ? *f.refs[ip[-1].a] : locals[ip[-1].a])
-#define QV_FUSED_Y() ((ip[-1].flags & kFusedLocal) ? locals[ip[-1].b] : consts[ip[-1].b])
-#define QV_LOAD_ARITH(NAME, OP)                                                               \
-  case Op::Load##NAME:                                                                        \
-    L_Load##NAME : {                                                                          \
-      const Variant& x = QV_FUSED_X();                                                        \
-      if (FastArithTo(                                                                        \
-              *sp, x, QV_FUSED_Y(), [](int64_t p, int64_t q) { return p OP q; },              \
-              [](double p, double q) { return p OP q; })) {                                   \
-        ++sp;                                                                                 \
-        ++ip;                                                                                 \
-        QV_NEXT();                                                                            \
-      }                                                                                       \
-      PushCopy(sp++, x);                                                                      \
-      QV_NEXT();                                                                              \
-    }                                                                                         \
-  case Op::Load##NAME##Store:                                                                 \
-    L_Load##NAME##Store : {                                                                   \
-      const Variant& x = QV_FUSED_X();                                                        \
-      if (FastArithTo(                                                                        \
-              locals[ip[-1].n], x, QV_FUSED_Y(), [](int64_t p, int64_t q) { return p OP q; }, \
-              [](double p, double q) { return p OP q; })) {                                   \
-        ip += 2;                                                                              \
-        QV_NEXT();                                                                            \
-      }                                                                                       \
-      PushCopy(sp++, x);                                                                      \
-      QV_NEXT();                                                                              \
-    }                                                                                         \
-  case Op::NAME##Store:                                                                       \
-    L_##NAME##Store : {                                                                       \
-      Variant& a = sp[-1];                                                                    \
-      const Variant& y = QV_FUSED_Y();                                                        \
-      if (FastArithTo(                                                                        \
-              locals[ip[-1].n], a, y, [](int64_t p, int64_t q) { return p OP q; },            \
-              [](double p, double q) { return p OP q; })) {                                   \
-        new (--sp) Variant();                                                                 \
-        ++ip;                                                                                 \
-        QV_NEXT();                                                                            \
-      }                                                                                       \
-      a = Op##NAME(a, y);                                                                     \
-      QV_NEXT();                                                                              \
+#define QV_WHOLE(OP) [](int64_t p, int64_t q) { return p OP q; }
+#define QV_REAL(OP) [](double p, double q) { return p OP q; }
+#define QV_LOAD_ARITH(NAME, OP)                                                            \
+  case Op::Load##NAME:                                                                     \
+    L_Load##NAME : {                                                                       \
+      const Variant& x = QV_FUSED_X();                                                     \
+      Operands o;                                                                          \
+      if (const int kind = LoadFused(ip[-1], ip[-1].b, x, locals, consts, o)) {            \
+        PutResult<false>(*sp, kind, o, QV_WHOLE(OP), QV_REAL(OP));                         \
+        ++sp;                                                                              \
+        ++ip;                                                                              \
+        QV_NEXT();                                                                         \
+      }                                                                                    \
+      PushCopy(sp++, x);                                                                   \
+      QV_NEXT();                                                                           \
+    }                                                                                      \
+  case Op::Load##NAME##Store:                                                              \
+    L_Load##NAME##Store : {                                                                \
+      const Variant& x = QV_FUSED_X();                                                     \
+      Operands o;                                                                          \
+      if (const int kind = LoadFused(ip[-1], ip[-1].b, x, locals, consts, o)) {            \
+        PutResult<true>(locals[ip[-1].n], kind, o, QV_WHOLE(OP), QV_REAL(OP));             \
+        ip += 2;                                                                           \
+        QV_NEXT();                                                                         \
+      }                                                                                    \
+      PushCopy(sp++, x);                                                                   \
+      QV_NEXT();                                                                           \
+    }                                                                                      \
+  case Op::NAME##Store:                                                                    \
+    L_##NAME##Store : {                                                                    \
+      Variant& a = sp[-1];                                                                 \
+      Operands o;                                                                          \
+      if (const int kind = LoadFused(ip[-1], ip[-1].b, a, locals, consts, o)) {            \
+        PutResult<true>(locals[ip[-1].n], kind, o, QV_WHOLE(OP), QV_REAL(OP));             \
+        new (--sp) Variant();                                                              \
+        ++ip;                                                                              \
+        QV_NEXT();                                                                         \
+      }                                                                                    \
+      a = Op##NAME(a, (ip[-1].flags & kFusedLocal) ? locals[ip[-1].a] : consts[ip[-1].a]); \
+      QV_NEXT();                                                                           \
     }
-#define QV_LEFT_ARITH(NAME, OP)                                     \
-  case Op::NAME##Left:                                              \
-    L_##NAME##Left : {                                              \
-      Variant& b = sp[-1];                                          \
-      const Variant& a = locals[ip[-1].a];                          \
-      if (!FastArithTo(                                             \
-              b, a, b, [](int64_t p, int64_t q) { return p OP q; }, \
-              [](double p, double q) { return p OP q; }))           \
-        b = Op##NAME(a, b);                                         \
-      QV_NEXT();                                                    \
+#define QV_LEFT_ARITH(NAME, OP)                                                 \
+  case Op::NAME##Left:                                                          \
+    L_##NAME##Left : {                                                          \
+      Variant& b = sp[-1];                                                      \
+      const Variant& a = locals[ip[-1].a];                                      \
+      if (!FastArithTo(b, a, b, QV_WHOLE(OP), QV_REAL(OP))) b = Op##NAME(a, b); \
+      QV_NEXT();                                                                \
     }
         QV_LEFT_ARITH(Add, +)
         QV_LEFT_ARITH(Sub, -)
@@ -1683,25 +1762,25 @@ void Vm::Execute(Frame& f) {
         QV_LOAD_ARITH(Sub, -)
         QV_LOAD_ARITH(Mul, *)
 #undef QV_LOAD_ARITH
-#define QV_LOAD_JUMP(NAME, OP)                                                                  \
-  case Op::Load##NAME##Jmp:                                                                     \
-    L_Load##NAME##Jmp : {                                                                       \
-      const Variant& x = QV_FUSED_X();                                                          \
-      bool handled;                                                                             \
-      const bool t = FastTest(x, QV_FUSED_Y(), handled, [](auto p, auto q) { return p OP q; }); \
-      if (!handled) {                                                                           \
-        PushCopy(sp++, x);                                                                      \
-        QV_NEXT();                                                                              \
-      }                                                                                         \
-      if (t) {                                                                                  \
-        ip += 2;                                                                                \
-        QV_NEXT();                                                                              \
-      }                                                                                         \
-      /* The JmpFalse two instructions on holds the target. */                                  \
-      const int32_t target = ip[1].a;                                                           \
-      if (target < ip - code + 2) CheckTime();                                                  \
-      ip = code + target;                                                                       \
-      QV_NEXT();                                                                                \
+#define QV_LOAD_JUMP(NAME, OP)                                            \
+  case Op::Load##NAME##Jmp:                                               \
+    L_Load##NAME##Jmp : {                                                 \
+      const Variant& x = QV_FUSED_X();                                    \
+      Operands o;                                                         \
+      const int kind = LoadFused(ip[-1], ip[-1].b, x, locals, consts, o); \
+      if (!kind) {                                                        \
+        PushCopy(sp++, x);                                                \
+        QV_NEXT();                                                        \
+      }                                                                   \
+      if (kind == 3 ? o.da OP o.db : o.wa OP o.wb) {                      \
+        ip += 2;                                                          \
+        QV_NEXT();                                                        \
+      }                                                                   \
+      /* The JmpFalse two instructions on holds the target. */            \
+      const int32_t target = ip[1].a;                                     \
+      if (target < ip - code + 2) CheckTime();                            \
+      ip = code + target;                                                 \
+      QV_NEXT();                                                          \
     }
         QV_LOAD_JUMP(Eq, ==)
         QV_LOAD_JUMP(Ne, !=)
@@ -1711,7 +1790,8 @@ void Vm::Execute(Frame& f) {
         QV_LOAD_JUMP(Ge, >=)
 #undef QV_LOAD_JUMP
 #undef QV_FUSED_X
-#undef QV_FUSED_Y
+#undef QV_WHOLE
+#undef QV_REAL
     }
     QV_NEXT();
   }
