@@ -32,7 +32,7 @@ constexpr size_t kStackMargin = size_t{3} << 20;
 constexpr size_t kStackMargin = size_t{512} << 10;
 #endif
 
-const char* StackLimit() {
+const char* FindStackLimit() {
   pthread_attr_t attr;
   if (pthread_getattr_np(pthread_self(), &attr) == 0) {
     void* addr = nullptr;
@@ -43,6 +43,13 @@ const char* StackLimit() {
   }
   const char* here = static_cast<const char*>(__builtin_frame_address(0));
   return here - (size_t{1} << 20);
+}
+
+// A thread's stack never moves, and asking for it reads /proc/self/maps for the main thread:
+// once per thread is enough.
+const char* StackLimit() {
+  thread_local const char* const limit = FindStackLimit();
+  return limit;
 }
 
 [[noreturn]] void Raise(int32_t number) {
