@@ -504,6 +504,8 @@ void Vm::CallInPlace(const Proc& proc, ScriptObject* me, Variant* base, uint32_t
                      uint32_t mask) {
   if (argc != proc.nparams) Raise(kErrWrongArgCount);
   CheckStack(proc, base);
+  // Recursion without loops never jumps backwards: calls count towards the time limit too.
+  CheckTime();
   Frame f{&proc, base, refs_ + (base - stack_), me, false};
   for (uint32_t i = 0; i < proc.nparams; ++i) {
     if (!proc.byref[i]) continue;

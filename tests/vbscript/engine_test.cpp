@@ -199,6 +199,25 @@ TEST(EngineTest, TimeoutInterruptsAndTheEngineStaysUsable) {
   EXPECT_LT(elapsed, std::chrono::seconds(5));
   EXPECT_EQ(engine.Error().Number(), kErrTimeout);
   EXPECT_EQ(Utf8(engine.Eval(u"1 + 1")), "2");
+
+  // Recursion alone, with no loop to jump back in, and a loop whose test and step run in
+  // fused instructions are interrupted as well.
+  engine.AddCode(
+      u"Function Fib(n)\r\n If n < 2 Then\r\n Fib = n\r\n Else\r\n"
+      u" Fib = Fib(n - 1) + Fib(n - 2)\r\n End If\r\nEnd Function\r\n"
+      u"Sub Count()\r\n Dim i\r\n i = 0\r\n Do While i < 2000000000\r\n i = i + 1\r\n"
+      u" Loop\r\nEnd Sub");
+  std::vector<Variant> none;
+  std::vector<Variant> deep{Variant(int16_t{45})};
+  std::vector<Variant> small{Variant(int16_t{10})};
+  for (bool recursive : {false, true}) {
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(ErrorOf([&] { engine.Run(recursive ? u"Fib" : u"Count", recursive ? deep : none); }),
+              kErrTimeout)
+        << (recursive ? "recursion" : "loop");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+  }
+  EXPECT_EQ(Utf8(engine.Run(u"Fib", small)), "55");
 }
 
 TEST(EngineTest, ResetDropsCodeModulesAndObjects) {
