@@ -1637,13 +1637,21 @@ void Vm::Execute(Frame& f) {
                            : VarRef(f, ip[-1].flags, ip[-1].a);
         const Variant& step = locals[ip[-1].n + 1];
         const Variant& end = locals[ip[-1].n];
-        // The common loop: a Long counter with whole-number end and step.
-        if (var.type() == VarType::Long && IsWhole(TypeOf(step)) && IsWhole(TypeOf(end))) {
-          const int64_t next = int64_t{var.as_long()} + WholeOf(step);
-          if (next >= INT32_MIN && next <= INT32_MAX) {
-            RawSet(var, VarType::Long, static_cast<uint32_t>(next));
-            const int64_t limit = WholeOf(end);
-            if (WholeOf(step) >= 0 ? next <= limit : next >= limit) {
+        // The common loop: an Integer or Long counter with whole-number end and step, which
+        // stays of its type while it fits (the general path below widens it).
+        if (const unsigned tv = TypeOf(var);
+            IsWhole(tv) && IsWhole(TypeOf(step)) && IsWhole(TypeOf(end))) {
+          const int32_t by = WholeOf(step);
+          const int64_t next = int64_t{WholeOf(var)} + by;
+          const bool integer = (tv | TypeOf(step)) == 2;
+          if (integer ? next == static_cast<int16_t>(next) : next == static_cast<int32_t>(next)) {
+            if (integer) {
+              RawSet(var, VarType::Integer, static_cast<uint16_t>(next));
+            } else {
+              RawSet(var, VarType::Long, static_cast<uint32_t>(next));
+            }
+            const int32_t limit = WholeOf(end);
+            if (by >= 0 ? next <= limit : next >= limit) {
               CheckTime();
               ip = code + ip[-1].b;
             }

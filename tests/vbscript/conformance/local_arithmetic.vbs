@@ -208,3 +208,34 @@ Sub RunawayRecursion()
   Check Fib(10), 55, "calls work after running out of stack"
 End Sub
 RunawayRecursion
+
+Sub CountersOnLocals()
+  Dim i, n, seen
+  For i = 1 To 3
+  Next
+  Check i, 4, "Integer counter ends past the bound as Integer"
+  For i = CLng(1) To 3
+  Next
+  Check i, CLng(4), "Long counter stays Long"
+  seen = ""
+  For i = 10 To 1 Step -3
+    seen = seen & i & " "
+  Next
+  Check seen, "10 7 4 1 ", "negative step"
+  Check i, -2, "counter after a negative step"
+  n = 0
+  For i = 1 To 2 Step 0.5
+    n = n + 1
+  Next
+  Check n, 3, "Double step"
+  Check i, 2.5, "Double counter"
+  n = 0
+  For i = 1 To 10000
+    n = n + 1
+  Next
+  Check n, 10000, "iterations counted"
+  For i = 2147483640 To 2147483647
+  Next
+  Check i, 2147483648, "Long counter widens past the last value"
+End Sub
+CountersOnLocals
