@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "automation/collation.h"
 #include "automation/date_time.h"
 #include "automation/error.h"
 #include "automation/object.h"
@@ -197,8 +198,9 @@ std::optional<double> ParseNumberText(StringView text) {
 
 std::optional<bool> ParseBoolText(StringView text) {
   const StringView s = TrimWhite(text);
-  if (EqualsNoCase(s, u"true")) return true;
-  if (EqualsNoCase(s, u"false")) return false;
+  // The names in any case, also in the #...# form a Boolean literal takes in other languages.
+  if (EqualsNoCase(s, u"true") || EqualsNoCase(s, u"#true#")) return true;
+  if (EqualsNoCase(s, u"false") || EqualsNoCase(s, u"#false#")) return false;
   const auto n = ParseNumberText(s);
   if (!n) return std::nullopt;
   return *n != 0;
@@ -233,6 +235,8 @@ bool ToBool(const Variant& v) {
 }
 
 uint8_t ToByte(const Variant& v) {
+  // True is -1, whose low byte is 255: CByte(True) gives 255, not an overflow.
+  if (v.type() == VarType::Boolean) return v.as_bool() ? 255 : 0;
   return static_cast<uint8_t>(WholeNumber(v, 0, 255));
 }
 
@@ -362,12 +366,21 @@ Comparison CompareNumbers(const Variant& a, const Variant& b) {
   if (a.type() == VarType::Currency && b.type() == VarType::Currency) {
     return FromInt(a.as_currency() < b.as_currency() ? -1 : a.as_currency() > b.as_currency());
   }
+  // A Single against a Double compares at the Single's precision: CSng(0.1) = 0.1 holds.
+  const bool mixed_single = (a.type() == VarType::Single && b.type() == VarType::Double) ||
+                            (a.type() == VarType::Double && b.type() == VarType::Single);
+  if (mixed_single && std::fabs(NumericPayload(a)) <= FLT_MAX &&
+      std::fabs(NumericPayload(b)) <= FLT_MAX) {
+    const float x = static_cast<float>(NumericPayload(a)),
+                y = static_cast<float>(NumericPayload(b));
+    return FromInt(x < y ? -1 : (x > y ? 1 : 0));
+  }
   const double x = NumericPayload(a), y = NumericPayload(b);
   return FromInt(x < y ? -1 : (x > y ? 1 : 0));
 }
 
 Comparison CompareTexts(StringView a, StringView b, bool text_compare) {
-  return FromInt(text_compare ? CompareNoCase(a, b) : CompareBinary(a, b));
+  return FromInt(text_compare ? CompareText(a, b) : CompareBinary(a, b));
 }
 
 }  // namespace

@@ -18,10 +18,15 @@ constexpr uint32_t kRndMultiplier = 0x43FD43FD;
 constexpr uint32_t kRndIncrement = 0xC39EC3;
 constexpr uint32_t kRndMask = 0xFFFFFF;
 
+// The generator keeps no value apart from its seed: Rnd(0) repeats the seed as a fraction, so
+// before any other call it gives 0x50000 / 2^24.
+float SeedFraction(const RuntimeState& state) {
+  return static_cast<float>(state.rnd_seed) / 16777216.0f;
+}
+
 float NextRnd(RuntimeState& state) {
   state.rnd_seed = (state.rnd_seed * kRndMultiplier + kRndIncrement) & kRndMask;
-  state.last_rnd = static_cast<float>(state.rnd_seed) / 16777216.0f;
-  return state.last_rnd;
+  return SeedFraction(state);
 }
 
 Variant Rnd(RuntimeState& state, Args a) {
@@ -29,7 +34,7 @@ Variant Rnd(RuntimeState& state, Args a) {
   const Variant v = ValueOf(a[0]);
   if (v.is_null()) Raise(kErrInvalidUseOfNull);
   const float n = ToSingle(v);
-  if (n == 0) return Variant(state.last_rnd);
+  if (n == 0) return Variant(SeedFraction(state));
   if (n < 0) {
     // A negative argument seeds from its own bits, so Rnd(-x) always starts the same run.
     uint32_t bits;
@@ -68,8 +73,9 @@ Variant Randomize(RuntimeState& state, Args a) {
 }
 
 // Applies a rounding of doubles to a value, keeping its type as Int, Fix and Round do.
+// Int and Fix turn a Boolean into an Integer; Round gives the Boolean back.
 template <class RoundFn>
-Variant KeepingType(const Variant& raw, RoundFn round) {
+Variant KeepingType(const Variant& raw, RoundFn round, bool keep_boolean = false) {
   const Variant v = ValueOf(raw);
   switch (v.type()) {
     case VarType::Null:
@@ -77,6 +83,7 @@ Variant KeepingType(const Variant& raw, RoundFn round) {
     case VarType::Empty:
       return Variant(int16_t{0});
     case VarType::Boolean:
+      if (keep_boolean) return v;
       return Variant(static_cast<int16_t>(v.as_bool() ? -1 : 0));
     case VarType::Byte:
     case VarType::Integer:
@@ -131,7 +138,8 @@ Variant Round(RuntimeState&, Args a) {
     if (q > INT64_MAX / unit || q < INT64_MIN / unit) Raise(kErrOverflow);
     return Variant::Currency(q * unit);
   }
-  return KeepingType(v, [places](double d) { return RoundTo(d, places); });
+  return KeepingType(
+      v, [places](double d) { return RoundTo(d, places); }, true);
 }
 
 Variant Abs(RuntimeState&, Args a) {

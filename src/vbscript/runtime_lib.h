@@ -46,10 +46,11 @@ inline int32_t OptionalLong(Args args, size_t i, int32_t fallback) {
   return ToLong(v);
 }
 
-// vbBinaryCompare (0) or vbTextCompare (1); any other value raises 5.
+// vbBinaryCompare (0) or vbTextCompare (1); any other value, vbDatabaseCompare included,
+// raises 5.
 inline bool TextCompareArg(Args args, size_t i, int32_t state_default = 0) {
   const int32_t mode = OptionalLong(args, i, state_default);
-  if (mode < 0) Raise(kErrInvalidCall);
+  if (mode != 0 && mode != 1) Raise(kErrInvalidCall);
   return mode == 1;
 }
 

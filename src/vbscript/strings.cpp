@@ -7,6 +7,7 @@
 #include <emmintrin.h>
 #endif
 
+#include "automation/collation.h"
 #include "vbscript/runtime_lib.h"
 #include "vbscript/strings_lib.h"
 
@@ -80,6 +81,8 @@ Variant Right(RuntimeState&, Args a) {
 
 Variant Mid(RuntimeState&, Args a) {
   const Variant v = ValueOf(a[0]);
+  // A Null length is refused before the start is even read.
+  if (Given(a, 2) && ValueOf(a[2]).is_null()) Raise(kErrInvalidUseOfNull);
   const size_t start = static_cast<size_t>(StartArg(a[1]));
   const bool has_length = Given(a, 2);
   const size_t length = has_length ? static_cast<size_t>(CountArg(a[2])) : SIZE_MAX;
@@ -124,7 +127,8 @@ Variant InStrRev(RuntimeState&, Args a) {
   const int32_t start = OptionalLong(a, 2, -1);
   const bool text = TextCompareArg(a, 3);
   if (start == 0 || start < -1) Raise(kErrInvalidCall);
-  if (s1.is_null() || s2.is_null()) return Variant::Null();
+  // Unlike InStr, InStrRev refuses Null text.
+  if (s1.is_null() || s2.is_null()) Raise(kErrInvalidUseOfNull);
   const String hay = ToString(s1), needle = ToString(s2);
   const size_t end = start == -1 ? hay.size() : static_cast<size_t>(start);
   if (end > hay.size()) return Variant(int32_t{0});
@@ -148,8 +152,7 @@ Variant Replace(RuntimeState&, Args a) {
   const int32_t count = OptionalLong(a, 4, -1);
   const bool text = TextCompareArg(a, 5);
   if (count < -1) Raise(kErrInvalidCall);
-  if (expr.is_null()) return Variant::Null();
-  if (find.is_null() || with.is_null()) Raise(kErrInvalidUseOfNull);
+  if (expr.is_null() || find.is_null() || with.is_null()) Raise(kErrInvalidUseOfNull);
   return ReplaceText(ToString(expr), ToString(find), ToString(with), start, count, text);
 }
 
@@ -219,7 +222,7 @@ Variant StrComp(RuntimeState&, Args a) {
   const bool text = TextCompareArg(a, 2);
   if (x.is_null() || y.is_null()) return Variant::Null();
   const String s = ToString(x), t = ToString(y);
-  const int c = text ? CompareNoCase(s, t) : CompareBinary(s, t);
+  const int c = text ? CompareText(s, t) : CompareBinary(s, t);
   return Variant(static_cast<int16_t>(c < 0 ? -1 : (c > 0 ? 1 : 0)));
 }
 

@@ -84,7 +84,7 @@ TEST(RuntimeStrings, ReplaceHonoursStartCountAndCompare) {
   EXPECT_EQ(Show(u"Replace", {u"aaaa", u"a", u"b", I(1), I(0)}), "aaaa");
   EXPECT_EQ(Show(u"Replace", {u"abc", u"", u"x"}), "abc");
   EXPECT_EQ(Show(u"Replace", {u"abc", u"b", u"x", I(9)}), "");
-  EXPECT_EQ(Show(u"Replace", {Variant::Null(), u"a", u"b"}), "Null");
+  EXPECT_EQ(Show(u"Replace", {Variant::Null(), u"a", u"b"}), "Err 94");
   EXPECT_EQ(Show(u"Replace", {u"abc", Variant::Null(), u"b"}), "Err 94");
   EXPECT_EQ(Show(u"Replace", {u"abc", u"a", u"b", I(0)}), "Err 5");
   EXPECT_EQ(Show(u"Replace", {u"abc", u"a", u"b", I(1), I(-2)}), "Err 5");
