@@ -40,7 +40,8 @@ StringView TrimWhite(StringView s) {
   return s.substr(b, e - b);
 }
 
-std::optional<double> ParseRadix(StringView digits, int radix) {
+// The bits of "&H..." / "&O..." text, at most 32 of them.
+std::optional<uint32_t> RadixBits(StringView digits, int radix) {
   if (digits.empty()) return std::nullopt;
   uint64_t value = 0;
   for (Char c : digits) {
@@ -58,10 +59,16 @@ std::optional<double> ParseRadix(StringView digits, int radix) {
     value = value * radix + d;
     if (value > 0xFFFFFFFFull) return std::nullopt;
   }
-  // Like the literals: a value that fits 16 bits is an Integer, else a Long, both with the
-  // top bit as the sign.
-  if (value <= 0xFFFF) return static_cast<double>(static_cast<int16_t>(value));
-  return static_cast<double>(static_cast<int32_t>(static_cast<uint32_t>(value)));
+  return static_cast<uint32_t>(value);
+}
+
+// Hex or octal text: the bits of "&H...", "&O..." after blanks, or nothing for other text.
+std::optional<uint32_t> RadixTextBits(StringView text) {
+  const StringView s = TrimWhite(text);
+  if (s.size() < 2 || s[0] != u'&') return std::nullopt;
+  if (s[1] == u'H' || s[1] == u'h') return RadixBits(s.substr(2), 16);
+  if (s[1] == u'O' || s[1] == u'o') return RadixBits(s.substr(2), 8);
+  return std::nullopt;
 }
 
 double NumberOf(const Variant& v);
@@ -135,11 +142,11 @@ double RoundHalfEven(double value) {
 
 std::optional<double> ParseNumberText(StringView text) {
   StringView s = TrimWhite(text);
-  if (s.size() >= 2 && s[0] == u'&') {
-    const Char k = s[1];
-    if (k == u'H' || k == u'h') return ParseRadix(s.substr(2), 16);
-    if (k == u'O' || k == u'o') return ParseRadix(s.substr(2), 8);
-    return std::nullopt;
+  if (!s.empty() && s[0] == u'&') {
+    // Unlike a literal, hex text is read as 32 bits: "&HFFFF" is 65535, "&HFFFFFFFF" is -1.
+    const auto bits = RadixTextBits(s);
+    if (!bits) return std::nullopt;
+    return static_cast<double>(static_cast<int32_t>(*bits));
   }
   bool negative = false, parens = false;
   if (!s.empty() && s[0] == u'(' && s.back() == u')') {
@@ -150,12 +157,20 @@ std::optional<double> ParseNumberText(StringView text) {
     if (!s.empty() && s[0] == u'$') s = TrimWhite(s.substr(1));
   };
   skip_currency();
+  bool signed_ = false;
   if (!s.empty() && (s[0] == u'+' || s[0] == u'-')) {
     negative = s[0] == u'-';
+    signed_ = true;
     s = TrimWhite(s.substr(1));
   }
   skip_currency();
-  if (parens && negative) return std::nullopt;
+  // The sign may also follow the number ("5-"), but only one sign in all.
+  if (!signed_ && !s.empty() && (s.back() == u'+' || s.back() == u'-')) {
+    negative = s.back() == u'-';
+    signed_ = true;
+    s = TrimWhite(s.substr(0, s.size() - 1));
+  }
+  if (parens && signed_) return std::nullopt;
   std::string clean;
   clean.reserve(s.size());
   size_t i = 0;
@@ -242,6 +257,11 @@ uint8_t ToByte(const Variant& v) {
 
 int16_t ToInteger(const Variant& v) {
   if (v.type() == VarType::Integer) return v.as_integer();
+  if (v.type() == VarType::String) {
+    // Hex text that fits 16 bits wraps as an Integer literal does: CInt("&HFFFF") is -1.
+    const auto bits = RadixTextBits(v.as_string());
+    if (bits && *bits <= 0xFFFF) return static_cast<int16_t>(static_cast<uint16_t>(*bits));
+  }
   return static_cast<int16_t>(WholeNumber(v, -32768, 32767));
 }
 

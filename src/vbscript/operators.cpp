@@ -119,9 +119,14 @@ Variant Arithmetic(Arith op, const Num& x, const Num& y) {
   }
   if (x.kind == kCurrency || y.kind == kCurrency) {
     const Kind other = x.kind == kCurrency ? y.kind : x.kind;
+    // Adding ranks Currency above Double; multiplying ranks Double above Currency (and
+    // Single below it).
+    if (other == kDouble && op == Arith::Mul) return FromDouble(AsDouble(x) * AsDouble(y));
     if (other == kSingle || other == kDouble) {
-      const double a = AsDouble(x), b = AsDouble(y);
-      return FromDouble(op == Arith::Add ? a + b : op == Arith::Sub ? a - b : a * b);
+      const long double a = AsDouble(x) * 10000.0L, b = AsDouble(y) * 10000.0L;
+      if (op == Arith::Add) return CurrencyResult(a + b);
+      if (op == Arith::Sub) return CurrencyResult(a - b);
+      return CurrencyResult(a * b / 10000.0L);
     }
     const long double a = x.kind == kCurrency ? x.i : x.i * 10000.0L;
     const long double b = y.kind == kCurrency ? y.i : y.i * 10000.0L;
@@ -279,7 +284,15 @@ Variant OpDiv(const Variant& a, const Variant& b) {
   if (!ok_a || !ok_b) return Variant::Null();
   const double d = AsDouble(y);
   if (d == 0) Raise(kErrDivisionByZero);
-  return FromDouble(AsDouble(x) / d);
+  const double q = AsDouble(x) / d;
+  // A Single divided by a Single, Integer or Byte (or they by it) stays a Single if it fits.
+  const bool small_x = x.kind == kSingle || x.kind <= kInt;
+  const bool small_y = y.kind == kSingle || y.kind <= kInt;
+  if ((x.kind == kSingle || y.kind == kSingle) && small_x && small_y &&
+      std::fabs(q) <= std::numeric_limits<float>::max()) {
+    return Variant(static_cast<float>(q));
+  }
+  return FromDouble(q);
 }
 
 Variant OpIntDiv(const Variant& a, const Variant& b) {

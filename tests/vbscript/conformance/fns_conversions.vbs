@@ -63,3 +63,31 @@ CheckError "x = Log(-2)", 5, "Log of a negative"
 Check Sqr(CCur(0.0625)), 0.25, "Sqr of Currency"
 Check RGB(1, 256, 273), &HFFFF01, "RGB clamps at 255"
 CheckError "x = RGB(-1, 0, 0)", 5, "RGB refuses negatives"
+
+' Hex and octal text read as 32 bits; only a conversion to Integer wraps at 16.
+Check CLng("&HFFFF"), CLng(65535), "CLng of &HFFFF text"
+Check CInt("&HFFFF"), -1, "CInt of &HFFFF text"
+Check Hex("&HFFFF"), "FFFF", "Hex of &HFFFF text"
+Check CDbl("&H80000000"), CDbl(-2147483648), "CDbl of &H80000000 text"
+Check CLng(" &O17 "), CLng(15), "octal text with blanks"
+Check "&HFFFF" + 0, CDbl(65535), "hex text in arithmetic"
+CheckError "x = CInt(""&H10000"")", 6, "CInt of hex text past 16 bits"
+
+' A sign may follow the number, once.
+Check CDbl("5-"), CDbl(-5), "trailing minus"
+Check CDbl(" 5 + "), CDbl(5), "trailing plus with blanks"
+Check IsNumeric("1-"), True, "IsNumeric with a trailing minus"
+Check IsNumeric("-5-"), False, "two signs"
+Check IsNumeric("(5-)"), False, "parentheses and a sign"
+
+' Result types: a Single divided by a Single, Integer or Byte stays a Single; adding ranks
+' Currency above Double, multiplying ranks Double above Currency.
+Check CSng(1) / CSng(2), CSng(0.5), "Single / Single"
+Check CSng(1) / 2, CSng(0.5), "Single / Integer"
+Check TypeName(CSng(1) / 100000), "Double", "Single / Long"
+Check TypeName(1 / 2), "Double", "Integer / Integer"
+Check TypeName(CSng(3E+38) / CSng(0.1)), "Double", "a Single quotient too big for a Single"
+Check CCur(1) + CSng(0.1), CCur(1.1), "Currency + Single"
+Check CCur(2) - 0.25, CCur(1.75), "Currency - Double"
+Check CCur(2) * CSng(1.5), CCur(3), "Currency * Single"
+Check CCur(2) * 1.5, CDbl(3), "Currency * Double"
