@@ -490,7 +490,20 @@ struct FrameGuard {
   Variant*& top;
   Variant* saved_top;
   int& depth;
+  bool done = false;
+  // The ordinary end of a call, inline: `end` has been narrowed to the slots still in use.
+  [[gnu::always_inline]] void Finish() {
+    vm.ReleaseLocks(base, end);
+    for (Variant* p = base; p < end; ++p)
+      Drop(*p);
+    top = saved_top;
+    --depth;
+    done = true;
+  }
   ~FrameGuard() {
+    if (!done) Unwind();
+  }
+  [[gnu::noinline]] void Unwind() {
     vm.ReleaseLocks(base, end);
     for (Variant* p = base; p < end; ++p)
       Drop(*p);
@@ -530,6 +543,7 @@ void Vm::CallInPlace(const Proc& proc, ScriptObject* me, Variant* base, uint32_t
       std::memcpy(result, static_cast<void*>(base + slot), sizeof(Variant));
       new (base + slot) Variant();
     }
+    guard.Finish();
   }
   if (slot >= 0) std::memcpy(static_cast<void*>(base), result, sizeof(Variant));
 }
@@ -1020,7 +1034,7 @@ Variant Vm::CallIntrinsic(Frame& f, Intrinsic which, Args args, bool want) {
 
 // --- the dispatch loop -----------------------------------------------------------------------
 
-void Vm::Run(Frame& f) {
+[[gnu::always_inline]] inline void Vm::Run(Frame& f) {
   const Instr* const code = f.proc->code.data();
   f.ip = code;
   for (;;) {
