@@ -134,6 +134,8 @@ TEST(RuntimeInfo, LocaleAndEngine) {
   EXPECT_EQ(Call(state, u"SetLocale", {L(1031)}).as_long(), 1033);
   EXPECT_EQ(Call(state, u"SetLocale", {L(1033)}).as_long(), 1031);
   EXPECT_EQ(Call(state, u"SetLocale", {u"en-gb"}).as_long(), 1033);
+  EXPECT_EQ(Call(state, u"SetLocale", {u" Fr-FR "}).as_long(), 2057);
+  EXPECT_EQ(Call(state, u"SetLocale", {u"no-such-place"}).as_long(), 1036);
   EXPECT_EQ(Call(state, u"GetLocale", {}).as_long(), 1033);
   EXPECT_EQ(Show(u"ScriptEngine", {}), "VBScript");
   EXPECT_EQ(Show(u"ScriptEngineMajorVersion", {}), "5");
