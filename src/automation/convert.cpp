@@ -140,15 +140,14 @@ double RoundHalfEven(double value) {
   return std::nearbyint(value);
 }
 
-std::optional<double> ParseNumberText(StringView text) {
+namespace {
+
+// Decimal text as VBScript reads it, reduced to "digits[.digits][e[sign]digits]" in `clean`.
+// False for text that is no decimal number (hex and octal text included).
+bool ReadDecimalText(StringView text, std::string& clean, bool& negative) {
   StringView s = TrimWhite(text);
-  if (!s.empty() && s[0] == u'&') {
-    // Unlike a literal, hex text is read as 32 bits: "&HFFFF" is 65535, "&HFFFFFFFF" is -1.
-    const auto bits = RadixTextBits(s);
-    if (!bits) return std::nullopt;
-    return static_cast<double>(static_cast<int32_t>(*bits));
-  }
-  bool negative = false, parens = false;
+  bool parens = false;
+  negative = false;
   if (!s.empty() && s[0] == u'(' && s.back() == u')') {
     parens = true;
     s = TrimWhite(s.substr(1, s.size() - 2));
@@ -170,8 +169,9 @@ std::optional<double> ParseNumberText(StringView text) {
     signed_ = true;
     s = TrimWhite(s.substr(0, s.size() - 1));
   }
-  if (parens && signed_) return std::nullopt;
-  std::string clean;
+  if (parens && signed_) return false;
+  negative = negative || parens;
+  clean.clear();
   clean.reserve(s.size());
   size_t i = 0;
   int digits = 0;
@@ -191,7 +191,7 @@ std::optional<double> ParseNumberText(StringView text) {
       ++i;
     }
   }
-  if (digits == 0) return std::nullopt;
+  if (digits == 0) return false;
   if (i < s.size() && (s[i] == u'e' || s[i] == u'E' || s[i] == u'd' || s[i] == u'D')) {
     size_t j = i + 1;
     std::string exponent = "e";
@@ -200,15 +200,76 @@ std::optional<double> ParseNumberText(StringView text) {
     const size_t first = j;
     while (j < s.size() && s[j] >= u'0' && s[j] <= u'9')
       exponent.push_back(static_cast<char>(s[j++]));
-    if (j == first) return std::nullopt;
+    if (j == first) return false;
     clean += exponent;
     i = j;
   }
-  if (i != s.size()) return std::nullopt;
+  return i == s.size();
+}
+
+// Ten-thousandths of a decimal text, exactly and rounded half to even, as a Currency
+// conversion of text reads it; nothing when it does not fit.
+std::optional<int64_t> ScaledDecimal(const std::string& clean, bool negative) {
+  std::string mantissa;
+  int64_t exponent = 4;  // ten-thousandths
+  size_t i = 0;
+  bool fraction = false;
+  for (; i < clean.size() && clean[i] != 'e'; ++i) {
+    if (clean[i] == '.') {
+      fraction = true;
+      continue;
+    }
+    if (!(mantissa.empty() && clean[i] == '0')) mantissa.push_back(clean[i]);
+    if (fraction) --exponent;
+  }
+  if (i < clean.size()) {
+    const long long e = std::strtoll(clean.c_str() + i + 1, nullptr, 10);
+    if (e > 100 || e < -100) {
+      if (e > 0 && !mantissa.empty()) return std::nullopt;
+      return int64_t{0};
+    }
+    exponent += e;
+  }
+  if (mantissa.empty()) return int64_t{0};
+  // Keep the digits above the unit, round on the ones dropped.
+  const int64_t dropped = exponent < 0 ? -exponent : 0;
+  const int64_t kept_count = static_cast<int64_t>(mantissa.size()) - dropped;
+  if (kept_count + (exponent > 0 ? exponent : 0) > 19) return std::nullopt;
+  unsigned __int128 value = 0;
+  for (int64_t k = 0; k < kept_count; ++k)
+    value = value * 10 + static_cast<unsigned>(mantissa[k] - '0');
+  for (int64_t k = 0; k < exponent; ++k)
+    value *= 10;
+  if (dropped > 0) {
+    const std::string rest =
+        kept_count >= 0 ? mantissa.substr(kept_count) : std::string(-kept_count, '0') + mantissa;
+    const std::string half = "5" + std::string(rest.size() - 1, '0');
+    const int c = rest.compare(half);
+    if (c > 0 || (c == 0 && (value & 1))) ++value;
+  }
+  const unsigned __int128 limit =
+      negative ? (unsigned __int128)1 << 63 : ((unsigned __int128)1 << 63) - 1;
+  if (value > limit) return std::nullopt;
+  return negative ? static_cast<int64_t>(-static_cast<__int128>(value))
+                  : static_cast<int64_t>(value);
+}
+
+}  // namespace
+
+std::optional<double> ParseNumberText(StringView text) {
+  const StringView s = TrimWhite(text);
+  if (!s.empty() && s[0] == u'&') {
+    // Unlike a literal, hex text is read as 32 bits: "&HFFFF" is 65535, "&HFFFFFFFF" is -1.
+    const auto bits = RadixTextBits(s);
+    if (!bits) return std::nullopt;
+    return static_cast<double>(static_cast<int32_t>(*bits));
+  }
+  std::string clean;
+  bool negative = false;
+  if (!ReadDecimalText(s, clean, negative)) return std::nullopt;
   double value = std::strtod(clean.c_str(), nullptr);
   if (!std::isfinite(value)) return std::nullopt;
-  if (negative || parens) value = -value;
-  return value;
+  return negative ? -value : value;
 }
 
 std::optional<bool> ParseBoolText(StringView text) {
@@ -282,6 +343,15 @@ double ToDouble(const Variant& v) {
 
 int64_t ToCurrency(const Variant& v) {
   if (v.type() == VarType::Currency) return v.as_currency();
+  if (v.type() == VarType::String && !TrimWhite(v.as_string()).starts_with(u"&")) {
+    // Text converts digit by digit: "922337203685477.5807" is exact, as no Double can be.
+    std::string clean;
+    bool negative = false;
+    if (!ReadDecimalText(v.as_string(), clean, negative)) Mismatch();
+    const auto scaled = ScaledDecimal(clean, negative);
+    if (!scaled) Overflow();
+    return *scaled;
+  }
   const double scaled = RoundHalfEven(NumberOf(v) * 10000.0);
   if (!(std::fabs(scaled) < 9.2233720368547758e18)) Overflow();
   return static_cast<int64_t>(scaled);
