@@ -1,5 +1,6 @@
 // The named constants of the language. Whole numbers are Integers when they fit 16 bits and
-// Longs otherwise; the colours are Longs whatever their size, as Windows types them.
+// Longs otherwise; the colours and the vbMsgBox flags are Longs whatever their size, as Windows
+// types them.
 #include <unordered_map>
 
 #include "vbscript/runtime_lib.h"
@@ -17,6 +18,7 @@ struct NumberConstant {
 constexpr NumberConstant kNumbers[] = {
     {u"vbBinaryCompare", 0, false},
     {u"vbTextCompare", 1, false},
+    {u"vbDatabaseCompare", 2, false},
     {u"vbUseDefault", -2, false},
     {u"vbTrue", -1, false},
     {u"vbFalse", 0, false},
@@ -53,7 +55,7 @@ constexpr NumberConstant kNumbers[] = {
     {u"vbDefaultButton4", 768, false},
     {u"vbApplicationModal", 0, false},
     {u"vbSystemModal", 4096, false},
-    {u"vbMsgBoxHelpButton", 16384, false},
+    {u"vbMsgBoxHelpButton", 16384, true},
     {u"vbMsgBoxSetForeground", 65536, true},
     {u"vbMsgBoxRight", 524288, true},
     {u"vbMsgBoxRtlReading", 1048576, true},
