@@ -239,3 +239,35 @@ Sub CountersOnLocals()
   Check i, 2147483648, "Long counter widens past the last value"
 End Sub
 CountersOnLocals
+
+Sub LoopTestsOnLocals()
+  Dim i, n
+  i = 0
+  Do
+    i = i + 2
+  Loop Until i >= 9
+  Check i, 10, "Loop Until jumps back while the test fails"
+  i = 0
+  n = 0
+  While i < 5
+    i = i + 1
+    n = n + i
+  Wend
+  Check n, 15, "While ... Wend"
+  i = 3
+  Do While i > 0.5
+    i = i / 2
+  Loop
+  Check i, 0.375, "Double against a Double constant"
+  n = 0
+  For i = 1 To 20
+    If i Mod 2 = 0 Then
+    ElseIf i > 15 Then
+      n = n + 100
+    ElseIf i <= 3 Then
+      n = n + 1
+    End If
+  Next
+  Check n, 202, "ElseIf chain on a counter"
+End Sub
+LoopTestsOnLocals
