@@ -1526,6 +1526,21 @@ void Vm::Execute(Frame& f) {
       case Op::Index:
       L_Index : {
         Variant* args = sp - ip[-1].n;
+        // An element of a local one-dimensional array by a whole-number index: no script code
+        // can run meanwhile, so the array is read where it stands.
+        if (ip[-1].n == 1 && (ip[-1].flags & (kVarKindMask | kWantResult)) == kWantResult &&
+            locals[ip[-1].a].is_array() && IsWhole(TypeOf(args[0]))) {
+          const SafeArray* array = locals[ip[-1].a].as_array();
+          if (array->dimensions() == 1) {
+            const ArrayBound& bound = array->bounds()[0];
+            const int64_t offset = int64_t{WholeOf(args[0])} - bound.lower;
+            if (offset >= 0 && offset < bound.count) {
+              if (ip[-1].b) ReleaseLocks(args, sp);
+              PushCopy(args, (*array)[static_cast<size_t>(offset)]);
+              QV_NEXT();
+            }
+          }
+        }
         const Variant target = VarRef(f, ip[-1].flags, ip[-1].a);
         Variant r = ApplyIndex(target, Args(args, ip[-1].n), ip[-1].flags & kWantResult);
         if (ip[-1].b) ReleaseLocks(args, sp);

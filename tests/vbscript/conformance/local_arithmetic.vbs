@@ -271,3 +271,36 @@ Sub LoopTestsOnLocals()
   Check n, 202, "ElseIf chain on a counter"
 End Sub
 LoopTestsOnLocals
+
+Sub ArrayReadsOnLocals()
+  Dim a(4), b(), i, total, r
+  For i = 0 To 4
+    a(i) = i * 10
+  Next
+  a(4) = "four"
+  total = 0
+  For i = 0 To 3
+    total = total + a(i)
+  Next
+  Check total, 60, "elements read by an Integer counter"
+  r = a(CLng(4))
+  Check r, "four", "String element by a Long index"
+  r = a("2")
+  Check r, 20, "String index"
+  r = a(1.6)
+  Check r, 20, "Double index rounds"
+  ReDim b(2)
+  b(1) = 3
+  r = a(b(1))
+  ReDim Preserve b(5)
+  Check r, 30, "index taken from another array's element"
+  Check UBound(b), CLng(5), "that array is not left locked"
+  On Error Resume Next
+  r = a(5)
+  Check Err.Number, CLng(9), "past the upper bound"
+  Err.Clear
+  r = a(-1)
+  Check Err.Number, CLng(9), "below the lower bound"
+  On Error GoTo 0
+End Sub
+ArrayReadsOnLocals
