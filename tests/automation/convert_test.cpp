@@ -84,6 +84,46 @@ TEST(Convert, ComparisonFollowsVBScriptTyping) {
   EXPECT_EQ(Compare(Variant(u"10"), Variant(10), false, kRightIsLiteral), Comparison::Equal);
   EXPECT_EQ(Compare(Variant(10), Variant(u"10"), false, kRightIsLiteral), Comparison::Equal);
   EXPECT_EQ(Compare(Variant(true), Variant(-1)), Comparison::Equal);
+  // Text order is the locale's, not the code units': accents after their letter, "_" first.
+  EXPECT_EQ(Compare(Variant(u"\u00e9"), Variant(u"f"), true), Comparison::Less);
+  EXPECT_EQ(Compare(Variant(u"_"), Variant(u"a"), true), Comparison::Less);
+  EXPECT_EQ(Compare(Variant(u"_"), Variant(u"a")), Comparison::Less);
+  EXPECT_EQ(Compare(Variant(u"_"), Variant(u"A")), Comparison::Greater);
+  // A Single meets a Double at the Single's precision; huge Doubles still compare.
+  EXPECT_EQ(Compare(Variant(0.1f), Variant(0.1)), Comparison::Equal);
+  EXPECT_EQ(Compare(Variant(1e300), Variant(3.0f)), Comparison::Greater);
+  EXPECT_EQ(Compare(Variant(1.5f), Variant(1.25)), Comparison::Greater);
+}
+
+TEST(Convert, NumberTextInAllItsForms) {
+  EXPECT_EQ(ParseNumberText(u" 5- "), -5.0);
+  EXPECT_EQ(ParseNumberText(u"+5"), 5.0);
+  EXPECT_EQ(ParseNumberText(u"(1,234.5)"), -1234.5);
+  EXPECT_EQ(ParseNumberText(u"$2"), 2.0);
+  EXPECT_EQ(ParseNumberText(u"&HFFFF"), 65535.0);
+  EXPECT_EQ(ParseNumberText(u"&HFFFFFFFF"), -1.0);
+  EXPECT_EQ(ParseNumberText(u"&O777"), 511.0);
+  for (const char16_t* bad :
+       {u"-5-", u"(5-)", u"", u"-", u"1e", u"&H", u"&H1G", u"1.2.3", u"1e400"})
+    EXPECT_FALSE(ParseNumberText(bad).has_value()) << String(bad).ToUtf8();
+  EXPECT_EQ(ToInteger(Variant(u"&HFFFF")), -1);
+  EXPECT_EQ(ToLong(Variant(u"&HFFFF")), 65535);
+  EXPECT_EQ(ErrorOf([] { ToInteger(Variant(u"&H10000")); }), 6);
+}
+
+TEST(Convert, CurrencyFromTextIsExact) {
+  EXPECT_EQ(ToCurrency(Variant(u"922337203685477.5807")), INT64_MAX);
+  EXPECT_EQ(ToCurrency(Variant(u"-922337203685477.5808")), INT64_MIN);
+  EXPECT_EQ(ToCurrency(Variant(u"0.00015")), 2);
+  EXPECT_EQ(ToCurrency(Variant(u"0.00025")), 2);
+  EXPECT_EQ(ToCurrency(Variant(u"0.000250001")), 3);
+  EXPECT_EQ(ToCurrency(Variant(u"1.5e-2")), 150);
+  EXPECT_EQ(ToCurrency(Variant(u"12e3")), 120000000);
+  EXPECT_EQ(ToCurrency(Variant(u"0e999")), 0);
+  EXPECT_EQ(ToCurrency(Variant(u"&H10")), 160000);
+  EXPECT_EQ(ErrorOf([] { ToCurrency(Variant(u"922337203685477.5808")); }), 6);
+  EXPECT_EQ(ErrorOf([] { ToCurrency(Variant(u"1e20")); }), 6);
+  EXPECT_EQ(ErrorOf([] { ToCurrency(Variant(u"1,2x")); }), 13);
 }
 
 TEST(Convert, TypeNamesAsVBScriptShowsThem) {
