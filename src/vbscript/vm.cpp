@@ -1067,6 +1067,7 @@ void Vm::Execute(Frame& f) {
     targets[static_cast<uint8_t>(Op::LoadLocal)] = &&L_LoadLocal;
     targets[static_cast<uint8_t>(Op::LoadRef)] = &&L_LoadRef;
     targets[static_cast<uint8_t>(Op::StoreLocal)] = &&L_StoreLocal;
+    targets[static_cast<uint8_t>(Op::StoreGlobal)] = &&L_StoreGlobal;
     targets[static_cast<uint8_t>(Op::Add)] = &&L_Add;
     targets[static_cast<uint8_t>(Op::Sub)] = &&L_Sub;
     targets[static_cast<uint8_t>(Op::Mul)] = &&L_Mul;
@@ -1661,9 +1662,17 @@ void Vm::Execute(Frame& f) {
       }
       case Op::ForNext:
       L_ForNext : {
-        Variant& var = (ip[-1].flags & kVarKindMask) == kVarLocal
-                           ? locals[ip[-1].a]
-                           : VarRef(f, ip[-1].flags, ip[-1].a);
+        Variant* counter;
+        const uint8_t counter_kind = ip[-1].flags & kVarKindMask;
+        if (counter_kind == kVarLocal) {
+          counter = &locals[ip[-1].a];
+        } else if (counter_kind == kVarGlobal &&
+                   proc.globals[ip[-1].a]->kind == SlotKind::Variable) {
+          counter = &proc.globals[ip[-1].a]->value;
+        } else {
+          counter = &VarRef(f, ip[-1].flags, ip[-1].a);
+        }
+        Variant& var = *counter;
         const Variant& step = locals[ip[-1].n + 1];
         const Variant& end = locals[ip[-1].n];
         // The common loop: an Integer or Long counter with whole-number end and step, which
@@ -1838,6 +1847,16 @@ void Vm::Execute(Frame& f) {
 #undef QV_FUSED_X
 #undef QV_WHOLE
 #undef QV_REAL
+      // A module variable's value that owns nothing, stored with Let: a move; everything else
+      // goes through the general store.
+      L_StoreGlobal : {
+        GlobalSlot& s = *proc.globals[ip[-1].a];
+        if (s.kind == SlotKind::Variable && !(ip[-1].flags & kSetFlag) && IsPlain(sp[-1])) {
+          MoveInto(s.value, *--sp);
+          QV_NEXT();
+        }
+        goto generic;
+      }
     }
     QV_NEXT();
   }

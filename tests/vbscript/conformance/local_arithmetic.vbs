@@ -304,3 +304,18 @@ Sub ArrayReadsOnLocals()
   On Error GoTo 0
 End Sub
 ArrayReadsOnLocals
+
+' The same at module level, where variables live in the module.
+Dim gi, gs, go
+gs = 0
+For gi = 1 To 50000
+  gs = gs + gi * 2 - 1
+Next
+Check gs, 2500000000, "module-level loop widens to Double"
+Check gi, CLng(50001), "module-level counter"
+gs = "text"
+Check gs, "text", "a number replaced by a string"
+Set go = New Tracked
+gs = 1
+Set go = Nothing
+Check terminated, 3, "module variable released at once"
