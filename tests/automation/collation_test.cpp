@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
 #include <vector>
 
 namespace qv {
@@ -56,6 +57,32 @@ TEST(Collation, PlainPassAgreesWithTheFullComparison) {
           EXPECT_LE(CompareText(x, z), 0);
         }
       }
+    }
+  }
+}
+
+TEST(Collation, RandomTextsSortConsistently) {
+  // Texts drawn from characters that take every path: plain ASCII, word-sort and ignorable
+  // characters, accents precomposed and combining, expansions, full width, other scripts.
+  const std::u16string alphabet =
+      u"aAbBzZ09 "
+      u"_-'\x01\t\u00e9\u00c9\u00df\u00e6\u0153\u0301\uff41\u0416\u4e00\xd800\u00ad\u00b2\u0107";
+  std::mt19937 random(20261122);
+  std::vector<std::u16string> texts;
+  for (int i = 0; i < 400; ++i) {
+    std::u16string t;
+    const int length = static_cast<int>(random() % 6);
+    for (int k = 0; k < length; ++k)
+      t.push_back(alphabet[random() % alphabet.size()]);
+    texts.push_back(t);
+  }
+  std::sort(texts.begin(), texts.end(),
+            [](const auto& x, const auto& y) { return CompareText(x, y) < 0; });
+  for (size_t i = 0; i < texts.size(); ++i) {
+    EXPECT_EQ(CompareText(texts[i], texts[i]), 0);
+    for (size_t j = i + 1; j < texts.size(); ++j) {
+      ASSERT_LE(CompareText(texts[i], texts[j]), 0) << i << " " << j;
+      ASSERT_GE(CompareText(texts[j], texts[i]), 0) << i << " " << j;
     }
   }
 }
