@@ -128,6 +128,9 @@ struct Stmt {
   std::vector<ExprPtr> redim_targets;  // ReDim targets
   std::vector<ExprPtr> conditions;     // If / ElseIf conditions
   std::vector<Block> blocks;           // If branches (+ Else last), loop body first
+  // Where each ElseIf word stands (If), or the Loop word (Do): run-time errors of their
+  // conditions are reported there.
+  std::vector<std::pair<int32_t, int32_t>> clause_pos;
   bool has_else = false;
   std::vector<CaseClause> cases;
   LoopTest test = LoopTest::None;

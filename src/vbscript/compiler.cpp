@@ -65,6 +65,7 @@ bool IsLiteral(const Expr& e) {
 // Names the module-level code of this unit declares or assigns.
 struct UnitNames {
   NameSet globals;
+  NameSet arrays;  // declared with Dim name(...): no plain assignment replaces them
 };
 
 class ProcCompiler {
@@ -169,7 +170,10 @@ class ProcCompiler {
           if (FindLocal(v.name) >= 0 && FindLocal(v.name) >= proc_.nparams)
             Fail(kCeNameRedefined, v.line, v.column);
           if (FindLocal(v.name) < 0) AddLocal(v.name);
-          if (v.is_array) arrays_.push_back(&v);
+          if (v.is_array) {
+            arrays_.push_back(&v);
+            array_locals_.insert(v.name);
+          }
         }
         break;
       case StmtKind::ReDim:
@@ -270,6 +274,13 @@ class ProcCompiler {
     cur_line_ = line;
     cur_col_ = column;
     pending_start_ = true;
+  }
+  // The jump that leaves a block is where On Error Resume Next goes on after an error in the
+  // block's last statement: it counts as a statement of its own.
+  void MarkResumePoint() { pending_start_ = true; }
+  void SetPosition(int32_t line, int32_t column) {
+    cur_line_ = line;
+    cur_col_ = column;
   }
 
   void Finish() {
@@ -682,6 +693,13 @@ class ProcCompiler {
         r = {NameKind::Result, proc_.result_slot, {}};
       }
       if (r.kind == NameKind::Constant) Fail(kCeSyntax, t.line, t.column);
+      if (IsArrayVariable(t.name, r)) {
+        // A variable declared as an array keeps its array: assigning to it is a type mismatch.
+        Expression(*s.value);
+        Emit(Op::Pop, -1);
+        Emit(Op::Raise, 0, kErrTypeMismatch);
+        return;
+      }
       if (r.kind == NameKind::Method) {
         // A property of Me assigned from inside the class.
         Emit(Op::PushMe, 1);
@@ -708,6 +726,8 @@ class ProcCompiler {
     const auto argc = static_cast<uint32_t>(t.args.size());
     if (t.kind == ExprKind::Name) {
       Resolved r = Resolve(t.name);
+      if (!own_name_.empty() && EqualsNoCase(t.name, own_name_))
+        r = {NameKind::Result, proc_.result_slot, {}};
       if (r.kind == NameKind::Constant) Fail(kCeSyntax, t.line, t.column);
       if (r.kind == NameKind::Method) {
         Emit(Op::PushMe, 1);
@@ -821,7 +841,10 @@ class ProcCompiler {
         Emit(Op::ReDimMember, -static_cast<int>(n) - 1, Site(t.name), n, 0, s.flag ? 1 : 0);
         continue;
       }
-      const Resolved r = Resolve(t.name);
+      Resolved r = Resolve(t.name);
+      // Inside a function its name is the variable of its result.
+      if (!own_name_.empty() && EqualsNoCase(t.name, own_name_))
+        r = {NameKind::Result, proc_.result_slot, {}};
       if (!IsVariable(r.kind)) Fail(kCeSyntax, t.line, t.column);
       for (const auto& b : bounds)
         Expression(*b);
@@ -849,14 +872,18 @@ class ProcCompiler {
     Emit(Op::Erase, 0, r.index, 0, VarKindOf(r.kind));
   }
 
+  // An error in a condition under On Error Resume Next goes on in the block it guards.
   void If(const Stmt& s) {
     std::vector<size_t> ends;
     for (size_t i = 0; i < s.conditions.size(); ++i) {
-      if (i > 0) MarkStatement(s.conditions[i]->line, s.conditions[i]->column);
+      if (i > 0) MarkStatement(s.clause_pos[i - 1].first, s.clause_pos[i - 1].second);
       Expression(*s.conditions[i]);
       const size_t skip = Emit(Op::JmpFalse, -1);
       Block(s.blocks[i]);
-      if (i + 1 < s.blocks.size()) ends.push_back(Emit(Op::Jmp, 0));
+      if (i + 1 < s.blocks.size()) {
+        MarkResumePoint();
+        ends.push_back(Emit(Op::Jmp, 0));
+      }
       Patch(skip, Here());
     }
     if (s.has_else) Block(s.blocks.back());
@@ -864,34 +891,39 @@ class ProcCompiler {
       Patch(e, Here());
   }
 
+  // Each Case's tests sit right before its body, so an error in a Case value resumes in that
+  // Case; an error in the tested value resumes at a jump past the whole statement.
   void Select(const Stmt& s) {
     const int32_t hidden = Hidden();
     Expression(*s.value);
     Emit(Op::StoreLocal, -1, hidden);
-    std::vector<size_t> to_body(s.cases.size(), 0);
-    std::vector<std::vector<size_t>> jumps(s.cases.size());
-    for (size_t i = 0; i < s.cases.size(); ++i) {
-      for (const auto& v : s.cases[i].values) {
+    const size_t to_tests = Emit(Op::Jmp, 0);
+    std::vector<size_t> ends;
+    MarkResumePoint();
+    ends.push_back(Emit(Op::Jmp, 0));
+    Patch(to_tests, Here());
+    for (const auto& clause : s.cases) {
+      SetPosition(s.line, s.column);
+      std::vector<size_t> to_body;
+      for (const auto& v : clause.values) {
         Emit(Op::LoadLocal, 1, hidden);
         Expression(*v);
         Emit(Op::Eq, -1, 0, 0, IsLiteral(*v) ? kRightIsLiteral : 0);
-        jumps[i].push_back(Emit(Op::JmpTrue, -1));
+        to_body.push_back(Emit(Op::JmpTrue, -1));
       }
-    }
-    // No case matched: Case Else, or the end.
-    size_t no_match = Emit(Op::Jmp, 0);
-    std::vector<size_t> ends;
-    for (size_t i = 0; i < s.cases.size(); ++i) {
-      const size_t start = Here();
-      if (s.cases[i].values.empty()) Patch(no_match, start), no_match = SIZE_MAX;
-      for (size_t j : jumps[i])
-        Patch(j, start);
-      Block(s.cases[i].body);
+      const size_t to_next = clause.values.empty() ? SIZE_MAX : Emit(Op::Jmp, 0);
+      for (size_t j : to_body)
+        Patch(j, Here());
+      MarkResumePoint();
+      Emit(Op::Nop, 0);
+      Block(clause.body);
+      MarkResumePoint();
       ends.push_back(Emit(Op::Jmp, 0));
+      if (to_next != SIZE_MAX) Patch(to_next, Here());
     }
-    if (no_match != SIZE_MAX) Patch(no_match, Here());
     for (size_t e : ends)
       Patch(e, Here());
+    SetPosition(s.line, s.column);
     Emit(Op::PushEmpty, 1);
     Emit(Op::StoreLocal, -1, hidden);
   }
@@ -900,6 +932,19 @@ class ProcCompiler {
     ExitKind kind;
     std::vector<size_t> exits;
   };
+
+  bool IsArrayVariable(StringView name, const Resolved& r) const {
+    switch (r.kind) {
+      case NameKind::Local:
+        return array_locals_.count(name) != 0;
+      case NameKind::Global:
+        return unit_.arrays.count(name) != 0;
+      case NameKind::Field:
+        return cls_ && cls_->fields[r.index].is_array;
+      default:
+        return false;
+    }
+  }
 
   Resolved LoopVariable(const Expr& var) {
     Resolved r = Resolve(var.name);
@@ -910,10 +955,14 @@ class ProcCompiler {
     return r;
   }
 
+  // The hidden end and step start out Empty: a header that failed under On Error Resume Next
+  // enters the body once and its Next then finds no loop to count.
   void For(const Stmt& s) {
     const Resolved r = LoopVariable(*s.target);
     const int32_t hidden = Hidden();
     Hidden();
+    Emit(Op::PushEmpty, 1);
+    Emit(Op::StoreLocal, -1, hidden + 1);
     Expression(*s.value);
     Expression(*s.to);
     if (s.step) {
@@ -943,6 +992,7 @@ class ProcCompiler {
         Emit(Op::ForEachNext, 0, r.index, static_cast<uint32_t>(hidden), VarKindOf(r.kind));
     loops_.push_back({ExitKind::For, {}});
     Block(s.blocks[0]);
+    MarkResumePoint();
     Emit(Op::Jmp, 0, static_cast<int32_t>(next));
     PatchB(next, Here());
     EndLoop();
@@ -965,8 +1015,8 @@ class ProcCompiler {
       exit_jump = Emit(s.test == LoopTest::WhileBefore ? Op::JmpFalse : Op::JmpTrue, -1);
     }
     Block(s.blocks[0]);
+    MarkStatement(s.clause_pos[0].first, s.clause_pos[0].second);
     if (s.test == LoopTest::WhileAfter || s.test == LoopTest::UntilAfter) {
-      MarkStatement(s.value->line, s.value->column);
       Expression(*s.value);
       Emit(s.test == LoopTest::WhileAfter ? Op::JmpTrue : Op::JmpFalse, -1,
            static_cast<int32_t>(top));
@@ -982,6 +1032,7 @@ class ProcCompiler {
     Expression(*s.value);
     const size_t exit_jump = Emit(Op::JmpFalse, -1);
     Block(s.blocks[0]);
+    MarkResumePoint();
     Emit(Op::Jmp, 0, static_cast<int32_t>(top));
     Patch(exit_jump, Here());
   }
@@ -1021,6 +1072,7 @@ class ProcCompiler {
   std::vector<bool> ref_;
   std::vector<String> candidates_;
   std::vector<const VarDecl*> arrays_;
+  NameSet array_locals_;
   std::vector<int32_t> with_slots_;
   std::vector<LoopScope> loops_;
   String own_name_;
@@ -1030,10 +1082,16 @@ class ProcCompiler {
   int depth_ = 0;
 };
 
-void CollectTopNames(const Block& body, NameSet& names) {
+void CollectTopNames(const Block& body, UnitNames& unit) {
+  NameSet& names = unit.globals;
   for (const auto& s : body) {
     switch (s->kind) {
       case StmtKind::Dim:
+        for (const auto& v : s->vars) {
+          names.insert(v.name);
+          if (v.is_array) unit.arrays.insert(v.name);
+        }
+        break;
       case StmtKind::Const:
         for (const auto& v : s->vars)
           names.insert(v.name);
@@ -1052,9 +1110,9 @@ void CollectTopNames(const Block& body, NameSet& names) {
         break;
     }
     for (const auto& b : s->blocks)
-      CollectTopNames(b, names);
+      CollectTopNames(b, unit);
     for (const auto& c : s->cases)
-      CollectTopNames(c.body, names);
+      CollectTopNames(c.body, unit);
   }
 }
 
@@ -1137,7 +1195,7 @@ CompiledUnit CompileProgram(const Program& program, Module& module, const String
   CheckUniqueNames(program);
   CompiledUnit unit;
   UnitNames names;
-  CollectTopNames(program.body, names.globals);
+  CollectTopNames(program.body, names);
   for (const auto& p : program.procs)
     names.globals.insert(p->name);
   for (const auto& c : program.classes)

@@ -15,23 +15,31 @@ constexpr size_t kMaxIdentifier = 255;
 
 const std::unordered_map<String, Tok, NoCaseHash, NoCaseEqual>& Keywords() {
   static const std::unordered_map<String, Tok, NoCaseHash, NoCaseEqual> table = {
-      {u"And", Tok::And},         {u"ByRef", Tok::ByRef},  {u"ByVal", Tok::ByVal},
-      {u"Call", Tok::Call},       {u"Case", Tok::Case},    {u"Class", Tok::Class},
-      {u"Const", Tok::Const},     {u"Dim", Tok::Dim},      {u"Do", Tok::Do},
-      {u"Each", Tok::Each},       {u"Else", Tok::Else},    {u"ElseIf", Tok::ElseIf},
-      {u"Empty", Tok::Empty},     {u"End", Tok::End_},     {u"Eqv", Tok::Eqv},
-      {u"Erase", Tok::Erase},     {u"Error", Tok::Error_}, {u"Exit", Tok::Exit},
-      {u"False", Tok::False},     {u"For", Tok::For},      {u"Function", Tok::Function},
-      {u"GoTo", Tok::GoTo},       {u"If", Tok::If},        {u"Imp", Tok::Imp},
-      {u"In", Tok::In},           {u"Is", Tok::Is},        {u"Let", Tok::Let},
-      {u"Loop", Tok::Loop},       {u"Me", Tok::Me},        {u"Mod", Tok::Mod},
-      {u"New", Tok::New},         {u"Next", Tok::Next},    {u"Not", Tok::Not},
-      {u"Nothing", Tok::Nothing}, {u"Null", Tok::Null},    {u"On", Tok::On},
-      {u"Option", Tok::Option},   {u"Or", Tok::Or},        {u"Private", Tok::Private},
-      {u"Public", Tok::Public},   {u"ReDim", Tok::ReDim},  {u"Resume", Tok::Resume},
-      {u"Select", Tok::Select},   {u"Set", Tok::Set},      {u"Sub", Tok::Sub},
-      {u"Then", Tok::Then},       {u"To", Tok::To},        {u"True", Tok::True},
-      {u"Until", Tok::Until},     {u"WEnd", Tok::Wend},    {u"While", Tok::While},
+      {u"And", Tok::And},         {u"ByRef", Tok::ByRef},
+      {u"ByVal", Tok::ByVal},     {u"Call", Tok::Call},
+      {u"Case", Tok::Case},       {u"Class", Tok::Class},
+      {u"Const", Tok::Const},     {u"Dim", Tok::Dim},
+      {u"Do", Tok::Do},           {u"Each", Tok::Each},
+      {u"Else", Tok::Else},       {u"ElseIf", Tok::ElseIf},
+      {u"Empty", Tok::Empty},     {u"End", Tok::End_},
+      {u"Eqv", Tok::Eqv},         {u"Erase", Tok::Erase},
+      {u"Exit", Tok::Exit},       {u"False", Tok::False},
+      {u"For", Tok::For},         {u"Function", Tok::Function},
+      {u"GoTo", Tok::GoTo},       {u"If", Tok::If},
+      {u"Imp", Tok::Imp},         {u"In", Tok::In},
+      {u"Is", Tok::Is},           {u"Let", Tok::Let},
+      {u"Loop", Tok::Loop},       {u"Me", Tok::Me},
+      {u"Mod", Tok::Mod},         {u"New", Tok::New},
+      {u"Next", Tok::Next},       {u"Not", Tok::Not},
+      {u"Nothing", Tok::Nothing}, {u"Null", Tok::Null},
+      {u"On", Tok::On},           {u"Option", Tok::Option},
+      {u"Or", Tok::Or},           {u"Private", Tok::Private},
+      {u"Public", Tok::Public},   {u"ReDim", Tok::ReDim},
+      {u"Resume", Tok::Resume},   {u"Select", Tok::Select},
+      {u"Set", Tok::Set},         {u"Sub", Tok::Sub},
+      {u"Then", Tok::Then},       {u"To", Tok::To},
+      {u"True", Tok::True},       {u"Until", Tok::Until},
+      {u"WEnd", Tok::Wend},       {u"While", Tok::While},
       {u"With", Tok::With},       {u"Xor", Tok::Xor},
   };
   return table;
@@ -78,8 +86,10 @@ class Lexer {
         space = true;
         continue;
       }
+      const bool bracketed = c == '[';
       Token t = Next(space);
-      if (t.kind == Tok::Ident && EqualsNoCase(t.text, u"Rem")) {
+      const bool after_dot = !out.empty() && out.back().kind == Tok::Dot;
+      if (t.kind == Tok::Ident && !after_dot && !bracketed && EqualsNoCase(t.text, u"Rem")) {
         SkipComment();
         space = false;
         continue;
@@ -145,9 +155,7 @@ class Lexer {
       ReadDate(t);
     } else if (c == '[') {
       ReadBracketed(t);
-    } else if (c == '&' && pos_ + 1 < src_.size() &&
-               (src_[pos_ + 1] == 'h' || src_[pos_ + 1] == 'H' || src_[pos_ + 1] == 'o' ||
-                src_[pos_ + 1] == 'O' || IsDigit(src_[pos_ + 1]))) {
+    } else if (c == '&' && StartsRadixNumber()) {
       ReadRadixNumber(t);
     } else {
       ReadOperator(t);
@@ -213,8 +221,21 @@ class Lexer {
     }
   }
 
-  // &Hxxxx, &Oxxx and &xxx (octal); four hex digits or fewer make an Integer, a trailing '&'
-  // asks for a Long.
+  // `&h1F` is a number, `"a" &hx` a concatenation with the variable hx: a radix prefix needs a
+  // digit of its base right after it.
+  bool StartsRadixNumber() const {
+    if (pos_ + 1 >= src_.size()) return false;
+    const Char p = src_[pos_ + 1];
+    if (IsDigit(p)) return true;
+    if (pos_ + 2 >= src_.size()) return false;
+    const Char d = src_[pos_ + 2];
+    if (p == 'h' || p == 'H') return IsDigit(d) || (d >= 'a' && d <= 'f') || (d >= 'A' && d <= 'F');
+    if (p == 'o' || p == 'O') return d >= '0' && d <= '7';
+    return false;
+  }
+
+  // &Hxxxx, &Oxxx and &xxx (octal); four hex digits or fewer make an Integer (&hFFFF is -1), a
+  // trailing '&' reads the digits as a Long.
   void ReadRadixNumber(Token& t) {
     const size_t start = pos_;
     ++pos_;
@@ -248,8 +269,14 @@ class Lexer {
     t.kind = Tok::Number;
     if (!force_long && value <= 0xFFFF) {
       t.value = Variant(static_cast<int16_t>(static_cast<uint16_t>(value)));
+      return;
+    }
+    // As a Long the digits may still name an Integer: &h10& and &hFFFFFFFF& (-1) are Integers.
+    const auto as_long = static_cast<int32_t>(static_cast<uint32_t>(value));
+    if (as_long >= -32768 && as_long <= 32767) {
+      t.value = Variant(static_cast<int16_t>(as_long));
     } else {
-      t.value = Variant(static_cast<int32_t>(static_cast<uint32_t>(value)));
+      t.value = Variant(as_long);
     }
   }
 
@@ -322,7 +349,10 @@ class Lexer {
       case ':':
         t.text = String(u":");
         return one(Tok::NewLine);
+      // VBScript also takes the operators' older spellings =<, => and ><.
       case '=':
+        if (n == '<') return two(Tok::Le);
+        if (n == '>') return two(Tok::Ge);
         return one(Tok::Eq);
       case '<':
         if (n == '>') return two(Tok::Ne);
@@ -330,6 +360,7 @@ class Lexer {
         return one(Tok::Lt);
       case '>':
         if (n == '=') return two(Tok::Ge);
+        if (n == '<') return two(Tok::Ne);
         return one(Tok::Gt);
       default:
         Fail(kCeInvalidCharacter, pos_);

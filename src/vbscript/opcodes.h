@@ -103,6 +103,7 @@ enum class Op : uint8_t {
   ForEachInit,
   ForEachNext,
   OnError,  // a: 1 resume next, 0 goto 0
+  Raise,    // a: run-time error number
   Return,
   // Fused sequences (see fuse.h), written over the first instruction of the sequence; the
   // instructions they cover stay in place for jumps that land on them. a: the loaded

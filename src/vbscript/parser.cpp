@@ -75,6 +75,18 @@ class Parser {
     if (!At(Tok::NewLine)) Fail(kCeExpectedEndOfStatement);
     Advance();
   }
+  // The End that closes a procedure or a class may follow a statement on its line.
+  bool AtClosingEnd() const {
+    if (!At(Tok::End_)) return false;
+    const Token& next = Peek();
+    if (next.kind == Tok::Class) return true;
+    if (!in_proc_) return false;
+    return next.kind == Tok::Sub || next.kind == Tok::Function ||
+           (next.kind == Tok::Ident && EqualsNoCase(next.text, u"Property"));
+  }
+  void EndOfStatementOrClosingEnd() {
+    if (!AtClosingEnd()) EndOfStatement();
+  }
   // Names may be any identifier; after a dot even reserved words are member names.
   String Identifier() {
     if (!At(Tok::Ident)) Fail(kCeExpectedIdentifier);
@@ -287,12 +299,16 @@ class Parser {
 
   // The chain of `.name` and `(args)` after a primary. When `last_paren` is given it receives
   // the token position of the last argument list, for the call-statement re-read.
-  ExprPtr PostfixTail(ExprPtr e, size_t* last_paren, bool statement_head = false) {
+  // With `stop_at_paren` the chain ends before the first argument list.
+  ExprPtr PostfixTail(ExprPtr e, size_t* last_paren, bool statement_head = false,
+                      bool stop_at_paren = false) {
     const bool callable = e->kind == ExprKind::Name || e->kind == ExprKind::Member ||
                           e->kind == ExprKind::Me || e->kind == ExprKind::Paren;
     if (!callable) return e;
     for (;;) {
       if (At(Tok::LParen) && !(e->kind == ExprKind::Paren || e->kind == ExprKind::Me)) {
+        if (stop_at_paren) return e;
+        if (statement_head && head_paren_ == 0) head_paren_ = pos_;
         if (last_paren) *last_paren = pos_;
         if ((e->kind == ExprKind::Name || e->kind == ExprKind::Member) && !e->has_args) {
           ArgList(*e);
@@ -418,7 +434,8 @@ class Parser {
     if ((proc->kind == ProcKind::PropertyLet || proc->kind == ProcKind::PropertySet) &&
         proc->params.empty())
       Fail(kCeLetSetArgs);
-    EndOfStatement();
+    // The body may start on the header's line (`Sub S() x = 1 End Sub`).
+    if (At(Tok::NewLine)) Advance();
     proc_kind_ = proc->kind;
     in_proc_ = true;
     loops_.clear();
@@ -429,7 +446,7 @@ class Parser {
     const bool ok = end_word == Tok::Ident ? AtWord(u"Property") : At(end_word);
     if (!ok) Fail(end_error);
     Advance();
-    EndOfStatement();
+    if (!(At(Tok::End_) && Peek().kind == Tok::Class)) EndOfStatement();
     return proc;
   }
 
@@ -461,7 +478,7 @@ class Parser {
       VarList(vars);
       for (auto& v : vars)
         cls->fields.push_back(FieldDecl{std::move(v), is_public});
-      EndOfStatement();
+      EndOfStatementOrClosingEnd();
     }
     Advance();
     if (!At(Tok::Class)) Fail(kCeExpectedClass);
@@ -506,7 +523,7 @@ class Parser {
 
   void Statement(Block& block, Scope scope) {
     block.push_back(SimpleOrCompound(scope, false));
-    EndOfStatement();
+    EndOfStatementOrClosingEnd();
   }
 
   std::unique_ptr<Stmt> SimpleOrCompound(Scope scope, bool single_line) {
@@ -517,6 +534,10 @@ class Parser {
       case Tok::Private:
         if (scope != Scope::Module) Fail(kCeExpectedStatement);
         if (Peek().kind == Tok::Sub || Peek().kind == Tok::Function) Fail(kCeExpectedStatement);
+        if (Peek().kind == Tok::Const) {
+          Advance();
+          return ConstStatement(scope);
+        }
         return Declaration(scope);
       case Tok::ReDim:
         return ReDimStatement();
@@ -590,9 +611,12 @@ class Parser {
   std::unique_ptr<Stmt> AssignOrCall(bool single_line) {
     (void)single_line;
     auto s = MakeStmt(StmtKind::Call);
+    const size_t start = pos_;
     size_t last_paren = 0;
+    head_paren_ = 0;
     ExprPtr primary = Primary();
     ExprPtr target = PostfixTail(std::move(primary), &last_paren, true);
+    const size_t head_paren = head_paren_;
     if (Accept(Tok::Eq)) {
       s->kind = StmtKind::Assign;
       s->target = std::move(target);
@@ -616,9 +640,15 @@ class Parser {
       return s;
     }
     // The statement goes on: the arguments start here, or at the last '(' that was read as
-    // an argument list.
-    if (last_paren != 0 && (target->kind == ExprKind::Name || target->kind == ExprKind::Member) &&
-        target->has_args) {
+    // an argument list. `F (a).b, c` passes `(a).b` and c: after a comma the arguments start at
+    // the first '(' after the called name.
+    if (At(Tok::Comma) && head_paren != 0 && head_paren != last_paren) {
+      pos_ = start;
+      target = PostfixTail(Primary(), nullptr, true, true);
+      if (pos_ != head_paren) Fail(kCeExpectedEndOfStatement);
+    } else if (last_paren != 0 &&
+               (target->kind == ExprKind::Name || target->kind == ExprKind::Member) &&
+               target->has_args) {
       pos_ = last_paren;
       target->args.clear();
       target->has_args = false;
@@ -770,6 +800,7 @@ class Parser {
         continue;
       }
       block.push_back(SimpleOrCompound(scope, true));
+      if (At(Tok::End_) && Peek().kind == Tok::If) return;
       if (!AtLineEnd() && !At(Tok::Else)) Fail(kCeExpectedEndOfStatement);
     }
   }
@@ -798,6 +829,7 @@ class Parser {
     BlockUntil(s->blocks.back(), scope);
     for (;;) {
       if (At(Tok::ElseIf)) {
+        s->clause_pos.emplace_back(Cur().line, Cur().column);
         Advance();
         s->conditions.push_back(Expression());
         Expect(Tok::Then, kCeExpectedThen);
@@ -901,6 +933,7 @@ class Parser {
     }
     EndOfStatement();
     LoopBody(*s, scope, ExitKind::Do);
+    s->clause_pos.emplace_back(Cur().line, Cur().column);
     if (!Accept(Tok::Loop)) Fail(kCeExpectedLoop);
     if (At(Tok::While) || At(Tok::Until)) {
       if (s->test != LoopTest::None) Fail(kCeExpectedEndOfStatement);
@@ -974,7 +1007,8 @@ class Parser {
   std::unique_ptr<Stmt> OnErrorStatement() {
     auto s = MakeStmt(StmtKind::OnErrorResumeNext);
     Advance();
-    Expect(Tok::Error_, kCeSyntax);
+    if (!AtWord(u"Error")) Fail(kCeSyntax);
+    Advance();
     if (Accept(Tok::Resume)) {
       Expect(Tok::Next, kCeSyntax);
       return s;
@@ -989,6 +1023,7 @@ class Parser {
 
   std::vector<Token> toks_;
   size_t pos_ = 0;
+  size_t head_paren_ = 0;  // the first '(' after the name a statement starts with
   int depth_ = 0;
   bool in_proc_ = false;
   ProcKind proc_kind_ = ProcKind::Sub;

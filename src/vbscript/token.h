@@ -1,5 +1,5 @@
 // The tokens of VBScript source: reserved words get kinds of their own so the parser can
-// switch on them; soft words (Property, Get, Step, Default, Preserve...) stay identifiers.
+// switch on them; soft words (Property, Get, Step, Default, Preserve, Error...) stay identifiers.
 #pragma once
 
 #include <cstdint>
@@ -50,7 +50,6 @@ enum class Tok : uint8_t {
   End_,
   Eqv,
   Erase,
-  Error_,
   Exit,
   False,
   For,

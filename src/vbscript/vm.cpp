@@ -26,6 +26,7 @@ namespace {
 
 constexpr size_t kStackSlots = size_t{1} << 18;
 constexpr int32_t kTimeBudget = 4096;
+constexpr int32_t kErrForNotInitialized = 92;
 #if defined(QV_SANITIZE) || defined(__SANITIZE_ADDRESS__)
 constexpr size_t kStackMargin = size_t{3} << 20;
 #else
@@ -698,12 +699,6 @@ size_t Vm::HandleError(Frame& f, size_t pc, const Error& e) {
   while (next < starts.size() && !starts[next])
     ++next;
   if (next >= starts.size()) next = starts.size() - 1;
-  // A For header that failed leaves no bounds to count against: resuming in the body would loop
-  // for ever, so the loop is skipped instead.
-  const auto& code = f.proc->code;
-  for (size_t i = pc; i < next && i < code.size(); ++i) {
-    if (code[i].op == Op::ForInit) return static_cast<size_t>(code[i].b);
-  }
   return next;
 }
 
@@ -1696,6 +1691,8 @@ void Vm::Execute(Frame& f) {
             QV_NEXT();
           }
         }
+        // A header that failed under On Error Resume Next left no step to count with.
+        if (step.is_empty()) Raise(kErrForNotInitialized);
         if (!FastArith(
                 var, step, [](int64_t x, int64_t y) { return x + y; },
                 [](double x, double y) { return x + y; }))
@@ -1755,6 +1752,8 @@ void Vm::Execute(Frame& f) {
         f.resume_next = ip[-1].a != 0;
         err_.Clear();
         break;
+      case Op::Raise:
+        Raise(ip[-1].a);
       case Op::Return:
         return;
         // The fused forms: the fast path when every operand is a plain number, else the first

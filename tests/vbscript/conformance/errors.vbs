@@ -84,8 +84,8 @@ For Each v In 5
 Next
 CheckTrue n <= 1, "a failed For Each header does not loop"
 On Error GoTo 0
-' A failed For header under Resume Next skips the loop instead of counting for ever, whether
-' the fault is in the bounds themselves or in evaluating them.
+' A failed For header under Resume Next goes on with the body, once: Next then finds no loop to
+' count (92, For loop not initialized) and goes on after the loop.
 Dim forRuns, forErr
 For Each forHeader In Array("For i = 1 To ""x""", "For i = 1 To 3 Step ""x""", _
                             "For i = Null To 3", "For i = 1 To 1 / 0")
@@ -93,8 +93,8 @@ For Each forHeader In Array("For i = 1 To ""x""", "For i = 1 To 3 Step ""x""", _
   ExecuteGlobal "On Error Resume Next" & vbCrLf & forHeader & vbCrLf & _
                 "forRuns = forRuns + 1 : If forRuns > 5 Then Exit For" & vbCrLf & _
                 "Next" & vbCrLf & "forErr = Err.Number"
-  CheckTrue forRuns = 0, "a failed For header skips its loop: " & forHeader
-  CheckTrue forErr <> 0, "a failed For header sets Err: " & forHeader
+  CheckTrue forRuns = 1, "a failed For header runs the body once: " & forHeader
+  CheckTrue forErr = 92, "and its Next finds the loop not initialized: " & forHeader
 Next
 On Error Resume Next
 forRuns = 0
@@ -102,10 +102,11 @@ For i = 1 To "x"
   forRuns = forRuns + 1
   If forRuns > 5 Then Exit For
 Next
-Check Err.Number, CLng(13), "For with a text bound"
+Check Err.Number, CLng(92), "For with a text bound"
 On Error GoTo 0
-CheckTrue forRuns = 0, "For with a text bound runs nothing"
+CheckTrue forRuns = 1, "For with a text bound runs its body once"
 ' The body after a failed header still works as normal once the loop is left.
+forRuns = 0
 For i = 1 To 2
   forRuns = forRuns + 1
 Next
