@@ -8,6 +8,7 @@
 #include "vbscript/compiler.h"
 #include "vbscript/errors.h"
 #include "vbscript/parser.h"
+#include "vbscript/script_control.h"
 #include "vbscript/vm.h"
 
 namespace qv::vbs {
@@ -93,6 +94,7 @@ std::vector<ProcedureInfo> ScriptModule::Procedures() const {
 // --- Engine ----------------------------------------------------------------------------------
 
 Engine::Engine() : registry_(ClassRegistry::WithStandardClasses()) {
+  registry_.Register(u"MSScriptControl.ScriptControl", [] { return NewScriptControl(); });
   Start();
 }
 

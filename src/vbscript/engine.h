@@ -97,6 +97,9 @@ class Engine {
   ScriptModule* FindModule(StringView name);
   // The module of that name; raises 9 when there is none.
   ScriptModule& Modules(StringView name);
+  // The modules in the order they were added, the global one first.
+  size_t ModuleCount() const { return modules_.size(); }
+  ScriptModule& ModuleAt(size_t index) { return *modules_.at(index); }
 
   // Milliseconds a call may run; -1 or 0: no limit. The default is 10000.
   int32_t Timeout() const { return timeout_ms_; }

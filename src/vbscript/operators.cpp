@@ -283,7 +283,8 @@ Variant OpDiv(const Variant& a, const Variant& b) {
   const bool ok_b = Reduce(b, y);
   if (!ok_a || !ok_b) return Variant::Null();
   const double d = AsDouble(y);
-  if (d == 0) Raise(kErrDivisionByZero);
+  // 0 / 0 has no value at all: VBScript reports it as an overflow, not a division by zero.
+  if (d == 0) Raise(AsDouble(x) == 0 ? kErrOverflow : kErrDivisionByZero);
   const double q = AsDouble(x) / d;
   // A Single divided by a Single, Integer or Byte (or they by it) stays a Single if it fits.
   const bool small_x = x.kind == kSingle || x.kind <= kInt;

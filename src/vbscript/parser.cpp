@@ -176,19 +176,12 @@ class Parser {
   }
   ExprPtr Unary() {
     Depth d(*this);
-    if (At(Tok::Minus)) {
-      auto e = Make(ExprKind::Unary, Cur());
-      Advance();
-      e->un = UnOp::Neg;
-      e->object = Unary();
-      return e;
-    }
-    if (Accept(Tok::Plus)) return Unary();
     if (At(Tok::Not)) return Not();
     return Power();
   }
+  // A sign binds tighter than ^ in VBScript: -2 ^ 2 is 4.
   ExprPtr Power() {
-    ExprPtr left = Postfix();
+    ExprPtr left = PowerOperand();
     while (At(Tok::Caret)) {
       auto e = Make(ExprKind::Binary, Cur());
       Advance();
@@ -209,6 +202,7 @@ class Parser {
       return e;
     }
     if (Accept(Tok::Plus)) return PowerOperand();
+    if (At(Tok::Not)) return Not();
     return Postfix();
   }
 

@@ -682,7 +682,11 @@ void Vm::RecordSite(const Frame& f, size_t pc, int32_t number) {
 }
 
 size_t Vm::HandleError(Frame& f, size_t pc, const Error& e) {
-  if (!f.resume_next || e.number() == kErrTimeout) {
+  // This engine's own time limit can't be resumed past; the time-out of an engine the script
+  // drives (a script control it made) is an error like any other.
+  const bool own_timeout =
+      e.number() == kErrTimeout && has_deadline_ && std::chrono::steady_clock::now() > deadline_;
+  if (!f.resume_next || own_timeout) {
     RecordSite(f, pc, e.number());
     throw;
   }

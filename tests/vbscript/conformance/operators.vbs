@@ -1,5 +1,5 @@
 ' Operator precedence, associativity and the result types of arithmetic.
-Check -2 ^ 2, CDbl(-4), "unary minus binds looser than ^"
+Check -2 ^ 2, CDbl(4), "unary minus binds tighter than ^"
 Check 2 ^ 3 ^ 2, CDbl(64), "^ is left-associative"
 Check 2 ^ -1, 0.5, "negative exponent"
 Check 1 + 2 * 3, 7, "* before +"

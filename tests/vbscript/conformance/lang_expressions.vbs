@@ -1,0 +1,28 @@
+' Operator details that differ from what the operator table suggests: the sign binds tighter
+' than ^, 0 / 0 overflows, Null in the logical operators.
+Dim n
+n = 3
+Check -n ^ 2, CDbl(9), "a sign binds tighter than ^ on a variable"
+Check -3 ^ 2, CDbl(9), "and on a literal"
+Check 2 ^ -1, 0.5, "a sign after ^"
+Check 2 * 3 ^ 2, CDbl(18), "^ before *"
+Check 2 ^ 3 ^ 2, CDbl(64), "^ groups from the left"
+Check -(3 ^ 2), CDbl(-9), "parentheses still decide"
+CheckError "n = 0 / 0", 6, "0 / 0 is an overflow"
+CheckError "n = 1 / 0", 11, "1 / 0 is a division by zero"
+CheckError "n = 1 \ 0", 11, "integer division by zero"
+CheckError "n = 1 Mod 0", 11, "Mod by zero"
+Check TypeName(True Imp Null), "Null", "True Imp Null"
+Check False Imp Null, True, "False Imp Null"
+Check Null Imp True, True, "Null Imp True"
+Check TypeName(Null Imp False), "Null", "Null Imp False"
+Check TypeName(Null Eqv True), "Null", "Eqv with Null"
+Check Null And False, False, "Null And False"
+Check Null Or True, True, "Null Or True"
+Check TypeName(Null Xor True), "Null", "Xor with Null"
+Check "ab" & Null, "ab", "& treats Null as empty text"
+Check TypeName(Null & Null), "Null", "Null & Null is Null"
+CheckError "n = 5 Is Nothing", 424, "Is needs objects"
+CheckError "Set n = 5", 424, "Set needs an object"
+Check Nothing Is Nothing, True, "Nothing Is Nothing"
+Check 1 = 1 = True, True, "comparisons chain from the left"
