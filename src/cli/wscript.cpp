@@ -33,6 +33,10 @@ class ListEnumerator : public Enumerator {
   size_t next_ = 0;
 };
 
+bool IsSwitch(StringView arg) {
+  return arg.size() > 1 && arg[0] == '/';
+}
+
 Variant ArgumentAt(ScriptArguments& a, Args args) {
   CheckArgCount(args, 1, 1);
   const int32_t i = ToLong(args[0]);
@@ -78,6 +82,22 @@ const DispatchTable<ScriptArguments>& ScriptArguments::Table() {
   static const auto table =
       DispatchTable<ScriptArguments>(u"Arguments")
           .Method(u"Item", ArgumentAt)
+          .Property(u"Named",
+                    [](ScriptArguments& a, Args args) {
+                      auto named = MakeRef<NamedArguments>(a.items());
+                      if (args.empty()) return Variant(named);
+                      return named->Invoke(kDispIdValue, kInvokeGet, args);
+                    })
+          .Property(u"Unnamed",
+                    [](ScriptArguments& a, Args args) {
+                      std::vector<String> rest;
+                      for (const auto& item : a.items()) {
+                        if (!IsSwitch(item.view())) rest.push_back(item);
+                      }
+                      auto unnamed = MakeRef<ScriptArguments>(std::move(rest));
+                      if (args.empty()) return Variant(unnamed);
+                      return ArgumentAt(*unnamed, args);
+                    })
           .Property(u"Count", [](ScriptArguments& a,
                                  Args) { return Variant(static_cast<int32_t>(a.items().size())); })
           .Property(u"Length", [](ScriptArguments& a,
@@ -90,12 +110,121 @@ Ref<Enumerator> ScriptArguments::NewEnum() {
   return MakeRef<ListEnumerator>(items_);
 }
 
+NamedArguments::NamedArguments(const std::vector<String>& all) {
+  for (const auto& arg : all) {
+    const StringView v = arg.view();
+    if (!IsSwitch(v)) continue;
+    const size_t colon = v.find(u':');
+    if (colon == StringView::npos) {
+      items_.emplace_back(String(v.substr(1)), Variant());
+    } else {
+      items_.emplace_back(String(v.substr(1, colon - 1)), Variant(String(v.substr(colon + 1))));
+    }
+  }
+}
+
+const Variant* NamedArguments::Find(StringView name) const {
+  for (const auto& [n, value] : items_) {
+    if (EqualsNoCase(n, name)) return &value;
+  }
+  return nullptr;
+}
+
+Ref<Enumerator> NamedArguments::NewEnum() {
+  std::vector<String> names;
+  for (const auto& item : items_)
+    names.push_back(item.first);
+  return MakeRef<ListEnumerator>(std::move(names));
+}
+
+const DispatchTable<NamedArguments>& NamedArguments::Table() {
+  using N = NamedArguments;
+  static const auto table =
+      DispatchTable<N>(u"WshNamed")
+          .Method(u"Item",
+                  [](N& n, Args args) {
+                    CheckArgCount(args, 1, 1);
+                    const Variant* v = n.Find(ToString(args[0]));
+                    return v ? *v : Variant();
+                  })
+          .Method(u"Exists",
+                  [](N& n, Args args) {
+                    CheckArgCount(args, 1, 1);
+                    return Variant(n.Find(ToString(args[0])) != nullptr);
+                  })
+          .Property(u"Count",
+                    [](N& n, Args) { return Variant(static_cast<int32_t>(n.items().size())); })
+          .Property(u"Length",
+                    [](N& n, Args) { return Variant(static_cast<int32_t>(n.items().size())); })
+          .Default(u"Item");
+  return table;
+}
+
+int ConsoleInput::Get() {
+  if (peeked_ != -2) {
+    const int c = peeked_;
+    peeked_ = -2;
+    return c;
+  }
+  return std::getchar();
+}
+
+bool ConsoleInput::AtEnd() {
+  if (peeked_ == -2) peeked_ = std::getchar();
+  return peeked_ == EOF;
+}
+
+String ConsoleInput::ReadLine() {
+  if (AtEnd()) throw Error(kErrInputPastEnd);
+  std::string bytes;
+  for (int c = Get(); c != EOF && c != '\n'; c = Get())
+    bytes.push_back(static_cast<char>(c));
+  if (!bytes.empty() && bytes.back() == '\r') bytes.pop_back();
+  return String::FromUtf8(bytes);
+}
+
+String ConsoleInput::ReadAll() {
+  std::string bytes;
+  while (!AtEnd())
+    bytes.push_back(static_cast<char>(Get()));
+  return String::FromUtf8(bytes);
+}
+
+String ConsoleInput::Read(int32_t count) {
+  if (AtEnd()) throw Error(kErrInputPastEnd);
+  std::string bytes;
+  for (int32_t i = 0; i < count && !AtEnd(); ++i)
+    bytes.push_back(static_cast<char>(Get()));
+  return String::FromUtf8(bytes);
+}
+
+const DispatchTable<ConsoleInput>& ConsoleInput::Table() {
+  using I = ConsoleInput;
+  static const auto table =
+      DispatchTable<I>(u"TextStream")
+          .Method(u"ReadLine", [](I& in, Args) { return Variant(in.ReadLine()); })
+          .Method(u"Read",
+                  [](I& in, Args args) {
+                    CheckArgCount(args, 1, 1);
+                    return Variant(in.Read(ToLong(args[0])));
+                  })
+          .Method(u"ReadAll", [](I& in, Args) { return Variant(in.ReadAll()); })
+          .Method(u"SkipLine",
+                  [](I& in, Args) {
+                    in.ReadLine();
+                    return Variant();
+                  })
+          .Property(u"AtEndOfStream", [](I& in, Args) { return Variant(in.AtEnd()); });
+  return table;
+}
+
 WScriptObject::WScriptObject(vbs::Engine& engine, String full_name, std::vector<String> arguments)
     : engine_(engine),
       full_name_(std::move(full_name)),
       arguments_(MakeRef<ScriptArguments>(std::move(arguments))),
       out_(MakeRef<ConsoleStream>(stdout)),
-      err_(MakeRef<ConsoleStream>(stderr)) {}
+      err_(MakeRef<ConsoleStream>(stderr)),
+      in_(MakeRef<ConsoleInput>()) {}
 
 const DispatchTable<WScriptObject>& WScriptObject::Table() {
   static const auto table =
@@ -124,6 +253,7 @@ const DispatchTable<WScriptObject>& WScriptObject::Table() {
                   })
           .Property(u"StdOut", [](WScriptObject& w, Args) { return Variant(w.out_); })
           .Property(u"StdErr", [](WScriptObject& w, Args) { return Variant(w.err_); })
+          .Property(u"StdIn", [](WScriptObject& w, Args) { return Variant(w.in_); })
           .Property(u"ScriptFullName", [](WScriptObject& w, Args) { return Variant(w.full_name_); })
           .Property(u"ScriptName",
                     [](WScriptObject& w, Args) {

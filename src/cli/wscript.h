@@ -1,5 +1,5 @@
 // The WScript object of the script runner, as cscript offers it: Echo, Arguments, Quit,
-// StdOut/StdErr, ScriptName/ScriptFullName, Sleep and CreateObject; plus the file reading
+// StdIn/StdOut/StdErr, ScriptName/ScriptFullName, Sleep and CreateObject; plus the file reading
 // rules for script sources and the cscript form of an error report.
 #pragma once
 
@@ -28,7 +28,8 @@ class ConsoleStream : public DispatchObject<ConsoleStream> {
   std::FILE* file_;
 };
 
-// WScript.Arguments: Count, Length, Item (default) and For Each.
+// WScript.Arguments: Count, Length, Item (default) and For Each; Named and Unnamed split them
+// into /name:value switches and the rest.
 class ScriptArguments : public DispatchObject<ScriptArguments> {
  public:
   explicit ScriptArguments(std::vector<String> items) : items_(std::move(items)) {}
@@ -38,6 +39,35 @@ class ScriptArguments : public DispatchObject<ScriptArguments> {
 
  private:
   std::vector<String> items_;
+};
+
+// WScript.Arguments.Named: Item(name) (default), Exists, Count, Length and For Each over the
+// names.
+class NamedArguments : public DispatchObject<NamedArguments> {
+ public:
+  explicit NamedArguments(const std::vector<String>& all);
+  static const DispatchTable<NamedArguments>& Table();
+  Ref<Enumerator> NewEnum() override;
+  // The value of a switch; Empty for /name without a value, nullptr when it was not given.
+  const Variant* Find(StringView name) const;
+  const std::vector<std::pair<String, Variant>>& items() const { return items_; }
+
+ private:
+  std::vector<std::pair<String, Variant>> items_;
+};
+
+// WScript.StdIn: ReadLine, ReadAll, Read, SkipLine, AtEndOfStream.
+class ConsoleInput : public DispatchObject<ConsoleInput> {
+ public:
+  static const DispatchTable<ConsoleInput>& Table();
+  bool AtEnd();
+  String ReadLine();
+  String ReadAll();
+  String Read(int32_t count);
+
+ private:
+  int Get();
+  int peeked_ = -2;  // -2: nothing looked at yet
 };
 
 class WScriptObject : public DispatchObject<WScriptObject> {
@@ -51,6 +81,7 @@ class WScriptObject : public DispatchObject<WScriptObject> {
   Ref<ScriptArguments> arguments_;
   Ref<ConsoleStream> out_;
   Ref<ConsoleStream> err_;
+  Ref<ConsoleInput> in_;
 };
 
 // A small object for measuring member access: Value (read/write) and Increment.

@@ -300,6 +300,27 @@ class Parser {
                           e->kind == ExprKind::Me || e->kind == ExprKind::Paren;
     if (!callable) return e;
     for (;;) {
+      // `(f)(x)` calls f with x, `((a))(0)` indexes a: arguments after a parenthesised name go
+      // to the name.
+      if (At(Tok::LParen) && e->kind == ExprKind::Paren && !stop_at_paren) {
+        Expr* inner = e->object.get();
+        while (inner->kind == ExprKind::Paren)
+          inner = inner->object.get();
+        if ((inner->kind == ExprKind::Name || inner->kind == ExprKind::Member) &&
+            !inner->has_args) {
+          ExprPtr name = std::move(e);
+          while (name->kind == ExprKind::Paren)
+            name = std::move(name->object);
+          e = std::move(name);
+        } else {
+          auto idx = Make(ExprKind::Index, Cur());
+          idx->object = std::move(e);
+          e = std::move(idx);
+        }
+        if (last_paren) *last_paren = pos_;
+        ArgList(*e);
+        continue;
+      }
       if (At(Tok::LParen) && !(e->kind == ExprKind::Paren || e->kind == ExprKind::Me)) {
         if (stop_at_paren) return e;
         if (statement_head && head_paren_ == 0) head_paren_ = pos_;

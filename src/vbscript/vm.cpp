@@ -840,8 +840,11 @@ Variant Vm::CallSlot(Frame& f, GlobalSlot& slot, Variant* args, uint32_t argc, u
       return CallIntrinsic(f, s.intrinsic, span, want);
     case SlotKind::Variable:
     case SlotKind::Constant:
-    case SlotKind::HostObject:
-      return ApplyIndex(s.value, span, want);
+    case SlotKind::HostObject: {
+      Variant r = ApplyIndex(s.value, span, want);
+      if (s.value.is_object()) WriteBack(args, argc, mask);
+      return r;
+    }
     case SlotKind::HostMember: {
       Variant r = s.value.as_object()->Invoke(
           s.member, want ? (kInvokeMethod | kInvokeGet) : kInvokeMethod, span);
@@ -975,8 +978,9 @@ void Vm::ReDimArray(Variant& target, Args bounds, bool preserve) {
 
 Variant Vm::NewObject(Frame& f, GlobalSlot& slot) {
   GlobalSlot& s = Resolve(slot, *f.proc);
-  if (s.kind == SlotKind::Class) return Variant(NewInstance(*s.cls));
+  // New RegExp makes the built-in object even where the script declares a class of that name.
   if (EqualsNoCase(s.name, u"RegExp")) return Variant(NewRegExp());
+  if (s.kind == SlotKind::Class) return Variant(NewInstance(*s.cls));
   RaiseNamed(kErrClassNotDefined, s.name);
 }
 
@@ -1543,7 +1547,11 @@ void Vm::Execute(Frame& f) {
         }
         const Variant target = VarRef(f, ip[-1].flags, ip[-1].a);
         Variant r = ApplyIndex(target, Args(args, ip[-1].n), ip[-1].flags & kWantResult);
-        if (ip[-1].b) ReleaseLocks(args, sp);
+        if (ip[-1].b) {
+          // An object's default member (a GetRef, a host object) takes variables ByRef.
+          if (target.is_object()) WriteBack(args, ip[-1].n, ip[-1].b);
+          ReleaseLocks(args, sp);
+        }
         while (sp > args)
           (--sp)->Clear();
         if (ip[-1].flags & kWantResult) *sp++ = std::move(r);
