@@ -141,6 +141,8 @@ enum class ProcKind : uint8_t { Sub, Function, PropertyGet, PropertyLet, Propert
 
 struct ParamDecl {
   String name;
+  int32_t line = 0;
+  int32_t column = 0;
   bool by_val = false;
   bool is_array = false;
 };

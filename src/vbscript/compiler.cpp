@@ -88,7 +88,7 @@ class ProcCompiler {
     proc_.kind = decl.kind;
     proc_.is_public = decl.is_public;
     for (const auto& p : decl.params) {
-      if (FindLocal(p.name) >= 0) Fail(kCeNameRedefined, decl.line, decl.column);
+      if (FindLocal(p.name) >= 0) Fail(kCeNameRedefined, p.line, p.column);
       AddLocal(p.name);
       proc_.byref.push_back(p.by_val ? 0 : 1);
       ref_.push_back(!p.by_val);
@@ -1170,12 +1170,20 @@ Ref<ClassInfo> BuildClass(const ClassDecl& decl, Module& module) {
       init.uppers.push_back(ToLong(ConstantValue(*b)));
     cls->fields.push_back(std::move(init));
   }
+  // A property's Get takes the same indexes as its Let and Set, which take the value as well.
+  std::unordered_map<String, size_t, NoCaseHash, NoCaseEqual> property_indexes;
   for (const auto& p : decl.procs) {
     const int32_t existing = cls->Find(p->name);
+    const bool property = p->kind >= ProcKind::PropertyGet;
     if (existing >= 0) {
       const ClassMember& m = cls->members[existing];
-      const bool property = p->kind >= ProcKind::PropertyGet;
       if (m.field >= 0 || m.method || !property) Fail(kCeNameRedefined, p->line, p->column);
+    }
+    if (property) {
+      const size_t indexes =
+          p->params.size() - (p->kind == ProcKind::PropertyGet || p->params.empty() ? 0 : 1);
+      const auto [it, first] = property_indexes.emplace(p->name, indexes);
+      if (!first && it->second != indexes) Fail(kCeInconsistentArgs, p->line, p->column);
     }
     ClassMember& m = add(p->name, p->line, p->column);
     m.is_public = p->is_public;

@@ -430,6 +430,8 @@ class Parser {
       if (!Accept(Tok::RParen)) {
         for (;;) {
           ParamDecl p;
+          p.line = Cur().line;
+          p.column = Cur().column;
           if (Accept(Tok::ByVal)) {
             p.by_val = true;
           } else {

@@ -662,6 +662,12 @@ void Vm::RecordSite(const Frame& f, size_t pc, int32_t number) {
     const Instr& in = p.code[pc];
     if (in.op == Op::CallMember || in.op == Op::StoreMember) site_.subject = p.sites[in.a].subject;
   }
+  // An error of a library function names the function: "Type mismatch: 'CInt'".
+  if (pc < p.code.size() && p.code[pc].op == Op::CallGlobal) {
+    const GlobalSlot* slot = p.globals[p.code[pc].a];
+    if (slot->kind == SlotKind::Alias && slot->alias) slot = slot->alias;
+    if (slot->kind == SlotKind::Builtin) site_.subject = String(slot->builtin->name);
+  }
   site_.line = p.lines.empty() ? 0 : p.lines[pc];
   site_.column = p.columns.empty() ? 0 : p.columns[pc];
   // The text of that line of the source.

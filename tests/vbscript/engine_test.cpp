@@ -142,6 +142,13 @@ TEST(EngineTest, CompileErrorsCarryPositionAndTextAndAddNothing) {
       {u"x = Me", 1037, 1, 5},
       {u"Select Case x\r\nEnd Select x", 1025, 2, 12},
       {u"x = 1\r\nOption Explicit", 1042, 2, 1},
+      {u"Sub S(a, b, a)\r\nEnd Sub", 1041, 1, 13},
+      {u"Class C\r\nProperty Get P(i)\r\nEnd Property\r\nProperty Let P(v)\r\nEnd Property\r\n"
+       u"End Class",
+       1051, 4, 1},
+      {u"If True Then\r\n x = 0 End If", 1025, 2, 8},
+      {u"Class C End Class", 1025, 1, 9},
+      {u"x = 1 >< 2 =>", 1023, 1, 14},
   };
   for (const Case& c : cases) {
     EXPECT_THROW(engine.AddCode(c.code), Error) << String::ToUtf8(c.code);
@@ -166,6 +173,38 @@ TEST(EngineTest, RuntimeErrorsReportTheInnermostLine) {
   // A later success clears the error object.
   engine.Eval(u"1");
   EXPECT_EQ(engine.Error().Number(), 0);
+}
+
+// A failing condition is reported where its clause stands: the ElseIf, the Loop, the Select
+// (for a Case value); a statement continued over lines where it starts; a library function's
+// error names the function.
+TEST(EngineTest, RuntimeErrorsInStatementHeadersReportTheirClause) {
+  struct Case {
+    const char16_t* code;
+    int32_t line;
+    int32_t column;
+    const char16_t* description;
+  };
+  const Case cases[] = {
+      {u"If False Then\r\n x = 1\r\n ElseIf 1 / 0 Then\r\n x = 2\r\nEnd If", 3, 2,
+       u"Division by zero"},
+      {u"Do\r\n x = 1\r\nLoop Until 1 / 0", 3, 1, u"Division by zero"},
+      {u"\r\n  Select Case 3\r\n Case 2\r\n Case 1 / 0\r\n x = 1\r\nEnd Select", 2, 3,
+       u"Division by zero"},
+      {u"x = 1\r\n  y = CInt _\r\n (\"abc\")", 2, 3, u"Type mismatch: 'CInt'"},
+      {u"If True Then x = Mid(\"a\", 0)", 1, 14, u"Invalid procedure call or argument: 'Mid'"},
+  };
+  for (const Case& c : cases) {
+    Engine engine;
+    EXPECT_NE(ErrorOf([&] { engine.AddCode(c.code); }), 0) << String::ToUtf8(c.code);
+    EXPECT_EQ(engine.Error().Line(), c.line) << String::ToUtf8(c.code);
+    EXPECT_EQ(engine.Error().Column(), c.column) << String::ToUtf8(c.code);
+    EXPECT_EQ(engine.Error().Description(), c.description) << String::ToUtf8(c.code);
+  }
+  // Under On Error Resume Next the script's Err keeps the plain text.
+  Engine engine;
+  engine.AddCode(u"On Error Resume Next\r\nx = CInt(\"abc\")\r\nd = Err.Description");
+  EXPECT_EQ(Utf8(engine.Eval(u"d")), "Type mismatch");
 }
 
 TEST(EngineTest, HostObjectsTakeByRefArgumentsAndReenterTheEngine) {
