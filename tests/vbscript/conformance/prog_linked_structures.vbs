@@ -1,0 +1,138 @@
+' A stack built from linked nodes, a queue over a growing array and a pair of nodes that
+' point at each other: Nothing checks, default members and when Class_Terminate runs.
+Dim freed
+freed = ""
+
+Class Node
+  Public Value
+  Public NextNode
+  Private Sub Class_Initialize()
+    Set NextNode = Nothing
+  End Sub
+  Private Sub Class_Terminate()
+    freed = freed & Value & ";"
+  End Sub
+End Class
+
+Class Stack
+  Private mTop, mCount
+  Private Sub Class_Initialize()
+    Set mTop = Nothing
+    mCount = 0
+  End Sub
+  Public Sub Push(v)
+    Dim n
+    Set n = New Node
+    n.Value = v
+    Set n.NextNode = mTop
+    Set mTop = n
+    mCount = mCount + 1
+  End Sub
+  Public Function Pop()
+    If mTop Is Nothing Then Err.Raise vbObjectError + 1, "Stack", "Stack empty"
+    Pop = mTop.Value
+    Set mTop = mTop.NextNode
+    mCount = mCount - 1
+  End Function
+  Public Property Get Count()
+    Count = mCount
+  End Property
+  Public Property Get IsEmpty()
+    IsEmpty = mTop Is Nothing
+  End Property
+  Public Default Function Peek()
+    Peek = mTop.Value
+  End Function
+End Class
+
+Class Queue
+  Private items(), head, tail
+  Private Sub Class_Initialize()
+    ReDim items(1)
+    head = 0 : tail = 0
+  End Sub
+  Sub Enqueue(v)
+    If tail > UBound(items) Then ReDim Preserve items(UBound(items) * 2 + 1)
+    If IsObject(v) Then Set items(tail) = v Else items(tail) = v
+    tail = tail + 1
+  End Sub
+  Function Dequeue()
+    If IsObject(items(head)) Then Set Dequeue = items(head) Else Dequeue = items(head)
+    items(head) = Empty
+    head = head + 1
+  End Function
+  Property Get Size()
+    Size = tail - head
+  End Property
+  Property Get Capacity()
+    Capacity = UBound(items) + 1
+  End Property
+End Class
+
+Dim s
+Set s = New Stack
+s.Push "a" : s.Push "b" : s.Push "c"
+Check s.Count, 3, "three pushed"
+Check s.Peek & s() & s, "ccc", "the default function answers to the bare object"
+Check s.Pop(), "c", "Pop returns the top"
+Check freed, "c;", "the popped node is freed once nothing holds it"
+Check s.Pop & s.Count & s.IsEmpty, "b1False", "a property named like a built-in function"
+Set s = Nothing
+Check freed, "c;b;a;", "dropping the stack frees the rest of the chain"
+
+Dim empty1
+Set empty1 = New Stack
+On Error Resume Next
+empty1.Pop
+Check Err.Number - vbObjectError, CLng(1), "Pop on an empty stack"
+Check Err.Description, "Stack empty", "its message"
+Err.Clear
+On Error GoTo 0
+
+Dim q, i, nn
+Set q = New Queue
+For i = 1 To 5
+  q.Enqueue i * 10
+Next
+Set nn = New Node
+nn.Value = "queued"
+q.Enqueue nn
+Set nn = Nothing
+Check q.Capacity, CLng(8), "the queue doubled its storage twice"
+Check q.Size, 6, "six queued"
+Check q.Dequeue + q.Dequeue, 30, "first in, first out"
+Do While q.Size > 1
+  q.Dequeue
+Loop
+freed = ""
+Dim last
+Set last = q.Dequeue
+Check TypeName(last) & " " & last.Value, "Node queued", "an object comes out with Set"
+Check freed, "", "the queue let go of it but the variable holds it"
+Set last = Nothing
+Check freed, "queued;", "now it is freed"
+
+' Two nodes pointing at each other; breaking the link lets both go.
+Dim a1, a2
+freed = ""
+Set a1 = New Node : a1.Value = "one"
+Set a2 = New Node : a2.Value = "two"
+Set a1.NextNode = a2
+Set a2.NextNode = a1
+CheckTrue a1.NextNode Is a2, "Is compares references"
+CheckTrue a1.NextNode.NextNode Is a1, "round the cycle"
+CheckTrue Not (a1 Is a2), "different objects"
+Set a1.NextNode = Nothing
+Set a1 = Nothing
+Check freed, "", "the second node still holds the first"
+Set a2 = Nothing
+Check freed, "two;one;", "releasing the second frees both"
+
+Function MakeNode(v)
+  Set MakeNode = New Node
+  MakeNode.Value = v
+End Function
+freed = ""
+Check MakeNode("temp").Value, "temp", "a member of a temporary object"
+Check freed, "temp;", "the temporary is gone after the statement"
+CheckError "Dim nothingVar : Set nothingVar = Nothing : nothingVar.Value = 1", 424, "a member of Nothing"
