@@ -504,11 +504,19 @@ class ProcCompiler {
       if (a.kind == ExprKind::Name && a.has_args && !a.args.empty() && i < 32) {
         const Resolved r = Resolve(a.name);
         if (IsVariable(r.kind)) {
-          for (const auto& index : a.args)
-            Expression(*index);
+          // A global name may turn out to be a function, whose parameters are ByRef like any
+          // call's: its arguments go on the stack as references too (in b), in case.
+          uint32_t inner_mask = 0;
+          if (r.kind == NameKind::Global) {
+            Arguments(a.args, inner_mask);
+          } else {
+            for (const auto& index : a.args)
+              Expression(*index);
+          }
           const auto n = static_cast<uint32_t>(a.args.size());
           Emit(Op::ArgElem, 1 - static_cast<int>(n),
-               r.kind == NameKind::Result ? proc_.result_slot : r.index, n, VarKindOf(r.kind));
+               r.kind == NameKind::Result ? proc_.result_slot : r.index, n, VarKindOf(r.kind),
+               static_cast<int32_t>(inner_mask));
           mask |= 1u << i;
           continue;
         }

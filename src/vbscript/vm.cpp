@@ -1239,10 +1239,11 @@ void Vm::Execute(Frame& f) {
       case Op::ArgElem: {
         Variant* base = sp - ip[-1].n;
         if ((ip[-1].flags & kVarKindMask) == kVarGlobal) {
-          // A global name may be a function: then this is a call, passed by value.
+          // A global name may be a function: then this is a call, and its result goes by value.
           GlobalSlot& s = Resolve(*proc.globals[ip[-1].a], proc);
           if (s.kind != SlotKind::Variable) {
-            Variant value = CallSlot(f, s, base, ip[-1].n, 0, true);
+            Variant value = CallSlot(f, s, base, ip[-1].n, static_cast<uint32_t>(ip[-1].b), true);
+            if (ip[-1].b) ReleaseLocks(base, sp);
             while (sp > base)
               Drop(*--sp);
             *sp = std::move(value);
@@ -1254,6 +1255,7 @@ void Vm::Execute(Frame& f) {
         Variant& target = VarRef(f, ip[-1].flags, ip[-1].a);
         if (!target.is_array()) {
           Variant value = ApplyIndex(target, Args(base, ip[-1].n), true);
+          if (ip[-1].b) ReleaseLocks(base, sp);
           while (sp > base)
             Drop(*--sp);
           *sp = std::move(value);
@@ -1267,6 +1269,7 @@ void Vm::Execute(Frame& f) {
         for (uint32_t i = 0; i < ip[-1].n; ++i)
           idx[i] = IndexValue(base[i]);
         Variant& element = array->At(std::span<const int32_t>(idx, ip[-1].n));
+        if (ip[-1].b) ReleaseLocks(base, sp);
         while (sp > base)
           Drop(*--sp);
         *sp = element;
