@@ -491,6 +491,13 @@ class ProcCompiler {
     if (args.size() > 0xFFFF) Fail(kCeOutOfMemory, cur_line_, cur_col_);
     for (size_t i = 0; i < args.size(); ++i) {
       const Expr& a = *args[i];
+      if (a.kind == ExprKind::Name && !a.has_args && i < 32 && !own_name_.empty() &&
+          EqualsNoCase(a.name, own_name_)) {
+        // A function's own name, bare, is the value it will return, not a call of itself.
+        Emit(Op::ArgLocal, 1, proc_.result_slot);
+        mask |= 1u << i;
+        continue;
+      }
       if (a.kind == ExprKind::Name && !a.has_args && i < 32) {
         const Resolved r = Resolve(a.name);
         if (IsVariable(r.kind)) {

@@ -117,3 +117,16 @@ Dim tmp
 tmp = c.Items
 tmp(1) = 99
 Check c.Items(1), 20, "a copy of the member's array is separate"
+
+' Inside a function its bare name is the value being returned, also as an argument.
+Function Accumulate(v)
+  Accumulate = v
+  Accumulate = Id(Accumulate) + Len(CStr(Accumulate))
+End Function
+Function Grown()
+  Grown = 10
+  Bump Grown
+  Call Bump(Grown)
+End Function
+Check Accumulate(50), CLng(52), "the return value passed to another function"
+Check Grown(), 12, "the return value passed ByRef"
