@@ -177,8 +177,10 @@ class ProcCompiler {
         }
         break;
       case StmtKind::ReDim:
-        for (const auto& t : s.redim_targets)
+        for (const auto& t : s.redim_targets) {
           Candidate(t.get());
+          if (t->kind == ExprKind::Name) redim_names_.push_back(t->name);
+        }
         break;
       case StmtKind::Assign:
         Candidate(s.target.get());
@@ -196,15 +198,30 @@ class ProcCompiler {
       Prescan(c.body, top);
   }
 
+  // Names assigned without a declaration become locals, unless Option Explicit asks for
+  // declarations; ReDim declares its name even then.
   void DeclareImplicit() {
-    if (module_option_explicit()) return;
-    for (const auto& name : candidates_) {
-      if (FindLocal(name) >= 0) continue;
-      if (!own_name_.empty() && EqualsNoCase(name, own_name_)) continue;
-      if (cls_ && cls_->Find(name) >= 0) continue;
-      if (IsKnownGlobal(name)) continue;
+    auto declare = [&](const String& name) {
+      if (FindLocal(name) >= 0) return;
+      if (!own_name_.empty() && EqualsNoCase(name, own_name_)) return;
+      if (cls_ && cls_->Find(name) >= 0) return;
+      if (IsKnownGlobal(name)) return;
       AddLocal(name);
+    };
+    for (const auto& name : redim_names_)
+      declare(name);
+    if (module_option_explicit()) return;
+    for (const auto& name : candidates_)
+      declare(name);
+  }
+  // At the script's own level, a ReDim of a name nothing declared declares it.
+  bool ExistsInModule(StringView name) const {
+    if (const GlobalSlot* s = module_.FindSlot(name); s && s->kind != SlotKind::Undefined)
+      return true;
+    if (Module* g = module_.global()) {
+      if (const GlobalSlot* s = g->FindSlot(name); s && s->kind != SlotKind::Undefined) return true;
     }
+    return false;
   }
   bool module_option_explicit() const { return proc_.option_explicit; }
 
@@ -856,6 +873,8 @@ class ProcCompiler {
         Emit(Op::ReDimMember, -static_cast<int>(n) - 1, Site(t.name), n, 0, s.flag ? 1 : 0);
         continue;
       }
+      if (proc_.is_top_level && FindLocal(t.name) < 0 && !ExistsInModule(t.name))
+        module_variables.push_back(t.name);
       Resolved r = Resolve(t.name);
       // Inside a function its name is the variable of its result.
       if (!own_name_.empty() && EqualsNoCase(t.name, own_name_))
@@ -1086,6 +1105,7 @@ class ProcCompiler {
   std::unordered_map<String, int32_t, NoCaseHash, NoCaseEqual> links_;
   std::vector<bool> ref_;
   std::vector<String> candidates_;
+  std::vector<String> redim_names_;
   std::vector<const VarDecl*> arrays_;
   NameSet array_locals_;
   std::vector<int32_t> with_slots_;
