@@ -20,6 +20,7 @@ class Parser {
 
   Program Program_() {
     Program prog;
+    program_ = &prog;
     SkipNewLines();
     if (At(Tok::Option)) {
       Advance();
@@ -550,7 +551,10 @@ class Parser {
       case Tok::Public:
       case Tok::Private:
         if (scope != Scope::Module) Fail(kCeExpectedStatement);
-        if (Peek().kind == Tok::Sub || Peek().kind == Tok::Function) Fail(kCeExpectedStatement);
+        if (Peek().kind == Tok::Sub || Peek().kind == Tok::Function) {
+          if (CanNestDefinition(scope, single_line)) return NestedDefinition();
+          Fail(kCeExpectedStatement);
+        }
         if (Peek().kind == Tok::Const) {
           Advance();
           return ConstStatement(scope);
@@ -613,6 +617,7 @@ class Parser {
       case Tok::Sub:
       case Tok::Function:
       case Tok::Class:
+        if (CanNestDefinition(scope, single_line)) return NestedDefinition();
         Fail(kCeSyntax);
       case Tok::Option:
         Fail(kCeMustBeFirst);
@@ -623,6 +628,25 @@ class Parser {
       default:
         Fail(kCeExpectedStatement);
     }
+  }
+
+  // Procedures and classes written inside a block of the script's own level (`If False Then`
+  // ... `Sub S` ... `End If`) are defined all the same, as if written outside it.
+  bool CanNestDefinition(Scope scope, bool single_line) const {
+    return scope == Scope::Module && !single_line && !in_proc_ && program_ != nullptr;
+  }
+  std::unique_ptr<Stmt> NestedDefinition() {
+    auto s = MakeStmt(StmtKind::Nop);
+    const std::vector<ExitKind> loops = loops_;  // a procedure starts with no loops of its own
+    if (At(Tok::Class)) {
+      program_->classes.push_back(ClassDeclaration());
+    } else {
+      program_->procs.push_back(TryProcedure(false));
+    }
+    loops_ = loops;
+    // The definition took its line end; the enclosing block reads it again.
+    if (pos_ > 0 && toks_[pos_ - 1].kind == Tok::NewLine) --pos_;
+    return s;
   }
 
   std::unique_ptr<Stmt> AssignOrCall(bool single_line) {
@@ -1040,7 +1064,8 @@ class Parser {
 
   std::vector<Token> toks_;
   size_t pos_ = 0;
-  size_t head_paren_ = 0;  // the first '(' after the name a statement starts with
+  size_t head_paren_ = 0;       // the first '(' after the name a statement starts with
+  Program* program_ = nullptr;  // the program being read, which nested definitions join
   int depth_ = 0;
   bool in_proc_ = false;
   ProcKind proc_kind_ = ProcKind::Sub;

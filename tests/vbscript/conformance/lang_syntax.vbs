@@ -228,3 +228,21 @@ Check pc + pubc, 9, "Private and Public Const"
 Check +"text", "text", "unary plus keeps a string"
 Check TypeName(+True), "Boolean", "unary plus keeps a Boolean"
 Check +--+-+1, -1, "a chain of signs"
+
+' Procedures and classes written inside a block at the script's level exist all the same.
+a = ""
+If False Then
+Sub DefinedInIf
+  a = "defined in a skipped If"
+End Sub
+Function OneLineInIf() OneLineInIf = "one line" End Function
+Class ClassInIf
+  Public v
+End Class
+End If
+DefinedInIf
+Check a, "defined in a skipped If", "a Sub inside a skipped If"
+Check OneLineInIf(), "one line", "a one-line Function inside a skipped If"
+Set obj = New ClassInIf
+obj.v = 1
+Check obj.v, 1, "a Class inside a skipped If"
