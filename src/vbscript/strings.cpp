@@ -121,6 +121,50 @@ Variant InStr(RuntimeState&, Args a) {
   return Variant(FindForward(ToString(s1), ToString(s2), start, text));
 }
 
+// The byte forms count two bytes to a character. A script here never holds half a character,
+// so an odd count or a start inside a character goes to the character boundary below it.
+Variant LeftB(RuntimeState&, Args a) {
+  const Variant v = ValueOf(a[0]);
+  const size_t n = static_cast<size_t>(CountArg(a[1])) / 2;
+  if (v.is_null()) return Variant::Null();
+  const String s = ToString(v);
+  return n >= s.size() ? s : String(s.view().substr(0, n));
+}
+
+Variant RightB(RuntimeState&, Args a) {
+  const Variant v = ValueOf(a[0]);
+  const size_t n = static_cast<size_t>(CountArg(a[1])) / 2;
+  if (v.is_null()) return Variant::Null();
+  const String s = ToString(v);
+  return n >= s.size() ? s : String(s.view().substr(s.size() - n));
+}
+
+Variant MidB(RuntimeState&, Args a) {
+  const Variant v = ValueOf(a[0]);
+  if (Given(a, 2) && ValueOf(a[2]).is_null()) Raise(kErrInvalidUseOfNull);
+  const size_t first = (static_cast<size_t>(StartArg(a[1])) - 1) / 2;
+  const size_t length = Given(a, 2) ? static_cast<size_t>(CountArg(a[2])) / 2 : SIZE_MAX;
+  if (v.is_null()) return Variant::Null();
+  const String s = ToString(v);
+  if (first >= s.size()) return String();
+  return String(s.view().substr(first, length));
+}
+
+Variant InStrB(RuntimeState&, Args a) {
+  size_t start = 1;
+  size_t first = 0;
+  if (a.size() >= 3) {
+    start = static_cast<size_t>(StartArg(a[0])) / 2 + 1;
+    first = 1;
+  }
+  const bool text = a.size() >= 4 && TextCompareArg(a, 3);
+  const Variant s1 = ValueOf(a[first]);
+  const Variant s2 = ValueOf(a[first + 1]);
+  if (s1.is_null() || s2.is_null()) return Variant::Null();
+  const int32_t at = FindForward(ToString(s1), ToString(s2), start, text);
+  return Variant(at == 0 ? 0 : at * 2 - 1);
+}
+
 Variant InStrRev(RuntimeState&, Args a) {
   const Variant s1 = ValueOf(a[0]);
   const Variant s2 = ValueOf(a[1]);
@@ -360,6 +404,8 @@ constexpr BuiltinFunction kStringFunctions[] = {
     {u"AscW", AscW, 1, 1},         {u"Chr", Chr, 1, 1},
     {u"ChrB", ChrB, 1, 1},         {u"ChrW", ChrW, 1, 1},
     {u"Escape", Escape, 1, 1},     {u"InStr", InStr, 2, 4},
+    {u"InStrB", InStrB, 2, 4},     {u"LeftB", LeftB, 2, 2},
+    {u"MidB", MidB, 2, 3},         {u"RightB", RightB, 2, 2},
     {u"InStrRev", InStrRev, 2, 4}, {u"LCase", LCase, 1, 1},
     {u"Left", Left, 2, 2},         {u"Len", Len, 1, 1},
     {u"LenB", LenB, 1, 1},         {u"LTrim", LTrim, 1, 1},

@@ -69,3 +69,12 @@ Check UBound(Split("")), CLng(-1), "splitting nothing"
 Check StrComp("abc", "ABC") & StrComp("abc", "ABC", 1) & StrComp("a", "b"), "10-1", "StrComp"
 Check InStr(1, "ABC", "b", 1), CLng(2), "InStr ignoring case"
 Check InStrRev("abcabc", "bc", 4), CLng(2), "InStrRev from a position"
+
+' The byte forms count two bytes to each character.
+Dim field
+field = "ID42NAME"
+Check LenB(field), CLng(16), "bytes in a field"
+Check LeftB(field, 4) & "|" & MidB(field, 5, 4) & "|" & RightB(field, 8), "ID|42|NAME", "cutting by bytes"
+Check InStrB(field, "NAME"), CLng(9), "a byte position"
+Check InStrB(3, field, "I"), CLng(0), "searching from a byte position"
+CheckTrue IsNull(MidB(Null, 1)), "Null passes through"
