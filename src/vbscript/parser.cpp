@@ -681,9 +681,9 @@ class Parser {
       return s;
     }
     // The statement goes on: the arguments start here, or at the last '(' that was read as
-    // an argument list. `F (a).b, c` passes `(a).b` and c: after a comma the arguments start at
-    // the first '(' after the called name.
-    if (At(Tok::Comma) && head_paren != 0 && head_paren != last_paren) {
+    // an argument list. `F (a).b, c` passes `(a).b` and c: when a member name ends the chain and
+    // a comma follows, the arguments start at the first '(' after the called name.
+    if (At(Tok::Comma) && head_paren != 0 && last_paren == 0) {
       pos_ = start;
       target = PostfixTail(Primary(), nullptr, true, true);
       if (pos_ != head_paren) Fail(kCeExpectedEndOfStatement);

@@ -47,6 +47,15 @@ Note (x).Self().v, "second"
 Check log, "inner,second", "first argument starting with a parenthesis"
 Note (1 + 2) * 2, 3
 Check log, "6,3", "parenthesised part of the first argument"
+Class Shower
+  Public Sub Show(a, b)
+    log = a & ";" & b
+  End Sub
+End Class
+Dim holder(0)
+Set holder(0) = New Shower
+holder(0).Show (2), 3
+Check log, "2;3", "a method of an element called with a parenthesised first argument"
 
 ' GetRef with parameters, called with and without Call.
 Function Join3(a, b, c)
