@@ -708,8 +708,10 @@ size_t Vm::HandleError(Frame& f, size_t pc, const Error& e) {
   err_.description = e.description();
   err_.source = e.source().empty() ? String(kRuntimeErrorSource) : e.source();
   site_ = ErrorSite();
-  // Everything above the locals goes: the stack is empty between statements.
+  // Everything above the locals goes: the stack is empty between statements. So do the locks
+  // of array elements that were on their way into the failed call.
   Variant* const floor = f.locals + f.proc->nlocals;
+  ReleaseLocks(floor, floor + f.proc->max_stack);
   for (Variant* p = floor; p < floor + f.proc->max_stack; ++p)
     Drop(*p);
   const auto& starts = f.proc->stmt_start;

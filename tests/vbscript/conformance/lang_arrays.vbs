@@ -116,3 +116,14 @@ Check n, 2, "For Each over a dynamic array"
 x = Array(Array(3, 4))
 Check x(0)(1), 4, "element of an element"
 Check Array(5, 6)(1), 6, "index on the result of a call"
+
+' An element passed to a call that fails is let go: the array may be resized afterwards.
+ReDim dynArr(2)
+On Error Resume Next
+NoSuchProcedure dynArr(1)
+Check Err.Number, CLng(13), "calling an unknown name"
+Err.Clear
+ReDim dynArr(5)
+Check Err.Number, CLng(0), "the array is not left locked"
+On Error GoTo 0
+Check UBound(dynArr), CLng(5), "and takes its new size"
