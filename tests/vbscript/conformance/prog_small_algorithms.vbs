@@ -1,0 +1,85 @@
+' Small classic algorithms written the way scripts write them: a Caesar cipher, palindromes,
+' binary digits, Euclid's GCD, a prime sieve by trial division, and the numbers they print.
+Function Caesar(s, k)
+  Dim i, c, r, base
+  For i = 1 To Len(s)
+    c = Mid(s, i, 1)
+    If c >= "a" And c <= "z" Then
+      base = Asc("a")
+      c = Chr((Asc(c) - base + k + 26) Mod 26 + base)
+    ElseIf c >= "A" And c <= "Z" Then
+      base = Asc("A")
+      c = Chr((Asc(c) - base + k + 26) Mod 26 + base)
+    End If
+    r = r & c
+  Next
+  Caesar = r
+End Function
+
+Function IsPalindrome(s)
+  Dim t
+  t = LCase(Replace(Replace(s, " ", ""), ",", ""))
+  IsPalindrome = (t = StrReverse(t))
+End Function
+
+Function ToBinary(ByVal n)
+  Dim r
+  If n = 0 Then ToBinary = "0" : Exit Function
+  Do While n > 0
+    r = CStr(n Mod 2) & r
+    n = n \ 2
+  Loop
+  ToBinary = r
+End Function
+
+Function Gcd(a, b)
+  If b = 0 Then Gcd = a Else Gcd = Gcd(b, a Mod b)
+End Function
+
+Function Primes(limit)
+  Dim n, k, isPrime
+  For n = 2 To limit
+    isPrime = True
+    For k = 2 To Int(Sqr(n))
+      If n Mod k = 0 Then isPrime = False : Exit For
+    Next
+    If isPrime Then Primes = Primes & n & " "
+  Next
+End Function
+
+Check Caesar("Hello, World!", 3), "Khoor, Zruog!", "shifting letters, keeping the rest"
+Check Caesar(Caesar("Hello, World!", 3), -3), "Hello, World!", "shifting back"
+Check Caesar("xyz", 4), "bcd", "wrapping round the alphabet"
+CheckTrue IsPalindrome("A man, a plan, a canal, Panama"), "a palindrome"
+CheckTrue Not IsPalindrome("abc"), "not a palindrome"
+Check ToBinary(10) & " " & ToBinary(255) & " " & ToBinary(0), "1010 11111111 0", "binary digits"
+Dim kept
+kept = 37
+Check ToBinary(kept), "100101", "ByVal leaves the caller's number alone"
+Check kept, 37, "still 37"
+Check Gcd(48, 18), 6, "GCD"
+Check 48 * 18 / Gcd(48, 18), CDbl(144), "LCM through /"
+Check Primes(50), "2 3 5 7 11 13 17 19 23 29 31 37 41 43 47 ", "primes below fifty"
+
+' Hexadecimal and octal literals and text.
+Check CLng("&H" & "FF"), CLng(255), "hex text"
+Check CInt("&HFFFF"), -1, "hex text that fills an Integer is negative"
+Check CLng("&HFFFF"), CLng(65535), "but read as a Long it is positive"
+Check &HFFFF, -1, "a four-digit hex literal is an Integer"
+Check &HFFFF&, CLng(65535), "the & suffix makes it a Long"
+Check &H8000, CInt(-32768), "the sign bit of an Integer"
+Check &O777, 511, "an octal literal"
+
+' Rounding and the printed form of common results.
+Check Round(3.14159, 2), 3.14, "Round to two places"
+Check Round(-1.5) & " " & Round(0.5) & " " & Round(1.5), "-2 0 2", "Round goes half to even"
+Check CInt(2.5) & " " & CInt(3.5) & " " & CInt(-0.5) & " " & CByte(2.5), "2 4 0 2", "conversions round half to even"
+Check Int(-2.1) & " " & Fix(-2.1) & " " & Int(2.9), "-3 -2 2", "Int and Fix"
+Check CStr(Sqr(2)), "1.4142135623731", "a trailing zero of the fifteen digits is dropped"
+Check CStr(Exp(1)), "2.71828182845905", "e"
+Check CStr(Tan(1)), "1.5574077246549", "tan 1"
+Check CStr(1 - 0.9) & " " & CStr(100 * 1.1) & " " & CStr(3 * 1.1), "0.1 110 3.3", "binary fractions print rounded"
+Check CStr(1 / 7), "0.142857142857143", "a seventh"
+Check CStr(1.7976931348623157E+308), "1.79769313486232E+308", "the largest Double"
+Check CStr(12345678 * 100), "1234567800", "a Long product"
+Check 7 Mod 3 & " " & -7 Mod 3 & " " & 7 Mod -3 & " " & -7 \ 2, "1 -1 1 -3", "Mod and \ with signs"
