@@ -169,13 +169,14 @@ struct Whole {
   bool boolean;
 };
 
-bool ReduceWhole(const Variant& in, Whole& out) {
+// Empty counts as an Integer 0 for \ and Mod but as a Long 0 for the logical operators.
+bool ReduceWhole(const Variant& in, Whole& out, Kind empty_kind = kInt) {
   const Variant v = in.is_object() ? ValueOf(in) : in;
   switch (v.type()) {
     case VarType::Null:
       return false;
     case VarType::Empty:
-      out = {kInt, 0, false};
+      out = {empty_kind, 0, false};
       return true;
     case VarType::Boolean:
       out = {kInt, v.as_bool() ? -1 : 0, true};
@@ -240,8 +241,8 @@ Variant LogicResult(int64_t r, Kind k, bool boolean) {
 // True); otherwise it is Null.
 Variant LogicOp(Logic op, const Variant& a, const Variant& b) {
   Whole x{kInt, 0, false}, y{kInt, 0, false};
-  const bool has_a = ReduceWhole(a, x);
-  const bool has_b = ReduceWhole(b, y);
+  const bool has_a = ReduceWhole(a, x, kLong);
+  const bool has_b = ReduceWhole(b, y, kLong);
   if (has_a && has_b) {
     return LogicResult(ApplyLogic(op, x.v, y.v), std::max(x.kind, y.kind), x.boolean && y.boolean);
   }
@@ -252,6 +253,8 @@ Variant LogicOp(Logic op, const Variant& a, const Variant& b) {
   if (op == Logic::Imp) {
     if (has_b && !has_a && y.v == -1) return LogicResult(-1, y.kind, y.boolean);
     if (has_a && !has_b && x.v == 0) return LogicResult(-1, x.kind, x.boolean);
+    // A Byte keeps its width: Windows gives the complement of the byte, not Null.
+    if (has_a && !has_b && x.kind == kByte) return LogicResult(~x.v, kByte, false);
   }
   return Variant::Null();
 }
@@ -380,7 +383,7 @@ Variant OpNot(const Variant& a) {
       return Variant(!*b);
   }
   Whole x;
-  ReduceWhole(v, x);
+  ReduceWhole(v, x, kLong);
   return LogicResult(~x.v, x.kind, x.boolean);
 }
 

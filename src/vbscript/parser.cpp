@@ -81,6 +81,9 @@ class Parser {
     if (!At(Tok::End_)) return false;
     const Token& next = Peek();
     if (next.kind == Tok::Class) return true;
+    // In the Else or ElseIf part of a block If, End If may follow a statement on its line
+    // (`Else x = 3 End If`); in the Then part it may not.
+    if (next.kind == Tok::If) return in_else_part_;
     if (!in_proc_) return false;
     return next.kind == Tok::Sub || next.kind == Tok::Function ||
            (next.kind == Tok::Ident && EqualsNoCase(next.text, u"Property"));
@@ -638,12 +641,15 @@ class Parser {
   std::unique_ptr<Stmt> NestedDefinition() {
     auto s = MakeStmt(StmtKind::Nop);
     const std::vector<ExitKind> loops = loops_;  // a procedure starts with no loops of its own
+    const bool in_else_part = in_else_part_;     // nor any If to close
+    in_else_part_ = false;
     if (At(Tok::Class)) {
       program_->classes.push_back(ClassDeclaration());
     } else {
       program_->procs.push_back(TryProcedure(false));
     }
     loops_ = loops;
+    in_else_part_ = in_else_part;
     // The definition took its line end; the enclosing block reads it again.
     if (pos_ > 0 && toks_[pos_ - 1].kind == Tok::NewLine) --pos_;
     return s;
@@ -866,8 +872,11 @@ class Parser {
       }
       return s;
     }
+    const bool outer_else_part = in_else_part_;
+    in_else_part_ = false;
     s->blocks.emplace_back();
     BlockUntil(s->blocks.back(), scope);
+    in_else_part_ = true;
     for (;;) {
       if (At(Tok::ElseIf)) {
         s->clause_pos.emplace_back(Cur().line, Cur().column);
@@ -886,6 +895,7 @@ class Parser {
       }
       break;
     }
+    in_else_part_ = outer_else_part;
     if (!At(Tok::End_)) Fail(kCeExpectedEnd);
     Advance();
     Expect(Tok::If, kCeExpectedIf);
@@ -1068,6 +1078,7 @@ class Parser {
   Program* program_ = nullptr;  // the program being read, which nested definitions join
   int depth_ = 0;
   bool in_proc_ = false;
+  bool in_else_part_ = false;  // reading the Else or ElseIf part of a block If
   ProcKind proc_kind_ = ProcKind::Sub;
   std::vector<ExitKind> loops_;
 };

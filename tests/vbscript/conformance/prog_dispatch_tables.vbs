@@ -130,3 +130,23 @@ For i = 0 To 2
   End With
 Next
 Check pts(2).Y + pts(1).X, 5, "With over array elements"
+
+' In the Else or ElseIf part of a block If, End If may close the block on the line of the
+' last statement.
+Dim branch
+If False Then
+  branch = "then"
+Else branch = "else" End If
+Check branch, "else", "Else with its statement and End If on one line"
+If False Then
+  branch = "then"
+ElseIf True Then branch = "elseif" End If
+Check branch, "elseif", "ElseIf with its statement and End If on one line"
+If False Then
+  branch = "then"
+Else
+  branch = "else block" End If
+Check branch, "else block", "the last statement of an Else block followed by End If"
+CheckError "If True Then" & vbLf & " branch = 0 End If", 1025, "but not in the Then part"
+If True Then branch = "single" Else branch = "no" End If
+Check branch, "single", "a single-line If may end with End If"

@@ -66,3 +66,13 @@ CheckError "Dim b : b = ""abc"" + 1", 13, "text that is no number in a sum"
 CheckError "Dim b : b = CByte(-1)", 6, "CByte below zero"
 CheckError "Dim b : b = Array(1) + 1", 13, "an array in a sum"
 CheckError "Dim b : b = CStr(Null)", 94, "CStr of Null"
+
+' The logical operators read Empty as a Long 0; arithmetic reads it as an Integer 0.
+Dim unset
+Check TypeName(unset And 1) & " " & TypeName(Not unset) & " " & TypeName(unset Xor CInt(5)), _
+      "Long Long Long", "Empty in a logical operator"
+Check Not unset, CLng(-1), "Not of Empty"
+Check unset Imp Null, CLng(-1), "Empty Imp Null"
+Check TypeName(unset \ CInt(1)) & " " & TypeName(unset + CInt(1)), "Integer Integer", "Empty in arithmetic"
+Check CByte(170) Imp Null, CByte(85), "a Byte Imp Null is the Byte's complement"
+CheckTrue IsNull(CInt(170) Imp Null), "an Integer Imp Null is Null"
