@@ -115,6 +115,24 @@ void FuseInstructions(Proc& proc) {
           continue;
         }
       }
+      if (IsPlainStore(next)) {
+        in = Instr{Op::LoadStore, static_cast<uint8_t>(in.op == Op::LoadRef ? kFusedRef : 0),
+                   static_cast<uint16_t>(next.a), in.a, 0};
+        i += 2;
+        continue;
+      }
+    }
+    if (in.op == Op::Add && inside(i + 1) && IsPlainStore(code[i + 1])) {
+      in = Instr{Op::AddPopStore, 0, static_cast<uint16_t>(code[i + 1].a), 0, 0};
+      i += 2;
+      continue;
+    }
+    // A jump to a Return returns at once.
+    if (in.op == Op::Jmp && in.a >= 0 && static_cast<size_t>(in.a) < size &&
+        code[static_cast<size_t>(in.a)].op == Op::Return) {
+      in = Instr{Op::Return, 0, 0, 0, 0};
+      ++i;
+      continue;
     }
     const OperatorInfo o = Classify(in.op);
     if (o.kind == Kind::Arith && inside(i + 1) && IsPlainStore(code[i + 1])) {

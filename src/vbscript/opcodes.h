@@ -124,6 +124,8 @@ enum class Op : uint8_t {
   AddStore,  // AddK|AddL, StoreLocal
   SubStore,
   MulStore,
+  AddPopStore,  // Add, StoreLocal (n: the local)
+  LoadStore,    // LoadLocal|LoadRef, StoreLocal (n: the local)
 };
 
 // Where a variable lives.

@@ -1087,6 +1087,8 @@ void Vm::Execute(Frame& f) {
     targets[static_cast<uint8_t>(Op::LoadRef)] = &&L_LoadRef;
     targets[static_cast<uint8_t>(Op::StoreLocal)] = &&L_StoreLocal;
     targets[static_cast<uint8_t>(Op::StoreGlobal)] = &&L_StoreGlobal;
+    targets[static_cast<uint8_t>(Op::AddPopStore)] = &&L_AddPopStore;
+    targets[static_cast<uint8_t>(Op::LoadStore)] = &&L_LoadStore;
     targets[static_cast<uint8_t>(Op::Add)] = &&L_Add;
     targets[static_cast<uint8_t>(Op::Sub)] = &&L_Sub;
     targets[static_cast<uint8_t>(Op::Mul)] = &&L_Mul;
@@ -1875,6 +1877,33 @@ void Vm::Execute(Frame& f) {
 #undef QV_FUSED_X
 #undef QV_WHOLE
 #undef QV_REAL
+      case Op::AddPopStore:
+      L_AddPopStore : {
+        Operands o;
+        if (const int kind = Load(sp[-2], sp[-1], o)) {
+          PutResult<true>(
+              locals[ip[-1].n], kind, o, [](int64_t p, int64_t q) { return p + q; },
+              [](double p, double q) { return p + q; });
+          sp -= 2;
+          new (sp) Variant();
+          new (sp + 1) Variant();
+          ++ip;
+          QV_NEXT();
+        }
+        goto L_Add;
+      }
+      case Op::LoadStore:
+      L_LoadStore : {
+        const Variant& x = (ip[-1].flags & kFusedRef) ? *f.refs[ip[-1].a] : locals[ip[-1].a];
+        Variant& dst = locals[ip[-1].n];
+        if (IsPlain(x) && IsPlain(dst)) {
+          CopyPlain(dst, x);
+          ++ip;
+          QV_NEXT();
+        }
+        PushCopy(sp++, x);
+        QV_NEXT();
+      }
       // A module variable's value that owns nothing, stored with Let: a move; everything else
       // goes through the general store.
       L_StoreGlobal : {

@@ -319,3 +319,36 @@ Set go = New Tracked
 gs = 1
 Set go = Nothing
 Check terminated, 3, "module variable released at once"
+
+Function Twice(v)
+  Twice = v + v
+End Function
+
+Sub CopiesAndSumsOnLocals()
+  Dim a, b, c, big
+  a = 7
+  b = a
+  Check b, 7, "a number copied between locals"
+  a = "x"
+  b = a
+  a = "y"
+  Check b, "x", "a string copied keeps its own value"
+  b = 5
+  a = 1.5
+  b = a
+  Check b, 1.5, "a string replaced by a copied number"
+  a = 3
+  b = 4
+  c = Twice(a) + Twice(b)
+  Check c, 14, "sum of two call results stored"
+  c = Twice("ab") + Twice("c")
+  Check c, "ababcc", "sum of two strings joins them"
+  big = 1E+308
+  c = "kept"
+  On Error Resume Next
+  c = Twice(big) + Twice(big)
+  Check Err.Number, CLng(6), "overflow of a stored sum"
+  On Error GoTo 0
+  Check c, "kept", "the failed sum leaves the local alone"
+End Sub
+CopiesAndSumsOnLocals
