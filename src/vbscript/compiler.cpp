@@ -504,6 +504,26 @@ class ProcCompiler {
     Emit(kOps[static_cast<int>(e.bin)], -1, 0, 0, hints);
   }
 
+  // An element of an array variable, `name(i, ...)`, pushed with a reference to it (ArgElem);
+  // false, with nothing emitted, for any other expression.
+  bool PushElementRef(const Expr& e) {
+    if (e.kind != ExprKind::Name || !e.has_args || e.args.empty()) return false;
+    if (!own_name_.empty() && EqualsNoCase(e.name, own_name_)) return false;
+    const Resolved r = Resolve(e.name);
+    if (!IsVariable(r.kind) || r.kind == NameKind::Result) return false;
+    uint32_t inner_mask = 0;
+    if (r.kind == NameKind::Global) {
+      Arguments(e.args, inner_mask);
+    } else {
+      for (const auto& index : e.args)
+        Expression(*index);
+    }
+    const auto n = static_cast<uint32_t>(e.args.size());
+    Emit(Op::ArgElem, 1 - static_cast<int>(n), r.index, n, VarKindOf(r.kind),
+         static_cast<int32_t>(inner_mask));
+    return true;
+  }
+
   void Arguments(const std::vector<ExprPtr>& args, uint32_t& mask) {
     if (args.size() > 0xFFFF) Fail(kCeOutOfMemory, cur_line_, cur_col_);
     for (size_t i = 0; i < args.size(); ++i) {
@@ -804,11 +824,14 @@ class ProcCompiler {
       return;
     }
     if (t.kind == ExprKind::Index) {
-      Expression(*t.object);
+      // `x(0)(1) = v`: when x(0) is an element of an array variable, it is reached by reference
+      // (b = 1), so an array held in the element is changed where it lives.
+      const bool by_ref = PushElementRef(*t.object);
+      if (!by_ref) Expression(*t.object);
       for (const auto& a : t.args)
         Expression(*a);
       Expression(*s.value);
-      Emit(Op::StoreIndexValue, -static_cast<int>(argc) - 2, 0, argc, set);
+      Emit(Op::StoreIndexValue, -static_cast<int>(argc) - 2, 0, argc, set, by_ref ? 1 : 0);
       return;
     }
     Fail(kCeExpectedStatement, t.line, t.column);

@@ -1629,8 +1629,17 @@ void Vm::Execute(Frame& f) {
       }
       case Op::StoreIndexValue: {
         Variant* base = sp - ip[-1].n - 2;
-        Variant target = base[0];
-        StoreIndexed(target, Args(base + 1, ip[-1].n), std::move(sp[-1]), ip[-1].flags & kSetFlag);
+        Variant* element = ip[-1].b ? refs_[base - stack_] : nullptr;
+        if (element && element->is_array() && base[0].is_array()) {
+          base[0].Clear();  // the copy would only make the store copy the array
+          StoreIndexed(*element, Args(base + 1, ip[-1].n), std::move(sp[-1]),
+                       ip[-1].flags & kSetFlag);
+        } else {
+          Variant target = base[0];
+          StoreIndexed(target, Args(base + 1, ip[-1].n), std::move(sp[-1]),
+                       ip[-1].flags & kSetFlag);
+        }
+        if (ip[-1].b) ReleaseLocks(base, sp);
         while (sp > base)
           (--sp)->Clear();
         break;
