@@ -1000,26 +1000,39 @@ Variant Vm::NewObject(Frame& f, GlobalSlot& slot) {
   RaiseNamed(kErrClassNotDefined, s.name);
 }
 
+// The code given to Eval or Execute: an object stands for its default value (Nothing has none).
+Variant SnippetArg(const Variant& arg) {
+  if (!arg.is_object()) return arg;
+  if (!arg.as_object()) Raise(kErrObjectNotSet);
+  return ValueOf(arg);
+}
+
 Variant Vm::CallIntrinsic(Frame& f, Intrinsic which, Args args, bool want) {
   (void)want;
   switch (which) {
     case Intrinsic::Err:
       if (!args.empty()) return err_object()->Invoke(kDispIdValue, kInvokeGet, args);
       return Variant(err_object());
-    case Intrinsic::Eval:
+    case Intrinsic::Eval: {
       CheckArgCount(args, 1, 1);
-      return RunSnippet(f, ToString(args[0]), true, false);
+      // Only text is code: any other value, an object's default value included, is the result.
+      Variant code = SnippetArg(args[0]);
+      if (!code.is_string()) return code;
+      return RunSnippet(f, code.as_string(), true, false);
+    }
     case Intrinsic::Execute:
+    case Intrinsic::ExecuteGlobal: {
       CheckArgCount(args, 1, 1);
-      RunSnippet(f, ToString(args[0]), false, false);
+      const Variant code = SnippetArg(args[0]);
+      if (!code.is_string()) Raise(kErrTypeMismatch);
+      RunSnippet(f, code.as_string(), false, which == Intrinsic::ExecuteGlobal);
       return Variant();
-    case Intrinsic::ExecuteGlobal:
-      CheckArgCount(args, 1, 1);
-      RunSnippet(f, ToString(args[0]), false, true);
-      return Variant();
+    }
     case Intrinsic::GetRef: {
       CheckArgCount(args, 1, 1);
-      const String name = ToString(args[0]);
+      const Variant text = ValueOf(args[0]);
+      if (!text.is_string()) Raise(kErrTypeMismatch);
+      const String name = text.as_string();
       GlobalSlot* slot = f.proc->module->FindSlot(name);
       if (slot) slot = &Resolve(*slot, *f.proc);
       if (!slot || slot->kind != SlotKind::Procedure) Raise(kErrInvalidCall);

@@ -122,3 +122,22 @@ CheckError "Set q = ""notobj""", 424, "Set of a non-object"
 CheckError "n = CInt(""abc"")", 13, "conversion of text"
 CheckError "n = CInt(40000)", 6, "conversion overflow"
 CheckError "Err.Raise 0", 5, "Err.Raise 0 is itself an invalid call"
+
+' Eval gives back a value that is not text as it is; Execute wants text; an object stands for
+' its default value; GetRef wants a name as text.
+Class CodeHolder
+  Public Default Function Code()
+    Code = "1 + 1"
+  End Function
+End Class
+Dim codeObj
+Set codeObj = New CodeHolder
+Check Eval(codeObj), 2, "Eval of an object runs its default value"
+Check Eval(42), 42, "Eval of a number is the number"
+CheckTrue IsNull(Eval(Null)), "Eval of Null"
+CheckError "Dim r1 : r1 = Eval(Nothing)", 91, "Eval of Nothing"
+CheckError "Execute 42", 13, "Execute of a number"
+CheckError "ExecuteGlobal True", 13, "ExecuteGlobal of a Boolean"
+CheckError "Dim g1 : Set g1 = GetRef(123)", 13, "GetRef of a number"
+CheckError "Dim g2 : Set g2 = GetRef(Empty)", 13, "GetRef of Empty"
+CheckError "Dim g3 : Set g3 = GetRef("""")", 5, "GetRef of empty text"
