@@ -474,13 +474,22 @@ class ProcCompiler {
     return constant ? kConst[i] : kLocal[i];
   }
 
+  // Comparison hints: a literal number against text converts the text, literal text against a
+  // number converts the number. True and False are no such numbers: "" = True is simply False.
+  static bool HintLiteral(const Expr& e) {
+    return IsLiteral(e) && !(e.kind == ExprKind::Literal && e.value.type() == VarType::Boolean);
+  }
+  static uint8_t LiteralHints(bool left, bool right) {
+    return (left ? kLeftIsLiteral : 0) | (right ? kRightIsLiteral : 0);
+  }
+
   void BinaryStep(const Expr& e) {
-    uint8_t fused_hints = 0;
-    if (IsLiteral(*e.object)) fused_hints |= kLeftIsLiteral;
+    const bool left_literal = HintLiteral(*e.object);
+    const uint8_t fused_hints = LiteralHints(left_literal, false);
     if (e.right->kind == ExprKind::Literal && e.right->value.type() != VarType::Error) {
       const Op op = FusedOp(e.bin, true);
       if (op != Op::Nop) {
-        Emit(op, 0, Constant(e.right->value), 0, fused_hints | kRightIsLiteral);
+        Emit(op, 0, Constant(e.right->value), 0, LiteralHints(left_literal, HintLiteral(*e.right)));
         return;
       }
     }
@@ -498,10 +507,8 @@ class ProcCompiler {
                                   Op::Mod, Op::Pow, Op::Concat, Op::Eq,  Op::Ne,
                                   Op::Lt,  Op::Le,  Op::Gt,     Op::Ge,  Op::Is,
                                   Op::And, Op::Or,  Op::Xor,    Op::Eqv, Op::Imp};
-    uint8_t hints = 0;
-    if (IsLiteral(*e.object)) hints |= kLeftIsLiteral;
-    if (IsLiteral(*e.right)) hints |= kRightIsLiteral;
-    Emit(kOps[static_cast<int>(e.bin)], -1, 0, 0, hints);
+    Emit(kOps[static_cast<int>(e.bin)], -1, 0, 0,
+         LiteralHints(left_literal, HintLiteral(*e.right)));
   }
 
   // An element of an array variable, `name(i, ...)`, pushed with a reference to it (ArgElem);
@@ -965,7 +972,7 @@ class ProcCompiler {
       for (const auto& v : clause.values) {
         Emit(Op::LoadLocal, 1, hidden);
         Expression(*v);
-        Emit(Op::Eq, -1, 0, 0, IsLiteral(*v) ? kRightIsLiteral : 0);
+        Emit(Op::Eq, -1, 0, 0, HintLiteral(*v) ? kRightIsLiteral : 0);
         to_body.push_back(Emit(Op::JmpTrue, -1));
       }
       const size_t to_next = clause.values.empty() ? SIZE_MAX : Emit(Op::Jmp, 0);

@@ -26,3 +26,7 @@ CheckError "n = 5 Is Nothing", 424, "Is needs objects"
 CheckError "Set n = 5", 424, "Set needs an object"
 Check Nothing Is Nothing, True, "Nothing Is Nothing"
 Check 1 = 1 = True, True, "comparisons chain from the left"
+' True and False are not number literals that would convert text: these compare without error.
+Check "" = True = False, True, "empty text against True"
+Check "true" <> True, True, "text against True"
+Check Not ("" <> False = False), True, "text against False"
