@@ -84,7 +84,8 @@ Variant ScriptObject::InvokeMember(int32_t member, uint16_t flags, Args args) {
     return Variant();
   }
   if (put) {
-    const Proc* accessor = (flags & kInvokeSet) ? (m.set ? m.set : m.let) : (m.let ? m.let : m.set);
+    // Set needs a Property Set; a Property Let alone does not take one.
+    const Proc* accessor = (flags & kInvokeSet) ? m.set : (m.let ? m.let : m.set);
     if (!accessor) throw Error(kErrNotSupported);
     vm.Call(*accessor, this, args);
     return Variant();

@@ -1632,7 +1632,9 @@ void Vm::Execute(Frame& f) {
         const bool is_set = ip[-1].flags & kSetFlag;
         if (is_set) {
           CheckSetValue(sp[-1]);
-        } else if (sp[-1].is_object()) {
+        } else if (sp[-1].is_object() && !dynamic_cast<ScriptObject*>(object)) {
+          // A script class's Property Let receives the object itself; its fields take the
+          // default value, which the class sees to.
           sp[-1] = ValueOf(sp[-1]);
         }
         object->Invoke(id, is_set ? kInvokeSet : kInvokeLet, Args(base + 1, ip[-1].n + 1));

@@ -136,3 +136,20 @@ freed = ""
 Check MakeNode("temp").Value, "temp", "a member of a temporary object"
 Check freed, "temp;", "the temporary is gone after the statement"
 CheckError "Dim nothingVar : Set nothingVar = Nothing : nothingVar.Value = 1", 424, "a member of Nothing"
+
+' Property Let receives an object as it is; Set needs a Property Set.
+Class Slot
+  Public Got
+  Public Property Let Content(v)
+    Got = IsObject(v)
+  End Property
+End Class
+Dim slotObj
+Set slotObj = New Slot
+slotObj.Content = New Node
+CheckTrue slotObj.Got, "Property Let was given the object itself"
+On Error Resume Next
+Set slotObj.Content = New Node
+Check Err.Number, CLng(438), "Set of a property that has only Property Let"
+Err.Clear
+On Error GoTo 0
