@@ -63,7 +63,9 @@ Variant ScriptObject::InvokeMember(int32_t member, uint16_t flags, Args args) {
           idx.push_back(ToLong(a));
         return target.as_array()->At(idx);
       }
-      throw Error(kErrTypeMismatch);
+      // From outside, indexing a field that holds neither an array nor an object is an
+      // unsupported use of the member, not a type mismatch.
+      throw Error(kErrNotSupported);
     }
     if (args.empty()) throw Error(kErrWrongArgCount);
     Variant value = args.back();
@@ -76,7 +78,7 @@ Variant ScriptObject::InvokeMember(int32_t member, uint16_t flags, Args args) {
       field = std::move(value);
       return Variant();
     }
-    if (!field.is_array()) throw Error(kErrTypeMismatch);
+    if (!field.is_array()) throw Error(kErrNotSupported);
     std::vector<int32_t> idx;
     for (size_t i = 0; i + 1 < args.size(); ++i)
       idx.push_back(ToLong(args[i]));

@@ -86,3 +86,7 @@ End Function
 Check UBound(Range(5)), CLng(4), "a function returning an array"
 Check Range(4)(3), 9, "indexing the returned array"
 Check Join(Range(3), "-"), "0-1-4", "joining it"
+
+' A public field that holds a plain value cannot be indexed from outside.
+CheckError "Dim idxProbe : idxProbe = staff(0).Name(0)", 438, "reading a scalar field with an index"
+CheckError "staff(0).Salary(1) = 5", 438, "writing a scalar field with an index"
