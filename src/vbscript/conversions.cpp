@@ -150,15 +150,24 @@ Variant VarTypeFn(RuntimeState&, Args a) {
 }
 
 constexpr BuiltinFunction kConversionFunctions[] = {
-    {u"CBool", CBool, 1, 1},       {u"CByte", CByte, 1, 1},
-    {u"CCur", CCur, 1, 1},         {u"CDate", CDate, 1, 1},
-    {u"CDbl", CDbl, 1, 1},         {u"CInt", CInt, 1, 1},
-    {u"CLng", CLng, 1, 1},         {u"CSng", CSng, 1, 1},
-    {u"CStr", CStr, 1, 1},         {u"Hex", Hex, 1, 1},
-    {u"Oct", Oct, 1, 1},           {u"IsArray", IsArray, 1, 1},
-    {u"IsDate", IsDate, 1, 1},     {u"IsEmpty", IsEmpty, 1, 1},
-    {u"IsNull", IsNull, 1, 1},     {u"IsNumeric", IsNumeric, 1, 1},
-    {u"IsObject", IsObject, 1, 1}, {u"TypeName", TypeName, 1, 1},
+    {u"CBool", CBool, 1, 1},
+    {u"CByte", CByte, 1, 1, BuiltinUse::ValueOnly},
+    {u"CCur", CCur, 1, 1, BuiltinUse::ValueOnly},
+    {u"CDate", CDate, 1, 1, BuiltinUse::ValueOnly},
+    {u"CDbl", CDbl, 1, 1, BuiltinUse::ValueOnly},
+    {u"CInt", CInt, 1, 1, BuiltinUse::ValueOnly},
+    {u"CLng", CLng, 1, 1, BuiltinUse::ValueOnly},
+    {u"CSng", CSng, 1, 1, BuiltinUse::ValueOnly},
+    {u"CStr", CStr, 1, 1},
+    {u"Hex", Hex, 1, 1},
+    {u"Oct", Oct, 1, 1},
+    {u"IsArray", IsArray, 1, 1},
+    {u"IsDate", IsDate, 1, 1},
+    {u"IsEmpty", IsEmpty, 1, 1},
+    {u"IsNull", IsNull, 1, 1},
+    {u"IsNumeric", IsNumeric, 1, 1},
+    {u"IsObject", IsObject, 1, 1},
+    {u"TypeName", TypeName, 1, 1},
     {u"VarType", VarTypeFn, 1, 1},
 };
 

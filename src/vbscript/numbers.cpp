@@ -229,7 +229,7 @@ constexpr BuiltinFunction kNumberFunctions[] = {
     {u"Abs", Abs, 1, 1},     {u"Atn", Atn, 1, 1},
     {u"Cos", Cos, 1, 1},     {u"Exp", Exp, 1, 1},
     {u"Fix", Fix, 1, 1},     {u"Int", Int, 1, 1},
-    {u"Log", Log, 1, 1},     {u"Randomize", Randomize, 0, 1},
+    {u"Log", Log, 1, 1},     {u"Randomize", Randomize, 0, 1, BuiltinUse::StatementOnly},
     {u"RGB", RGB, 3, 3},     {u"Rnd", Rnd, 0, 1},
     {u"Round", Round, 1, 2}, {u"Sgn", Sgn, 1, 1},
     {u"Sin", Sin, 1, 1},     {u"Sqr", Sqr, 1, 1},

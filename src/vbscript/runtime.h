@@ -27,11 +27,17 @@ struct RuntimeState {
 
 using BuiltinFn = Variant (*)(RuntimeState& state, Args args);
 
+// How a script may use what a function returns. Windows refuses a few uses: the numeric C*
+// conversions called as a statement raise 458, and reading the value of Randomize raises 13.
+enum class BuiltinUse : uint8_t { Any, ValueOnly, StatementOnly };
+constexpr int32_t kErrUnsupportedAutomationType = 458;
+
 struct BuiltinFunction {
   std::u16string_view name;
   BuiltinFn fn;
   uint8_t min_args;
   uint8_t max_args;
+  BuiltinUse use = BuiltinUse::Any;
 };
 
 // Every function of the runtime library.

@@ -798,8 +798,11 @@ Variant Vm::LoadGlobalSlot(Frame& f, GlobalSlot& slot) {
       return s.value;
     case SlotKind::Procedure:
       return Call(*s.proc, nullptr, {});
-    case SlotKind::Builtin:
-      return CallBuiltin(*s.builtin, {});
+    case SlotKind::Builtin: {
+      Variant r = CallBuiltin(*s.builtin, {});
+      if (s.builtin->use == BuiltinUse::StatementOnly) Raise(kErrTypeMismatch);
+      return r;
+    }
     case SlotKind::Intrinsic:
       return CallIntrinsic(f, s.intrinsic, {}, true);
     case SlotKind::HostMember:
@@ -850,8 +853,14 @@ Variant Vm::CallSlot(Frame& f, GlobalSlot& slot, Variant* args, uint32_t argc, u
   switch (s.kind) {
     case SlotKind::Procedure:
       return CallOnStack(*s.proc, nullptr, args, argc, mask);
-    case SlotKind::Builtin:
-      return CallBuiltin(*s.builtin, span);
+    case SlotKind::Builtin: {
+      Variant r = CallBuiltin(*s.builtin, span);
+      if (s.builtin->use != BuiltinUse::Any) {
+        if (!want && s.builtin->use == BuiltinUse::ValueOnly) Raise(kErrUnsupportedAutomationType);
+        if (want && s.builtin->use == BuiltinUse::StatementOnly) Raise(kErrTypeMismatch);
+      }
+      return r;
+    }
     case SlotKind::Intrinsic:
       return CallIntrinsic(f, s.intrinsic, span, want);
     case SlotKind::Variable:

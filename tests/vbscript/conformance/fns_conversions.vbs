@@ -102,3 +102,14 @@ Check CCur("1.5e-2"), CCur(0.015), "Currency text with an exponent"
 CheckError "x = CCur(""922337203685477.5808"")", 6, "Currency text one past the largest"
 CheckError "x = CCur(""1e400"")", 6, "Currency text far too big"
 CheckError "x = CCur(""abc"")", 13, "Currency of other text"
+
+' The numeric conversions refuse to be called as statements once they have converted, and
+' Randomize has no value to read.
+CheckError "Call CInt(1)", 458, "CInt called as a statement"
+CheckError "CDbl ""2""", 458, "CDbl called as a statement"
+CheckError "Call CByte("""")", 13, "a failed conversion reports its own error first"
+CheckError "Call CStr(1)", 0, "CStr may be called as a statement"
+CheckError "Call Abs(-4)", 0, "other functions may be called as statements"
+CheckError "x = Randomize(0)", 13, "Randomize has no value"
+CheckError "Randomize 5", 0, "Randomize as a statement"
+Check CLng(CInt(2) + CDbl("3")), CLng(5), "conversions inside expressions"
