@@ -18,6 +18,7 @@
 #include "automation/safe_array.h"
 #include "vbscript/compiler.h"
 #include "vbscript/errors.h"
+#include "vbscript/hresult_map.h"
 #include "vbscript/operators.h"
 #include "vbscript/parser.h"
 
@@ -114,8 +115,10 @@ class ErrObject : public DispatchObject<ErrObject> {
  private:
   static Variant RaiseError(ErrObject& e, Args args) {
     CheckArgCount(args, 1, 5);
-    const int32_t number = ToLong(args[0]);
-    if (number == 0) Raise(kErrInvalidCall);
+    // VBScript's own numbers end at 65535; above that only failure codes (negative as a Long)
+    // may be raised, and those it knows come back under its own numbers.
+    const int32_t number = ErrorNumberOfHresult(ToLong(args[0]));
+    if (number == 0 || number > 0xFFFF) Raise(kErrInvalidCall);
     String source = HasArg(args, 1) ? ToString(args[1]) : String(kRuntimeErrorSource);
     String description;
     if (HasArg(args, 2)) {

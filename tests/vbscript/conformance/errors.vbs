@@ -111,3 +111,18 @@ For i = 1 To 2
   forRuns = forRuns + 1
 Next
 Check forRuns, 2, "a later For loop counts normally"
+
+' Err.Raise: VBScript's own numbers stop at 65535; COM failure codes it knows come back under
+' its own numbers (with its own texts), the rest, such as vbObjectError + n, stay as raised.
+CheckError "Err.Raise &H10000&", 5, "a positive number above 65535"
+CheckError "Err.Raise &H8007000E&", 7, "E_OUTOFMEMORY"
+CheckError "Err.Raise &H80070057&", 5, "E_INVALIDARG"
+CheckError "Err.Raise &H800A000D&", 13, "a control-facility code"
+CheckError "Err.Raise vbObjectError + 7", vbObjectError + 7, "vbObjectError + n"
+On Error Resume Next
+Err.Raise &H80020005&
+Check Err.Description, "Type mismatch", "a mapped code takes the text of its number"
+Err.Clear
+Err.Raise 65535
+Check Err.Number, CLng(65535), "65535 is still VBScript's own"
+On Error GoTo 0
