@@ -993,9 +993,15 @@ void Vm::DimArray(Variant& target, Args bounds) {
 }
 
 void Vm::ReDimArray(Variant& target, Args bounds, bool preserve) {
+  const auto locked = [&] {
+    return target.is_array() && (target.as_array()->fixed() || target.as_array()->locked());
+  };
+  // A plain ReDim of a fixed array fails before its bounds are read; ReDim Preserve reads
+  // them first, so ReDim Preserve a("x") on a fixed array is a type mismatch.
+  if (!preserve && locked()) Raise(kErrArrayLocked);
   const std::vector<ArrayBound> b = BoundsOf(bounds);
   if (target.is_array()) {
-    if (target.as_array()->fixed() || target.as_array()->locked()) Raise(kErrArrayLocked);
+    if (locked()) Raise(kErrArrayLocked);
     if (preserve) {
       target.mutable_array()->Redim(b, true);
       return;

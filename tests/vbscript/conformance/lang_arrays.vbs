@@ -16,6 +16,9 @@ Err.Clear
 ReDim Preserve fixedArr(5)
 Check Err.Number, CLng(10), "ReDim Preserve of a fixed array"
 Err.Clear
+ReDim fixedArr("many")
+Check Err.Number, CLng(10), "a fixed array refuses ReDim before its bound is read"
+Err.Clear
 plain = Array(1)
 ReDim plain("abc")
 Check Err.Number, CLng(13), "ReDim with a text bound"
