@@ -70,7 +70,9 @@ Variant Split(RuntimeState&, Args a) {
 }
 
 Variant Join(RuntimeState&, Args a) {
-  const Variant list = a[0];
+  if (a[0].is_null()) Raise(kErrInvalidUseOfNull);
+  // An object is asked for its default value, so one without it fails as a missing member.
+  const Variant list = a[0].is_object() ? ValueOf(a[0]) : a[0];
   const SafeArray& array = ArrayArg(list);
   if (array.dimensions() != 1) Raise(kErrTypeMismatch);
   const Variant delimiter_arg = ArgValue(a, 1);
@@ -81,6 +83,8 @@ Variant Join(RuntimeState&, Args a) {
   for (const Variant& item : array.elements()) {
     if (!first) out.Append(delimiter);
     first = false;
+    // A Null element is a wrong type here, not an invalid use of Null.
+    if (item.is_null()) Raise(kErrTypeMismatch);
     out.Append(ToString(item));
   }
   return out;

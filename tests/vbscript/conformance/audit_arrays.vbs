@@ -93,3 +93,15 @@ Check Join(b, "|"), "a|b|c||e", "ReDim Preserve of a Split result"
 CheckError "x = UBound(""abc"")", 13, "UBound of text"
 CheckError "Dim notArr : x = UBound(notArr)", 13, "UBound of Empty"
 Check LBound(Split("")), CLng(0), "LBound of an empty Split"
+
+' What Join refuses, and with which error: Null itself, an object without a default value,
+' and a Null among the elements (there a wrong type, not an invalid use of Null).
+Class NoDefaultForJoin
+  Public Tag
+End Class
+Dim joinBox : Set joinBox = New NoDefaultForJoin
+CheckError "x = Join(Null)", 94, "Join of Null"
+CheckError "x = Join(joinBox)", 438, "Join of an object without a default value"
+CheckError "x = Join(Array(""a"", Null, ""c""), ""-"")", 13, "Join over a Null element"
+CheckError "x = Join(Array(""a""), Null)", 94, "Join with a Null separator"
+Check Join(Array(7, Empty, "z"), "+"), "7++z", "Empty elements join as nothing"
