@@ -514,6 +514,15 @@ class ProcCompiler {
   // An element of an array variable, `name(i, ...)`, pushed with a reference to it (ArgElem);
   // false, with nothing emitted, for any other expression.
   bool PushElementRef(const Expr& e) {
+    if (e.kind == ExprKind::Index && e.object && !e.args.empty()) {
+      // A deeper level, `name(i)(j)`: the element of the element, still by reference.
+      if (!PushElementRef(*e.object)) return false;
+      for (const auto& index : e.args)
+        Expression(*index);
+      const auto n = static_cast<uint32_t>(e.args.size());
+      Emit(Op::ArgElemOf, -static_cast<int>(n), 0, n);
+      return true;
+    }
     if (e.kind != ExprKind::Name || !e.has_args || e.args.empty()) return false;
     if (!own_name_.empty() && EqualsNoCase(e.name, own_name_)) return false;
     const Resolved r = Resolve(e.name);

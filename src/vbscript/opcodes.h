@@ -92,6 +92,9 @@ enum class Op : uint8_t {
   StoreIndex,       // flags: VarKind | set flag, a: slot, n: index count
   StoreMember,      // a: call site; stack: object, args, value
   StoreIndexValue,  // stack: object, args, value
+  // An element of the array element pushed by reference below the args (stack: element, args),
+  // itself pushed by reference and locked, so `a(i)(j)(k) = v` reaches the innermost array.
+  ArgElemOf,
   // Arrays: flags VarKind, a slot, n bound count.
   DimArray,
   ReDim,        // b: 1 for Preserve

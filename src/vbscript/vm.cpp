@@ -1677,6 +1677,40 @@ void Vm::Execute(Frame& f) {
           (--sp)->Clear();
         break;
       }
+      case Op::ArgElemOf: {
+        Variant* base = sp - ip[-1].n - 1;
+        Variant* outer = refs_[base - stack_];
+        if (!outer || !outer->is_array() || !base[0].is_array()) {
+          Variant value = ApplyIndex(base[0], Args(base + 1, ip[-1].n), true);
+          ReleaseLocks(base, sp);
+          while (sp > base)
+            Drop(*--sp);
+          *sp = std::move(value);
+          refs_[sp - stack_] = nullptr;
+          ++sp;
+          break;
+        }
+        if (ip[-1].n > kMaxArrayDimensions) Raise(kErrSubscript);
+        int32_t idx[kMaxArrayDimensions];
+        for (uint32_t i = 0; i < ip[-1].n; ++i)
+          idx[i] = IndexValue(base[i + 1]);
+        // Our copy of the inner array would only make it copy itself on the write below; the
+        // reference added here keeps it alive once the lock on the outer array is gone.
+        base[0].Clear();
+        SafeArray* array = outer->mutable_array();
+        Variant& element = array->At(std::span<const int32_t>(idx, ip[-1].n));
+        array->AddRef();
+        array->Lock();
+        ReleaseLocks(base, sp);
+        while (sp > base)
+          Drop(*--sp);
+        *sp = element;
+        refs_[sp - stack_] = &element;
+        locks_[sp - stack_] = array;
+        ++active_locks_;
+        ++sp;
+        break;
+      }
       case Op::DimArray: {
         Variant* base = sp - ip[-1].n;
         DimArray(VarRef(f, ip[-1].flags, ip[-1].a), Args(base, ip[-1].n));

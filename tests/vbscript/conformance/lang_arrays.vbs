@@ -130,3 +130,40 @@ ReDim dynArr(5)
 Check Err.Number, CLng(0), "the array is not left locked"
 On Error GoTo 0
 Check UBound(dynArr), CLng(5), "and takes its new size"
+
+' Stores any number of levels down a nested array change the array where it lives.
+Dim jag, inner, levelCalls
+jag = Array(Array(1, 2), Array(3, Array(4, 5)))
+inner = jag(1)(1)
+jag(1)(1)(0) = 40
+Check jag(1)(1)(0), 40, "three levels deep"
+Check inner(0), 4, "a copy taken earlier keeps its own values"
+jag(1)(1)(1) = Array(7, Array(8, 9))
+jag(1)(1)(1)(1)(0) = 80
+Check jag(1)(1)(1)(1)(0), 80, "five levels deep"
+Check jag(0)(1) & jag(1)(0), "23", "the other elements stay"
+Dim fixedJag(1)
+fixedJag(1) = Array(Array("a", "b"))
+fixedJag(1)(0)(1) = "B"
+Check fixedJag(1)(0)(1), "B", "under a fixed-size array"
+Set jag(0)(0) = CreateObject("Scripting.Dictionary")
+jag(0)(0)("k") = "v"
+Check jag(0)(0)("k"), "v", "an object two levels down takes the store"
+Function NextLevel()
+  levelCalls = levelCalls + 1
+  NextLevel = 1
+End Function
+jag(1)(NextLevel())(NextLevel() - 1) = 41
+Check jag(1)(1)(0), 41, "indexes computed by calls"
+Check levelCalls, 2, "each index evaluated once"
+On Error Resume Next
+jag(1)(1)(9) = 0
+Check Err.Number, CLng(9), "out of range deep down"
+Err.Clear
+jag(0)(1)(0) = 0
+Check Err.Number, CLng(13), "indexing a number"
+Err.Clear
+ReDim Preserve jag(3)
+Check Err.Number, CLng(0), "no lock is left behind"
+On Error GoTo 0
+Check UBound(jag), CLng(3), "and the array takes its new size"
