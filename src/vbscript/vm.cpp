@@ -119,17 +119,18 @@ class ErrObject : public DispatchObject<ErrObject> {
     // may be raised, and those it knows come back under its own numbers.
     const int32_t number = ErrorNumberOfHresult(ToLong(args[0]));
     if (number == 0 || number > 0xFFFF) Raise(kErrInvalidCall);
-    String source = HasArg(args, 1) ? ToString(args[1]) : String(kRuntimeErrorSource);
-    String description;
-    if (HasArg(args, 2)) {
-      description = ToString(args[2]);
-    } else {
-      description = StandardErrorText(number);
-      if (description.empty()) description = u"Unknown runtime error";
-    }
+    // What the call leaves out comes from what Err still holds; only what it lacks too gets
+    // the standard source and text.
+    ErrState& now = e.vm_->err();
+    String source = HasArg(args, 1) ? ToString(args[1]) : now.source;
+    if (source.empty()) source = String(kRuntimeErrorSource);
+    String description = HasArg(args, 2) ? ToString(args[2]) : now.description;
+    if (description.empty()) description = StandardErrorText(number);
+    if (description.empty()) description = u"Unknown runtime error";
     Error error(number, std::move(description), std::move(source));
-    e.vm_->err().help_file = HasArg(args, 3) ? ToString(args[3]) : String();
-    e.vm_->err().help_context = HasArg(args, 4) ? ToLong(args[4]) : 0;
+    if (HasArg(args, 3)) now.help_file = ToString(args[3]);
+    if (HasArg(args, 4)) now.help_context = ToLong(args[4]);
+    e.vm_->MarkRaisedHelp();
     throw error;
   }
   Vm* vm_;
@@ -710,6 +711,11 @@ size_t Vm::HandleError(Frame& f, size_t pc, const Error& e) {
   err_.number = e.number();
   err_.description = e.description();
   err_.source = e.source().empty() ? String(kRuntimeErrorSource) : e.source();
+  if (!help_from_raise_) {
+    err_.help_file = String();
+    err_.help_context = 0;
+  }
+  help_from_raise_ = false;
   site_ = ErrorSite();
   // Everything above the locals goes: the stack is empty between statements. So do the locks
   // of array elements that were on their way into the failed call.

@@ -57,6 +57,7 @@ class Vm : public RefCounted {
   };
 
   ErrState& err() { return err_; }
+  void MarkRaisedHelp() { help_from_raise_ = true; }
   Object* err_object();
   ErrorSite& error_site() { return site_; }
   RuntimeState& runtime() { return runtime_; }
@@ -132,6 +133,9 @@ class Vm : public RefCounted {
   const char* stack_limit_ = nullptr;
 
   ErrState err_;
+  // Set by Err.Raise, whose help file and context outlive the throw; any other error caught by
+  // On Error Resume Next clears them.
+  bool help_from_raise_ = false;
   Ref<Object> err_object_;
   ErrorSite site_;
   RuntimeState runtime_;

@@ -123,3 +123,30 @@ Function Forever(n)
   Forever = Forever(n + 1)
 End Function
 CheckError "x = Forever(0)", 28, "endless recursion"
+
+' Err.Raise takes what it is not given from what Err still holds; only after Err.Clear (or
+' with nothing held) do the standard source and text stand in. Help file and context go with
+' the next error the engine raises itself.
+Sub RaiseKeepsWhatErrHolds()
+  On Error Resume Next
+  Err.Clear
+  Err.Raise 1000, "Ledger", "Balance is off", "ledger.chm", 42
+  Err.Raise 9
+  Check Err.Number, CLng(9), "second Raise sets its number"
+  Check Err.Source, "Ledger", "source kept from the first Raise"
+  Check Err.Description, "Balance is off", "text kept from the first Raise"
+  Check Err.HelpFile, "ledger.chm", "help file kept"
+  Check Err.HelpContext, CLng(42), "help context kept"
+  Err.Clear
+  Err.Raise 2000, "Shelf"
+  Err.Raise 9
+  Check Err.Source, "Shelf", "source of the last Raise"
+  Check Err.Description, "Unknown runtime error", "text the first Raise filled in"
+  Err.Raise 1000, "Ledger", "Balance is off", "ledger.chm", 42
+  Dim q : q = 1 \ 0
+  Check Err.Number, CLng(11), "a runtime error replaces it"
+  Check Err.Source, "Microsoft VBScript runtime error", "with the engine's source"
+  Check Err.HelpFile, "", "and no help file"
+  Check Err.HelpContext, CLng(0), "and no help context"
+End Sub
+RaiseKeepsWhatErrHolds
