@@ -19,7 +19,10 @@ Check Err.Number, vbObjectError + 1, "Err.Raise with own number"
 Check Err.Source, "MySource", "own source"
 Check Err.Description, "My description", "own description"
 Err.Raise 1234
-Check Err.Description, "Unknown runtime error", "a number without text"
+Check Err.Description, "My description", "a number without text keeps the text Err holds"
+Err.Clear
+Err.Raise 1234
+Check Err.Description, "Unknown runtime error", "after Clear it gets the generic text"
 Err.Number = 0
 On Error GoTo 0
 Check Err.Number, CLng(0), "On Error GoTo 0 clears"
