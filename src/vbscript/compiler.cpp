@@ -70,17 +70,20 @@ struct UnitNames {
 
 class ProcCompiler {
  public:
-  ProcCompiler(Module& module, Proc& proc, const UnitNames& unit, ClassInfo* cls, const Proc* outer)
+  ProcCompiler(Module& module, Proc& proc, const UnitNames& unit, ClassInfo* cls, const Proc* outer,
+               const std::vector<String>* scope_names = nullptr)
       : module_(module), proc_(proc), unit_(unit), cls_(cls) {
-    if (outer) {
-      // The caller's locals, reached through references.
-      for (size_t i = 0; i < outer->local_names.size(); ++i) {
-        AddLocal(outer->local_names[i]);
-        proc_.byref.push_back(1);
-        ref_.push_back(true);
-      }
-      proc_.nparams = static_cast<uint16_t>(outer->local_names.size());
+    if (!outer) return;
+    // The caller's locals, and the names earlier snippets created in its scope, all reached
+    // through references.
+    for (size_t i = 0; i < outer->local_names.size(); ++i)
+      AddRefParam(outer->local_names[i]);
+    if (scope_names) {
+      for (const auto& name : *scope_names)
+        AddRefParam(name);
     }
+    proc_.nparams = static_cast<uint16_t>(proc_.local_names.size());
+    keeps_created_names_ = outer->scope_slot >= 0;
   }
 
   void CompileProcedure(const ProcDecl& decl) {
@@ -110,6 +113,14 @@ class ProcCompiler {
   void CompileTop(const vbs::Block& body) {
     proc_.is_top_level = true;
     Prescan(body, true);
+    if (keeps_created_names_ && !module_option_explicit()) {
+      // Run by Execute inside a procedure: a name nothing declared belongs to that procedure.
+      for (const auto& name : candidates_) {
+        if (FindLocal(name) >= 0 || ExistsInModule(name)) continue;
+        if (cls_ && cls_->Find(name) >= 0) continue;
+        proc_.created_names.emplace_back(name, AddLocal(name));
+      }
+    }
     Block(body);
     Finish();
   }
@@ -137,6 +148,11 @@ class ProcCompiler {
     return static_cast<int32_t>(proc_.local_names.size() - 1);
   }
   int32_t Hidden() { return AddLocal(String()); }
+  void AddRefParam(const String& name) {
+    AddLocal(name);
+    proc_.byref.push_back(1);
+    ref_.push_back(true);
+  }
   int32_t FindLocal(StringView name) const {
     const auto it = locals_.find(name);
     return it == locals_.end() ? -1 : it->second;
@@ -231,6 +247,8 @@ class ProcCompiler {
       const bool is_ref = static_cast<size_t>(local) < ref_.size() && ref_[local];
       return {is_ref ? NameKind::Ref : NameKind::Local, local, {}};
     }
+    if (!proc_.is_top_level && proc_.scope_slot < 0 && EqualsNoCase(name, u"Execute"))
+      proc_.scope_slot = Hidden();
     if (const auto it = local_consts_.find(name); it != local_consts_.end())
       return {NameKind::Constant, 0, it->second};
     if (cls_) {
@@ -1144,6 +1162,7 @@ class ProcCompiler {
   std::unordered_map<String, int32_t, NoCaseHash, NoCaseEqual> links_;
   std::vector<bool> ref_;
   std::vector<String> candidates_;
+  bool keeps_created_names_ = false;
   std::vector<String> redim_names_;
   std::vector<const VarDecl*> arrays_;
   NameSet array_locals_;
@@ -1273,7 +1292,7 @@ Ref<ClassInfo> BuildClass(const ClassDecl& decl, Module& module) {
 }  // namespace
 
 CompiledUnit CompileProgram(const Program& program, Module& module, const String& source,
-                            const Proc* outer) {
+                            const Proc* outer, const std::vector<String>* scope_names) {
   CheckUniqueNames(program);
   CompiledUnit unit;
   UnitNames names;
@@ -1329,7 +1348,7 @@ CompiledUnit CompileProgram(const Program& program, Module& module, const String
   unit.top = NewProc(module, source, program.option_explicit);
   ClassInfo* outer_cls = outer ? outer->cls : nullptr;
   unit.top->cls = outer_cls;
-  ProcCompiler top(module, *unit.top, names, outer_cls, outer);
+  ProcCompiler top(module, *unit.top, names, outer_cls, outer, scope_names);
   top.CompileTop(program.body);
   unit.constants = std::move(top.module_constants);
   unit.variables = std::move(top.module_variables);
@@ -1337,12 +1356,12 @@ CompiledUnit CompileProgram(const Program& program, Module& module, const String
 }
 
 std::unique_ptr<Proc> CompileExpression(const Expr& expr, Module& module, const String& source,
-                                        const Proc* outer) {
+                                        const Proc* outer, const std::vector<String>* scope_names) {
   auto proc = NewProc(module, source, false);
   UnitNames names;
   ClassInfo* outer_cls = outer ? outer->cls : nullptr;
   proc->cls = outer_cls;
-  ProcCompiler pc(module, *proc, names, outer_cls, outer);
+  ProcCompiler pc(module, *proc, names, outer_cls, outer, scope_names);
   pc.CompileExpr(expr);
   return proc;
 }

@@ -24,11 +24,12 @@ struct CompiledUnit {
 // Compiles a program for `module`. `outer`, when given, is the procedure whose locals the
 // code sees (Execute inside a procedure); `outer_me_class` the class of its `Me`.
 CompiledUnit CompileProgram(const Program& program, Module& module, const String& source,
-                            const Proc* outer);
+                            const Proc* outer, const std::vector<String>* scope_names = nullptr);
 
 // Compiles an expression into a procedure that returns its value.
 std::unique_ptr<Proc> CompileExpression(const Expr& expr, Module& module, const String& source,
-                                        const Proc* outer);
+                                        const Proc* outer,
+                                        const std::vector<String>* scope_names = nullptr);
 
 // Makes the unit's variables, constants, procedures and classes visible in the module
 // (replacing earlier definitions of the same names) and hands the procedures to the module.

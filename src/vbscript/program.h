@@ -51,6 +51,10 @@ struct Proc {
   ClassInfo* cls = nullptr;
   String source;  // the code it came from, for the text of an error's line
   int32_t line_offset = 0;
+  // A procedure that calls Execute keeps the names its snippets create in this hidden local;
+  // a snippet lists the names it created (and the locals holding them) for its caller to keep.
+  int32_t scope_slot = -1;
+  std::vector<std::pair<String, int32_t>> created_names;
 
   bool has_return_value() const {
     return kind == ProcKind::Function || kind == ProcKind::PropertyGet;

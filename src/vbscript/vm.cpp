@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 #include <new>
 #include <type_traits>
 
@@ -609,18 +610,69 @@ void Vm::ExecuteIn(Module& module, StringView code, bool global) {
   RunTop(*top);
 }
 
+namespace {
+// The names Execute created inside one call of a procedure: they live as long as that call,
+// in a hidden local of its frame. Values stay where they are, so snippets can refer to them.
+class ScopeNames : public Object {
+ public:
+  String TypeName() const override { return u"Object"; }
+  DispId GetIdOfName(StringView) override { return kDispIdUnknown; }
+  Variant Invoke(DispId, uint16_t, Args) override { Raise(kErrNotSupported); }
+
+  std::vector<String> names;
+  std::deque<Variant> values;
+
+  Variant* Find(StringView name) {
+    for (size_t i = 0; i < names.size(); ++i)
+      if (EqualsNoCase(names[i], name)) return &values[i];
+    return nullptr;
+  }
+};
+
+// Hands the names a snippet created to its caller's scope, also when the snippet fails halfway.
+struct KeepCreatedNames {
+  ScopeNames* scope;
+  const Proc& proc;
+  Variant* base;
+  ~KeepCreatedNames() {
+    if (!scope) return;
+    for (const auto& [name, local] : proc.created_names) {
+      scope->names.push_back(name);
+      scope->values.push_back(std::move(base[local]));
+    }
+  }
+};
+
+ScopeNames* ScopeOf(Variant& slot, bool create) {
+  if (!slot.is_object()) {
+    if (!create) return nullptr;
+    slot = Variant(static_cast<Object*>(MakeRef<ScopeNames>().get()));
+  }
+  return static_cast<ScopeNames*>(slot.as_object());
+}
+}  // namespace
+
+Variant* Vm::ScopeName(const Frame& f, StringView name) {
+  if (f.proc->scope_slot < 0) return nullptr;
+  ScopeNames* scope = ScopeOf(f.locals[f.proc->scope_slot], false);
+  return scope ? scope->Find(name) : nullptr;
+}
+
 Variant Vm::RunSnippet(Frame& caller, StringView code, bool expression, bool global) {
   Module& module = *caller.proc->module;
   const String source(code);
   const Proc* outer = global ? nullptr : caller.proc;
+  ScopeNames* scope =
+      outer && outer->scope_slot >= 0 ? ScopeOf(caller.locals[outer->scope_slot], true) : nullptr;
+  const std::vector<String>* scope_names = scope ? &scope->names : nullptr;
   std::unique_ptr<Proc> proc;
   try {
     if (expression) {
       ExprPtr e = ParseExpression(source);
-      proc = CompileExpression(*e, module, source, outer);
+      proc = CompileExpression(*e, module, source, outer, scope_names);
     } else {
       Program program = ParseProgram(source);
-      CompiledUnit unit = CompileProgram(program, module, source, outer);
+      CompiledUnit unit = CompileProgram(program, module, source, outer, scope_names);
       proc = Link(unit, module);
     }
   } catch (const CompileError& e) {
@@ -631,14 +683,18 @@ Variant Vm::RunSnippet(Frame& caller, StringView code, bool expression, bool glo
   CheckStack(*proc, base);
   Frame f{proc.get(), base, refs_ + (base - stack_), global ? nullptr : caller.me, false};
   if (outer) {
-    for (uint32_t i = 0; i < proc->nparams; ++i) {
+    const uint32_t own = static_cast<uint32_t>(caller.proc->local_names.size());
+    for (uint32_t i = 0; i < proc->nparams && i < own; ++i) {
       const bool by_ref = i < caller.proc->nparams && caller.proc->byref[i];
       f.refs[i] = by_ref ? caller.refs[i] : &caller.locals[i];
     }
+    for (uint32_t i = own; i < proc->nparams; ++i)
+      f.refs[i] = &scope->values[i - own];
   }
   Variant* const end = base + proc->nlocals + proc->max_stack;
   ++depth_;
   FrameGuard guard{*this, base, end, top_, top_, depth_};
+  const KeepCreatedNames keep{scope, *proc, base};
   top_ = end;
   Run(f);
   if (proc->result_slot >= 0) return std::move(base[proc->result_slot]);
@@ -821,6 +877,7 @@ Variant Vm::LoadGlobalSlot(Frame& f, GlobalSlot& slot) {
     default:
       break;
   }
+  if (const Variant* v = ScopeName(f, s.name)) return *v;
   if (f.proc->option_explicit) RaiseNamed(kErrVariableUndefined, s.name);
   return Variant();
 }
@@ -889,6 +946,11 @@ Variant Vm::CallSlot(Frame& f, GlobalSlot& slot, Variant* args, uint32_t argc, u
       Raise(kErrTypeMismatch);
     default:
       break;
+  }
+  if (Variant* v = ScopeName(f, s.name)) {
+    Variant r = ApplyIndex(*v, span, want);
+    if (v->is_object()) WriteBack(args, argc, mask);
+    return r;
   }
   if (f.proc->option_explicit) RaiseNamed(kErrVariableUndefined, s.name);
   RaiseNamed(kErrTypeMismatch, s.name);
@@ -1332,7 +1394,15 @@ void Vm::Execute(Frame& f) {
       }
       case Op::ArgGlobal: {
         GlobalSlot& s = Resolve(*proc.globals[ip[-1].a], proc);
-        if (s.kind == SlotKind::Undefined && !proc.option_explicit) s.kind = SlotKind::Variable;
+        if (s.kind == SlotKind::Undefined) {
+          if (Variant* v = ScopeName(f, s.name)) {
+            *sp = *v;
+            refs_[sp - stack_] = v;
+            ++sp;
+            break;
+          }
+          if (!proc.option_explicit) s.kind = SlotKind::Variable;
+        }
         if (s.kind == SlotKind::Variable) {
           *sp = s.value;
           refs_[sp - stack_] = &s.value;

@@ -122,6 +122,8 @@ class Vm : public RefCounted {
   void WriteBack(Variant* args, uint32_t argc, uint32_t mask);
   Variant NewObject(Frame& f, GlobalSlot& slot);
   Variant RunSnippet(Frame& caller, StringView code, bool expression, bool global);
+  // A name Execute created in the frame's procedure call, or null.
+  static Variant* ScopeName(const Frame& f, StringView name);
 
   Variant* stack_ = nullptr;
   Variant** refs_ = nullptr;
