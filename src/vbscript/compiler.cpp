@@ -121,6 +121,13 @@ class ProcCompiler {
         proc_.created_names.emplace_back(name, AddLocal(name));
       }
     }
+    if (keeps_created_names_) {
+      // What it declares is the procedure's, whatever the script's level holds.
+      for (const auto& name : top_dims_) {
+        if (FindLocal(name) >= 0) continue;
+        proc_.created_names.emplace_back(name, AddLocal(name));
+      }
+    }
     Block(body);
     Finish();
   }
@@ -182,7 +189,10 @@ class ProcCompiler {
     switch (s.kind) {
       case StmtKind::Dim:
         for (const auto& v : s.vars) {
-          if (top) continue;
+          if (top) {
+            if (keeps_created_names_) top_dims_.push_back(v.name);
+            continue;
+          }
           if (FindLocal(v.name) >= 0 && FindLocal(v.name) >= proc_.nparams)
             Fail(kCeNameRedefined, v.line, v.column);
           if (FindLocal(v.name) < 0) AddLocal(v.name);
@@ -891,6 +901,16 @@ class ProcCompiler {
   void Dim(const Stmt& s) {
     for (const auto& v : s.vars) {
       if (!proc_.is_top_level) continue;  // locals were declared by the first walk
+      if (keeps_created_names_ && FindLocal(v.name) >= 0) {
+        if (v.is_array) {
+          const Resolved r = Resolve(v.name);
+          for (const auto& b : v.bounds)
+            Emit(Op::PushConst, 1, Constant(ConstantValue(*b)));
+          Emit(Op::DimArray, -static_cast<int>(v.bounds.size()), r.index,
+               static_cast<uint32_t>(v.bounds.size()), VarKindOf(r.kind));
+        }
+        continue;
+      }
       module_variables.push_back(v.name);
       if (!v.is_array || v.bounds.empty()) {
         if (v.is_array) {
@@ -1163,6 +1183,7 @@ class ProcCompiler {
   std::vector<bool> ref_;
   std::vector<String> candidates_;
   bool keeps_created_names_ = false;
+  std::vector<String> top_dims_;
   std::vector<String> redim_names_;
   std::vector<const VarDecl*> arrays_;
   NameSet array_locals_;

@@ -76,5 +76,14 @@ End Sub
 FailHalfway
 Check inside, "11:1", "a snippet that fails keeps what it assigned"
 
+Sub Declare
+  Execute "Dim shared, grid(2) : shared = 1 : grid(2) = 5"
+  Execute "grid(1) = 4 : inside = shared & grid(1) + grid(2) & UBound(grid)"
+End Sub
+Declare
+Check inside, "192", "Dim inside Execute declares in the procedure, arrays too"
+Check shared, 9, "shadowing the global"
+Check IsEmpty(grid), True, "and the array is gone with the call"
+
 Execute "topLevel = 3"
 Check topLevel, 3, "Execute at the script's level makes globals"
