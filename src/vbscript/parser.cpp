@@ -883,8 +883,12 @@ class Parser {
         Advance();
         s->conditions.push_back(Expression());
         Expect(Tok::Then, kCeExpectedThen);
+        // Only a statement on the ElseIf line itself may run into End If; once the block
+        // starts on the next line it reads like a Then part.
+        in_else_part_ = !AtRealLineEnd();
         s->blocks.emplace_back();
         BlockUntil(s->blocks.back(), scope);
+        in_else_part_ = true;
         continue;
       }
       if (At(Tok::Else)) {

@@ -148,5 +148,7 @@ Else
   branch = "else block" End If
 Check branch, "else block", "the last statement of an Else block followed by End If"
 CheckError "If True Then" & vbLf & " branch = 0 End If", 1025, "but not in the Then part"
+CheckError "If False Then" & vbLf & "ElseIf True Then" & vbLf & " branch = 0 End If", 1025, _
+  "nor in an ElseIf block whose statements start on the next line"
 If True Then branch = "single" Else branch = "no" End If
 Check branch, "single", "a single-line If may end with End If"
