@@ -1909,6 +1909,8 @@ void Vm::Execute(Frame& f) {
           const int32_t i = locals[ip[-1].n + 1].as_long();
           const SafeArray* array = state.as_array();
           if (static_cast<size_t>(i) >= array->size()) {
+            // A loop that runs out leaves its variable Empty (Exit For keeps the last item).
+            VarRef(f, ip[-1].flags, ip[-1].a) = Variant();
             ip = code + ip[-1].b;
             break;
           }
@@ -1925,6 +1927,7 @@ void Vm::Execute(Frame& f) {
         auto* holder = static_cast<EnumHolder*>(state.as_object());
         Variant item;
         if (!holder->e->Next(item)) {
+          VarRef(f, ip[-1].flags, ip[-1].a) = Variant();
           ip = code + ip[-1].b;
           break;
         }

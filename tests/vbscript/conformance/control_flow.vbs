@@ -118,6 +118,16 @@ For Each v In d
   s = s & v
 Next
 Check s, "k1k2", "For Each over a collection"
+' A For Each that runs out leaves its variable Empty; Exit For leaves the current item.
+Check IsEmpty(v), True, "the variable after a collection runs out"
+v = "before"
+For Each v In Array(7, 8)
+Next
+Check IsEmpty(v), True, "the variable after an array runs out"
+For Each v In Array(7, 8, 9)
+  If v = 8 Then Exit For
+Next
+Check v, 8, "Exit For keeps the current item"
 CheckError "For Each v In 5 : Next", 451, "For Each over a number"
 ' Nested single-line If.
 If 1 = 1 Then If 2 = 2 Then r = "nested" Else r = "inner else"
