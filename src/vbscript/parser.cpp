@@ -893,6 +893,8 @@ class Parser {
       }
       if (At(Tok::Else)) {
         Advance();
+        // End If may follow a statement on the Else line, but not the Else itself.
+        if (At(Tok::End_) && Peek().kind == Tok::If) Fail(kCeExpectedStatement);
         s->has_else = true;
         s->blocks.emplace_back();
         BlockUntil(s->blocks.back(), scope);

@@ -150,5 +150,7 @@ Check branch, "else block", "the last statement of an Else block followed by End
 CheckError "If True Then" & vbLf & " branch = 0 End If", 1025, "but not in the Then part"
 CheckError "If False Then" & vbLf & "ElseIf True Then" & vbLf & " branch = 0 End If", 1025, _
   "nor in an ElseIf block whose statements start on the next line"
+CheckError "If False Then" & vbLf & " branch = 0" & vbLf & "Else End If", 1024, _
+  "End If straight after Else has no statement to follow"
 If True Then branch = "single" Else branch = "no" End If
 Check branch, "single", "a single-line If may end with End If"
