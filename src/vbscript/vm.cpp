@@ -67,6 +67,19 @@ const char* StackLimit() {
   throw Error(number, std::move(text));
 }
 
+// What Err.Description shows of an error: the engine names the variable, member or ProgID it
+// could not use in its report of an uncaught error ("Type mismatch: 'x'"), but a script that
+// handles the error reads the plain text, as on Windows.
+String HandledDescription(const Error& e) {
+  const String& text = e.description();
+  const String plain = StandardErrorText(e.number());
+  if (plain.empty() || text.size() <= plain.size() + 3) return text;
+  if (!text.view().starts_with(plain.view())) return text;
+  if (text.view().substr(plain.size(), 3) != u": '") return text;
+  if (text[text.size() - 1] != u'\'') return text;
+  return plain;
+}
+
 // Enumerators are no Objects; For Each keeps one in a hidden local through this holder.
 class EnumHolder : public Object {
  public:
@@ -765,7 +778,7 @@ size_t Vm::HandleError(Frame& f, size_t pc, const Error& e) {
     throw;
   }
   err_.number = e.number();
-  err_.description = e.description();
+  err_.description = help_from_raise_ ? e.description() : HandledDescription(e);
   err_.source = e.source().empty() ? String(kRuntimeErrorSource) : e.source();
   if (!help_from_raise_) {
     err_.help_file = String();

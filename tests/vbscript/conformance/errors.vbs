@@ -129,3 +129,16 @@ Err.Clear
 Err.Raise 65535
 Check Err.Number, CLng(65535), "65535 is still VBScript's own"
 On Error GoTo 0
+
+' A handled error reads the plain text; only the report of an uncaught one names what failed.
+On Error Resume Next
+Set namedDict = CreateObject("Scripting.Dictionary")
+namedDict.NoSuchMember
+Check Err.Description, "Object doesn't support this property or method", "a missing member"
+Err.Clear
+NoSuchProcedure 1
+Check Err.Description, "Type mismatch", "an unknown procedure"
+Err.Clear
+Err.Raise 13, , "Type mismatch: 'mine'"
+Check Err.Description, "Type mismatch: 'mine'", "a raised text stays as raised"
+On Error GoTo 0

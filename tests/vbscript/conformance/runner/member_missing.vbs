@@ -1,0 +1,3 @@
+' An uncaught error names the member the object does not have.
+Set d = CreateObject("Scripting.Dictionary")
+d.NoSuchMember
