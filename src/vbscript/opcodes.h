@@ -7,129 +7,146 @@
 
 namespace qv::vbs {
 
+// Every opcode, in the order of the enumeration. The dispatch loop jumps straight from one HOT
+// instruction to the next; COLD ones take the way through its switch. Marking an opcode HOT
+// needs a label of its name in the loop (the build fails without one). Order matters within
+// the families that fuse.cpp addresses by offset (Add, Sub, Mul; Eq, Ne, Lt, Le, Gt, Ge).
+// clang-format off
+#define QV_OPCODES(COLD, HOT)                                                                     \
+  COLD(Nop)                                                                                       \
+  HOT(PushConst) /* a: constant index */                                                          \
+  COLD(PushEmpty)                                                                                 \
+  COLD(PushMe)                                                                                    \
+  COLD(Pop)                                                                                       \
+  /* Variables: a is the slot; flags bit kSetFlag on stores means `Set`. */                       \
+  HOT(LoadLocal)                                                                                  \
+  HOT(LoadRef)                                                                                    \
+  HOT(LoadGlobal)                                                                                 \
+  COLD(LoadField)                                                                                 \
+  HOT(StoreLocal)                                                                                 \
+  COLD(StoreRef)                                                                                  \
+  HOT(StoreGlobal)                                                                                \
+  COLD(StoreField)                                                                                \
+  /* Arguments that may be passed by reference: push the value and remember its variable. */      \
+  HOT(ArgLocal)                                                                                   \
+  COLD(ArgRef)                                                                                    \
+  COLD(ArgGlobal)                                                                                 \
+  COLD(ArgField)                                                                                  \
+  /* an array element (flags: VarKind, a: slot, n: index count), locked for the call */           \
+  COLD(ArgElem)                                                                                   \
+  /* s = s & x on a variable (flags: VarKind, a: slot); pops x. */                                \
+  HOT(Append)                                                                                     \
+  /* Operators. */                                                                                \
+  HOT(Add)                                                                                        \
+  HOT(Sub)                                                                                        \
+  HOT(Mul)                                                                                        \
+  COLD(Div)                                                                                       \
+  COLD(IntDiv)                                                                                    \
+  COLD(Mod)                                                                                       \
+  COLD(Pow)                                                                                       \
+  HOT(Concat)                                                                                     \
+  HOT(Eq)                                                                                         \
+  HOT(Ne)                                                                                         \
+  HOT(Lt)                                                                                         \
+  HOT(Le)                                                                                         \
+  HOT(Gt)                                                                                         \
+  HOT(Ge)                                                                                         \
+  COLD(Is) /* flags: compare hints */                                                             \
+  COLD(And)                                                                                       \
+  COLD(Or)                                                                                        \
+  COLD(Xor)                                                                                       \
+  COLD(Eqv)                                                                                       \
+  COLD(Imp)                                                                                       \
+  COLD(Neg)                                                                                       \
+  COLD(Not)                                                                                       \
+  /* The same with the right operand a constant (K, a: constant) or a local (L, a: slot). */      \
+  HOT(AddK)                                                                                       \
+  HOT(AddL)                                                                                       \
+  HOT(SubK)                                                                                       \
+  HOT(SubL)                                                                                       \
+  HOT(MulK)                                                                                       \
+  HOT(MulL)                                                                                       \
+  HOT(EqK)                                                                                        \
+  HOT(EqL)                                                                                        \
+  HOT(NeK)                                                                                        \
+  HOT(NeL)                                                                                        \
+  HOT(LtK)                                                                                        \
+  HOT(LtL)                                                                                        \
+  HOT(LeK)                                                                                        \
+  HOT(LeL)                                                                                        \
+  HOT(GtK)                                                                                        \
+  HOT(GtL)                                                                                        \
+  HOT(GeK)                                                                                        \
+  HOT(GeL)                                                                                        \
+  /* The same with the left operand a local (a: slot) and the right one on the stack. */          \
+  HOT(AddLeft)                                                                                    \
+  HOT(SubLeft)                                                                                    \
+  HOT(MulLeft)                                                                                    \
+  /* Control flow; a: target. */                                                                  \
+  HOT(Jmp)                                                                                        \
+  HOT(JmpFalse)                                                                                   \
+  HOT(JmpTrue)                                                                                    \
+  /* Calls: n = argument count, b = mask of arguments pushed by reference, */                     \
+  /* flags bit kWantResult when the value is used. */                                             \
+  HOT(CallGlobal) /* a: link slot */                                                              \
+  HOT(CallMember) /* a: call site; stack: object, args */                                         \
+  COLD(CallMethod) /* a: member of Me's class */                                                  \
+  HOT(Index) /* variable (flags: VarKind, a: slot) applied to args */                             \
+  COLD(IndexValue) /* value on the stack applied to args */                                       \
+  COLD(New) /* a: link slot of the class name */                                                  \
+  /* Stores through indexes and members; the value stands last. */                                \
+  COLD(StoreIndex) /* flags: VarKind | set flag, a: slot, n: index count */                       \
+  COLD(StoreMember) /* a: call site; stack: object, args, value */                                \
+  COLD(StoreIndexValue) /* stack: object, args, value */                                          \
+  /* An element of the array element pushed by reference below the args (stack: element, */       \
+  /* args), */                                                                                    \
+  /* itself pushed by reference and locked, so `a(i)(j)(k) = v` reaches the innermost array. */   \
+  COLD(ArgElemOf)                                                                                 \
+  /* Arrays: flags VarKind, a slot, n bound count. */                                             \
+  COLD(DimArray)                                                                                  \
+  COLD(ReDim) /* b: 1 for Preserve */                                                             \
+  COLD(ReDimMember) /* a: call site, stack: object, bounds */                                     \
+  COLD(Erase)                                                                                     \
+  /* Loops; flags VarKind, a: variable slot, n: first hidden local, b: jump target. */            \
+  COLD(ForInit)                                                                                   \
+  HOT(ForNext)                                                                                    \
+  COLD(ForEachInit)                                                                               \
+  COLD(ForEachNext)                                                                               \
+  COLD(OnError) /* a: 1 resume next, 0 goto 0 */                                                  \
+  COLD(Raise) /* a: run-time error number */                                                      \
+  COLD(Return)                                                                                    \
+  /* Fused sequences (see fuse.h), written over the first instruction of the sequence; the */     \
+  /* instructions they cover stay in place for jumps that land on them. a: the loaded */          \
+  /* variable (for AddStore..MulStore: the operator's operand), b: the operator's operand or */   \
+  /* its Integer value, n: the local stored to. */                                                \
+  HOT(LoadAdd) /* LoadLocal|LoadRef, AddK|AddL: pushes the sum */                                 \
+  HOT(LoadSub)                                                                                    \
+  HOT(LoadMul)                                                                                    \
+  HOT(LoadAddStore) /* LoadLocal|LoadRef, AddK|AddL, StoreLocal */                                \
+  HOT(LoadSubStore)                                                                               \
+  HOT(LoadMulStore)                                                                               \
+  HOT(LoadEqJmp) /* LoadLocal|LoadRef, EqK|EqL, JmpFalse */                                       \
+  HOT(LoadNeJmp)                                                                                  \
+  HOT(LoadLtJmp)                                                                                  \
+  HOT(LoadLeJmp)                                                                                  \
+  HOT(LoadGtJmp)                                                                                  \
+  HOT(LoadGeJmp)                                                                                  \
+  HOT(AddStore) /* AddK|AddL, StoreLocal */                                                       \
+  HOT(SubStore)                                                                                   \
+  HOT(MulStore)                                                                                   \
+  HOT(AddPopStore) /* Add, StoreLocal (n: the local) */                                           \
+  HOT(LoadStore) /* LoadLocal|LoadRef, StoreLocal (n: the local) */
+// clang-format on
+
 enum class Op : uint8_t {
-  Nop,
-  PushConst,  // a: constant index
-  PushEmpty,
-  PushMe,
-  Pop,
-  // Variables: a is the slot; flags bit kSetFlag on stores means `Set`.
-  LoadLocal,
-  LoadRef,
-  LoadGlobal,
-  LoadField,
-  StoreLocal,
-  StoreRef,
-  StoreGlobal,
-  StoreField,
-  // Arguments that may be passed by reference: push the value and remember its variable.
-  ArgLocal,
-  ArgRef,
-  ArgGlobal,
-  ArgField,
-  ArgElem,  // an array element (flags: VarKind, a: slot, n: index count), locked for the call
-  // s = s & x on a variable (flags: VarKind, a: slot); pops x.
-  Append,
-  // Operators.
-  Add,
-  Sub,
-  Mul,
-  Div,
-  IntDiv,
-  Mod,
-  Pow,
-  Concat,
-  Eq,
-  Ne,
-  Lt,
-  Le,
-  Gt,
-  Ge,
-  Is,  // flags: compare hints
-  And,
-  Or,
-  Xor,
-  Eqv,
-  Imp,
-  Neg,
-  Not,
-  // The same with the right operand a constant (K, a: constant) or a local (L, a: slot).
-  AddK,
-  AddL,
-  SubK,
-  SubL,
-  MulK,
-  MulL,
-  EqK,
-  EqL,
-  NeK,
-  NeL,
-  LtK,
-  LtL,
-  LeK,
-  LeL,
-  GtK,
-  GtL,
-  GeK,
-  GeL,
-  // The same with the left operand a local (a: slot) and the right one on the stack.
-  AddLeft,
-  SubLeft,
-  MulLeft,
-  // Control flow; a: target.
-  Jmp,
-  JmpFalse,
-  JmpTrue,
-  // Calls: n = argument count, b = mask of arguments pushed by reference,
-  // flags bit kWantResult when the value is used.
-  CallGlobal,  // a: link slot
-  CallMember,  // a: call site; stack: object, args
-  CallMethod,  // a: member of Me's class
-  Index,       // variable (flags: VarKind, a: slot) applied to args
-  IndexValue,  // value on the stack applied to args
-  New,         // a: link slot of the class name
-  // Stores through indexes and members; the value stands last.
-  StoreIndex,       // flags: VarKind | set flag, a: slot, n: index count
-  StoreMember,      // a: call site; stack: object, args, value
-  StoreIndexValue,  // stack: object, args, value
-  // An element of the array element pushed by reference below the args (stack: element, args),
-  // itself pushed by reference and locked, so `a(i)(j)(k) = v` reaches the innermost array.
-  ArgElemOf,
-  // Arrays: flags VarKind, a slot, n bound count.
-  DimArray,
-  ReDim,        // b: 1 for Preserve
-  ReDimMember,  // a: call site, stack: object, bounds
-  Erase,
-  // Loops; flags VarKind, a: variable slot, n: first hidden local, b: jump target.
-  ForInit,
-  ForNext,
-  ForEachInit,
-  ForEachNext,
-  OnError,  // a: 1 resume next, 0 goto 0
-  Raise,    // a: run-time error number
-  Return,
-  // Fused sequences (see fuse.h), written over the first instruction of the sequence; the
-  // instructions they cover stay in place for jumps that land on them. a: the loaded
-  // variable (for AddStore..MulStore: the operator's operand), b: the operator's operand or
-  // its Integer value, n: the local stored to.
-  LoadAdd,  // LoadLocal|LoadRef, AddK|AddL: pushes the sum
-  LoadSub,
-  LoadMul,
-  LoadAddStore,  // LoadLocal|LoadRef, AddK|AddL, StoreLocal
-  LoadSubStore,
-  LoadMulStore,
-  LoadEqJmp,  // LoadLocal|LoadRef, EqK|EqL, JmpFalse
-  LoadNeJmp,
-  LoadLtJmp,
-  LoadLeJmp,
-  LoadGtJmp,
-  LoadGeJmp,
-  AddStore,  // AddK|AddL, StoreLocal
-  SubStore,
-  MulStore,
-  AddPopStore,  // Add, StoreLocal (n: the local)
-  LoadStore,    // LoadLocal|LoadRef, StoreLocal (n: the local)
+#define QV_OPCODE_NAME(name) name,
+  QV_OPCODES(QV_OPCODE_NAME, QV_OPCODE_NAME)
+#undef QV_OPCODE_NAME
 };
+
+#define QV_OPCODE_COUNT(name) +1
+inline constexpr int kOpCount = 0 QV_OPCODES(QV_OPCODE_COUNT, QV_OPCODE_COUNT);
+#undef QV_OPCODE_COUNT
 
 // Where a variable lives.
 enum VarKind : uint8_t { kVarLocal = 0, kVarRef = 1, kVarGlobal = 2, kVarField = 3 };

@@ -6,29 +6,21 @@
 
 #include <pthread.h>
 
-#include <bit>
-#include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <deque>
+#include <iterator>
 #include <new>
-#include <type_traits>
 
-#include "automation/convert.h"
-#include "automation/dispatch.h"
 #include "automation/safe_array.h"
-#include "vbscript/compiler.h"
 #include "vbscript/errors.h"
-#include "vbscript/hresult_map.h"
 #include "vbscript/operators.h"
-#include "vbscript/parser.h"
+#include "vbscript/values.h"
 
 namespace qv::vbs {
 namespace {
 
 constexpr size_t kStackSlots = size_t{1} << 18;
 constexpr int32_t kTimeBudget = 4096;
-constexpr int32_t kErrForNotInitialized = 92;
 #if defined(QV_SANITIZE) || defined(__SANITIZE_ADDRESS__)
 constexpr size_t kStackMargin = size_t{3} << 20;
 #else
@@ -55,31 +47,6 @@ const char* StackLimit() {
   return limit;
 }
 
-[[noreturn]] void Raise(int32_t number) {
-  throw Error(number);
-}
-
-[[noreturn]] void RaiseNamed(int32_t number, StringView name) {
-  String text = StandardErrorText(number);
-  text.Append(u": '");
-  text.Append(name);
-  text.Append(u"'");
-  throw Error(number, std::move(text));
-}
-
-// What Err.Description shows of an error: the engine names the variable, member or ProgID it
-// could not use in its report of an uncaught error ("Type mismatch: 'x'"), but a script that
-// handles the error reads the plain text, as on Windows.
-String HandledDescription(const Error& e) {
-  const String& text = e.description();
-  const String plain = StandardErrorText(e.number());
-  if (plain.empty() || text.size() <= plain.size() + 3) return text;
-  if (!text.view().starts_with(plain.view())) return text;
-  if (text.view().substr(plain.size(), 3) != u": '") return text;
-  if (text[text.size() - 1] != u'\'') return text;
-  return plain;
-}
-
 // Enumerators are no Objects; For Each keeps one in a hidden local through this holder.
 class EnumHolder : public Object {
  public:
@@ -89,332 +56,6 @@ class EnumHolder : public Object {
   Variant Invoke(DispId, uint16_t, Args) override { Raise(kErrNotSupported); }
   Ref<Enumerator> e;
 };
-
-class ErrObject : public DispatchObject<ErrObject> {
- public:
-  explicit ErrObject(Vm* vm) : vm_(vm) {}
-  static const DispatchTable<ErrObject>& Table() {
-    static const auto table =
-        DispatchTable<ErrObject>(u"ErrObject")
-            .Property(
-                u"Number", [](ErrObject& e, Args) { return Variant(e.vm_->err().number); },
-                [](ErrObject& e, Args, const Variant& v) { e.vm_->err().number = ToLong(v); })
-            .Property(
-                u"Description",
-                [](ErrObject& e, Args) { return Variant(e.vm_->err().description); },
-                [](ErrObject& e, Args, const Variant& v) {
-                  e.vm_->err().description = ToString(v);
-                })
-            .Property(
-                u"Source", [](ErrObject& e, Args) { return Variant(e.vm_->err().source); },
-                [](ErrObject& e, Args, const Variant& v) { e.vm_->err().source = ToString(v); })
-            .Property(
-                u"HelpFile", [](ErrObject& e, Args) { return Variant(e.vm_->err().help_file); },
-                [](ErrObject& e, Args, const Variant& v) { e.vm_->err().help_file = ToString(v); })
-            .Property(
-                u"HelpContext",
-                [](ErrObject& e, Args) { return Variant(e.vm_->err().help_context); },
-                [](ErrObject& e, Args, const Variant& v) { e.vm_->err().help_context = ToLong(v); })
-            .Method(u"Clear",
-                    [](ErrObject& e, Args args) {
-                      CheckArgCount(args, 0, 0);
-                      e.vm_->err().Clear();
-                      return Variant();
-                    })
-            .Method(u"Raise", &ErrObject::RaiseError)
-            .Default(u"Number");
-    return table;
-  }
-
- private:
-  static Variant RaiseError(ErrObject& e, Args args) {
-    CheckArgCount(args, 1, 5);
-    // VBScript's own numbers end at 65535; above that only failure codes (negative as a Long)
-    // may be raised, and those it knows come back under its own numbers.
-    const int32_t number = ErrorNumberOfHresult(ToLong(args[0]));
-    if (number == 0 || number > 0xFFFF) Raise(kErrInvalidCall);
-    // What the call leaves out comes from what Err still holds; only what it lacks too gets
-    // the standard source and text.
-    ErrState& now = e.vm_->err();
-    String source = HasArg(args, 1) ? ToString(args[1]) : now.source;
-    if (source.empty()) source = String(kRuntimeErrorSource);
-    String description = HasArg(args, 2) ? ToString(args[2]) : now.description;
-    if (description.empty()) description = StandardErrorText(number);
-    if (description.empty()) description = u"Unknown runtime error";
-    Error error(number, std::move(description), std::move(source));
-    if (HasArg(args, 3)) now.help_file = ToString(args[3]);
-    if (HasArg(args, 4)) now.help_context = ToLong(args[4]);
-    e.vm_->MarkRaisedHelp();
-    throw error;
-  }
-  Vm* vm_;
-};
-
-bool SlowTruth(const Variant& v);
-[[gnu::always_inline]] inline bool Truth(const Variant& v) {
-  if (v.type() == VarType::Boolean) return v.as_bool();
-  return SlowTruth(v);
-}
-
-bool SlowTruth(const Variant& v) {
-  if (v.is_null()) return false;
-  return ToBool(v.is_object() ? ValueOf(v) : v);
-}
-
-int32_t IndexValue(const Variant& v) {
-  if (v.type() == VarType::Integer) return v.as_integer();
-  if (v.type() == VarType::Long) return v.as_long();
-  const Variant plain = v.is_object() ? ValueOf(v) : v;
-  if (plain.is_null()) Raise(kErrInvalidUseOfNull);
-  return ToLong(plain);
-}
-
-// Moves between Variants that own nothing (numbers, Empty, Null...) are plain copies of their
-// sixteen bytes; only strings, objects and arrays need the counted paths of Variant itself.
-[[gnu::always_inline]] inline bool IsPlain(const Variant& v) {
-  const VarType t = v.type();
-  return t != VarType::String && t != VarType::Object && t != VarType::Array;
-}
-// Copies the type word and the payload as they were stored (two stores, two loads): one
-// 16-byte load of a value that two smaller stores just wrote would stall on store forwarding.
-[[gnu::always_inline]] inline void CopyPlain(Variant& dst, const Variant& src) {
-  auto* d = reinterpret_cast<unsigned char*>(&dst);
-  const auto* s = reinterpret_cast<const unsigned char*>(&src);
-  std::memcpy(d, s, sizeof(VarType));
-  std::memcpy(d + 8, s + 8, 8);
-}
-[[gnu::always_inline]] inline void MoveInto(Variant& dst, Variant& src) {
-  if (IsPlain(dst)) {
-    CopyPlain(dst, src);
-    new (&src) Variant();
-  } else {
-    dst = std::move(src);
-  }
-}
-// Copies into a slot known to be empty.
-[[gnu::always_inline]] inline void PushCopy(Variant* slot, const Variant& src) {
-  if (IsPlain(src)) {
-    CopyPlain(*slot, src);
-  } else {
-    new (slot) Variant(src);
-  }
-}
-[[gnu::always_inline]] inline void Drop(Variant& v) {
-  if (IsPlain(v)) {
-    new (&v) Variant();
-  } else {
-    v.Clear();
-  }
-}
-// Numbers are written as a two-byte type and a full eight-byte payload, the way CopyPlain
-// reads them, so a later copy never waits on two partial stores.
-[[gnu::always_inline]] inline void RawSet(Variant& dst, VarType t, uint64_t bits) {
-  auto* d = reinterpret_cast<unsigned char*>(&dst);
-  std::memcpy(d, &t, sizeof t);
-  std::memcpy(d + 8, &bits, 8);
-}
-// The operands of the inline arithmetic: Integer (2), Long (3) and Double (5).
-[[gnu::always_inline]] inline unsigned TypeOf(const Variant& v) {
-  return static_cast<unsigned>(v.type());
-}
-[[gnu::always_inline]] inline bool IsWhole(unsigned t) {
-  return t - 2u <= 1u;
-}
-[[gnu::always_inline]] inline bool IsNumber(unsigned t) {
-  return t <= 5 && ((0x2Cu >> t) & 1);
-}
-[[gnu::always_inline]] inline int32_t WholeOf(const Variant& v) {
-  return v.type() == VarType::Integer ? v.as_integer() : v.as_long();
-}
-[[gnu::always_inline]] inline double DoubleOf(const Variant& v) {
-  return v.type() == VarType::Double ? v.as_double() : static_cast<double>(WholeOf(v));
-}
-// Writes a number into a slot known to own nothing.
-[[gnu::always_inline]] inline void PutDouble(Variant& dst, double r) {
-  RawSet(dst, VarType::Double, std::bit_cast<uint64_t>(r));
-}
-[[gnu::always_inline]] inline void PutWhole(Variant& dst, int64_t r, bool integer) {
-  if (integer && r == static_cast<int16_t>(r)) {
-    RawSet(dst, VarType::Integer, static_cast<uint16_t>(r));
-  } else if (r == static_cast<int32_t>(r)) {
-    RawSet(dst, VarType::Long, static_cast<uint32_t>(r));
-  } else {
-    PutDouble(dst, static_cast<double>(r));
-  }
-}
-
-// The two operands of the inline arithmetic as one key: both types below 8, else kNoPair.
-constexpr unsigned kNoPair = 64;
-[[gnu::always_inline]] inline unsigned PairOf(const Variant& a, const Variant& b) {
-  const unsigned ta = TypeOf(a), tb = TypeOf(b);
-  return (ta | tb) < 8 ? ta * 8 + tb : kNoPair;
-}
-constexpr unsigned Pair(VarType a, VarType b) {
-  return static_cast<unsigned>(a) * 8 + static_cast<unsigned>(b);
-}
-
-// The operands of an Integer/Long/Double operation, as whole numbers or as Doubles.
-struct Operands {
-  int64_t wa, wb;
-  double da, db;
-};
-// 0: not for the inline paths, 1: Integer and Integer, 2: whole numbers, 3: Doubles.
-[[gnu::always_inline]] inline int Load(const Variant& a, const Variant& b, Operands& o) {
-  switch (PairOf(a, b)) {
-    case Pair(VarType::Integer, VarType::Integer):
-      o.wa = a.as_integer();
-      o.wb = b.as_integer();
-      return 1;
-    case Pair(VarType::Integer, VarType::Long):
-      o.wa = a.as_integer();
-      o.wb = b.as_long();
-      return 2;
-    case Pair(VarType::Long, VarType::Integer):
-      o.wa = a.as_long();
-      o.wb = b.as_integer();
-      return 2;
-    case Pair(VarType::Long, VarType::Long):
-      o.wa = a.as_long();
-      o.wb = b.as_long();
-      return 2;
-    case Pair(VarType::Double, VarType::Double):
-      o.da = a.as_double();
-      o.db = b.as_double();
-      return 3;
-    case Pair(VarType::Double, VarType::Integer):
-      o.da = a.as_double();
-      o.db = b.as_integer();
-      return 3;
-    case Pair(VarType::Double, VarType::Long):
-      o.da = a.as_double();
-      o.db = b.as_long();
-      return 3;
-    case Pair(VarType::Integer, VarType::Double):
-      o.da = a.as_integer();
-      o.db = b.as_double();
-      return 3;
-    case Pair(VarType::Long, VarType::Double):
-      o.da = a.as_long();
-      o.db = b.as_double();
-      return 3;
-    default:
-      return 0;
-  }
-}
-
-// The same with the right operand an Integer constant held in the instruction.
-[[gnu::always_inline]] inline int LoadImmediate(const Variant& a, int32_t k, Operands& o) {
-  switch (a.type()) {
-    case VarType::Integer:
-      o.wa = a.as_integer();
-      o.wb = k;
-      return 1;
-    case VarType::Long:
-      o.wa = a.as_long();
-      o.wb = k;
-      return 2;
-    case VarType::Double:
-      o.da = a.as_double();
-      o.db = k;
-      return 3;
-    default:
-      return 0;
-  }
-}
-
-// Writes the result of an operation Load accepted. kOwned: dst may hold a string or an
-// object, released once the result is known (an overflow leaves dst as it was).
-template <bool kOwned, class F, class G>
-[[gnu::always_inline]] inline void PutResult(Variant& dst, int kind, const Operands& o, F whole,
-                                             G real) {
-  if (kind != 3) {
-    const int64_t r = whole(o.wa, o.wb);
-    if (kOwned && !IsPlain(dst)) dst.Clear();
-    PutWhole(dst, r, kind == 1);
-    return;
-  }
-  const double r = real(o.da, o.db);
-  if (!std::isfinite(r)) Raise(kErrOverflow);
-  if (kOwned && !IsPlain(dst)) dst.Clear();
-  PutDouble(dst, r);
-}
-
-// dst = a op b for Integer/Long/Double; false when another type asks for the general rules.
-// Both operands are read before dst is written, so dst may be one of them.
-template <class F, class G>
-[[gnu::always_inline]] inline bool FastArithTo(Variant& dst, const Variant& a, const Variant& b,
-                                               F whole, G real) {
-  Operands o;
-  const int kind = Load(a, b, o);
-  if (!kind) return false;
-  PutResult<false>(dst, kind, o, whole, real);
-  return true;
-}
-template <class F, class G>
-[[gnu::always_inline]] inline bool FastArith(Variant& a, const Variant& b, F whole, G real) {
-  return FastArithTo(a, a, b, whole, real);
-}
-
-// The operands of a fused instruction: x and its right operand, an Integer held in the
-// instruction, a local or a constant.
-[[gnu::always_inline]] inline int LoadFused(const Instr& in, int32_t operand, const Variant& x,
-                                            const Variant* locals, const Variant* consts,
-                                            Operands& o) {
-  if (in.flags & kFusedImmediate) return LoadImmediate(x, operand, o);
-  return Load(x, (in.flags & kFusedLocal) ? locals[operand] : consts[operand], o);
-}
-
-// The comparison of two Integer/Long/Double values; false in `handled` for other types.
-template <class F>
-[[gnu::always_inline]] inline bool FastTest(const Variant& a, const Variant& b, bool& handled,
-                                            F cmp) {
-  Operands o;
-  const int kind = Load(a, b, o);
-  handled = kind != 0;
-  if (kind == 3) return cmp(o.da, o.db);
-  return handled && cmp(o.wa, o.wb);
-}
-
-template <class F>
-[[gnu::always_inline]] inline bool FastCompare(Variant& a, const Variant& b, F cmp) {
-  bool handled;
-  const bool r = FastTest(a, b, handled, cmp);
-  if (handled) RawSet(a, VarType::Boolean, r ? 1 : 0);
-  return handled;
-}
-
-// Whether a For loop goes on: the counter has not passed the end in the step's direction.
-[[gnu::always_inline]] inline bool ForContinues(const Variant& var, const Variant& end,
-                                                const Variant& step) {
-  const unsigned tv = TypeOf(var), te = TypeOf(end), ts = TypeOf(step);
-  if (IsWhole(tv) && IsWhole(te) && IsWhole(ts))
-    return WholeOf(step) >= 0 ? WholeOf(var) <= WholeOf(end) : WholeOf(var) >= WholeOf(end);
-  if (IsNumber(tv) && IsNumber(te) && IsNumber(ts))
-    return DoubleOf(step) >= 0 ? DoubleOf(var) <= DoubleOf(end) : DoubleOf(var) >= DoubleOf(end);
-  const double v = ToDouble(var), e = ToDouble(end), s = ToDouble(step);
-  return s >= 0 ? v <= e : v >= e;
-}
-
-// The counter's step by the general rules. Kept out of the dispatch loop: a throw written in
-// the loop's own body changes how the compiler lays out the hot paths around it.
-[[gnu::noinline, gnu::cold]] void StepCounter(Variant& var, const Variant& step) {
-  // A header that failed under On Error Resume Next left no step to count with.
-  if (step.is_empty()) Raise(kErrForNotInitialized);
-  var = OpAdd(var, step);
-}
-
-Variant ForOperand(Variant v) {
-  if (v.is_object()) v = ValueOf(v);
-  if (v.is_null()) Raise(kErrInvalidUseOfNull);
-  if (v.is_string()) {
-    const auto n = ParseNumberText(v.as_string());
-    if (!n) Raise(kErrTypeMismatch);
-    return Variant(*n);
-  }
-  if (v.is_empty()) return Variant(int16_t{0});
-  if (!v.is_numeric_type()) Raise(kErrTypeMismatch);
-  return v;
-}
 
 struct IntrinsicName {
   std::u16string_view name;
@@ -429,15 +70,6 @@ constexpr IntrinsicName kIntrinsics[] = {
     {u"GetObject", Intrinsic::GetObject},
     {u"Err", Intrinsic::Err},
 };
-
-Variant LetValue(Variant v) {
-  if (v.is_object()) return ValueOf(v);
-  return v;
-}
-
-void CheckSetValue(const Variant& v) {
-  if (!v.is_object()) Raise(kErrObjectRequired);
-}
 
 }  // namespace
 
@@ -475,11 +107,6 @@ void Vm::ReleaseLocks(Variant* from, Variant* to) {
   }
 }
 
-Object* Vm::err_object() {
-  if (!err_object_) err_object_ = MakeRef<ErrObject>(this);
-  return err_object_.get();
-}
-
 Vm::Entry::Entry(Vm& vm) : vm_(vm) {
   if (vm.entries_++ > 0) return;
   vm.site_ = ErrorSite();
@@ -508,37 +135,28 @@ void Vm::CheckStack(const Proc& proc, Variant* base) {
 
 // --- calls -----------------------------------------------------------------------------------
 
-namespace {
-// Clears a callee's slots and restores the machine's top when the call ends, thrown or not.
-struct FrameGuard {
-  Vm& vm;
-  Variant* base;
-  Variant* end;
-  Variant*& top;
-  Variant* saved_top;
-  int& depth;
-  bool done = false;
-  // The ordinary end of a call, inline: `end` has been narrowed to the slots still in use.
-  [[gnu::always_inline]] void Finish() {
-    vm.ReleaseLocks(base, end);
-    for (Variant* p = base; p < end; ++p)
-      Drop(*p);
-    top = saved_top;
-    --depth;
-    done = true;
-  }
-  ~FrameGuard() {
-    if (!done) Unwind();
-  }
-  [[gnu::noinline]] void Unwind() {
-    vm.ReleaseLocks(base, end);
-    for (Variant* p = base; p < end; ++p)
-      Drop(*p);
-    top = saved_top;
-    --depth;
-  }
-};
-}  // namespace
+Vm::FrameGuard::FrameGuard(Vm& vm, Variant* base, Variant* end)
+    : vm(vm), base(base), end(end), saved_top(vm.top_) {
+  ++vm.depth_;
+  vm.top_ = end;
+}
+
+[[gnu::always_inline]] inline void Vm::FrameGuard::Finish() {
+  vm.ReleaseLocks(base, end);
+  for (Variant* p = base; p < end; ++p)
+    Drop(*p);
+  vm.top_ = saved_top;
+  --vm.depth_;
+  done = true;
+}
+
+void Vm::FrameGuard::Unwind() {
+  vm.ReleaseLocks(base, end);
+  for (Variant* p = base; p < end; ++p)
+    Drop(*p);
+  vm.top_ = saved_top;
+  --vm.depth_;
+}
 
 void Vm::CallInPlace(const Proc& proc, ScriptObject* me, Variant* base, uint32_t argc,
                      uint32_t mask) {
@@ -558,9 +176,7 @@ void Vm::CallInPlace(const Proc& proc, ScriptObject* me, Variant* base, uint32_t
   alignas(Variant) unsigned char result[sizeof(Variant)] = {};
   const int32_t slot = proc.result_slot;
   {
-    ++depth_;
-    FrameGuard guard{*this, base, base + proc.nlocals + proc.max_stack, top_, top_, depth_};
-    top_ = guard.end;
+    FrameGuard guard(*this, base, base + proc.nlocals + proc.max_stack);
     Ref<ScriptObject> keep(me);
     Run(f);
     // A finished procedure leaves its stack area empty: only the locals need clearing. The
@@ -601,117 +217,8 @@ void Vm::RunTop(const Proc& top) {
   CheckStack(top, base);
   Frame f{&top, base, refs_ + (base - stack_), nullptr, false};
   Variant* const end = base + top.nlocals + top.max_stack;
-  ++depth_;
-  FrameGuard guard{*this, base, end, top_, top_, depth_};
-  top_ = end;
+  FrameGuard guard(*this, base, end);
   Run(f);
-}
-
-Variant Vm::EvalIn(Module& module, StringView expression) {
-  const String source(expression);
-  ExprPtr e = ParseExpression(source);
-  auto proc = CompileExpression(*e, module, source, nullptr);
-  return Call(*proc, nullptr, {});
-}
-
-void Vm::ExecuteIn(Module& module, StringView code, bool global) {
-  (void)global;
-  const String source(code);
-  Program program = ParseProgram(source);
-  CompiledUnit unit = CompileProgram(program, module, source, nullptr);
-  auto top = Link(unit, module);
-  RunTop(*top);
-}
-
-namespace {
-// The names Execute created inside one call of a procedure: they live as long as that call,
-// in a hidden local of its frame. Values stay where they are, so snippets can refer to them.
-class ScopeNames : public Object {
- public:
-  String TypeName() const override { return u"Object"; }
-  DispId GetIdOfName(StringView) override { return kDispIdUnknown; }
-  Variant Invoke(DispId, uint16_t, Args) override { Raise(kErrNotSupported); }
-
-  std::vector<String> names;
-  std::deque<Variant> values;
-
-  Variant* Find(StringView name) {
-    for (size_t i = 0; i < names.size(); ++i)
-      if (EqualsNoCase(names[i], name)) return &values[i];
-    return nullptr;
-  }
-};
-
-// Hands the names a snippet created to its caller's scope, also when the snippet fails halfway.
-struct KeepCreatedNames {
-  ScopeNames* scope;
-  const Proc& proc;
-  Variant* base;
-  ~KeepCreatedNames() {
-    if (!scope) return;
-    for (const auto& [name, local] : proc.created_names) {
-      scope->names.push_back(name);
-      scope->values.push_back(std::move(base[local]));
-    }
-  }
-};
-
-ScopeNames* ScopeOf(Variant& slot, bool create) {
-  if (!slot.is_object()) {
-    if (!create) return nullptr;
-    slot = Variant(static_cast<Object*>(MakeRef<ScopeNames>().get()));
-  }
-  return static_cast<ScopeNames*>(slot.as_object());
-}
-}  // namespace
-
-Variant* Vm::ScopeName(const Frame& f, StringView name) {
-  if (f.proc->scope_slot < 0) return nullptr;
-  ScopeNames* scope = ScopeOf(f.locals[f.proc->scope_slot], false);
-  return scope ? scope->Find(name) : nullptr;
-}
-
-Variant Vm::RunSnippet(Frame& caller, StringView code, bool expression, bool global) {
-  Module& module = *caller.proc->module;
-  const String source(code);
-  const Proc* outer = global ? nullptr : caller.proc;
-  ScopeNames* scope =
-      outer && outer->scope_slot >= 0 ? ScopeOf(caller.locals[outer->scope_slot], true) : nullptr;
-  const std::vector<String>* scope_names = scope ? &scope->names : nullptr;
-  std::unique_ptr<Proc> proc;
-  try {
-    if (expression) {
-      ExprPtr e = ParseExpression(source);
-      proc = CompileExpression(*e, module, source, outer, scope_names);
-    } else {
-      Program program = ParseProgram(source);
-      CompiledUnit unit = CompileProgram(program, module, source, outer, scope_names);
-      proc = Link(unit, module);
-    }
-  } catch (const CompileError& e) {
-    // Raised at run time, but Err still tells the script the code never compiled.
-    throw Error(e.number(), e.description(), String(kCompileErrorSource));
-  }
-  Variant* base = top_;
-  CheckStack(*proc, base);
-  Frame f{proc.get(), base, refs_ + (base - stack_), global ? nullptr : caller.me, false};
-  if (outer) {
-    const uint32_t own = static_cast<uint32_t>(caller.proc->local_names.size());
-    for (uint32_t i = 0; i < proc->nparams && i < own; ++i) {
-      const bool by_ref = i < caller.proc->nparams && caller.proc->byref[i];
-      f.refs[i] = by_ref ? caller.refs[i] : &caller.locals[i];
-    }
-    for (uint32_t i = own; i < proc->nparams; ++i)
-      f.refs[i] = &scope->values[i - own];
-  }
-  Variant* const end = base + proc->nlocals + proc->max_stack;
-  ++depth_;
-  FrameGuard guard{*this, base, end, top_, top_, depth_};
-  const KeepCreatedNames keep{scope, *proc, base};
-  top_ = end;
-  Run(f);
-  if (proc->result_slot >= 0) return std::move(base[proc->result_slot]);
-  return Variant();
 }
 
 Ref<ScriptObject> Vm::NewInstance(ClassInfo& cls) {
@@ -730,74 +237,6 @@ void Vm::Terminate(ScriptObject& object) noexcept {
     // Class_Terminate may not fail its caller: the error is dropped as VBScript drops it.
   }
   err_ = saved;
-}
-
-// --- errors ----------------------------------------------------------------------------------
-
-void Vm::RecordSite(const Frame& f, size_t pc, int32_t number) {
-  if (site_.set) return;
-  const Proc& p = *f.proc;
-  if (pc >= p.lines.size()) pc = p.lines.empty() ? 0 : p.lines.size() - 1;
-  site_.set = true;
-  if (number == kErrObjectRequired && pc < p.code.size()) {
-    const Instr& in = p.code[pc];
-    if (in.op == Op::CallMember || in.op == Op::StoreMember) site_.subject = p.sites[in.a].subject;
-  }
-  // An error of a library function names the function: "Type mismatch: 'CInt'".
-  if (pc < p.code.size() && p.code[pc].op == Op::CallGlobal) {
-    const GlobalSlot* slot = p.globals[p.code[pc].a];
-    if (slot->kind == SlotKind::Alias && slot->alias) slot = slot->alias;
-    if (slot->kind == SlotKind::Builtin) site_.subject = String(slot->builtin->name);
-  }
-  site_.line = p.lines.empty() ? 0 : p.lines[pc];
-  site_.column = p.columns.empty() ? 0 : p.columns[pc];
-  // The text of that line of the source.
-  const StringView src = p.source.view();
-  int32_t line = 1;
-  size_t start = 0;
-  for (size_t i = 0; i < src.size() && line < site_.line; ++i) {
-    if (src[i] == '\r' || src[i] == '\n') {
-      if (src[i] == '\r' && i + 1 < src.size() && src[i + 1] == '\n') ++i;
-      ++line;
-      start = i + 1;
-    }
-  }
-  size_t end = start;
-  while (end < src.size() && src[end] != '\r' && src[end] != '\n')
-    ++end;
-  site_.text = String(src.substr(std::min(start, src.size()), end - std::min(start, src.size())));
-}
-
-size_t Vm::HandleError(Frame& f, size_t pc, const Error& e) {
-  // This engine's own time limit can't be resumed past; the time-out of an engine the script
-  // drives (a script control it made) is an error like any other.
-  const bool own_timeout =
-      e.number() == kErrTimeout && has_deadline_ && std::chrono::steady_clock::now() > deadline_;
-  if (!f.resume_next || own_timeout) {
-    RecordSite(f, pc, e.number());
-    throw;
-  }
-  err_.number = e.number();
-  err_.description = help_from_raise_ ? e.description() : HandledDescription(e);
-  err_.source = e.source().empty() ? String(kRuntimeErrorSource) : e.source();
-  if (!help_from_raise_) {
-    err_.help_file = String();
-    err_.help_context = 0;
-  }
-  help_from_raise_ = false;
-  site_ = ErrorSite();
-  // Everything above the locals goes: the stack is empty between statements. So do the locks
-  // of array elements that were on their way into the failed call.
-  Variant* const floor = f.locals + f.proc->nlocals;
-  ReleaseLocks(floor, floor + f.proc->max_stack);
-  for (Variant* p = floor; p < floor + f.proc->max_stack; ++p)
-    Drop(*p);
-  const auto& starts = f.proc->stmt_start;
-  size_t next = pc + 1;
-  while (next < starts.size() && !starts[next])
-    ++next;
-  if (next >= starts.size()) next = starts.size() - 1;
-  return next;
 }
 
 // --- variables -------------------------------------------------------------------------------
@@ -1002,95 +441,6 @@ Variant Vm::CallMember(Frame& f, const Instr& in, Variant* base) {
   return r;
 }
 
-Variant Vm::ApplyIndex(const Variant& target, Args args, bool want) {
-  if (target.is_array()) {
-    const SafeArray* array = target.as_array();
-    if (args.size() == 1 && array->dimensions() == 1) {
-      const ArrayBound& b = array->bounds()[0];
-      const int64_t offset = int64_t{IndexValue(args[0])} - b.lower;
-      if (offset < 0 || offset >= b.count) Raise(kErrSubscript);
-      return (*array)[static_cast<size_t>(offset)];
-    }
-    if (args.empty()) return target;
-    int32_t idx[kMaxArrayDimensions];
-    if (args.size() > static_cast<size_t>(kMaxArrayDimensions)) Raise(kErrSubscript);
-    for (size_t i = 0; i < args.size(); ++i)
-      idx[i] = IndexValue(args[i]);
-    return array->At(std::span<const int32_t>(idx, args.size()));
-  }
-  if (target.is_object()) {
-    Object* object = target.as_object();
-    if (!object) Raise(kErrObjectNotSet);
-    return object->Invoke(kDispIdValue, want ? (kInvokeMethod | kInvokeGet) : kInvokeMethod, args);
-  }
-  if (args.empty()) return target;
-  Raise(kErrTypeMismatch);
-}
-
-void Vm::StoreIndexed(Variant& target, Args indexes, Variant value, bool is_set) {
-  if (is_set) {
-    CheckSetValue(value);
-  } else {
-    value = LetValue(std::move(value));
-  }
-  if (target.is_array()) {
-    SafeArray* array = target.mutable_array();
-    if (indexes.size() > static_cast<size_t>(kMaxArrayDimensions)) Raise(kErrSubscript);
-    int32_t idx[kMaxArrayDimensions];
-    for (size_t i = 0; i < indexes.size(); ++i)
-      idx[i] = IndexValue(indexes[i]);
-    array->At(std::span<const int32_t>(idx, indexes.size())) = std::move(value);
-    return;
-  }
-  if (target.is_object()) {
-    Object* object = target.as_object();
-    if (!object) Raise(kErrObjectNotSet);
-    std::vector<Variant> args(indexes.begin(), indexes.end());
-    args.push_back(std::move(value));
-    object->Invoke(kDispIdValue, is_set ? kInvokeSet : kInvokeLet, args);
-    return;
-  }
-  Raise(kErrTypeMismatch);
-}
-
-namespace {
-std::vector<ArrayBound> BoundsOf(Args bounds) {
-  std::vector<ArrayBound> out;
-  if (bounds.size() > static_cast<size_t>(kMaxArrayDimensions)) Raise(kErrSubscript);
-  for (const Variant& b : bounds) {
-    const int64_t upper = IndexValue(b);
-    if (upper < -1) Raise(kErrSubscript);
-    out.push_back(ArrayBound{0, upper + 1});
-  }
-  return out;
-}
-}  // namespace
-
-void Vm::DimArray(Variant& target, Args bounds) {
-  const std::vector<ArrayBound> b = BoundsOf(bounds);
-  Ref<SafeArray> array = MakeRef<SafeArray>(VarType::Variant, b);
-  array->set_fixed(!bounds.empty());
-  target = Variant(std::move(array));
-}
-
-void Vm::ReDimArray(Variant& target, Args bounds, bool preserve) {
-  const auto locked = [&] {
-    return target.is_array() && (target.as_array()->fixed() || target.as_array()->locked());
-  };
-  // A plain ReDim of a fixed array fails before its bounds are read; ReDim Preserve reads
-  // them first, so ReDim Preserve a("x") on a fixed array is a type mismatch.
-  if (!preserve && locked()) Raise(kErrArrayLocked);
-  const std::vector<ArrayBound> b = BoundsOf(bounds);
-  if (target.is_array()) {
-    if (locked()) Raise(kErrArrayLocked);
-    if (preserve) {
-      target.mutable_array()->Redim(b, true);
-      return;
-    }
-  }
-  target = Variant(MakeRef<SafeArray>(VarType::Variant, b));
-}
-
 Variant Vm::NewObject(Frame& f, GlobalSlot& slot) {
   GlobalSlot& s = Resolve(slot, *f.proc);
   // New RegExp makes the built-in object even where the script declares a class of that name.
@@ -1099,34 +449,18 @@ Variant Vm::NewObject(Frame& f, GlobalSlot& slot) {
   RaiseNamed(kErrClassNotDefined, s.name);
 }
 
-// The code given to Eval or Execute: an object stands for its default value (Nothing has none).
-Variant SnippetArg(const Variant& arg) {
-  if (!arg.is_object()) return arg;
-  if (!arg.as_object()) Raise(kErrObjectNotSet);
-  return ValueOf(arg);
-}
-
 Variant Vm::CallIntrinsic(Frame& f, Intrinsic which, Args args, bool want) {
   (void)want;
   switch (which) {
     case Intrinsic::Err:
       if (!args.empty()) return err_object()->Invoke(kDispIdValue, kInvokeGet, args);
       return Variant(err_object());
-    case Intrinsic::Eval: {
-      CheckArgCount(args, 1, 1);
-      // Only text is code: any other value, an object's default value included, is the result.
-      Variant code = SnippetArg(args[0]);
-      if (!code.is_string()) return code;
-      return RunSnippet(f, code.as_string(), true, false);
-    }
+    case Intrinsic::Eval:
+      return EvalSnippet(f, args);
     case Intrinsic::Execute:
-    case Intrinsic::ExecuteGlobal: {
-      CheckArgCount(args, 1, 1);
-      const Variant code = SnippetArg(args[0]);
-      if (!code.is_string()) Raise(kErrTypeMismatch);
-      RunSnippet(f, code.as_string(), false, which == Intrinsic::ExecuteGlobal);
+    case Intrinsic::ExecuteGlobal:
+      ExecuteSnippet(f, args, which == Intrinsic::ExecuteGlobal);
       return Variant();
-    }
     case Intrinsic::GetRef: {
       CheckArgCount(args, 1, 1);
       const Variant text = ValueOf(args[0]);
@@ -1180,6 +514,10 @@ Variant Vm::CallIntrinsic(Frame& f, Intrinsic which, Args args, bool want) {
   }
 }
 
+void Vm::RunOutOfLine(Frame& f) {
+  Run(f);
+}
+
 // No handler lives in here, so the instruction pointer stays in a register; it is published
 // to the frame at each dispatch for Run's handler to know where an error happened.
 void Vm::Execute(Frame& f) {
@@ -1189,76 +527,14 @@ void Vm::Execute(Frame& f) {
   Variant* sp = f.locals + proc.nlocals;
   Variant* const locals = f.locals;
   const Variant* const consts = proc.consts.data();
-  static void* targets[256];
-  static bool targets_ready = false;
-  if (!targets_ready) {
-    for (auto& t : targets)
-      t = &&generic;
-    targets[static_cast<uint8_t>(Op::PushConst)] = &&L_PushConst;
-    targets[static_cast<uint8_t>(Op::LoadLocal)] = &&L_LoadLocal;
-    targets[static_cast<uint8_t>(Op::LoadRef)] = &&L_LoadRef;
-    targets[static_cast<uint8_t>(Op::StoreLocal)] = &&L_StoreLocal;
-    targets[static_cast<uint8_t>(Op::StoreGlobal)] = &&L_StoreGlobal;
-    targets[static_cast<uint8_t>(Op::AddPopStore)] = &&L_AddPopStore;
-    targets[static_cast<uint8_t>(Op::LoadStore)] = &&L_LoadStore;
-    targets[static_cast<uint8_t>(Op::Add)] = &&L_Add;
-    targets[static_cast<uint8_t>(Op::Sub)] = &&L_Sub;
-    targets[static_cast<uint8_t>(Op::Mul)] = &&L_Mul;
-    targets[static_cast<uint8_t>(Op::Concat)] = &&L_Concat;
-    targets[static_cast<uint8_t>(Op::AddK)] = &&L_AddK;
-    targets[static_cast<uint8_t>(Op::SubK)] = &&L_SubK;
-    targets[static_cast<uint8_t>(Op::MulK)] = &&L_MulK;
-    targets[static_cast<uint8_t>(Op::EqK)] = &&L_EqK;
-    targets[static_cast<uint8_t>(Op::NeK)] = &&L_NeK;
-    targets[static_cast<uint8_t>(Op::LtK)] = &&L_LtK;
-    targets[static_cast<uint8_t>(Op::LeK)] = &&L_LeK;
-    targets[static_cast<uint8_t>(Op::GtK)] = &&L_GtK;
-    targets[static_cast<uint8_t>(Op::GeK)] = &&L_GeK;
-    targets[static_cast<uint8_t>(Op::Jmp)] = &&L_Jmp;
-    targets[static_cast<uint8_t>(Op::JmpFalse)] = &&L_JmpFalse;
-    targets[static_cast<uint8_t>(Op::JmpTrue)] = &&L_JmpTrue;
-    targets[static_cast<uint8_t>(Op::ForNext)] = &&L_ForNext;
-    targets[static_cast<uint8_t>(Op::CallGlobal)] = &&L_CallGlobal;
-    targets[static_cast<uint8_t>(Op::Index)] = &&L_Index;
-    targets[static_cast<uint8_t>(Op::CallMember)] = &&L_CallMember;
-    targets[static_cast<uint8_t>(Op::LoadGlobal)] = &&L_LoadGlobal;
-    targets[static_cast<uint8_t>(Op::Append)] = &&L_Append;
-    targets[static_cast<uint8_t>(Op::ArgLocal)] = &&L_ArgLocal;
-    targets[static_cast<uint8_t>(Op::Eq)] = &&L_Eq;
-    targets[static_cast<uint8_t>(Op::Lt)] = &&L_Lt;
-    targets[static_cast<uint8_t>(Op::Gt)] = &&L_Gt;
-    targets[static_cast<uint8_t>(Op::Le)] = &&L_Le;
-    targets[static_cast<uint8_t>(Op::Ge)] = &&L_Ge;
-    targets[static_cast<uint8_t>(Op::Ne)] = &&L_Ne;
-    targets[static_cast<uint8_t>(Op::AddL)] = &&L_AddK;
-    targets[static_cast<uint8_t>(Op::SubL)] = &&L_SubK;
-    targets[static_cast<uint8_t>(Op::MulL)] = &&L_MulK;
-    targets[static_cast<uint8_t>(Op::EqL)] = &&L_EqK;
-    targets[static_cast<uint8_t>(Op::NeL)] = &&L_NeK;
-    targets[static_cast<uint8_t>(Op::LtL)] = &&L_LtK;
-    targets[static_cast<uint8_t>(Op::LeL)] = &&L_LeK;
-    targets[static_cast<uint8_t>(Op::GtL)] = &&L_GtK;
-    targets[static_cast<uint8_t>(Op::GeL)] = &&L_GeK;
-    targets[static_cast<uint8_t>(Op::AddLeft)] = &&L_AddLeft;
-    targets[static_cast<uint8_t>(Op::SubLeft)] = &&L_SubLeft;
-    targets[static_cast<uint8_t>(Op::MulLeft)] = &&L_MulLeft;
-    targets[static_cast<uint8_t>(Op::LoadAdd)] = &&L_LoadAdd;
-    targets[static_cast<uint8_t>(Op::LoadSub)] = &&L_LoadSub;
-    targets[static_cast<uint8_t>(Op::LoadMul)] = &&L_LoadMul;
-    targets[static_cast<uint8_t>(Op::LoadAddStore)] = &&L_LoadAddStore;
-    targets[static_cast<uint8_t>(Op::LoadSubStore)] = &&L_LoadSubStore;
-    targets[static_cast<uint8_t>(Op::LoadMulStore)] = &&L_LoadMulStore;
-    targets[static_cast<uint8_t>(Op::LoadEqJmp)] = &&L_LoadEqJmp;
-    targets[static_cast<uint8_t>(Op::LoadNeJmp)] = &&L_LoadNeJmp;
-    targets[static_cast<uint8_t>(Op::LoadLtJmp)] = &&L_LoadLtJmp;
-    targets[static_cast<uint8_t>(Op::LoadLeJmp)] = &&L_LoadLeJmp;
-    targets[static_cast<uint8_t>(Op::LoadGtJmp)] = &&L_LoadGtJmp;
-    targets[static_cast<uint8_t>(Op::LoadGeJmp)] = &&L_LoadGeJmp;
-    targets[static_cast<uint8_t>(Op::AddStore)] = &&L_AddStore;
-    targets[static_cast<uint8_t>(Op::SubStore)] = &&L_SubStore;
-    targets[static_cast<uint8_t>(Op::MulStore)] = &&L_MulStore;
-    targets_ready = true;
-  }
+  // Filled at compile time from the opcode list: a HOT opcode's entry is the label of its
+  // name in this function, a COLD one's the switch.
+#define QV_COLD_TARGET(name) &&generic,
+#define QV_HOT_TARGET(name) &&L_##name,
+  static void* const targets[] = {QV_OPCODES(QV_COLD_TARGET, QV_HOT_TARGET)};
+#undef QV_COLD_TARGET
+#undef QV_HOT_TARGET
+  static_assert(std::size(targets) == kOpCount);
   // Hot operations end by jumping straight to the next one's code (computed goto);
   // the others go back through the switch.
 #define QV_NEXT()                                   \
@@ -1554,7 +830,8 @@ void Vm::Execute(Frame& f) {
         break;
       case Op::AddK:
       L_AddK:
-      case Op::AddL: {
+      case Op::AddL:
+      L_AddL : {
         Variant& a = sp[-1];
         const Variant& b = ip[-1].op == Op::AddK ? consts[ip[-1].a] : locals[ip[-1].a];
         if (!FastArith(
@@ -1565,7 +842,8 @@ void Vm::Execute(Frame& f) {
       }
       case Op::SubK:
       L_SubK:
-      case Op::SubL: {
+      case Op::SubL:
+      L_SubL : {
         Variant& a = sp[-1];
         const Variant& b = ip[-1].op == Op::SubK ? consts[ip[-1].a] : locals[ip[-1].a];
         if (!FastArith(
@@ -1576,7 +854,8 @@ void Vm::Execute(Frame& f) {
       }
       case Op::MulK:
       L_MulK:
-      case Op::MulL: {
+      case Op::MulL:
+      L_MulL : {
         Variant& a = sp[-1];
         const Variant& b = ip[-1].op == Op::MulK ? consts[ip[-1].a] : locals[ip[-1].a];
         if (!FastArith(
@@ -1588,7 +867,7 @@ void Vm::Execute(Frame& f) {
 #define QV_FUSED_COMPARE(K, L, INDEX, EXPR)                                        \
   case Op::K:                                                                      \
   case Op::L:                                                                      \
-    L_##K : {                                                                      \
+    L_##K : L_##L : {                                                              \
       Variant& a = sp[-1];                                                         \
       const Variant& b = ip[-1].op == Op::K ? consts[ip[-1].a] : locals[ip[-1].a]; \
       if (!FastCompare(a, b, [](auto x, auto y) { return EXPR; }))                 \
@@ -1827,17 +1106,9 @@ void Vm::Execute(Frame& f) {
           (--sp)->Clear();
         break;
       }
-      case Op::Erase: {
-        Variant& target = VarRef(f, ip[-1].flags, ip[-1].a);
-        if (!target.is_array()) Raise(kErrTypeMismatch);
-        if (target.as_array()->locked()) Raise(kErrArrayLocked);
-        if (target.as_array()->fixed()) {
-          target.mutable_array()->ResetElements();
-        } else {
-          target = Variant(MakeRef<SafeArray>(VarType::Variant, std::span<const ArrayBound>()));
-        }
+      case Op::Erase:
+        EraseArray(VarRef(f, ip[-1].flags, ip[-1].a));
         break;
-      }
       case Op::ForInit: {
         Variant step = ForOperand(std::move(sp[-1]));
         Variant end = ForOperand(std::move(sp[-2]));
@@ -2048,7 +1319,7 @@ void Vm::Execute(Frame& f) {
       case Op::AddPopStore:
       L_AddPopStore : {
         Operands o;
-        if (const int kind = Load(sp[-2], sp[-1], o)) {
+        if (const int kind = LoadOperands(sp[-2], sp[-1], o)) {
           PutResult<true>(
               locals[ip[-1].n], kind, o, [](int64_t p, int64_t q) { return p + q; },
               [](double p, double q) { return p + q; });

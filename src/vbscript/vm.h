@@ -1,6 +1,8 @@
 // The virtual machine: a value stack shared by all frames, a dispatch loop per script call,
 // VBScript's Err state, On Error Resume Next, the time limit and the guard against running
-// out of stack.
+// out of stack. Its parts: vm.cpp (calls and the dispatch loop), err.cpp (Err and error
+// handling), eval.cpp (Eval and Execute), indexing.cpp (arrays, ReDim), values.h (value moves
+// and inline arithmetic).
 #pragma once
 
 #include <chrono>
@@ -88,12 +90,33 @@ class Vm : public RefCounted {
     const Instr* ip = nullptr;  // the instruction after the one running
   };
 
+  // Clears a callee's slots and restores the machine's top when the call ends, thrown or not.
+  struct FrameGuard {
+    FrameGuard(Vm& vm, Variant* base, Variant* end);
+    ~FrameGuard() {
+      if (!done) Unwind();
+    }
+    FrameGuard(const FrameGuard&) = delete;
+    FrameGuard& operator=(const FrameGuard&) = delete;
+    // The ordinary end of a call, inline: `end` has been narrowed to the slots still in use.
+    void Finish();
+    [[gnu::noinline]] void Unwind();
+
+    Vm& vm;
+    Variant* base;
+    Variant* end;
+    Variant* saved_top;
+    bool done = false;
+  };
+
   // Runs a procedure whose arguments stand at base; leaves its result (Empty for a Sub) at
   // base[0] and every other slot from base on Empty.
   void CallInPlace(const Proc& proc, ScriptObject* me, Variant* base, uint32_t argc, uint32_t mask);
   Variant CallOnStack(const Proc& proc, ScriptObject* me, Variant* base, uint32_t argc,
                       uint32_t mask);
   void Run(Frame& f);
+  // Run for the callers off the hot call path (snippets), which can't inline it.
+  void RunOutOfLine(Frame& f);
   [[gnu::noinline]] void Execute(Frame& f);
   size_t HandleError(Frame& f, size_t pc, const Error& e);
   void RecordSite(const Frame& f, size_t pc, int32_t number);
@@ -111,6 +134,8 @@ class Vm : public RefCounted {
   Variant CallSlot(Frame& f, GlobalSlot& slot, Variant* args, uint32_t argc, uint32_t mask,
                    bool want);
   Variant CallIntrinsic(Frame& f, Intrinsic which, Args args, bool want);
+  Variant EvalSnippet(Frame& f, Args args);
+  void ExecuteSnippet(Frame& f, Args args, bool global);
   Variant CallBuiltin(const BuiltinFunction& fn, Args args);
   Variant CallMember(Frame& f, const Instr& in, Variant* base);
   Variant CallMethod(Frame& f, int32_t member, Variant* args, uint32_t argc, uint32_t mask,
@@ -119,6 +144,7 @@ class Vm : public RefCounted {
   void StoreIndexed(Variant& target, Args indexes, Variant value, bool is_set);
   void DimArray(Variant& target, Args bounds);
   void ReDimArray(Variant& target, Args bounds, bool preserve);
+  void EraseArray(Variant& target);
   void WriteBack(Variant* args, uint32_t argc, uint32_t mask);
   Variant NewObject(Frame& f, GlobalSlot& slot);
   Variant RunSnippet(Frame& caller, StringView code, bool expression, bool global);
