@@ -95,7 +95,11 @@ struct TyxVars {
   String ExtensionsFolder;          // WorkFolder + "/extensions"
   String TempFolder;                // WorkFolder + "/temp": the translated scripts
   String UserCodeFile;              // the user's script file (setting USERCODE)
+  String DefaultLangFile;           // the language file of the setting Language
+  String LangFile;                  // the language file of the run
   int32_t ScriptEngineTimeout = 0;  // milliseconds; 0 = no limit
+  int32_t SessionsDone = 0;         // sessions translated so far, for the progress bar
+  int32_t SessionsTotal = 0;        // sessions of the controls that need translating
 
   // ---- Overwrite state of one RunControls ----
   String OverwriteChoice;      // "", or for the rest of the run "O" all, "S" skip all, "C" cancel
@@ -115,10 +119,11 @@ struct TyxVars {
   std::shared_ptr<cRegistry> Registry;  // the shared cursor, created on first use
 
   // ---- Shared objects; higher layers keep their own types behind these slots ----
-  Ref<Object> TheScript;  // the script host of the run (TyScript)
-  Ref<Object> TheCache;   // the generation cache (TyxCache)
-  Ref<Object> TheLang;    // the language file (TyxLanguage)
-  Ref<Object> Status;     // the status surface (TyxStatus), created on first use
+  Ref<Object> TheScript;    // the script host of the run (TyScript)
+  Ref<Object> TheCache;     // the generation cache (TyxCache)
+  Ref<Object> TheLang;      // the language file (TyxLanguage)
+  Ref<Object> TheControls;  // the project's control list (TyxControls) of the run, or null
+  Ref<Object> Status;       // the status surface (TyxStatus), created on first use
 
   // ---- Hooks that higher layers install ----
   SysCodeProvider GetCode;  // the system script text behind TyxStatus.GetSysCode
