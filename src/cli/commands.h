@@ -17,6 +17,7 @@ void AddTablesCommand(CLI::App& app);
 void AddCustomViewCommand(CLI::App& app);
 void AddReportCommand(CLI::App& app);
 void AddScriptCommand(CLI::App& app);
+void AddEvalCommand(CLI::App& app);
 void AddSetCommand(CLI::App& app);
 void AddDefaultsCommand(CLI::App& app);
 void AddExtensionCommand(CLI::App& app);

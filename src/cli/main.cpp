@@ -24,6 +24,7 @@ int main(int argc, char** argv) {
   qv::cli::AddSetCommand(app);
   qv::cli::AddDefaultsCommand(app);
   qv::cli::AddExtensionCommand(app);
+  qv::cli::AddEvalCommand(app);
   qv::cli::AddScriptCommand(app);
   try {
     app.parse(argc, argv);

@@ -7,6 +7,7 @@
 #include "schema/custom_view.h"
 #include "schema/project_loader.h"
 #include "schema/report.h"
+#include "script/expression.h"
 
 namespace qv {
 
@@ -55,6 +56,14 @@ void RootServices::LoadCustomView(Tyx& tyx, const Variant& table_name, const Var
 
 bool RootServices::LoadReport(Tyx& tyx, const Variant& table_name, const Variant& from_table) {
   return qv::LoadReport(tyx, ToString(table_name), ToString(from_table));
+}
+
+String RootServices::Parse(Tyx& tyx, const Variant& text) {
+  return qv::Parse(tyx, ToString(text));
+}
+
+String RootServices::FldSrchOprs(Tyx&, int16_t ado_type) {
+  return qv::FldSrchOprs(ado_type);
 }
 
 }  // namespace qv

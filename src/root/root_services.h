@@ -20,6 +20,8 @@ class RootServices : public TyxServices {
   void LoadCustomView(Tyx& tyx, const Variant& table_name, const Variant& sql,
                       const Variant& copy_fields) override;
   bool LoadReport(Tyx& tyx, const Variant& table_name, const Variant& from_table) override;
+  String Parse(Tyx& tyx, const Variant& text) override;
+  String FldSrchOprs(Tyx& tyx, int16_t ado_type) override;
 };
 
 }  // namespace qv

@@ -1416,4 +1416,39 @@ std::unique_ptr<Proc> Link(CompiledUnit& unit, Module& module) {
   return std::move(unit.top);
 }
 
+LinkedUnit LinkKeeping(CompiledUnit& unit, Module& module) {
+  LinkedUnit linked;
+  for (const auto& proc : unit.procs)
+    linked.procs.push_back(proc.get());
+  for (const auto& cls : unit.classes)
+    linked.classes.push_back(cls.get());
+  linked.variables = unit.variables;
+  linked.constants = unit.constants;
+  linked.top = Link(unit, module);
+  return linked;
+}
+
+void Relink(const LinkedUnit& linked, Module& module) {
+  // The same steps as Link, in the same order, over definitions the module already owns.
+  for (const auto& name : linked.variables) {
+    GlobalSlot* slot = module.Slot(name);
+    if (slot->kind != SlotKind::Variable) {
+      slot->kind = SlotKind::Variable;
+      slot->value.Clear();
+    }
+  }
+  for (const auto& [name, value] : linked.constants) {
+    GlobalSlot* slot = module.Slot(name);
+    slot->kind = SlotKind::Constant;
+    slot->value = value;
+  }
+  for (const Proc* proc : linked.procs)
+    module.Define(proc);
+  for (ClassInfo* cls : linked.classes) {
+    GlobalSlot* slot = module.Slot(cls->name);
+    slot->kind = SlotKind::Class;
+    slot->cls = cls;
+  }
+}
+
 }  // namespace qv::vbs

@@ -36,4 +36,20 @@ std::unique_ptr<Proc> CompileExpression(const Expr& expr, Module& module, const 
 // Returns the module-level code, still owned by the caller.
 std::unique_ptr<Proc> Link(CompiledUnit& unit, Module& module);
 
+// What one Link made visible, kept so that the same unit can be made visible again without
+// compiling it: the procedures and classes stay owned by the module they were linked into.
+struct LinkedUnit {
+  std::unique_ptr<Proc> top;
+  std::vector<const Proc*> procs;
+  std::vector<ClassInfo*> classes;
+  std::vector<String> variables;
+  std::vector<std::pair<String, Variant>> constants;
+};
+
+// Link that keeps the record of what it linked.
+LinkedUnit LinkKeeping(CompiledUnit& unit, Module& module);
+
+// Repeats a LinkKeeping into the same module: the unit's names take its definitions again.
+void Relink(const LinkedUnit& linked, Module& module);
+
 }  // namespace qv::vbs

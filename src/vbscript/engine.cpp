@@ -37,6 +37,17 @@ String LineText(StringView source, int32_t wanted) {
 
 // --- ScriptModule ----------------------------------------------------------------------------
 
+// A compiled text and the names its procedures took as their own locals although nothing
+// declared them there: the compiler made those locals because the module had no such name
+// then. Once the module (or the global one) defines one of them, a fresh compile would bind
+// the name to the module instead, so the kept form is stale.
+struct ScriptModule::CachedCode {
+  LinkedUnit linked;
+  const Proc* top = nullptr;  // owned by the module, so that dropping an entry never frees
+                              // module-level code that is still running
+  std::vector<String> unbound_locals;
+};
+
 ScriptModule::ScriptModule(Engine& engine, Ref<Module> module)
     : engine_(engine), module_(std::move(module)) {}
 
@@ -52,6 +63,59 @@ void ScriptModule::AddCode(StringView code) {
     Program program = ParseProgram(source);
     CompiledUnit unit = CompileProgram(program, *module_, source, nullptr);
     auto top = Link(unit, *module_);
+    module_->vm()->RunTop(*top);
+    return 0;
+  });
+}
+
+namespace {
+
+bool DefinedIn(const Module* module, StringView name) {
+  if (!module) return false;
+  const GlobalSlot* slot = module->FindSlot(name);
+  return slot && slot->kind != SlotKind::Undefined;
+}
+
+}  // namespace
+
+bool ScriptModule::StillValid(const CachedCode& cached) const {
+  for (const String& name : cached.unbound_locals) {
+    if (DefinedIn(module_.get(), name) || DefinedIn(module_->global(), name)) return false;
+  }
+  return true;
+}
+
+void ScriptModule::AddCodeCached(StringView code) {
+  // Pages are few and their texts come back thousands of times; a cap keeps a host that
+  // never repeats a text from holding every text it ever added.
+  constexpr size_t kMaxCachedTexts = 1024;
+  engine_.Guard(code, [&] {
+    if (const auto it = cache_.find(code); it != cache_.end() && StillValid(*it->second)) {
+      const Proc* top = it->second->top;
+      Relink(it->second->linked, *module_);
+      module_->vm()->RunTop(*top);
+      return 0;
+    }
+    const String source(code);
+    Program program = ParseProgram(source);
+    CompiledUnit unit = CompileProgram(program, *module_, source, nullptr);
+    auto cached = std::make_unique<CachedCode>();
+    auto note_unbound = [&](const Proc& proc) {
+      for (const String& name : proc.local_names) {
+        if (name.empty()) continue;
+        if (!DefinedIn(module_.get(), name) && !DefinedIn(module_->global(), name))
+          cached->unbound_locals.push_back(name);
+      }
+    };
+    for (const auto& proc : unit.procs)
+      note_unbound(*proc);
+    for (const auto& proc : unit.class_procs)
+      note_unbound(*proc);
+    cached->linked = LinkKeeping(unit, *module_);
+    const Proc* top = module_->AddProc(std::move(cached->linked.top));
+    cached->top = top;
+    if (cache_.size() >= kMaxCachedTexts) cache_.clear();
+    cache_.insert_or_assign(source, std::move(cached));
     module_->vm()->RunTop(*top);
     return 0;
   });

@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <span>
+#include <unordered_map>
 #include <vector>
 
 #include "automation/object.h"
@@ -61,6 +62,10 @@ class ScriptModule {
   // Compiles and runs the code. A compile error adds nothing; a later definition of a
   // procedure replaces the earlier one.
   void AddCode(StringView code);
+  // AddCode for a host that adds the same texts again and again (a generator adds one page
+  // function per page): a text this module compiled before is made visible again from its
+  // compiled form and its module-level code runs again, without parsing or compiling.
+  void AddCodeCached(StringView code);
   Variant Run(StringView procedure, std::span<Variant> args = {});
   Variant Eval(StringView expression);
   void ExecuteStatement(StringView code);
@@ -69,8 +74,16 @@ class ScriptModule {
   Module& module() const { return *module_; }
 
  private:
+  struct CachedCode;
+  struct TextHash {
+    using is_transparent = void;
+    size_t operator()(StringView text) const noexcept { return std::hash<StringView>()(text); }
+  };
+  bool StillValid(const CachedCode& cached) const;
+
   Engine& engine_;
   Ref<Module> module_;
+  std::unordered_map<String, std::unique_ptr<CachedCode>, TextHash, std::equal_to<>> cache_;
 };
 
 class Engine {

@@ -1,0 +1,1 @@
+'Please enter your script here
