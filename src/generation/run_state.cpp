@@ -48,4 +48,15 @@ Ref<TyxDatabase> FirstDatabase(const Tyx& tyx) {
   return Ref<TyxDatabase>(list.Find(list.collection().Key(1)));
 }
 
+std::vector<Ref<TyxExtension>> ExtensionsInOrder(const Tyx& tyx) {
+  const TyxExtensions& list = tyx.Extensions();
+  std::vector<Ref<TyxExtension>> ordered;
+  for (int32_t seq = 1; seq <= list.Count(); ++seq) {
+    if (Ref<TyxExtension> extension = list.Seq(static_cast<int16_t>(seq))) {
+      ordered.push_back(std::move(extension));
+    }
+  }
+  return ordered;
+}
+
 }  // namespace qv

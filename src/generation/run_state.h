@@ -8,7 +8,10 @@
 // script host (Vars().TheScript, null in GenCheck).
 #pragma once
 
+#include <vector>
+
 #include "model/database.h"
+#include "model/extension.h"
 #include "model/tyx.h"
 #include "templates/controls.h"
 #include "templates/language.h"
@@ -32,5 +35,8 @@ TyxCache* RunCache();
 // The first database of the project: the one under its database name, else the first in the
 // list; null when the project has none.
 Ref<TyxDatabase> FirstDatabase(const Tyx& tyx);
+
+// The project's extensions in Seq order, 1 to Count; a gap in Seq is passed over.
+std::vector<Ref<TyxExtension>> ExtensionsInOrder(const Tyx& tyx);
 
 }  // namespace qv
