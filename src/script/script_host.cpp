@@ -368,9 +368,9 @@ Variant TyScript::BuildCode(StringView module, const Variant& str) {
   // The report. The original handler first read an object it never set, so a failure here
   // always leaves as an exception to the caller's own handler, "Object required"; the words
   // below are kept in ProjErr for that handler to show.
-  const String where = CurrentTableAndField();
   String text = vars.ProductName + u": VBScript Runtime error in module \"" + module + u"\"" +
                 RuntimeErrorText();
+  const String where = CurrentTableAndField();
   const size_t comma = where.view().find(u',');
   if (comma != StringView::npos) {
     text.Append(u"Please check setting for Table \"");

@@ -104,6 +104,35 @@ TEST(EngineTest, LaterDefinitionReplacesEarlierAcrossAddCode) {
   EXPECT_EQ(Utf8(system.Run(u"F")), "2");
 }
 
+TEST(EngineTest, CachedCodeComesBackAsCompiledAndFollowsNewModuleNames) {
+  Engine engine;
+  ScriptModule& system = engine.AddModule(u"System");
+  const std::u16string first =
+      u"Dim runs\r\nruns = runs + 1\r\nFunction qvScriptEngine() : x = \"first\" : "
+      u"qvScriptEngine = x : End Function";
+  const std::u16string second = u"Function qvScriptEngine() : qvScriptEngine = 2 : End Function";
+  system.AddCodeCached(first);
+  system.AddCodeCached(second);
+  EXPECT_EQ(Utf8(system.Run(u"qvScriptEngine")), "2");
+  // A text seen before takes its definitions back and runs its module-level code again.
+  system.AddCodeCached(first);
+  EXPECT_EQ(Utf8(system.Run(u"qvScriptEngine")), "first");
+  EXPECT_EQ(Utf8(system.Eval(u"runs")), "2");
+  EXPECT_EQ(system.Procedures().size(), 1u);
+
+  // `x` was a local of the function because the module had no such name. Once the module
+  // declares it, the kept compiled form is stale: the function must now write the module's x.
+  system.AddCode(u"Dim x");
+  system.AddCodeCached(first);
+  system.Run(u"qvScriptEngine");
+  EXPECT_EQ(Utf8(system.Eval(u"x")), "first");
+
+  // A compile error leaves nothing behind and reports like AddCode.
+  EXPECT_NE(ErrorOf([&] { system.AddCodeCached(u"Function qvScriptEngine()\r\nIf 1 Then"); }), 0);
+  EXPECT_EQ(engine.Error().Line(), 2);
+  EXPECT_EQ(Utf8(system.Run(u"qvScriptEngine")), "first");
+}
+
 TEST(EngineTest, CompileErrorsCarryPositionAndTextAndAddNothing) {
   Engine engine;
   const char16_t* code =
