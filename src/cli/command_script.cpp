@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "ado/classes.h"
 #include "automation/error.h"
 #include "cli/commands.h"
 #include "cli/host_classes.h"
@@ -64,6 +65,7 @@ int RunScript(const ScriptOptions& o) {
   vbs::Engine engine;
   engine.SetTimeout(-1);  // a host script runs as long as its work takes
   RegisterHostClasses(engine.Registry());
+  ado::RegisterAdoClasses(engine.Registry());
   engine.AddObject(u"WScript",
                    MakeRef<WScriptObject>(engine, String::FromUtf8(full), std::move(arguments)));
   try {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "ado/classes.h"
 #include "cli/wscript.h"
 #include "vbscript/engine.h"
 
@@ -66,6 +67,7 @@ int main(int argc, char** argv) {
   const std::string full = FullPath(script);
   qv::vbs::Engine engine;
   engine.SetTimeout(-1);
+  qv::ado::RegisterAdoClasses(engine.Registry());
   engine.Registry().Register(u"QuorvexVbs.Counter", [] {
     return qv::Ref<qv::Object>(qv::MakeRef<qv::cli::CounterObject>());
   });

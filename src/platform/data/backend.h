@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "automation/string.h"
@@ -13,6 +14,38 @@
 #include "platform/data/rowset.h"
 
 namespace qv::data {
+
+// The rows of one statement, fetched one at a time, so that a forward-only reader of a huge
+// result holds a single row. A cursor keeps what it needs of its connection alive by itself:
+// it stays safe to use (and to destroy) after the connection has been closed.
+class Cursor {
+ public:
+  virtual ~Cursor() = default;
+  const std::vector<ColumnInfo>& Columns() const noexcept { return columns_; }
+  // Fills `row` (resized to the columns) with the next row; false after the last one.
+  virtual bool Fetch(std::vector<Variant>& row) = 0;
+
+ protected:
+  std::vector<ColumnInfo> columns_;
+};
+
+// What running a statement gives: its rows when it returns any, else the count of the rows it
+// changed (-1 when the backend cannot tell).
+struct StatementResult {
+  std::unique_ptr<Cursor> rows;
+  int64_t rows_affected = -1;
+};
+
+// A cursor over rows already in memory.
+class RowsetCursor final : public Cursor {
+ public:
+  explicit RowsetCursor(Rowset rowset);
+  bool Fetch(std::vector<Variant>& row) override;
+
+ private:
+  std::vector<std::vector<Variant>> rows_;
+  size_t next_ = 0;
+};
 
 class Backend {
  public:
@@ -30,6 +63,19 @@ class Backend {
   virtual Rowset Execute(StringView sql) = 0;
   // The characters that quote a name in this backend's SQL, for opening a table by name.
   virtual std::pair<String, String> NameQuotes() const { return {u"\"", u"\""}; }
+
+  // Runs a statement whose `?` placeholders take `params` in order, each bound by the type of
+  // its Variant (Null, Boolean, the numbers, Currency, Date, String, Byte arrays), never pasted
+  // into the text. The default serves read-only backends: no parameters, rows from Execute.
+  virtual StatementResult Run(StringView sql, std::span<const Variant> params);
+  // How many placeholders a statement has, when the backend can tell.
+  virtual std::optional<int32_t> ParameterCount(StringView sql);
+  // The key the last INSERT generated on this connection; Empty when there is none to tell.
+  virtual Variant LastInsertKey() { return Variant(); }
+  // One transaction at a time; the defaults raise kErrNotSupported.
+  virtual void BeginTransaction();
+  virtual void CommitTransaction();
+  virtual void RollbackTransaction();
 };
 
 }  // namespace qv::data

@@ -165,6 +165,45 @@ std::unique_ptr<Recordset> Connection::Execute(StringView sql) {
   return std::make_unique<Recordset>(Guard([&] { return backend.Execute(sql); }));
 }
 
+StatementResult Connection::Run(StringView sql, std::span<const Variant> params) {
+  Backend& backend = RequireOpen();
+  return Guard([&] { return backend.Run(sql, params); });
+}
+
+std::optional<int32_t> Connection::ParameterCount(StringView sql) {
+  Backend& backend = RequireOpen();
+  return Guard([&] { return backend.ParameterCount(sql); });
+}
+
+Variant Connection::LastInsertKey() {
+  Backend& backend = RequireOpen();
+  return Guard([&] { return backend.LastInsertKey(); });
+}
+
+void Connection::BeginTransaction() {
+  Backend& backend = RequireOpen();
+  Guard([&] { backend.BeginTransaction(); });
+}
+
+void Connection::CommitTransaction() {
+  Backend& backend = RequireOpen();
+  Guard([&] { backend.CommitTransaction(); });
+}
+
+void Connection::RollbackTransaction() {
+  Backend& backend = RequireOpen();
+  Guard([&] { backend.RollbackTransaction(); });
+}
+
+std::pair<String, String> Connection::NameQuotes() const {
+  return RequireOpen().NameQuotes();
+}
+
+void Connection::Fail(const ProviderError& failure) {
+  errors_.Assign(failure.records());
+  throw failure.ToError();
+}
+
 namespace {
 
 // A source without blanks, brackets or quotes that isn't a statement names a table.

@@ -17,10 +17,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <span>
 #include <vector>
 
 #include "automation/string.h"
 #include "automation/variant.h"
+#include "platform/data/backend.h"
 #include "platform/data/provider_error.h"
 
 namespace qv::data {
@@ -69,6 +72,21 @@ class Connection {
 
   // For Recordset::Open: runs a statement or opens a table by name.
   std::unique_ptr<Recordset> OpenSource(StringView source);
+
+  // Runs a statement with `?` placeholders bound to `params`; rows stream through the cursor.
+  StatementResult Run(StringView sql, std::span<const Variant> params = {});
+  // Placeholders of a statement, when the backend can tell.
+  std::optional<int32_t> ParameterCount(StringView sql);
+  // The key the last INSERT generated (Empty when unknown).
+  Variant LastInsertKey();
+  void BeginTransaction();
+  void CommitTransaction();
+  void RollbackTransaction();
+  // The characters that quote a name in the backend's SQL.
+  std::pair<String, String> NameQuotes() const;
+  // Records a failure met outside a call of this class (a cursor's fetch) in the Errors and
+  // raises it as the error scripts see.
+  [[noreturn]] void Fail(const ProviderError& failure);
 
  private:
   Backend& RequireOpen() const;

@@ -78,6 +78,7 @@ inline constexpr int32_t kErrItemNotFound = static_cast<int32_t>(0x800A0CC1);   
 inline constexpr int32_t kErrObjectClosed = static_cast<int32_t>(0x800A0E78);      // 3704
 inline constexpr int32_t kErrBofOrEof = static_cast<int32_t>(0x800A0BCD);          // 3021
 inline constexpr int32_t kErrNotSupported = static_cast<int32_t>(0x800A0CB3);      // 3251
+inline constexpr int32_t kErrDataConversion = static_cast<int32_t>(0x800A0D5D);    // 3421
 
 // DAO DataTypeEnum.
 enum DaoType : int32_t {

@@ -8,9 +8,11 @@
 #include <sqlucode.h>
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <set>
 
+#include "automation/convert.h"
 #include "automation/date_time.h"
 #include "platform/data/connection_string.h"
 #include "platform/data/data_types.h"
@@ -230,30 +232,180 @@ int64_t IntOr(SQLHSTMT stmt, SQLUSMALLINT column, int64_t fallback) {
   return GetFixed<SQLBIGINT>(stmt, column, SQL_C_SBIGINT).value_or(fallback);
 }
 
+// The environment and connection handles. Cursors share them with the backend, so a cursor
+// left open when its connection closes still frees its statement before the disconnect.
+struct OdbcLink {
+  OdbcLink() : env(SQL_HANDLE_ENV, SQL_NULL_HANDLE) {
+    SQLSetEnvAttr(env.get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
+    dbc = std::make_unique<Handle>(SQL_HANDLE_DBC, env.get());
+  }
+  ~OdbcLink() {
+    if (connected) SQLDisconnect(dbc->get());
+    dbc.reset();
+  }
+  Handle env;
+  std::unique_ptr<Handle> dbc;
+  bool connected = false;
+};
+
+// One bound parameter's value, kept alive until the statement has run.
+struct BoundValue {
+  std::vector<uint8_t> data;
+  SQLLEN indicator = 0;
+};
+
+template <class T>
+void Store(BoundValue& bound, const T& value) {
+  bound.data.resize(sizeof value);
+  std::memcpy(bound.data.data(), &value, sizeof value);
+  bound.indicator = sizeof value;
+}
+
+void BindParameter(SQLHSTMT stmt, SQLUSMALLINT index, const Variant& value, BoundValue& bound) {
+  SQLSMALLINT c_type = SQL_C_CHAR;
+  SQLSMALLINT sql_type = SQL_VARCHAR;
+  SQLULEN size = 1;
+  SQLSMALLINT digits = 0;
+  switch (value.type()) {
+    case VarType::Empty:
+    case VarType::Null:
+      bound.data.assign(1, 0);
+      bound.indicator = SQL_NULL_DATA;
+      break;
+    case VarType::Boolean:
+      Store(bound, static_cast<unsigned char>(value.as_bool() ? 1 : 0));
+      c_type = SQL_C_BIT;
+      sql_type = SQL_BIT;
+      break;
+    case VarType::Byte:
+    case VarType::Integer:
+    case VarType::Long: {
+      const SQLINTEGER number = value.type() == VarType::Long      ? value.as_long()
+                                : value.type() == VarType::Integer ? value.as_integer()
+                                                                   : value.as_byte();
+      Store(bound, number);
+      c_type = SQL_C_SLONG;
+      sql_type = SQL_INTEGER;
+      size = 10;
+      break;
+    }
+    case VarType::Single:
+    case VarType::Double:
+      Store(bound, value.type() == VarType::Single ? static_cast<double>(value.as_single())
+                                                   : value.as_double());
+      c_type = SQL_C_DOUBLE;
+      sql_type = SQL_DOUBLE;
+      size = 15;
+      break;
+    case VarType::Currency: {
+      // Exact decimal text: a double would lose the ten-thousandths of large amounts.
+      const std::string text = CurrencyText(value.as_currency()).ToUtf8();
+      bound.data.assign(text.begin(), text.end());
+      bound.indicator = static_cast<SQLLEN>(text.size());
+      sql_type = SQL_DECIMAL;
+      size = 19;
+      digits = 4;
+      break;
+    }
+    case VarType::Date: {
+      const auto parts = SplitDate(value.as_date());
+      if (!parts) {
+        throw ProviderError(kErrDataConversion, u"The date is out of range.", String(kSource));
+      }
+      SQL_TIMESTAMP_STRUCT ts{};
+      ts.year = static_cast<SQLSMALLINT>(parts->year);
+      ts.month = static_cast<SQLUSMALLINT>(parts->month);
+      ts.day = static_cast<SQLUSMALLINT>(parts->day);
+      ts.hour = static_cast<SQLUSMALLINT>(parts->hour);
+      ts.minute = static_cast<SQLUSMALLINT>(parts->minute);
+      ts.second = static_cast<SQLUSMALLINT>(parts->second);
+      Store(bound, ts);
+      c_type = SQL_C_TYPE_TIMESTAMP;
+      sql_type = SQL_TYPE_TIMESTAMP;
+      size = 19;
+      break;
+    }
+    case VarType::String: {
+      const String& text = value.as_string();
+      const size_t bytes = text.size() * sizeof(Char);
+      bound.data.resize(bytes + sizeof(Char));
+      if (bytes) std::memcpy(bound.data.data(), text.data(), bytes);
+      bound.indicator = static_cast<SQLLEN>(bytes);
+      c_type = SQL_C_WCHAR;
+      sql_type = text.size() > 4000 ? SQL_WLONGVARCHAR : SQL_WVARCHAR;
+      size = std::max<SQLULEN>(text.size(), 1);
+      break;
+    }
+    default: {
+      auto bytes = BytesOf(value);
+      if (!bytes) {
+        throw ProviderError(kErrDataConversion,
+                            u"Application uses a value of the wrong type for the current "
+                            u"operation.",
+                            String(kSource));
+      }
+      bound.indicator = static_cast<SQLLEN>(bytes->size());
+      size = std::max<SQLULEN>(bytes->size(), 1);
+      bound.data = std::move(*bytes);
+      if (bound.data.empty()) bound.data.push_back(0);
+      c_type = SQL_C_BINARY;
+      sql_type = size > 8000 ? SQL_LONGVARBINARY : SQL_VARBINARY;
+      break;
+    }
+  }
+  const SQLRETURN rc =
+      SQLBindParameter(stmt, index, SQL_PARAM_INPUT, c_type, sql_type, size, digits,
+                       bound.data.data(), static_cast<SQLLEN>(bound.data.size()), &bound.indicator);
+  if (!Succeeded(rc)) Fail(SQL_HANDLE_STMT, stmt, u"Binding a parameter");
+}
+
+// The rows of one statement, fetched from the driver as they are read.
+class OdbcCursor final : public Cursor {
+ public:
+  OdbcCursor(std::shared_ptr<OdbcLink> link, std::unique_ptr<Handle> stmt,
+             std::vector<ColumnInfo> columns)
+      : link_(std::move(link)), stmt_(std::move(stmt)) {
+    columns_ = std::move(columns);
+  }
+
+  bool Fetch(std::vector<Variant>& row) override {
+    if (!stmt_) return false;
+    const SQLRETURN rc = SQLFetch(stmt_->get());
+    if (rc == SQL_NO_DATA) {
+      stmt_.reset();  // frees the driver's statement at once, as the last row is read
+      return false;
+    }
+    if (!Succeeded(rc)) Fail(SQL_HANDLE_STMT, stmt_->get(), u"Fetching a row");
+    row.resize(columns_.size());
+    for (size_t i = 0; i < columns_.size(); ++i) {
+      row[i] = ReadValue(stmt_->get(), static_cast<SQLUSMALLINT>(i + 1), columns_[i].type);
+    }
+    return true;
+  }
+
+ private:
+  std::shared_ptr<OdbcLink> link_;  // declared first: it must outlive the statement
+  std::unique_ptr<Handle> stmt_;
+};
+
 class OdbcBackend final : public Backend {
  public:
-  OdbcBackend() : env_(SQL_HANDLE_ENV, SQL_NULL_HANDLE) {
-    SQLSetEnvAttr(env_.get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
-    dbc_ = std::make_unique<Handle>(SQL_HANDLE_DBC, env_.get());
-  }
-  ~OdbcBackend() override {
-    if (connected_) SQLDisconnect(dbc_->get());
-    dbc_.reset();
-  }
+  OdbcBackend() : link_(std::make_shared<OdbcLink>()) {}
 
   void Connect(const String& text, const OdbcTimeouts& timeouts) {
     command_timeout_ = timeouts.command_seconds;
     const auto seconds =
         reinterpret_cast<SQLPOINTER>(static_cast<intptr_t>(timeouts.login_seconds));
-    SQLSetConnectAttr(dbc_->get(), SQL_ATTR_LOGIN_TIMEOUT, seconds, 0);
-    SQLSetConnectAttr(dbc_->get(), SQL_ATTR_CONNECTION_TIMEOUT, seconds, 0);
+    SQLSetConnectAttr(link_->dbc->get(), SQL_ATTR_LOGIN_TIMEOUT, seconds, 0);
+    SQLSetConnectAttr(link_->dbc->get(), SQL_ATTR_CONNECTION_TIMEOUT, seconds, 0);
     SQLWCHAR out[1024];
     SQLSMALLINT out_length = 0;
-    dbc_->Check(SQLDriverConnectW(dbc_->get(), nullptr, W(text), SQL_NTS, out,
-                                  static_cast<SQLSMALLINT>(std::size(out)), &out_length,
-                                  SQL_DRIVER_NOPROMPT),
-                u"Connecting");
-    connected_ = true;
+    link_->dbc->Check(SQLDriverConnectW(link_->dbc->get(), nullptr, W(text), SQL_NTS, out,
+                                        static_cast<SQLSMALLINT>(std::size(out)), &out_length,
+                                        SQL_DRIVER_NOPROMPT),
+                      u"Connecting");
+    link_->connected = true;
+    dbms_ = ToLower(Info(SQL_DBMS_NAME));
     const String quote = Info(SQL_IDENTIFIER_QUOTE_CHAR);
     if (!quote.empty() && quote != u" ") quote_ = quote;
   }
@@ -314,9 +466,83 @@ class OdbcBackend final : public Backend {
     return rowset;
   }
 
+  StatementResult Run(StringView sql, std::span<const Variant> params) override {
+    last_key_.reset();
+    auto stmt = std::make_unique<Handle>(SQL_HANDLE_STMT, link_->dbc->get());
+    SQLSetStmtAttr(stmt->get(), SQL_ATTR_QUERY_TIMEOUT,
+                   reinterpret_cast<SQLPOINTER>(static_cast<intptr_t>(command_timeout_)), 0);
+    const String text(sql);
+    std::vector<BoundValue> bound(params.size());
+    SQLRETURN rc;
+    if (params.empty()) {
+      rc = SQLExecDirectW(stmt->get(), W(text), SQL_NTS);
+    } else {
+      stmt->Check(SQLPrepareW(stmt->get(), W(text), SQL_NTS), u"Preparing the statement");
+      for (size_t i = 0; i < params.size(); ++i) {
+        BindParameter(stmt->get(), static_cast<SQLUSMALLINT>(i + 1), params[i], bound[i]);
+      }
+      rc = SQLExecute(stmt->get());
+    }
+    StatementResult result;
+    if (rc == SQL_NO_DATA) {
+      result.rows_affected = 0;  // a searched UPDATE or DELETE that matched nothing
+      return result;
+    }
+    stmt->Check(rc, u"Running the statement");
+    SQLSMALLINT count = 0;
+    stmt->Check(SQLNumResultCols(stmt->get(), &count), u"Reading the columns");
+    if (count == 0) {
+      SQLLEN changed = -1;
+      if (Succeeded(SQLRowCount(stmt->get(), &changed))) result.rows_affected = changed;
+      return result;
+    }
+    std::vector<ColumnInfo> columns;
+    for (SQLUSMALLINT i = 1; i <= static_cast<SQLUSMALLINT>(count); ++i) {
+      columns.push_back(Describe(stmt->get(), i));
+    }
+    result.rows = std::make_unique<OdbcCursor>(link_, std::move(stmt), std::move(columns));
+    return result;
+  }
+
+  std::optional<int32_t> ParameterCount(StringView sql) override {
+    Handle stmt(SQL_HANDLE_STMT, link_->dbc->get());
+    const String text(sql);
+    stmt.Check(SQLPrepareW(stmt.get(), W(text), SQL_NTS), u"Preparing the statement");
+    SQLSMALLINT count = 0;
+    if (!Succeeded(SQLNumParams(stmt.get(), &count))) return std::nullopt;
+    return count;
+  }
+
+  Variant LastInsertKey() override {
+    const StringView query =
+        dbms_.view().find(u"postgres") != StringView::npos     ? u"SELECT lastval()"
+        : dbms_.view().find(u"sql server") != StringView::npos ? u"SELECT SCOPE_IDENTITY()"
+                                                               : u"SELECT LAST_INSERT_ID()";
+    try {
+      Rowset rowset = Execute(query);
+      if (rowset.rows.empty() || rowset.rows[0].empty()) return Variant();
+      const Variant& key = rowset.rows[0][0];
+      if (key.is_string()) {
+        if (auto number = ParseNumberText(key.as_string()))
+          return IntegerValue(static_cast<int64_t>(*number));
+      }
+      return key;
+    } catch (const ProviderError&) {
+      return Variant();  // no key generated in this session yet
+    }
+  }
+
+  void BeginTransaction() override {
+    link_->dbc->Check(SQLSetConnectAttr(link_->dbc->get(), SQL_ATTR_AUTOCOMMIT,
+                                        reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_OFF), 0),
+                      u"Starting a transaction");
+  }
+  void CommitTransaction() override { EndTransaction(SQL_COMMIT); }
+  void RollbackTransaction() override { EndTransaction(SQL_ROLLBACK); }
+
   Rowset Execute(StringView sql) override {
     last_key_.reset();
-    Handle stmt(SQL_HANDLE_STMT, dbc_->get());
+    Handle stmt(SQL_HANDLE_STMT, link_->dbc->get());
     SQLSetStmtAttr(stmt.get(), SQL_ATTR_QUERY_TIMEOUT,
                    reinterpret_cast<SQLPOINTER>(static_cast<intptr_t>(command_timeout_)), 0);
     const String text(sql);
@@ -338,12 +564,20 @@ class OdbcBackend final : public Backend {
   }
 
  private:
+  void EndTransaction(SQLSMALLINT how) {
+    link_->dbc->Check(SQLEndTran(SQL_HANDLE_DBC, link_->dbc->get(), how),
+                      how == SQL_COMMIT ? u"Committing" : u"Rolling back");
+    link_->dbc->Check(SQLSetConnectAttr(link_->dbc->get(), SQL_ATTR_AUTOCOMMIT,
+                                        reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), 0),
+                      u"Ending the transaction");
+  }
+
   using Target = std::tuple<std::optional<String>, std::optional<String>, String>;
 
   String Info(SQLUSMALLINT id) {
     SQLWCHAR buffer[512] = {};
     SQLSMALLINT length = 0;
-    if (!Succeeded(SQLGetInfoW(dbc_->get(), id, buffer, sizeof buffer, &length))) return {};
+    if (!Succeeded(SQLGetInfoW(link_->dbc->get(), id, buffer, sizeof buffer, &length))) return {};
     const size_t chars =
         std::min(static_cast<size_t>(std::max<SQLSMALLINT>(length, 0)) / sizeof(SQLWCHAR),
                  std::size(buffer) - 1);
@@ -358,7 +592,7 @@ class OdbcBackend final : public Backend {
 
   void Tables(Rowset& rowset, const std::optional<String>& catalog,
               const std::optional<String>& schema, const std::optional<String>& table) {
-    Handle stmt(SQL_HANDLE_STMT, dbc_->get());
+    Handle stmt(SQL_HANDLE_STMT, link_->dbc->get());
     stmt.Check(SQLTablesW(stmt.get(), Arg(catalog), Len(catalog), Arg(schema), Len(schema),
                           Arg(table), Len(table), nullptr, 0),
                u"Listing the tables");
@@ -377,7 +611,7 @@ class OdbcBackend final : public Backend {
 
   void Columns(Rowset& rowset, const std::optional<String>& catalog,
                const std::optional<String>& schema, const std::optional<String>& table) {
-    Handle stmt(SQL_HANDLE_STMT, dbc_->get());
+    Handle stmt(SQL_HANDLE_STMT, link_->dbc->get());
     stmt.Check(SQLColumnsW(stmt.get(), Arg(catalog), Len(catalog), Arg(schema), Len(schema),
                            Arg(table), Len(table), nullptr, 0),
                u"Listing the columns");
@@ -445,7 +679,7 @@ class OdbcBackend final : public Backend {
 
   Key ReadKey(const std::optional<String>& catalog, const std::optional<String>& schema,
               const String& table) {
-    Handle stmt(SQL_HANDLE_STMT, dbc_->get());
+    Handle stmt(SQL_HANDLE_STMT, link_->dbc->get());
     std::optional<String> name(table);
     stmt.Check(SQLPrimaryKeysW(stmt.get(), Arg(catalog), Len(catalog), Arg(schema), Len(schema),
                                Arg(name), Len(name)),
@@ -484,7 +718,7 @@ class OdbcBackend final : public Backend {
   void Indexes(Rowset& rowset, const std::optional<String>& catalog,
                const std::optional<String>& schema, const String& table) {
     const auto [key_columns, key_name] = KeyOf(catalog, schema, table);
-    Handle stmt(SQL_HANDLE_STMT, dbc_->get());
+    Handle stmt(SQL_HANDLE_STMT, link_->dbc->get());
     std::optional<String> name(table);
     stmt.Check(SQLStatisticsW(stmt.get(), Arg(catalog), Len(catalog), Arg(schema), Len(schema),
                               Arg(name), Len(name), SQL_INDEX_ALL, SQL_QUICK),
@@ -559,6 +793,19 @@ class OdbcBackend final : public Backend {
     if (nullable != SQL_NO_NULLS) info.attributes |= adFldIsNullable | adFldMayBeNull;
     if (updatable == SQL_ATTR_WRITE) info.attributes |= adFldUpdatable;
     if (updatable == SQL_ATTR_READWRITE_UNKNOWN) info.attributes |= adFldUnknownUpdatable;
+    if (info.type == adNumeric || info.type == adDecimal) {
+      info.precision = static_cast<uint8_t>(std::min<SQLULEN>(size, 255));
+      info.numeric_scale = static_cast<uint8_t>(std::clamp<SQLSMALLINT>(digits, 0, 255));
+    }
+    SQLWCHAR table[256] = {};
+    SQLSMALLINT table_length = 0;
+    if (Succeeded(SQLColAttributeW(stmt, column, SQL_DESC_BASE_TABLE_NAME, table, sizeof table,
+                                   &table_length, nullptr))) {
+      info.base_table = FromW(
+          table, std::min<size_t>(
+                     static_cast<size_t>(std::max<SQLSMALLINT>(table_length, 0)) / sizeof(SQLWCHAR),
+                     std::size(table) - 1));
+    }
     if (info.type == adLongVarWChar || info.type == adLongVarChar || info.type == adLongVarBinary) {
       info.attributes |= adFldLong;
     } else if (info.type != adVarWChar && info.type != adVarChar && info.type != adVarBinary) {
@@ -567,9 +814,8 @@ class OdbcBackend final : public Backend {
     return info;
   }
 
-  Handle env_;
-  std::unique_ptr<Handle> dbc_;
-  bool connected_ = false;
+  std::shared_ptr<OdbcLink> link_;
+  String dbms_;  // the DBMS name in lower case, for the few statements that differ by DBMS
   std::optional<std::pair<Target, Key>> last_key_;
   int32_t command_timeout_ = 30;
   String quote_ = u"\"";

@@ -17,6 +17,9 @@ struct ColumnInfo {
   int32_t type = 0;          // AdoType
   int32_t defined_size = 0;  // characters for text, bytes otherwise
   int32_t attributes = 0;    // AdoFieldAttribute bits
+  uint8_t precision = 255;   // digits of a number; 255 where the notion does not apply
+  uint8_t numeric_scale = 255;
+  String base_table;  // the table a column comes from, when the backend knows it
   // ISAUTOINCREMENT; empty when the backend cannot tell, and then the property is missing.
   std::optional<bool> auto_increment;
 };

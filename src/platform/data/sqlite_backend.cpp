@@ -3,6 +3,7 @@
 
 #include <sqlite3.h>
 
+#include <cstring>
 #include <map>
 
 #include "platform/data/data_types.h"
@@ -147,6 +148,130 @@ Variant ValueOf(sqlite3_stmt* stmt, int column, int32_t type) {
   }
 }
 
+[[noreturn]] void FailOn(sqlite3* db, int rc) {
+  const String message = FromUtf8(sqlite3_errmsg(db));
+  throw ProviderError(NumberFor(rc, message), message, String(kSource), {},
+                      sqlite3_extended_errcode(db));
+}
+
+void BindValue(sqlite3_stmt* stmt, int index, const Variant& value) {
+  int rc = SQLITE_OK;
+  switch (value.type()) {
+    case VarType::Empty:
+    case VarType::Null:
+      rc = sqlite3_bind_null(stmt, index);
+      break;
+    case VarType::Boolean:
+      rc = sqlite3_bind_int(stmt, index, value.as_bool() ? 1 : 0);
+      break;
+    case VarType::Byte:
+      rc = sqlite3_bind_int(stmt, index, value.as_byte());
+      break;
+    case VarType::Integer:
+      rc = sqlite3_bind_int(stmt, index, value.as_integer());
+      break;
+    case VarType::Long:
+      rc = sqlite3_bind_int(stmt, index, value.as_long());
+      break;
+    case VarType::Single:
+      rc = sqlite3_bind_double(stmt, index, value.as_single());
+      break;
+    case VarType::Double:
+      rc = sqlite3_bind_double(stmt, index, value.as_double());
+      break;
+    case VarType::Currency:
+      // Whole amounts stay integers so that they compare equal to integer literals in SQL.
+      if (value.as_currency() % 10000 == 0) {
+        rc = sqlite3_bind_int64(stmt, index, value.as_currency() / 10000);
+      } else {
+        rc = sqlite3_bind_double(stmt, index, static_cast<double>(value.as_currency()) / 10000.0);
+      }
+      break;
+    case VarType::Date: {
+      const auto text = IsoDateTimeText(value.as_date());
+      if (!text)
+        throw ProviderError(kErrDataConversion, u"The date is out of range.", String(kSource));
+      const std::string utf8 = text->ToUtf8();
+      rc = sqlite3_bind_text(stmt, index, utf8.data(), static_cast<int>(utf8.size()),
+                             SQLITE_TRANSIENT);
+      break;
+    }
+    case VarType::String: {
+      const std::string utf8 = value.as_string().ToUtf8();
+      rc = sqlite3_bind_text(stmt, index, utf8.data(), static_cast<int>(utf8.size()),
+                             SQLITE_TRANSIENT);
+      break;
+    }
+    default: {
+      const auto bytes = BytesOf(value);
+      if (!bytes) {
+        throw ProviderError(kErrDataConversion,
+                            u"Application uses a value of the wrong type for the current "
+                            u"operation.",
+                            String(kSource));
+      }
+      rc = sqlite3_bind_blob(stmt, index, bytes->data(), static_cast<int>(bytes->size()),
+                             SQLITE_TRANSIENT);
+      break;
+    }
+  }
+  if (rc != SQLITE_OK) FailOn(sqlite3_db_handle(stmt), rc);
+}
+
+// The rows of one statement, stepped as they are read. The database handle is closed with
+// sqlite3_close_v2, which waits for unfinalised statements, so this cursor may outlive it.
+class SqliteCursor final : public Cursor {
+ public:
+  SqliteCursor(sqlite3_stmt* stmt, std::vector<ColumnInfo> columns, bool has_row)
+      : stmt_(stmt), pending_(has_row), done_(!has_row) {
+    columns_ = std::move(columns);
+  }
+  ~SqliteCursor() override { sqlite3_finalize(stmt_); }
+
+  bool Fetch(std::vector<Variant>& row) override {
+    if (!pending_) {
+      if (done_) return false;
+      const int rc = sqlite3_step(stmt_);
+      if (rc == SQLITE_DONE) {
+        done_ = true;
+        return false;
+      }
+      if (rc != SQLITE_ROW) FailOn(sqlite3_db_handle(stmt_), rc);
+    }
+    pending_ = false;
+    row.resize(columns_.size());
+    for (size_t i = 0; i < columns_.size(); ++i) {
+      row[i] = ValueOf(stmt_, static_cast<int>(i), columns_[i].type);
+    }
+    return true;
+  }
+
+ private:
+  sqlite3_stmt* stmt_;
+  bool pending_;
+  bool done_;
+};
+
+bool IsBlank(const char* from, const char* end) {
+  for (; from < end; ++from) {
+    if (*from != ' ' && *from != '\t' && *from != '\r' && *from != '\n' && *from != ';')
+      return false;
+  }
+  return true;
+}
+
+// Whether a statement changes rows, so that the count of changes means something for it.
+bool ChangesRows(sqlite3_stmt* stmt) {
+  const char* sql = sqlite3_sql(stmt);
+  while (sql && (*sql == ' ' || *sql == '\t' || *sql == '\r' || *sql == '\n'))
+    ++sql;
+  if (!sql) return false;
+  for (const char* verb : {"insert", "update", "delete", "replace", "with"}) {
+    if (sqlite3_strnicmp(sql, verb, static_cast<int>(std::strlen(verb))) == 0) return true;
+  }
+  return false;
+}
+
 class SqliteBackend final : public Backend {
  public:
   SqliteBackend(sqlite3* db, String path) : db_(db), path_(std::move(path)) {}
@@ -183,6 +308,68 @@ class SqliteBackend final : public Backend {
     return rowset;
   }
 
+  StatementResult Run(StringView sql, std::span<const Variant> params) override {
+    Revalidate();
+    const std::string text = String::ToUtf8(sql);
+    const char* tail = text.c_str();
+    const char* const end = tail + text.size();
+    size_t next_param = 0;
+    StatementResult result;
+    // A text of several statements runs them in order; the last one's rows or count is the
+    // answer, and each takes as many parameters as it has placeholders.
+    while (!IsBlank(tail, end)) {
+      sqlite3_stmt* raw = nullptr;
+      const char* rest = nullptr;
+      const int rc = sqlite3_prepare_v2(db_, tail, static_cast<int>(end - tail), &raw, &rest);
+      if (rc != SQLITE_OK) FailOn(db_, rc);
+      tail = rest;
+      if (!raw) continue;
+      std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> stmt(raw, sqlite3_finalize);
+      const int wanted = sqlite3_bind_parameter_count(raw);
+      if (next_param + static_cast<size_t>(wanted) > params.size()) {
+        throw ProviderError(kErrProviderFailure,
+                            u"No value given for one or more required parameters.",
+                            String(kSource));
+      }
+      for (int i = 1; i <= wanted; ++i)
+        BindValue(raw, i, params[next_param++]);
+      result = StatementResult();
+      const int count = sqlite3_column_count(raw);
+      if (count > 0 && IsBlank(tail, end)) {
+        std::vector<ColumnInfo> columns;
+        for (int i = 0; i < count; ++i)
+          columns.push_back(Describe(raw, i));
+        const int step = sqlite3_step(raw);
+        if (step != SQLITE_ROW && step != SQLITE_DONE) FailOn(db_, step);
+        result.rows =
+            std::make_unique<SqliteCursor>(stmt.release(), std::move(columns), step == SQLITE_ROW);
+        break;
+      }
+      int step;
+      while ((step = sqlite3_step(raw)) == SQLITE_ROW) {
+      }
+      if (step != SQLITE_DONE) FailOn(db_, step);
+      result.rows_affected = ChangesRows(raw) ? sqlite3_changes(db_) : -1;
+    }
+    if (next_param < params.size()) {
+      throw ProviderError(kErrProviderFailure,
+                          u"The statement has fewer placeholders than the parameters given.",
+                          String(kSource));
+    }
+    return result;
+  }
+
+  std::optional<int32_t> ParameterCount(StringView sql) override {
+    Statement stmt(db_, sql);
+    return sqlite3_bind_parameter_count(stmt.get());
+  }
+
+  Variant LastInsertKey() override { return IntegerValue(sqlite3_last_insert_rowid(db_)); }
+
+  void BeginTransaction() override { Exec("BEGIN"); }
+  void CommitTransaction() override { Exec("COMMIT"); }
+  void RollbackTransaction() override { Exec("ROLLBACK"); }
+
   Rowset Execute(StringView sql) override {
     Revalidate();
     Statement stmt(db_, sql);
@@ -201,6 +388,11 @@ class SqliteBackend final : public Backend {
   }
 
  private:
+  void Exec(const char* sql) {
+    const int rc = sqlite3_exec(db_, sql, nullptr, nullptr, nullptr);
+    if (rc != SQLITE_OK) FailOn(db_, rc);
+  }
+
   std::vector<String> TableNames() {
     std::vector<String> names;
     Statement stmt(db_, u"SELECT name FROM sqlite_master WHERE type IN ('table','view')");
@@ -343,6 +535,39 @@ class SqliteBackend final : public Backend {
     return bits;
   }
 
+  // The digits ADO reports for the fixed numeric types.
+  static void SetPrecision(ColumnInfo& info) {
+    switch (info.type) {
+      case adUnsignedTinyInt:
+        info.precision = 3;
+        break;
+      case adSmallInt:
+        info.precision = 5;
+        break;
+      case adInteger:
+        info.precision = 10;
+        break;
+      case adBigInt:
+        info.precision = 19;
+        break;
+      case adSingle:
+        info.precision = 7;
+        break;
+      case adDouble:
+        info.precision = 15;
+        break;
+      case adCurrency:
+        info.precision = 19;
+        break;
+      case adNumeric:
+        info.precision = 38;
+        info.numeric_scale = 10;
+        break;
+      default:
+        break;
+    }
+  }
+
   ColumnInfo Describe(sqlite3_stmt* stmt, int index) {
     ColumnInfo info;
     info.name = FromUtf8(sqlite3_column_name(stmt, index));
@@ -350,13 +575,15 @@ class SqliteBackend final : public Backend {
     info.type = mapped.type;
     info.defined_size = mapped.defined_size;
     info.auto_increment = false;
+    SetPrecision(info);
     const char* table = sqlite3_column_table_name(stmt, index);
     const char* origin = sqlite3_column_origin_name(stmt, index);
     if (!table || !origin) {
       info.attributes = Attributes(mapped, true, false);
       return info;
     }
-    const TableShape& shape = Shape(FromUtf8(table));
+    info.base_table = FromUtf8(table);
+    const TableShape& shape = Shape(info.base_table);
     const String column_name = FromUtf8(origin);
     const auto rowid = shape.RowidColumn();
     bool nullable = true;

@@ -5,6 +5,7 @@
 #include <sqlext.h>
 
 #include <cmath>
+#include <cstdio>
 #include <string>
 
 #include "automation/date_time.h"
@@ -199,6 +200,40 @@ Variant ByteArray(std::span<const uint8_t> bytes) {
   for (const uint8_t byte : bytes)
     values.emplace_back(byte);
   return Variant(SafeArray::FromValues(std::move(values), VarType::Byte));
+}
+
+std::optional<String> IsoDateTimeText(double date) {
+  const auto parts = SplitDate(date);
+  if (!parts) return std::nullopt;
+  char text[32];
+  if (parts->hour == 0 && parts->minute == 0 && parts->second == 0) {
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d", parts->year, parts->month, parts->day);
+  } else {
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", parts->year, parts->month,
+                  parts->day, parts->hour, parts->minute, parts->second);
+  }
+  return String::FromUtf8(text);
+}
+
+std::optional<std::vector<uint8_t>> BytesOf(const Variant& value) {
+  if (!value.is_array()) return std::nullopt;
+  const SafeArray& array = *value.as_array();
+  if (array.dimensions() != 1) return std::nullopt;
+  std::vector<uint8_t> bytes;
+  bytes.reserve(array.size());
+  for (const Variant& element : array.elements()) {
+    if (element.type() == VarType::Byte) {
+      bytes.push_back(element.as_byte());
+      continue;
+    }
+    if (!element.is_numeric_type()) return std::nullopt;
+    const double number = element.type() == VarType::Integer ? element.as_integer()
+                          : element.type() == VarType::Long  ? element.as_long()
+                                                             : -1;
+    if (number < 0 || number > 255) return std::nullopt;
+    bytes.push_back(static_cast<uint8_t>(number));
+  }
+  return bytes;
 }
 
 Variant IntegerValue(int64_t value) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "automation/string.h"
 #include "automation/variant.h"
@@ -60,6 +61,13 @@ std::optional<Variant> CurrencyFromText(StringView text);
 
 // A Byte array (VarType 8209) from 0 holding the bytes.
 Variant ByteArray(std::span<const uint8_t> bytes);
+
+// A date as "YYYY-MM-DD HH:MM:SS", or "YYYY-MM-DD" at midnight: the form every backend reads
+// back as a date. Nothing outside the range of dates.
+std::optional<String> IsoDateTimeText(double date);
+
+// The bytes of a Byte array (or of an array of numbers 0..255); nothing for any other value.
+std::optional<std::vector<uint8_t>> BytesOf(const Variant& value);
 
 // A 64-bit integer as Long when it fits, else as Double (VBScript has no 64-bit type).
 Variant IntegerValue(int64_t value);

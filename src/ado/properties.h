@@ -1,0 +1,50 @@
+// ADO's Properties collection and Property object: name and value pairs that a connection or a
+// field describes itself with ("DBMS Name", "ISAUTOINCREMENT", ...), read-only for scripts.
+#pragma once
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "automation/dispatch.h"
+
+namespace qv::ado {
+
+class PropertyObject : public DispatchObject<PropertyObject> {
+ public:
+  static const DispatchTable<PropertyObject>& Table();
+  PropertyObject(String name, Variant value) : name_(std::move(name)), value_(std::move(value)) {}
+  String name_;
+  Variant value_;
+};
+
+class PropertiesObject : public DispatchObject<PropertiesObject> {
+ public:
+  static const DispatchTable<PropertiesObject>& Table();
+  explicit PropertiesObject(std::vector<std::pair<String, Variant>> entries);
+  Ref<Enumerator> NewEnum() override;
+  // By position from 0 or by name; raises 3265.
+  Ref<PropertyObject> Item(const Variant& index);
+  std::vector<Ref<PropertyObject>> items_;
+};
+
+// The position a script names an item by: a number from 0, or nothing when it is a name.
+std::optional<int32_t> ItemOrdinal(const Variant& index);
+
+// An enumerator over a fixed list of objects.
+class ListEnumerator : public Enumerator {
+ public:
+  explicit ListEnumerator(std::vector<Variant> items) : items_(std::move(items)) {}
+  bool Next(Variant& item) override {
+    if (next_ >= items_.size()) return false;
+    item = items_[next_++];
+    return true;
+  }
+  void Reset() override { next_ = 0; }
+
+ private:
+  std::vector<Variant> items_;
+  size_t next_ = 0;
+};
+
+}  // namespace qv::ado

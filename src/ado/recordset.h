@@ -1,0 +1,161 @@
+// ADODB.Recordset. Two ways of holding rows: a forward-only, read-only recordset on a server
+// cursor streams them from the data layer one at a time (memory stays flat however many rows
+// come), every other recordset holds its rows, which gives counting, paging, moving back,
+// Filter, Sort, Find and bookmarks. A recordset with a connection writes AddNew, Update and
+// Delete back to its single source table as parameterised statements; one without (Fields.Append
+// then Open) is a table in memory.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include "automation/dispatch.h"
+#include "platform/data/backend.h"
+
+namespace qv::ado {
+
+class ConnectionObject;
+class FieldsObject;
+class FieldObject;
+class CommandObject;
+
+class RecordsetObject : public DispatchObject<RecordsetObject> {
+ public:
+  static const DispatchTable<RecordsetObject>& Table();
+  RecordsetObject();
+  ~RecordsetObject() override;
+
+  // Opens on the result of a statement already run (Connection.Execute, Command.Execute).
+  void OpenOnResult(Ref<ConnectionObject> cn, Variant source, data::StatementResult result,
+                    int32_t cursor_type, int32_t lock_type);
+  // Opens on a schema rowset.
+  void OpenOnRowset(Ref<ConnectionObject> cn, data::Rowset rowset);
+  // Called by the connection as it closes.
+  void ConnectionClosing();
+
+  // What Fields and Field read and write.
+  bool IsOpen() const { return open_; }
+  size_t ColumnCount() const { return columns_.size(); }
+  const data::ColumnInfo& Column(size_t i) const { return columns_[i]; }
+  std::optional<size_t> FindColumn(StringView name) const;
+  const Variant& Value(size_t column);
+  void SetValue(size_t column, const Variant& value);
+  Variant OriginalValue(size_t column);
+  Variant UnderlyingValue(size_t column);
+  void AppendColumn(data::ColumnInfo column);
+  void DeleteColumn(size_t column);
+  FieldObject& FieldAt(size_t column);
+  Ref<FieldsObject> Fields();
+
+  // Members scripts call; public for the dispatch table.
+  void Open(Args args);
+  void Close();
+  void Requery();
+  void MoveNext();
+  void MovePrevious();
+  void MoveFirst();
+  void MoveLast();
+  void Move(int32_t count, const Variant& start);
+  bool Eof();
+  bool Bof();
+  int32_t RecordCount();
+  void AddNew(Args args);
+  void Update(Args args);
+  void CancelUpdate();
+  void Delete(int32_t affect);
+  Variant GetRows(Args args);
+  String GetString(Args args);
+  void Find(Args args);
+  bool Supports(int32_t options);
+  void SetFilter(const Variant& filter);
+  void SetSort(const String& sort);
+  Variant Bookmark();
+  void SetBookmark(const Variant& bookmark);
+  int32_t AbsolutePosition();
+  void SetAbsolutePosition(int32_t position);
+  int32_t AbsolutePage();
+  void SetAbsolutePage(int32_t page);
+  int32_t PageCount();
+  Variant ActiveConnection() const;
+  void SetActiveConnection(const Variant& value);
+  void RequireOpen() const;
+  void RequireClosed() const;
+  int32_t EditMode() const { return edit_mode_; }
+
+  int32_t cursor_type_ = 0;      // adOpenForwardOnly
+  int32_t lock_type_ = 1;        // adLockReadOnly
+  int32_t cursor_location_ = 2;  // adUseServer
+  bool cursor_location_set_ = false;
+  int32_t page_size_ = 10;
+  int32_t cache_size_ = 1;
+  int32_t max_records_ = 0;
+  Variant filter_ = Variant(int32_t{0});
+  String sort_;
+  Variant source_;
+
+ private:
+  struct Record {
+    std::vector<Variant> values;
+    std::vector<Variant> original;  // the values read from the source, once edited
+    bool deleted = false;
+  };
+
+  bool Streaming() const { return cursor_ != nullptr || streamed_; }
+  bool HasCurrent() const;
+  Record& Current();
+  void RequireCurrent();
+  void RequireScrollable();
+  void RequireUpdatable();
+  void FetchNext();
+  void ResetState();
+  void SetColumns(std::vector<data::ColumnInfo> columns);
+  void Materialise(data::Cursor& cursor);
+  void RebuildView();
+  void DropDeletedAtCursor();
+  void FinishEdit();
+  void BeginEdit();
+  void WriteInsert(Record& record);
+  void WriteUpdate(Record& record);
+  void WriteDelete(Record& record);
+  void FindSourceTable();
+  String QuotedName(StringView name) const;
+  std::vector<Variant> KeyParams(const Record& record, String& where) const;
+  void OpenSource(const String& text, std::span<const Variant> params, int32_t options);
+
+  bool open_ = false;
+  Ref<ConnectionObject> connection_;
+  Variant pending_connection_;  // ActiveConnection given before Open
+  std::vector<data::ColumnInfo> columns_;
+  std::unordered_map<String, size_t, NoCaseHash, NoCaseEqual> column_index_;
+  std::vector<Ref<FieldObject>> fields_;
+  Ref<FieldsObject> fields_object_;
+
+  // A streamed recordset: the cursor and its one current row.
+  std::unique_ptr<data::Cursor> cursor_;
+  bool streamed_ = false;
+  std::vector<Variant> row_;
+  bool stream_eof_ = false;
+  int64_t stream_position_ = 0;
+
+  // A held recordset: every record, the records Filter and Sort let through in their order,
+  // and the position in that view (-1 before the first, view_.size() after the last).
+  std::vector<Record> records_;
+  std::vector<uint32_t> view_;
+  int64_t pos_ = 0;
+
+  // The record being added or edited: its values until Update writes them.
+  int32_t edit_mode_ = 0;
+  std::vector<Variant> edit_values_;
+  std::vector<bool> edit_changed_;
+
+  // Where changes go: the table, and the columns of its key.
+  String table_;
+  std::vector<size_t> key_columns_;
+  String command_text_;
+  std::vector<Variant> command_params_;
+  int32_t command_options_ = -1;
+};
+
+}  // namespace qv::ado

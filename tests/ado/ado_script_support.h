@@ -1,0 +1,69 @@
+// Runs the ADO scripts of tests/ado/scripts on a VBScript engine with the ADODB classes, against
+// one database: the script sees the connection string and the database's spelling of a few
+// column types as constants, so one script covers SQLite, PostgreSQL and MariaDB.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "ado/classes.h"
+#include "automation/convert.h"
+#include "vbscript/engine.h"
+
+namespace qv::ado::testing {
+
+struct Dialect {
+  std::string kind;  // "sqlite", "pg", "maria"
+  std::string connection;
+  std::string key_column;  // an auto-numbered integer primary key named id
+  std::string blob_type;
+  std::string date_type;
+  std::string bool_type;
+  std::string money_type;
+  std::string table_prefix;  // tables of a run are unique on the shared servers
+};
+
+inline std::string ReadText(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+inline std::string Quoted(const std::string& text) {
+  std::string quoted = "\"";
+  for (const char c : text) {
+    quoted += c;
+    if (c == '"') quoted += '"';
+  }
+  return quoted + "\"";
+}
+
+// The script's failures, one per line; empty when every check held.
+inline std::string RunAdoScript(const std::string& name, const Dialect& d) {
+  const std::string dir = std::string(QV_SOURCE_DIR) + "/tests/ado/scripts/";
+  std::string code =
+      "Const CONN = " + Quoted(d.connection) + "\r\nConst DBKIND = " + Quoted(d.kind) +
+      "\r\nConst KEYCOL = " + Quoted(d.key_column) + "\r\nConst BLOBTYPE = " + Quoted(d.blob_type) +
+      "\r\nConst DATETYPE = " + Quoted(d.date_type) +
+      "\r\nConst BOOLTYPE = " + Quoted(d.bool_type) +
+      "\r\nConst MONEYTYPE = " + Quoted(d.money_type) +
+      "\r\nConst TBL = " + Quoted(d.table_prefix) + "\r\nConst SCRATCH = " +
+      Quoted(std::getenv("QV_TEST_SCRATCH") ? std::getenv("QV_TEST_SCRATCH") : "/tmp") + "\r\n";
+  code += ReadText(dir + "check.vbs") + "\r\n" + ReadText(dir + name);
+  vbs::Engine engine;
+  RegisterAdoClasses(engine.Registry());
+  try {
+    engine.AddCode(String::FromUtf8(code));
+  } catch (const Error&) {
+    const auto& e = engine.Error();
+    return "script stopped at line " + std::to_string(e.Line()) + ": " + e.Description().ToUtf8() +
+           " (" + std::to_string(e.Number()) + ")\n" + ToString(engine.Eval(u"Failures")).ToUtf8();
+  }
+  return ToString(engine.Eval(u"Failures")).ToUtf8();
+}
+
+}  // namespace qv::ado::testing

@@ -1,0 +1,76 @@
+// The ADO scripts against the PostgreSQL and MariaDB servers that scripts/db/start.sh starts.
+// Each run makes its own tables (named after the process) and drops them.
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "ado_script_support.h"
+
+namespace qv::ado::testing {
+namespace {
+
+std::filesystem::path ServerDir() {
+  const char* dir = std::getenv("QV_DB_DIR");
+  return dir ? dir : QV_DB_DIR_DEFAULT;
+}
+
+class ServerEnvironment : public ::testing::Environment {
+ public:
+  void SetUp() override {
+    const std::string dir = ServerDir().string();
+    setenv("ODBCSYSINI", dir.c_str(), 1);
+    setenv("ODBCINI", (dir + "/odbc.ini").c_str(), 1);
+  }
+};
+const auto* const kEnvironment = ::testing::AddGlobalTestEnvironment(new ServerEnvironment);
+
+struct Server {
+  const char* marker;
+  Dialect dialect;
+};
+
+std::string Prefix() {
+  return "ado" + std::to_string(::getpid()) + "_";
+}
+
+Server Postgres() {
+  // psqlODBC reports Booleans as text unless told otherwise.
+  return {"pg.ok",
+          {"pg", "DSN=qv_pg;BoolsAsChar=0", "id SERIAL PRIMARY KEY", "BYTEA", "TIMESTAMP",
+           "BOOLEAN", "NUMERIC(19,4)", Prefix()}};
+}
+
+Server Maria() {
+  return {"maria.ok",
+          {"maria", "DSN=qv_maria", "id INT AUTO_INCREMENT PRIMARY KEY", "LONGBLOB", "DATETIME",
+           "BIT", "DECIMAL(19,4)", Prefix()}};
+}
+
+class AdoServerTest : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(AdoServerTest, Scripts) {
+  const Server server = std::string(GetParam()) == "pg" ? Postgres() : Maria();
+  if (!std::filesystem::exists(ServerDir() / server.marker)) {
+    GTEST_SKIP() << GetParam() << " is not running here; skipping";
+  }
+  for (const char* script :
+       {"crud.vbs", "paging.vbs", "types.vbs", "transactions.vbs", "errors.vbs"}) {
+    EXPECT_EQ(RunAdoScript(script, server.dialect), "") << script;
+  }
+}
+
+// A wrong password and a server that is down give the provider's failure, not a crash.
+TEST_P(AdoServerTest, LoginFailures) {
+  const Server server = std::string(GetParam()) == "pg" ? Postgres() : Maria();
+  if (!std::filesystem::exists(ServerDir() / server.marker)) GTEST_SKIP();
+  Dialect d = server.dialect;
+  d.connection += ";UID=qv;PWD=wrong";
+  const std::string failures = RunAdoScript("login.vbs", d);
+  EXPECT_EQ(failures, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Servers, AdoServerTest, ::testing::Values("pg", "maria"));
+
+}  // namespace
+}  // namespace qv::ado::testing
