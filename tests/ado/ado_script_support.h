@@ -23,7 +23,8 @@ struct Dialect {
   std::string date_type;
   std::string bool_type;
   std::string money_type;
-  std::string table_prefix;  // tables of a run are unique on the shared servers
+  std::string table_prefix;   // tables of a run are unique on the shared servers
+  std::string table_options;  // after the column list of CREATE TABLE
 };
 
 inline std::string ReadText(const std::string& path) {
@@ -51,17 +52,22 @@ inline std::string RunAdoScript(const std::string& name, const Dialect& d) {
       "\r\nConst DATETYPE = " + Quoted(d.date_type) +
       "\r\nConst BOOLTYPE = " + Quoted(d.bool_type) +
       "\r\nConst MONEYTYPE = " + Quoted(d.money_type) +
-      "\r\nConst TBL = " + Quoted(d.table_prefix) + "\r\nConst SCRATCH = " +
+      "\r\nConst TBL = " + Quoted(d.table_prefix) +
+      "\r\nConst TABLEOPTS = " + Quoted(d.table_options) + "\r\nConst SCRATCH = " +
       Quoted(std::getenv("QV_TEST_SCRATCH") ? std::getenv("QV_TEST_SCRATCH") : "/tmp") + "\r\n";
   code += ReadText(dir + "check.vbs") + "\r\n" + ReadText(dir + name);
   vbs::Engine engine;
   RegisterAdoClasses(engine.Registry());
   try {
     engine.AddCode(String::FromUtf8(code));
-  } catch (const Error&) {
+  } catch (const Error& failure) {
+    // Read the error before Eval runs anything: a new call clears it.
     const auto& e = engine.Error();
-    return "script stopped at line " + std::to_string(e.Line()) + ": " + e.Description().ToUtf8() +
-           " (" + std::to_string(e.Number()) + ")\n" + ToString(engine.Eval(u"Failures")).ToUtf8();
+    const String words = e.Description().empty() ? failure.description() : e.Description();
+    const std::string report = "script stopped at line " + std::to_string(e.Line()) + ": " +
+                               words.ToUtf8() + " (" +
+                               std::to_string(e.Number() ? e.Number() : failure.number()) + ")\n";
+    return report + ToString(engine.Eval(u"Failures")).ToUtf8();
   }
   return ToString(engine.Eval(u"Failures")).ToUtf8();
 }

@@ -38,13 +38,13 @@ Server Postgres() {
   // psqlODBC reports Booleans as text unless told otherwise.
   return {"pg.ok",
           {"pg", "DSN=qv_pg;BoolsAsChar=0", "id SERIAL PRIMARY KEY", "BYTEA", "TIMESTAMP",
-           "BOOLEAN", "NUMERIC(19,4)", Prefix()}};
+           "BOOLEAN", "NUMERIC(19,4)", Prefix(), ""}};
 }
 
 Server Maria() {
   return {"maria.ok",
           {"maria", "DSN=qv_maria", "id INT AUTO_INCREMENT PRIMARY KEY", "LONGBLOB", "DATETIME",
-           "BIT", "DECIMAL(19,4)", Prefix()}};
+           "BIT", "DECIMAL(19,4)", Prefix(), " CHARACTER SET utf8mb4"}};
 }
 
 class AdoServerTest : public ::testing::TestWithParam<const char*> {};

@@ -10,7 +10,7 @@ Err.Clear
 On Error GoTo 0
 cn.Execute "CREATE TABLE " & t & " (" & KEYCOL & ", txt VARCHAR(100), num INTEGER, " & _
   "big BIGINT, dbl DOUBLE PRECISION, amount " & MONEYTYPE & ", flag " & BOOLTYPE & ", " & _
-  "stamp " & DATETYPE & ", data " & BLOBTYPE & ")"
+  "stamp " & DATETYPE & ", data " & BLOBTYPE & ")" & TABLEOPTS
 
 Set cmd = CreateObject("ADODB.Command")
 Set cmd.ActiveConnection = cn
