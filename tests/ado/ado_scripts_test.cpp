@@ -34,7 +34,8 @@ Dialect Sqlite(const std::string& name) {
           "DATETIME",
           "BIT",
           "MONEY",
-          "t_"};
+          "t_",
+          ""};
 }
 
 TEST(AdoScripts, OnSqlite) {
