@@ -2,6 +2,7 @@
 #include "root/root_services.h"
 
 #include "automation/convert.h"
+#include "generation/driver.h"
 #include "persistence/project_file.h"
 #include "persistence/saved_defaults.h"
 #include "schema/custom_view.h"
@@ -64,6 +65,14 @@ String RootServices::Parse(Tyx& tyx, const Variant& text) {
 
 String RootServices::FldSrchOprs(Tyx&, int16_t ado_type) {
   return qv::FldSrchOprs(ado_type);
+}
+
+int16_t RootServices::GenCheck(Tyx& tyx) {
+  return qv::GenCheck(tyx);
+}
+
+void RootServices::GenScript(Tyx& tyx) {
+  qv::GenScript(tyx);
 }
 
 }  // namespace qv

@@ -22,6 +22,8 @@ class RootServices : public TyxServices {
   bool LoadReport(Tyx& tyx, const Variant& table_name, const Variant& from_table) override;
   String Parse(Tyx& tyx, const Variant& text) override;
   String FldSrchOprs(Tyx& tyx, int16_t ado_type) override;
+  int16_t GenCheck(Tyx& tyx) override;
+  void GenScript(Tyx& tyx) override;
 };
 
 }  // namespace qv

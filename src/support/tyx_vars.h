@@ -100,6 +100,8 @@ struct TyxVars {
   int32_t ScriptEngineTimeout = 0;  // milliseconds; 0 = no limit
   int32_t SessionsDone = 0;         // sessions translated so far, for the progress bar
   int32_t SessionsTotal = 0;        // sessions of the controls that need translating
+  int32_t FilesUnpacked = 0;        // files the run took out of packages
+  int32_t ControlsTranslated = 0;   // controls the run translated
 
   // ---- Overwrite state of one RunControls ----
   String OverwriteChoice;      // "", or for the rest of the run "O" all, "S" skip all, "C" cancel
