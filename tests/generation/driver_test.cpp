@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <map>
 
 #include "automation/convert.h"
@@ -14,6 +15,7 @@
 #include "package_builder.h"
 #include "platform/fs.h"
 #include "root/create_tyx.h"
+#include "script/script_host.h"
 #include "support/common.h"
 
 namespace qv {
@@ -389,6 +391,45 @@ TEST_F(DriverTest, ExtensionsAndTheDryRun) {
   tyx_->SetTemplate(String::FromUtf8((root() / "none.zip").string()));
   EXPECT_EQ(ToInteger(tyx_->Call(u"GenCheck")), 0);
   EXPECT_EQ(ProjErr(), "Quorvex: Template file not found! Generation aborted!");
+}
+
+TEST_F(DriverTest, CustomConditionsAskTheScriptHost) {
+  // A system function of the host's own: the common code with one function more.
+  Write(root() / "common.vbs", BuildCommonCode().ToUtf8() +
+                                   "\r\nFunction TableKind()\r\nTableKind = \"wide\"\r\n"
+                                   "End Function\r\n");
+  WriteUserSettings("Language = \"English\"\nUSERCODE = \"" + (root() / "usercode.vbs").string() +
+                    "\"\nCOMMONCODE = \"" + (root() / "common.vbs").string() + "\"\n");
+  Files files = BasicPackage();
+  std::string& control = files["control.xml"];
+  control.replace(control.find("proj/UseCss/eq/True"), 19, "custom:TableKind/String/eq/'wide'");
+  control.replace(control.find("proj/UseCss/eq/False"), 20, "custom: TableKind/String/in/NARROW");
+  Pack(files);
+  Run();
+  ASSERT_EQ(ProjErr(), "");
+  EXPECT_EQ(Read(Temp() / "page_x.tmp"), kPageScript);
+  // A function the host doesn't have can't be judged: the session "never" now comes in.
+  control.replace(control.find("TableKind/String/in"), 9, "NoSuchFn ");
+  Pack(files);
+  Answer({u"Overwrite"});
+  Run();
+  ASSERT_EQ(ProjErr(), "");
+  EXPECT_NE(Read(Temp() / "page_x.tmp").find("\"Never\""), std::string::npos);
+}
+
+TEST_F(DriverTest, CancelStopsBeforeTheNextControl) {
+  // Ctrl-C as the status surface hears it: its handler is in place once a window was open.
+  TyxStatus& status = SharedStatus();
+  status.ShowStatus2(Variant(int32_t{0}), Variant(LengthMarked(u"Quorvex")));
+  status.CloseStatus();
+  std::raise(SIGINT);
+  EXPECT_EQ(HardFailure(), "Generation cancelled by user!");
+  EXPECT_EQ(Vars().ControlsTranslated, 0);
+  EXPECT_FALSE(sfs::exists(Temp() / "cache.xml"));
+  EXPECT_FALSE(status.StatusIsCancelled());  // heard once
+  Run();
+  EXPECT_EQ(ProjErr(), "");
+  EXPECT_EQ(Vars().ControlsTranslated, 2);
 }
 
 TEST(DriverHelpers, VersionsAndPackagePaths) {
