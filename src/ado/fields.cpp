@@ -14,7 +14,7 @@ namespace qv::ado {
 using namespace qv::data;
 
 RecordsetObject& FieldObject::Owner() const {
-  if (!owner_) throw AdoError(adErrObjectClosed, u"ADODB.Field");
+  if (owner_->Generation() != generation_) throw AdoError(adErrObjectClosed, u"ADODB.Field");
   return *owner_;
 }
 
@@ -140,11 +140,6 @@ const DispatchTable<FieldObject>& FieldObject::Table() {
   return table;
 }
 
-RecordsetObject& FieldsObject::Owner() const {
-  if (!owner_) throw AdoError(adErrObjectClosed, u"ADODB.Fields");
-  return *owner_;
-}
-
 size_t FieldsObject::ColumnOf(const Variant& given) const {
   RecordsetObject& rs = Owner();
   const Variant index = given.is_object() ? ValueOf(given) : given;
@@ -164,7 +159,7 @@ Ref<Enumerator> FieldsObject::NewEnum() {
   RecordsetObject& rs = Owner();
   std::vector<Variant> items;
   for (size_t i = 0; i < rs.ColumnCount(); ++i)
-    items.emplace_back(Ref<FieldObject>(&rs.FieldAt(i)));
+    items.emplace_back(rs.FieldAt(i));
   return MakeRef<ListEnumerator>(std::move(items));
 }
 
@@ -207,7 +202,7 @@ const DispatchTable<FieldsObject>& FieldsObject::Table() {
               u"Item",
               [](FieldsObject& f, Args args) {
                 CheckArgCount(args, 1, 1);
-                return Variant(Ref<FieldObject>(&f.Owner().FieldAt(f.ColumnOf(args[0]))));
+                return Variant(f.Owner().FieldAt(f.ColumnOf(args[0])));
               },
               [](FieldsObject& f, Args args, const Variant& value) {
                 CheckArgCount(args, 1, 1);

@@ -1,8 +1,10 @@
 // ADODB.Fields and ADODB.Field: the columns of a recordset and their values in the current
-// record. They belong to their recordset, which tells them when it goes: a script that keeps a
-// field longer gets 3704 rather than a dangling object.
+// record. Each keeps its recordset alive, so cn.Execute(sql)(0) reads the value of a recordset
+// that nothing else holds. They are made on each access (the recordset keeps none, which would
+// be a cycle); a field made before the recordset was opened again answers 3704.
 #pragma once
 
+#include "ado/recordset.h"
 #include "automation/dispatch.h"
 
 namespace qv::ado {
@@ -12,30 +14,29 @@ class RecordsetObject;
 class FieldObject : public DispatchObject<FieldObject> {
  public:
   static const DispatchTable<FieldObject>& Table();
-  FieldObject(RecordsetObject* owner, size_t column) : owner_(owner), column_(column) {}
-  void Detach() { owner_ = nullptr; }
-  void SetColumn(size_t column) { column_ = column; }
+  FieldObject(Ref<RecordsetObject> owner, size_t column, uint32_t generation)
+      : owner_(std::move(owner)), column_(column), generation_(generation) {}
   RecordsetObject& Owner() const;
   size_t column() const { return column_; }
 
  private:
-  RecordsetObject* owner_;
+  Ref<RecordsetObject> owner_;
   size_t column_;
+  uint32_t generation_;
 };
 
 class FieldsObject : public DispatchObject<FieldsObject> {
  public:
   static const DispatchTable<FieldsObject>& Table();
-  explicit FieldsObject(RecordsetObject* owner) : owner_(owner) {}
-  void Detach() { owner_ = nullptr; }
-  RecordsetObject& Owner() const;
+  explicit FieldsObject(Ref<RecordsetObject> owner) : owner_(std::move(owner)) {}
+  RecordsetObject& Owner() const { return *owner_; }
   // By position from 0 or by name; raises 3265.
   size_t ColumnOf(const Variant& index) const;
   Ref<Enumerator> NewEnum() override;
   void Append(Args args);
 
  private:
-  RecordsetObject* owner_;
+  Ref<RecordsetObject> owner_;
 };
 
 }  // namespace qv::ado

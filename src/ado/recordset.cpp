@@ -79,9 +79,6 @@ RecordsetObject::RecordsetObject() = default;
 
 RecordsetObject::~RecordsetObject() {
   if (connection_) connection_->Detach(this);
-  for (auto& field : fields_)
-    field->Detach();
-  if (fields_object_) fields_object_->Detach();
 }
 
 void RecordsetObject::RequireOpen() const {
@@ -98,25 +95,21 @@ std::optional<size_t> RecordsetObject::FindColumn(StringView name) const {
   return it->second;
 }
 
-FieldObject& RecordsetObject::FieldAt(size_t column) {
-  assert(column < fields_.size());
-  return *fields_[column];
+Ref<FieldObject> RecordsetObject::FieldAt(size_t column) {
+  assert(column < columns_.size());
+  return MakeRef<FieldObject>(Ref<RecordsetObject>(this), column, generation_);
 }
 
 Ref<FieldsObject> RecordsetObject::Fields() {
-  if (!fields_object_) fields_object_ = MakeRef<FieldsObject>(this);
-  return fields_object_;
+  return MakeRef<FieldsObject>(Ref<RecordsetObject>(this));
 }
 
 void RecordsetObject::SetColumns(std::vector<ColumnInfo> columns) {
-  for (auto& field : fields_)
-    field->Detach();
-  fields_.clear();
+  ++generation_;
   column_index_.clear();
   columns_ = std::move(columns);
   for (size_t i = 0; i < columns_.size(); ++i) {
     column_index_.emplace(columns_[i].name, i);
-    fields_.push_back(MakeRef<FieldObject>(this, i));
   }
 }
 
@@ -127,7 +120,6 @@ void RecordsetObject::AppendColumn(ColumnInfo column) {
     throw AdoError(adErrIllegalOperation, u"ADODB.Fields");
   }
   column_index_.emplace(column.name, columns_.size());
-  fields_.push_back(MakeRef<FieldObject>(this, columns_.size()));
   columns_.push_back(std::move(column));
 }
 

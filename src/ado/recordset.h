@@ -46,7 +46,9 @@ class RecordsetObject : public DispatchObject<RecordsetObject> {
   Variant UnderlyingValue(size_t column);
   void AppendColumn(data::ColumnInfo column);
   void DeleteColumn(size_t column);
-  FieldObject& FieldAt(size_t column);
+  Ref<FieldObject> FieldAt(size_t column);
+  // Changes whenever the columns do, which makes fields made before stale.
+  uint32_t Generation() const { return generation_; }
   Ref<FieldsObject> Fields();
 
   // Members scripts call; public for the dispatch table.
@@ -129,8 +131,7 @@ class RecordsetObject : public DispatchObject<RecordsetObject> {
   Variant pending_connection_;  // ActiveConnection given before Open
   std::vector<data::ColumnInfo> columns_;
   std::unordered_map<String, size_t, NoCaseHash, NoCaseEqual> column_index_;
-  std::vector<Ref<FieldObject>> fields_;
-  Ref<FieldsObject> fields_object_;
+  uint32_t generation_ = 0;
 
   // A streamed recordset: the cursor and its one current row.
   std::unique_ptr<data::Cursor> cursor_;

@@ -19,7 +19,7 @@ Variant FieldsGet(Rs& rs, Args args) {
   CheckArgCount(args, 0, 1);
   Ref<FieldsObject> fields = rs.Fields();
   if (args.empty()) return Variant(fields);
-  return Variant(Ref<FieldObject>(&rs.FieldAt(fields->ColumnOf(args[0]))));
+  return Variant(rs.FieldAt(fields->ColumnOf(args[0])));
 }
 
 void FieldsLet(Rs& rs, Args args, const Variant& value) {

@@ -36,6 +36,11 @@ rs.MoveNext
 Check rs("name").Value, "gamma", "the row after the deleted one"
 rs.Close
 
+' A value read straight off a recordset that nothing holds, the way pages count rows.
+Check CLng(cn.Execute("SELECT COUNT(*) FROM " & t)(0)), 2, "Execute(sql)(0)"
+Set f = cn.Execute("SELECT name FROM " & t & " ORDER BY id").Fields("name")
+Check f.Value, "alpha", "a field kept after its recordset is let go"
+
 cn.Execute "UPDATE " & t & " SET qty = qty + 1", n
 Check n, 2, "RecordsAffected of an update"
 
