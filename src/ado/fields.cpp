@@ -109,12 +109,19 @@ const DispatchTable<FieldObject>& FieldObject::Table() {
                     [](FieldObject& f, Args) {
                       return Variant(ActualSize(f.Owner().Value(f.column()), Info(f).type));
                     })
-          .Property(u"Precision",
-                    [](FieldObject& f, Args) {
-                      return Variant(static_cast<uint8_t>(Precision(Info(f))));
-                    })
-          .Property(u"NumericScale",
-                    [](FieldObject& f, Args) { return Variant(Info(f).numeric_scale); })
+          .Property(
+              u"Precision",
+              [](FieldObject& f, Args) {
+                return Variant(static_cast<uint8_t>(Precision(Info(f))));
+              },
+              [](FieldObject& f, Args, const Variant& v) {
+                f.Owner().DefineColumn(f.column()).precision = ToByte(v);
+              })
+          .Property(
+              u"NumericScale", [](FieldObject& f, Args) { return Variant(Info(f).numeric_scale); },
+              [](FieldObject& f, Args, const Variant& v) {
+                f.Owner().DefineColumn(f.column()).numeric_scale = ToByte(v);
+              })
           .Property(u"Attributes", [](FieldObject& f, Args) { return Variant(Info(f).attributes); })
           .Property(u"OriginalValue",
                     [](FieldObject& f, Args) { return f.Owner().OriginalValue(f.column()); })
@@ -190,6 +197,10 @@ void FieldsObject::Append(Args args) {
     if (column.defined_size == 0) column.defined_size = kLongFieldSize;
   }
   if (FixedSize(column.type)) column.attributes |= adFldFixed;
+  if (column.type == adNumeric || column.type == adDecimal) {
+    column.precision = 18;
+    column.numeric_scale = 0;
+  }
   column.attributes |= adFldUpdatable;
   rs.AppendColumn(std::move(column));
   if (HasArg(args, 4)) rs.SetValue(rs.ColumnCount() - 1, args[4]);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cmath>
 
 #include "ado/ado_errors.h"
 #include "ado/command.h"
@@ -121,6 +122,11 @@ void RecordsetObject::AppendColumn(ColumnInfo column) {
   }
   column_index_.emplace(column.name, columns_.size());
   columns_.push_back(std::move(column));
+}
+
+data::ColumnInfo& RecordsetObject::DefineColumn(size_t column) {
+  if (open_) throw AdoError(adErrIllegalOperation, u"ADODB.Field");
+  return columns_[column];
 }
 
 void RecordsetObject::DeleteColumn(size_t column) {
@@ -535,6 +541,11 @@ void RecordsetObject::SetValue(size_t column, const Variant& value) {
   }
   if (!connection_) {
     // A table in memory keeps to its column definitions as a database would.
+    if ((info.type == adNumeric || info.type == adDecimal) && converted.type() == VarType::Double &&
+        info.numeric_scale <= 28) {
+      const double scale = std::pow(10.0, info.numeric_scale);
+      converted = Variant(RoundHalfEven(converted.as_double() * scale) / scale);
+    }
     const bool nullable = (info.attributes & (adFldIsNullable | adFldMayBeNull)) != 0;
     if (converted.is_null() && !nullable) throw AdoError(kErrMultipleStep, u"ADODB.Field");
     if (converted.is_string() && info.defined_size > 0 &&

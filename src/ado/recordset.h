@@ -45,6 +45,8 @@ class RecordsetObject : public DispatchObject<RecordsetObject> {
   Variant OriginalValue(size_t column);
   Variant UnderlyingValue(size_t column);
   void AppendColumn(data::ColumnInfo column);
+  // A column's definition, for changing its Precision or NumericScale before Open (3219 after).
+  data::ColumnInfo& DefineColumn(size_t column);
   void DeleteColumn(size_t column);
   Ref<FieldObject> FieldAt(size_t column);
   // Changes whenever the columns do, which makes fields made before stale.

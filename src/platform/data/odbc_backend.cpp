@@ -46,6 +46,7 @@ int32_t NumberForState(StringView state, StringView message) {
     return kErrLoginFailed;
   }
   if (state == u"42S02" || state == u"42P01") return kErrNoSuchTable;
+  if (state.starts_with(u"23")) return kErrIntegrityViolation;
   if (state.starts_with(u"42")) return kErrSyntax;
   return kErrProviderFailure;
 }

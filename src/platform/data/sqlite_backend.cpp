@@ -35,6 +35,7 @@ String QuoteName(StringView name) {
 // The error number a failed SQLite call maps to.
 int32_t NumberFor(int code, StringView message) {
   if (message.find(u"no such table") != StringView::npos) return kErrNoSuchTable;
+  if ((code & 0xff) == SQLITE_CONSTRAINT) return kErrIntegrityViolation;
   if ((code & 0xff) == SQLITE_ERROR) return kErrSyntax;
   return kErrProviderFailure;
 }

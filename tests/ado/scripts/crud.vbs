@@ -40,6 +40,7 @@ rs.Close
 Check CLng(cn.Execute("SELECT COUNT(*) FROM " & t)(0)), 2, "Execute(sql)(0)"
 Set f = cn.Execute("SELECT name FROM " & t & " ORDER BY id").Fields("name")
 Check f.Value, "alpha", "a field kept after its recordset is let go"
+Set f = Nothing
 
 cn.Execute "UPDATE " & t & " SET qty = qty + 1", n
 Check n, 2, "RecordsAffected of an update"

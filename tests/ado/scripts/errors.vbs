@@ -26,9 +26,11 @@ Check cn.Errors.Count, 0, "Errors.Clear"
 
 cn.Execute "DROP TABLE " & t
 Err.Clear
-cn.Execute "CREATE TABLE " & t & " (n INTEGER, s VARCHAR(10))"
+cn.Execute "CREATE TABLE " & t & " (n INTEGER NOT NULL, s VARCHAR(10))"
 cn.Execute "INSERT INTO " & t & " VALUES (1, 'a')"
 CheckErr 0, "setup"
+cn.Execute "INSERT INTO " & t & " (n, s) VALUES (NULL, 'b')"
+CheckErr -2147217873, "a constraint violation"
 Set rs = cn.Execute("SELECT n, s FROM " & t)
 rs.MoveNext
 x = rs("n")

@@ -7,7 +7,11 @@ rs.Fields.Append "name", 202, 20, &H20
 rs.Fields.Append "price", 6, , &H20
 rs.Fields.Append "born", 7, , &H20
 rs.Fields.Append "note", 203, -1, &H20
-Check rs.Fields.Count, 5, "fields appended"
+rs.Fields.Append "ratio", 131, , &H20
+rs.Fields("ratio").Precision = 10
+rs.Fields("ratio").NumericScale = 2
+Check rs.Fields.Count, 6, "fields appended"
+Check rs.Fields("ratio").NumericScale, CByte(2), "NumericScale"
 Check rs.State, 0, "closed before Open"
 rs.Open
 Check rs.State, 1, "open on no source"
@@ -20,12 +24,14 @@ For i = 0 To 3
   rs("name") = names(i)
   rs("price") = (i + 1) * 1.5
   rs("born") = DateSerial(2020, i + 1, 1)
+  rs("ratio") = 1 / (i + 3)
   rs.Update
 Next
 Check rs.RecordCount, 4, "four records"
 Check rs("id").Value, 4, "current record after the last AddNew"
 Check TypeName(rs("price").Value), "Currency", "Currency field"
 Check rs("note").Value, Null, "an unset field is Null"
+Check rs("ratio").Value, 0.17, "a numeric value kept to its scale"
 rs.Sort = "name ASC"
 Check rs("name").Value, "apple", "sorted first"
 rs.MoveLast
@@ -61,7 +67,7 @@ i = 0
 For Each f In rs.Fields
   i = i + 1
 Next
-Check i, 5, "For Each"
+Check i, 6, "For Each"
 rs.MoveFirst
 rs("name") = "changed"
 rs.CancelUpdate
@@ -83,6 +89,6 @@ CheckTrue Err.Number <> 0, "a name twice"
 Err.Clear
 On Error GoTo 0
 Check rs.Supports(&H1000400), True, "Supports adAddNew"
-Check rs.GetString(2, 1, "|", ";"), "2|apple|3|2/1/2020|;", "GetString"
+Check rs.GetString(2, 1, "|", ";"), "2|apple|3|2/1/2020||0.25;", "GetString"
 rs.Close
 Check rs.State, 0, "closed"
