@@ -2,6 +2,7 @@
 // that a script's root has its entry points wired and its defaults read, as a host's would.
 #include "cli/host_classes.h"
 
+#include "generation/cache.h"
 #include "model/chart.h"
 #include "model/charts.h"
 #include "model/database.h"
@@ -56,6 +57,7 @@ const HostClass kHostClasses[] = {
     {u"TyxClass.TyxControl", Make<TyxControl>},
     {u"TyxClass.TyxSessions", Make<TyxSessions>},
     {u"TyxClass.TyxSession", Make<TyxSession>},
+    {u"TyxClass.TyxCache", Make<TyxCache>},
 };
 
 }  // namespace
