@@ -7,6 +7,7 @@
 
 #include "automation/convert.h"
 #include "automation/error.h"
+#include "generation/run_state.h"
 #include "platform/fs.h"
 #include "platform/text_file.h"
 #include "platform/xml.h"
@@ -81,7 +82,7 @@ const DispatchTable<TyxCache>& TyxCache::Table() {
 
 String TyxCache::CacheFilePath() {
   const TyxVars& vars = Vars();
-  String folder = fs::JoinPath(TrimBlanks(vars.PersonalFolder), CleanName(vars.ProductName));
+  String folder = fs::JoinPath(DocumentsFolder(), CleanName(vars.ProductName));
   folder = fs::JoinPath(fs::JoinPath(folder, u"Templates"), CleanName(vars.TemplateName));
   return fs::JoinPath(fs::JoinPath(folder, u"temp"), u"cache.xml");
 }

@@ -68,7 +68,7 @@ void RaiseGenError() {
 
 void EnsureFolders(const Tyx& tyx, StringView sub) {
   TyxVars& vars = Vars();
-  const String product = fs::JoinPath(TrimBlanks(vars.PersonalFolder), CleanName(vars.ProductName));
+  const String product = fs::JoinPath(DocumentsFolder(), CleanName(vars.ProductName));
   const String templates = fs::JoinPath(product, u"Templates");
   vars.WorkFolder = fs::JoinPath(templates, CleanName(vars.TemplateName));
   vars.ExtensionsFolder = fs::JoinPath(vars.WorkFolder, u"extensions");

@@ -3,6 +3,7 @@
 
 #include "automation/convert.h"
 #include "generation/cache.h"
+#include "support/common.h"
 #include "support/tyx_vars.h"
 
 namespace qv {
@@ -46,6 +47,12 @@ Ref<TyxDatabase> FirstDatabase(const Tyx& tyx) {
   if (TyxDatabase* db = list.Find(tyx.CurrentDbName)) return Ref<TyxDatabase>(db);
   if (list.Count() == 0) return nullptr;
   return Ref<TyxDatabase>(list.Find(list.collection().Key(1)));
+}
+
+String DocumentsFolder() {
+  const StringView personal = TrimBlanks(Vars().PersonalFolder);
+  if (!personal.empty()) return String(personal);
+  return SpecialFolder(0, kFolderPersonal);
 }
 
 std::vector<Ref<TyxExtension>> ExtensionsInOrder(const Tyx& tyx) {

@@ -36,6 +36,10 @@ TyxCache* RunCache();
 // list; null when the project has none.
 Ref<TyxDatabase> FirstDatabase(const Tyx& tyx);
 
+// The user's documents folder, below which every template has its working folder: the root's
+// PersonalFolder, or the system's when no root has set it.
+String DocumentsFolder();
+
 // The project's extensions in Seq order, 1 to Count; a gap in Seq is passed over.
 std::vector<Ref<TyxExtension>> ExtensionsInOrder(const Tyx& tyx);
 
