@@ -5,4 +5,7 @@ Function Fib(n)
     Fib = Fib(n - 1) + Fib(n - 2)
   End If
 End Function
-WScript.Echo Fib(27)
+Sub Main()
+  WScript.Echo Fib(30)
+End Sub
+Main

@@ -30,7 +30,7 @@ namespace qv::vbs {
   /* Arguments that may be passed by reference: push the value and remember its variable. */      \
   HOT(ArgLocal)                                                                                   \
   COLD(ArgRef)                                                                                    \
-  COLD(ArgGlobal)                                                                                 \
+  HOT(ArgGlobal)                                                                                  \
   COLD(ArgField)                                                                                  \
   /* an array element (flags: VarKind, a: slot, n: index count), locked for the call */           \
   COLD(ArgElem)                                                                                   \
@@ -98,9 +98,9 @@ namespace qv::vbs {
   COLD(StoreIndex) /* flags: VarKind | set flag, a: slot, n: index count */                       \
   COLD(StoreMember) /* a: call site; stack: object, args, value */                                \
   COLD(StoreIndexValue) /* stack: object, args, value */                                          \
-  /* An element of the array element pushed by reference below the args (stack: element, */       \
-  /* args), */                                                                                    \
-  /* itself pushed by reference and locked, so `a(i)(j)(k) = v` reaches the innermost array. */   \
+  /* An element of the array element pushed by reference below the args (stack: element,          \
+     args), itself pushed by reference and locked, so `a(i)(j)(k) = v` reaches the                \
+     innermost array. */                                                                          \
   COLD(ArgElemOf)                                                                                 \
   /* Arrays: flags VarKind, a slot, n bound count. */                                             \
   COLD(DimArray)                                                                                  \
@@ -135,7 +135,35 @@ namespace qv::vbs {
   HOT(SubStore)                                                                                   \
   HOT(MulStore)                                                                                   \
   HOT(AddPopStore) /* Add, StoreLocal (n: the local) */                                           \
-  HOT(LoadStore) /* LoadLocal|LoadRef, StoreLocal (n: the local) */
+  HOT(LoadStore) /* LoadLocal|LoadRef, StoreLocal (n: the local) */                               \
+  /* The same for module variables, each one read or written only while its slot holds a          \
+     variable (a constant too, for reads): a: the link slot of the loaded variable, b: the        \
+     operand as above or, with kFusedGlobal, the link slot of a module variable whose             \
+     LoadGlobal stands before the operator (Add..Ge instead of their K and L forms), n: the       \
+     local or, with kFusedStoreGlobal, the link slot stored to. */                                \
+  HOT(LoadGlobalAdd) /* LoadGlobal, AddK|AddL: pushes the sum */                                  \
+  HOT(LoadGlobalSub)                                                                              \
+  HOT(LoadGlobalMul)                                                                              \
+  /* LoadGlobal, AddK|AddL, then Add|Sub|Mul (n: 0, 1, 2) on the value below */                   \
+  HOT(LoadGlobalAddOp)                                                                            \
+  HOT(LoadGlobalSubOp)                                                                            \
+  HOT(LoadGlobalMulOp)                                                                            \
+  /* LoadGlobal whose value is the left operand of the LoadGlobalAddOp..MulOp after it */         \
+  HOT(LoadGlobalLeft)                                                                             \
+  HOT(LoadGlobalAddStore) /* LoadGlobal, AddK|AddL, StoreLocal|StoreGlobal */                     \
+  HOT(LoadGlobalSubStore)                                                                         \
+  HOT(LoadGlobalMulStore)                                                                         \
+  HOT(LoadGlobalEqJmp) /* LoadGlobal, EqK|EqL, JmpFalse */                                        \
+  HOT(LoadGlobalNeJmp)                                                                            \
+  HOT(LoadGlobalLtJmp)                                                                            \
+  HOT(LoadGlobalLeJmp)                                                                            \
+  HOT(LoadGlobalGtJmp)                                                                            \
+  HOT(LoadGlobalGeJmp)                                                                            \
+  HOT(AddStoreGlobal) /* AddK|AddL, StoreGlobal (n: the link slot) */                             \
+  HOT(SubStoreGlobal)                                                                             \
+  HOT(MulStoreGlobal)                                                                             \
+  HOT(AddPopStoreGlobal) /* Add, StoreGlobal (n: the link slot) */                                \
+  HOT(LoadGlobalStore) /* LoadGlobal, StoreLocal|StoreGlobal */
 // clang-format on
 
 enum class Op : uint8_t {
@@ -157,10 +185,13 @@ inline constexpr uint8_t kWantResult = 8;
 // result, which its caller's own assignment judges.
 inline constexpr uint8_t kRawStore = 16;
 // Flags of the fused instructions: the loaded variable is a ByRef parameter; the operand is
-// a local rather than a constant; the operand is an Integer constant held in b itself.
+// a local rather than a constant; the operand is an Integer constant held in b itself; the
+// operand is a module variable; the variable stored to is a module variable.
 inline constexpr uint8_t kFusedRef = 1;
 inline constexpr uint8_t kFusedLocal = 2;
 inline constexpr uint8_t kFusedImmediate = 4;
+inline constexpr uint8_t kFusedGlobal = 8;
+inline constexpr uint8_t kFusedStoreGlobal = 16;
 
 struct Instr {
   Op op = Op::Nop;

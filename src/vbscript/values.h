@@ -45,6 +45,8 @@ Variant ForOperand(Variant v);
 }
 // Copies the type word and the payload as they were stored (two stores, two loads): one
 // 16-byte load of a value that two smaller stores just wrote would stall on store forwarding.
+// The bytes between them are padding, so this is also a bitwise move of any Variant whose
+// source is then forgotten.
 [[gnu::always_inline]] inline void CopyPlain(Variant& dst, const Variant& src) {
   auto* d = reinterpret_cast<unsigned char*>(&dst);
   const auto* s = reinterpret_cast<const unsigned char*>(&src);

@@ -71,6 +71,32 @@ constexpr IntrinsicName kIntrinsics[] = {
     {u"Err", Intrinsic::Err},
 };
 
+// The value a fused instruction reads from a module variable's slot: a variable's or a
+// constant's; null for anything else, whose load the general path does.
+[[gnu::always_inline]] inline const Variant* ReadableValue(const GlobalSlot& s) {
+  return s.kind == SlotKind::Variable || s.kind == SlotKind::Constant ? &s.value : nullptr;
+}
+
+// Where a fused instruction stores: a local, or a module variable while its slot holds one
+// that owns nothing. Releasing a module variable's object may run a Class_Terminate that
+// assigns to the same variable, so that store keeps to the general path.
+[[gnu::always_inline]] inline Variant* FusedStoreTarget(const Instr& in, Variant* locals,
+                                                        GlobalSlot* const* globals) {
+  if (!(in.flags & kFusedStoreGlobal)) return &locals[in.n];
+  GlobalSlot& s = *globals[in.n];
+  return s.kind == SlotKind::Variable && IsPlain(s.value) ? &s.value : nullptr;
+}
+
+// The operands of a fused instruction on a module variable x: the right operand may be a
+// module variable too, read only while its slot holds a value.
+[[gnu::always_inline]] inline int LoadFusedGlobal(const Instr& in, const Variant& x,
+                                                  const Variant* locals, const Variant* consts,
+                                                  GlobalSlot* const* globals, Operands& o) {
+  if (!(in.flags & kFusedGlobal)) return LoadFused(in, in.b, x, locals, consts, o);
+  const Variant* y = ReadableValue(*globals[in.b]);
+  return y ? LoadOperands(x, *y, o) : 0;
+}
+
 }  // namespace
 
 // --- set-up ----------------------------------------------------------------------------------
@@ -173,22 +199,24 @@ void Vm::CallInPlace(const Proc& proc, ScriptObject* me, Variant* base, uint32_t
       f.refs[i] = &base[i];
     }
   }
+  // The result travels bit for bit, so that no count changes hands, and as the type word and
+  // the payload that the procedure's last store wrote: one 16-byte copy of them would stall.
   alignas(Variant) unsigned char result[sizeof(Variant)] = {};
+  Variant& held = *reinterpret_cast<Variant*>(result);
   const int32_t slot = proc.result_slot;
   {
     FrameGuard guard(*this, base, base + proc.nlocals + proc.max_stack);
     Ref<ScriptObject> keep(me);
     Run(f);
-    // A finished procedure leaves its stack area empty: only the locals need clearing. The
-    // result is taken out first, bit for bit, so that no count changes hands.
+    // A finished procedure leaves its stack area empty: only the locals need clearing.
     guard.end = base + proc.nlocals;
     if (slot >= 0) {
-      std::memcpy(result, static_cast<void*>(base + slot), sizeof(Variant));
+      CopyPlain(held, base[slot]);
       new (base + slot) Variant();
     }
     guard.Finish();
   }
-  if (slot >= 0) std::memcpy(static_cast<void*>(base), result, sizeof(Variant));
+  if (slot >= 0) CopyPlain(base[0], held);
 }
 
 Variant Vm::CallOnStack(const Proc& proc, ScriptObject* me, Variant* base, uint32_t argc,
@@ -527,6 +555,7 @@ void Vm::Execute(Frame& f) {
   Variant* sp = f.locals + proc.nlocals;
   Variant* const locals = f.locals;
   const Variant* const consts = proc.consts.data();
+  GlobalSlot* const* const globals = proc.globals.data();
   // Filled at compile time from the opcode list: a HOT opcode's entry is the label of its
   // name in this function, a COLD one's the switch.
 #define QV_COLD_TARGET(name) &&generic,
@@ -574,7 +603,7 @@ void Vm::Execute(Frame& f) {
         break;
       case Op::LoadGlobal:
       L_LoadGlobal : {
-        GlobalSlot& s = *proc.globals[ip[-1].a];
+        GlobalSlot& s = *globals[ip[-1].a];
         if (s.kind == SlotKind::Variable) {
           PushCopy(sp++, s.value);
         } else {
@@ -610,7 +639,7 @@ void Vm::Execute(Frame& f) {
             f.me->fields()[ip[-1].a] = std::move(v);
             break;
           default: {
-            GlobalSlot& s = *proc.globals[ip[-1].a];
+            GlobalSlot& s = *globals[ip[-1].a];
             if (s.kind == SlotKind::Variable) {
               s.value = std::move(v);
             } else {
@@ -640,7 +669,7 @@ void Vm::Execute(Frame& f) {
         Variant* base = sp - ip[-1].n;
         if ((ip[-1].flags & kVarKindMask) == kVarGlobal) {
           // A global name may be a function: then this is a call, and its result goes by value.
-          GlobalSlot& s = Resolve(*proc.globals[ip[-1].a], proc);
+          GlobalSlot& s = Resolve(*globals[ip[-1].a], proc);
           if (s.kind != SlotKind::Variable) {
             Variant value = CallSlot(f, s, base, ip[-1].n, static_cast<uint32_t>(ip[-1].b), true);
             if (ip[-1].b) ReleaseLocks(base, sp);
@@ -681,8 +710,15 @@ void Vm::Execute(Frame& f) {
         ++sp;
         QV_NEXT();
       }
-      case Op::ArgGlobal: {
-        GlobalSlot& s = Resolve(*proc.globals[ip[-1].a], proc);
+      case Op::ArgGlobal:
+      L_ArgGlobal : {
+        if (GlobalSlot& v = *globals[ip[-1].a]; v.kind == SlotKind::Variable) {
+          PushCopy(sp, v.value);
+          refs_[sp - stack_] = &v.value;
+          ++sp;
+          QV_NEXT();
+        }
+        GlobalSlot& s = Resolve(*globals[ip[-1].a], proc);
         if (s.kind == SlotKind::Undefined) {
           if (Variant* v = ScopeName(f, s.name)) {
             *sp = *v;
@@ -909,7 +945,7 @@ void Vm::Execute(Frame& f) {
       case Op::CallGlobal:
       L_CallGlobal : {
         Variant* args = sp - ip[-1].n;
-        GlobalSlot& s = *proc.globals[ip[-1].a];
+        GlobalSlot& s = *globals[ip[-1].a];
         if (s.kind == SlotKind::Procedure) {
           // The callee's frame starts at the arguments and leaves its result there.
           CallInPlace(*s.proc, nullptr, args, ip[-1].n, ip[-1].b);
@@ -987,7 +1023,7 @@ void Vm::Execute(Frame& f) {
         break;
       }
       case Op::New:
-        *sp = NewObject(f, *proc.globals[ip[-1].a]);
+        *sp = NewObject(f, *globals[ip[-1].a]);
         ++sp;
         break;
       case Op::StoreIndex: {
@@ -1130,9 +1166,8 @@ void Vm::Execute(Frame& f) {
         const uint8_t counter_kind = ip[-1].flags & kVarKindMask;
         if (counter_kind == kVarLocal) {
           counter = &locals[ip[-1].a];
-        } else if (counter_kind == kVarGlobal &&
-                   proc.globals[ip[-1].a]->kind == SlotKind::Variable) {
-          counter = &proc.globals[ip[-1].a]->value;
+        } else if (counter_kind == kVarGlobal && globals[ip[-1].a]->kind == SlotKind::Variable) {
+          counter = &globals[ip[-1].a]->value;
         } else {
           counter = &VarRef(f, ip[-1].flags, ip[-1].a);
         }
@@ -1313,9 +1348,174 @@ void Vm::Execute(Frame& f) {
         QV_LOAD_JUMP(Gt, >)
         QV_LOAD_JUMP(Ge, >=)
 #undef QV_LOAD_JUMP
-#undef QV_FUSED_X
+        // The same on module variables. The fast path reads and writes a slot only while it
+        // holds a variable's value; otherwise the LoadGlobal the instruction stands for runs
+        // as compiled (a procedure of that name is called, Option Explicit is checked...).
+#define QV_GLOBAL_X() ReadableValue(*globals[ip[-1].a])
+#define QV_COVERED() ((ip[-1].flags & kFusedGlobal) ? 1 : 0)
+#define QV_LOAD_GLOBAL_ARITH(NAME, OP)                                                        \
+  case Op::LoadGlobal##NAME:                                                                  \
+    L_LoadGlobal##NAME : {                                                                    \
+      Operands o;                                                                             \
+      const Variant* x = QV_GLOBAL_X();                                                       \
+      if (const int kind = x ? LoadFusedGlobal(ip[-1], *x, locals, consts, globals, o) : 0) { \
+        PutResult<false>(*sp, kind, o, QV_WHOLE(OP), QV_REAL(OP));                            \
+        ++sp;                                                                                 \
+        ip += 1 + QV_COVERED();                                                               \
+        QV_NEXT();                                                                            \
+      }                                                                                       \
+      goto L_LoadGlobal;                                                                      \
+    }                                                                                         \
+  case Op::LoadGlobal##NAME##Op:                                                              \
+    L_LoadGlobal##NAME##Op : {                                                                \
+      Operands o;                                                                             \
+      const Variant* x = QV_GLOBAL_X();                                                       \
+      const int kind = x ? LoadFusedGlobal(ip[-1], *x, locals, consts, globals, o) : 0;       \
+      if (!kind) goto L_LoadGlobal;                                                           \
+      /* The value has no side effects to order: it joins the one below as Add..Mul do. */    \
+      const uint16_t outer = ip[-1].n;                                                        \
+      ip += 2 + QV_COVERED();                                                                 \
+      f.ip = ip;                                                                              \
+      Variant& y = *sp;                                                                       \
+      PutResult<false>(y, kind, o, QV_WHOLE(OP), QV_REAL(OP));                                \
+      Variant& left = sp[-1];                                                                 \
+      if (outer == 0   ? FastArith(left, y, QV_WHOLE(+), QV_REAL(+))                          \
+          : outer == 1 ? FastArith(left, y, QV_WHOLE(-), QV_REAL(-))                          \
+                       : FastArith(left, y, QV_WHOLE(*), QV_REAL(*))) {                       \
+        new (&y) Variant();                                                                   \
+        QV_NEXT();                                                                            \
+      }                                                                                       \
+      ++sp;                                                                                   \
+      switch (outer) {                                                                        \
+        case 0:                                                                               \
+          goto L_Add;                                                                         \
+        case 1:                                                                               \
+          goto L_Sub;                                                                         \
+        default:                                                                              \
+          goto L_Mul;                                                                         \
+      }                                                                                       \
+    }                                                                                         \
+  case Op::LoadGlobal##NAME##Store:                                                           \
+    L_LoadGlobal##NAME##Store : {                                                             \
+      Operands o;                                                                             \
+      const Variant* x = QV_GLOBAL_X();                                                       \
+      Variant* dst = FusedStoreTarget(ip[-1], locals, globals);                               \
+      if (const int kind =                                                                    \
+              x && dst ? LoadFusedGlobal(ip[-1], *x, locals, consts, globals, o) : 0) {       \
+        PutResult<true>(*dst, kind, o, QV_WHOLE(OP), QV_REAL(OP));                            \
+        ip += 2 + QV_COVERED();                                                               \
+        QV_NEXT();                                                                            \
+      }                                                                                       \
+      goto L_LoadGlobal;                                                                      \
+    }                                                                                         \
+  case Op::NAME##StoreGlobal:                                                                 \
+    L_##NAME##StoreGlobal : {                                                                 \
+      Variant& a = sp[-1];                                                                    \
+      GlobalSlot& s = *globals[ip[-1].n];                                                     \
+      Operands o;                                                                             \
+      if (const int kind = s.kind == SlotKind::Variable && IsPlain(s.value)                   \
+                               ? LoadFused(ip[-1], ip[-1].b, a, locals, consts, o)            \
+                               : 0) {                                                         \
+        PutResult<true>(s.value, kind, o, QV_WHOLE(OP), QV_REAL(OP));                         \
+        new (--sp) Variant();                                                                 \
+        ++ip;                                                                                 \
+        QV_NEXT();                                                                            \
+      }                                                                                       \
+      a = Op##NAME(a, (ip[-1].flags & kFusedLocal) ? locals[ip[-1].a] : consts[ip[-1].a]);    \
+      QV_NEXT();                                                                              \
+    }
+        QV_LOAD_GLOBAL_ARITH(Add, +)
+        QV_LOAD_GLOBAL_ARITH(Sub, -)
+        QV_LOAD_GLOBAL_ARITH(Mul, *)
+#undef QV_LOAD_GLOBAL_ARITH
+#define QV_LOAD_GLOBAL_JUMP(NAME, OP)                                                   \
+  case Op::LoadGlobal##NAME##Jmp:                                                       \
+    L_LoadGlobal##NAME##Jmp : {                                                         \
+      Operands o;                                                                       \
+      const Variant* x = QV_GLOBAL_X();                                                 \
+      const int kind = x ? LoadFusedGlobal(ip[-1], *x, locals, consts, globals, o) : 0; \
+      if (!kind) goto L_LoadGlobal;                                                     \
+      const int covered = QV_COVERED();                                                 \
+      if (kind == 3 ? o.da OP o.db : o.wa OP o.wb) {                                    \
+        ip += 2 + covered;                                                              \
+        QV_NEXT();                                                                      \
+      }                                                                                 \
+      /* The JmpFalse at the end of the sequence holds the target. */                   \
+      const int32_t target = ip[1 + covered].a;                                         \
+      if (target < ip - code + 2 + covered) CheckTime();                                \
+      ip = code + target;                                                               \
+      QV_NEXT();                                                                        \
+    }
+        QV_LOAD_GLOBAL_JUMP(Eq, ==)
+        QV_LOAD_GLOBAL_JUMP(Ne, !=)
+        QV_LOAD_GLOBAL_JUMP(Lt, <)
+        QV_LOAD_GLOBAL_JUMP(Le, <=)
+        QV_LOAD_GLOBAL_JUMP(Gt, >)
+        QV_LOAD_GLOBAL_JUMP(Ge, >=)
+#undef QV_LOAD_GLOBAL_JUMP
+#undef QV_GLOBAL_X
+#undef QV_COVERED
+      case Op::LoadGlobalLeft:
+      L_LoadGlobalLeft : {
+        // Both operands are variables' values, so reading the left one here rather than first
+        // changes nothing the script can see.
+        const Instr& right = ip[0];
+        const Variant* left = ReadableValue(*globals[ip[-1].a]);
+        const Variant* x = ReadableValue(*globals[right.a]);
+        Operands o;
+        const int kind = left && x ? LoadFusedGlobal(right, *x, locals, consts, globals, o) : 0;
+        if (!kind) goto L_LoadGlobal;
+        Variant& y = *sp;
+        if (right.op == Op::LoadGlobalAddOp) {
+          PutResult<false>(y, kind, o, QV_WHOLE(+), QV_REAL(+));
+        } else if (right.op == Op::LoadGlobalSubOp) {
+          PutResult<false>(y, kind, o, QV_WHOLE(-), QV_REAL(-));
+        } else {
+          PutResult<false>(y, kind, o, QV_WHOLE(*), QV_REAL(*));
+        }
+        const bool done = right.n == 0   ? FastArithTo(y, *left, y, QV_WHOLE(+), QV_REAL(+))
+                          : right.n == 1 ? FastArithTo(y, *left, y, QV_WHOLE(-), QV_REAL(-))
+                                         : FastArithTo(y, *left, y, QV_WHOLE(*), QV_REAL(*));
+        if (!done) {
+          new (&y) Variant();
+          goto L_LoadGlobal;
+        }
+        ++sp;
+        ip += 3 + ((right.flags & kFusedGlobal) ? 1 : 0);
+        QV_NEXT();
+      }
 #undef QV_WHOLE
 #undef QV_REAL
+      case Op::AddPopStoreGlobal:
+      L_AddPopStoreGlobal : {
+        GlobalSlot& s = *globals[ip[-1].n];
+        Operands o;
+        if (const int kind = s.kind == SlotKind::Variable && IsPlain(s.value)
+                                 ? LoadOperands(sp[-2], sp[-1], o)
+                                 : 0) {
+          PutResult<true>(
+              s.value, kind, o, [](int64_t p, int64_t q) { return p + q; },
+              [](double p, double q) { return p + q; });
+          sp -= 2;
+          new (sp) Variant();
+          new (sp + 1) Variant();
+          ++ip;
+          QV_NEXT();
+        }
+        goto L_Add;
+      }
+      case Op::LoadGlobalStore:
+      L_LoadGlobalStore : {
+        const Variant* x = ReadableValue(*globals[ip[-1].a]);
+        Variant* dst = FusedStoreTarget(ip[-1], locals, globals);
+        if (x && dst && IsPlain(*x) && IsPlain(*dst)) {
+          CopyPlain(*dst, *x);
+          ++ip;
+          QV_NEXT();
+        }
+        goto L_LoadGlobal;
+      }
+#undef QV_FUSED_X
       case Op::AddPopStore:
       L_AddPopStore : {
         Operands o;
@@ -1346,7 +1546,7 @@ void Vm::Execute(Frame& f) {
       // A module variable's value that owns nothing, stored with Let: a move; everything else
       // goes through the general store.
       L_StoreGlobal : {
-        GlobalSlot& s = *proc.globals[ip[-1].a];
+        GlobalSlot& s = *globals[ip[-1].a];
         if (s.kind == SlotKind::Variable && !(ip[-1].flags & kSetFlag) && IsPlain(sp[-1])) {
           MoveInto(s.value, *--sp);
           QV_NEXT();
