@@ -6,6 +6,8 @@
 
 #include <pthread.h>
 
+#include <algorithm>
+#include <cassert>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
@@ -116,6 +118,7 @@ Vm::Vm() {
 
 Vm::~Vm() {
   // Every slot is Empty again once no frame runs, so there is nothing to destroy.
+  assert(top_ == stack_ && depth_ == 0 && active_locks_ == 0);
   std::free(stack_);
   std::free(refs_);
   std::free(locks_);
@@ -125,6 +128,7 @@ void Vm::ReleaseLocks(Variant* from, Variant* to) {
   if (active_locks_ == 0) return;
   for (size_t i = from - stack_, end = to - stack_; i < end; ++i) {
     if (SafeArray* array = locks_[i]) {
+      assert(active_locks_ > 0);
       --active_locks_;
       locks_[i] = nullptr;
       array->Unlock();
@@ -168,6 +172,7 @@ Vm::FrameGuard::FrameGuard(Vm& vm, Variant* base, Variant* end)
 }
 
 [[gnu::always_inline]] inline void Vm::FrameGuard::Finish() {
+  assert(vm.depth_ > 0 && vm.top_ >= end);
   vm.ReleaseLocks(base, end);
   for (Variant* p = base; p < end; ++p)
     Drop(*p);
@@ -177,6 +182,7 @@ Vm::FrameGuard::FrameGuard(Vm& vm, Variant* base, Variant* end)
 }
 
 void Vm::FrameGuard::Unwind() {
+  assert(vm.depth_ > 0);
   vm.ReleaseLocks(base, end);
   for (Variant* p = base; p < end; ++p)
     Drop(*p);
@@ -198,6 +204,8 @@ void Vm::CallInPlace(const Proc& proc, ScriptObject* me, Variant* base, uint32_t
     } else {
       f.refs[i] = &base[i];
     }
+    // A ByRef parameter is either the caller's variable or its own copy, never nothing.
+    assert(f.refs[i]);
   }
   // The result travels bit for bit, so that no count changes hands, and as the type word and
   // the payload that the procedure's last store wrote: one 16-byte copy of them would stall.
@@ -209,6 +217,8 @@ void Vm::CallInPlace(const Proc& proc, ScriptObject* me, Variant* base, uint32_t
     Ref<ScriptObject> keep(me);
     Run(f);
     // A finished procedure leaves its stack area empty: only the locals need clearing.
+    assert(
+        std::all_of(base + proc.nlocals, guard.end, [](const Variant& v) { return v.is_empty(); }));
     guard.end = base + proc.nlocals;
     if (slot >= 0) {
       CopyPlain(held, base[slot]);
@@ -552,8 +562,8 @@ void Vm::Execute(Frame& f) {
   const Proc& proc = *f.proc;
   const Instr* const code = proc.code.data();
   const Instr* ip = f.ip;
-  Variant* sp = f.locals + proc.nlocals;
   Variant* const locals = f.locals;
+  Variant* sp = locals + proc.nlocals;
   const Variant* const consts = proc.consts.data();
   GlobalSlot* const* const globals = proc.globals.data();
   // Filled at compile time from the opcode list: a HOT opcode's entry is the label of its
@@ -566,10 +576,17 @@ void Vm::Execute(Frame& f) {
   static_assert(std::size(targets) == kOpCount);
   // Hot operations end by jumping straight to the next one's code (computed goto);
   // the others go back through the switch.
-#define QV_NEXT()                                   \
-  do {                                              \
-    f.ip = ++ip;                                    \
-    goto* targets[static_cast<uint8_t>(ip[-1].op)]; \
+  // The frame's evaluation stack stays within what the compiler reserved for it, and is empty
+  // where a statement starts (Resume Next and the end of a call rely on that).
+  [[maybe_unused]] Variant* const floor = locals + proc.nlocals;
+  assert(!proc.code.empty() && proc.code.back().op == Op::Return);
+  assert(proc.stmt_start.size() == proc.code.size());
+#define QV_NEXT()                                                                \
+  do {                                                                           \
+    f.ip = ++ip;                                                                 \
+    assert(sp >= floor && sp <= floor + proc.max_stack);                         \
+    assert(!proc.stmt_start[static_cast<size_t>(ip - code) - 1] || sp == floor); \
+    goto* targets[static_cast<uint8_t>(ip[-1].op)];                              \
   } while (0)
   QV_NEXT();
   for (;;) {
@@ -986,12 +1003,17 @@ void Vm::Execute(Frame& f) {
       case Op::Index:
       L_Index : {
         Variant* args = sp - ip[-1].n;
-        // An element of a local one-dimensional array by a whole-number index: no script code
-        // can run meanwhile, so the array is read where it stands.
-        if (ip[-1].n == 1 && (ip[-1].flags & (kVarKindMask | kWantResult)) == kWantResult &&
-            locals[ip[-1].a].is_array() && IsWhole(TypeOf(args[0]))) {
-          const SafeArray* array = locals[ip[-1].a].as_array();
-          if (array->dimensions() == 1) {
+        // An element of a local or module one-dimensional array by a whole-number index: no
+        // script code can run meanwhile, so the array is read where it stands.
+        if (ip[-1].n == 1 && (ip[-1].flags & kWantResult) && IsWhole(TypeOf(args[0]))) {
+          const uint8_t kind = ip[-1].flags & kVarKindMask;
+          const Variant* held =
+              kind == kVarLocal ? &locals[ip[-1].a]
+              : kind == kVarGlobal && globals[ip[-1].a]->kind == SlotKind::Variable
+                  ? &globals[ip[-1].a]->value
+                  : nullptr;
+          const SafeArray* array = held && held->is_array() ? held->as_array() : nullptr;
+          if (array && array->dimensions() == 1) {
             const ArrayBound& bound = array->bounds()[0];
             const int64_t offset = int64_t{WholeOf(args[0])} - bound.lower;
             if (offset >= 0 && offset < bound.count) {

@@ -153,3 +153,35 @@ For i = 1 To 3
   Bump a
 Next
 Check a, 9, "ByRef in a loop"
+
+' Elements of a module array: whole, fractional and text indexes, bounds, and ReDim and Erase
+' between the reads.
+Dim list(), fixed(2)
+ReDim list(4)
+For i = 0 To 4
+  list(i) = i * 10
+Next
+t = 0
+For i = 0 To 4
+  t = t + list(i)
+Next
+Check t, 100, "sum of the elements"
+Check list(1.6), 20, "a fractional index rounds"
+Check list("3"), 30, "a text index converts"
+ReDim Preserve list(5)
+list(5) = 50
+Check list(5), 50, "after ReDim Preserve"
+fixed(1) = "x"
+Erase fixed
+Check fixed(1), Empty, "Erase of a fixed array empties its elements"
+On Error Resume Next
+t = list(6)
+Check Err.Number, CLng(9), "past the upper bound"
+Err.Clear
+t = list(-1)
+Check Err.Number, CLng(9), "below the lower bound"
+Err.Clear
+Erase list
+t = list(0)
+Check Err.Number, CLng(9), "an erased dynamic array has no elements"
+On Error GoTo 0
