@@ -291,7 +291,7 @@ bool TyScript::Validate() {
 
 // ---- BuildNewCode ----------------------------------------------------------------------------
 
-String TyScript::BuildNewCode(StringView code, int16_t init_type, int32_t timeout_ms) {
+String TyScript::BuildNewCode(const String& code, int16_t init_type, int32_t timeout_ms) {
   TyxVars& vars = Vars();
   engine_->SetTimeout(timeout_ms);
   if (!system_) {

@@ -71,7 +71,7 @@ class TyScript : public DispatchObject<TyScript> {
   // Adds `code` (which defines the function qvScriptEngine) to the System module, binds CTRL,
   // TABLE and FIELD as `init_type` asks (0 none, 1 the control, 2 all three) and returns what
   // qvScriptEngine returns. `timeout_ms` bounds the run. A failure sets ProjErr and gives "".
-  String BuildNewCode(StringView code, int16_t init_type, int32_t timeout_ms);
+  String BuildNewCode(const String& code, int16_t init_type, int32_t timeout_ms);
 
   // Sets the system library's four database-kind flags (qvDbAccess, qvDbSqlServer, qvDbMySql,
   // qvDbOracle) for a kind of DatabaseKind: 1 to 4 switch their one flag on, 5 leaves all off.

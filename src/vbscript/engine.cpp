@@ -46,6 +46,7 @@ struct ScriptModule::CachedCode {
   const Proc* top = nullptr;  // owned by the module, so that dropping an entry never frees
                               // module-level code that is still running
   std::vector<String> unbound_locals;
+  String text;
 };
 
 ScriptModule::ScriptModule(Engine& engine, Ref<Module> module)
@@ -85,20 +86,24 @@ bool ScriptModule::StillValid(const CachedCode& cached) const {
   return true;
 }
 
-void ScriptModule::AddCodeCached(StringView code) {
+void ScriptModule::AddCodeCached(const String& code) {
   // Pages are few and their texts come back thousands of times; a cap keeps a host that
   // never repeats a text from holding every text it ever added.
   constexpr size_t kMaxCachedTexts = 1024;
   engine_.Guard(code, [&] {
-    if (const auto it = cache_.find(code); it != cache_.end() && StillValid(*it->second)) {
-      const Proc* top = it->second->top;
-      Relink(it->second->linked, *module_);
-      module_->vm()->RunTop(*top);
+    CachedCode* hit = nullptr;
+    if (const auto it = by_buffer_.find(code.data()); it != by_buffer_.end() && !code.empty()) {
+      hit = it->second;
+    } else if (const auto found = cache_.find(code.view()); found != cache_.end()) {
+      hit = found->second.get();
+    }
+    if (hit && hit->text.size() == code.size() && StillValid(*hit)) {
+      Relink(hit->linked, *module_);
+      module_->vm()->RunTop(*hit->top);
       return 0;
     }
-    const String source(code);
-    Program program = ParseProgram(source);
-    CompiledUnit unit = CompileProgram(program, *module_, source, nullptr);
+    Program program = ParseProgram(code);
+    CompiledUnit unit = CompileProgram(program, *module_, code, nullptr);
     auto cached = std::make_unique<CachedCode>();
     auto note_unbound = [&](const Proc& proc) {
       for (const String& name : proc.local_names) {
@@ -114,8 +119,17 @@ void ScriptModule::AddCodeCached(StringView code) {
     cached->linked = LinkKeeping(unit, *module_);
     const Proc* top = module_->AddProc(std::move(cached->linked.top));
     cached->top = top;
-    if (cache_.size() >= kMaxCachedTexts) cache_.clear();
-    cache_.insert_or_assign(source, std::move(cached));
+    cached->text = code;
+    if (cache_.size() >= kMaxCachedTexts) {
+      cache_.clear();
+      by_buffer_.clear();
+    }
+    if (const auto stale = cache_.find(code.view()); stale != cache_.end()) {
+      by_buffer_.erase(stale->first.data());
+      cache_.erase(stale);
+    }
+    by_buffer_[code.data()] = cached.get();
+    cache_.emplace(code, std::move(cached));
     module_->vm()->RunTop(*top);
     return 0;
   });

@@ -64,8 +64,9 @@ class ScriptModule {
   void AddCode(StringView code);
   // AddCode for a host that adds the same texts again and again (a generator adds one page
   // function per page): a text this module compiled before is made visible again from its
-  // compiled form and its module-level code runs again, without parsing or compiling.
-  void AddCodeCached(StringView code);
+  // compiled form and its module-level code runs again, without parsing or compiling. A text
+  // given as the very String added before (a shared buffer) is found without reading it.
+  void AddCodeCached(const String& code);
   Variant Run(StringView procedure, std::span<Variant> args = {});
   Variant Eval(StringView expression);
   void ExecuteStatement(StringView code);
@@ -84,6 +85,9 @@ class ScriptModule {
   Engine& engine_;
   Ref<Module> module_;
   std::unordered_map<String, std::unique_ptr<CachedCode>, TextHash, std::equal_to<>> cache_;
+  // The same entries by the buffer of their key: the keys keep their buffers alive and texts
+  // never change in place, so a buffer seen again holds the same text.
+  std::unordered_map<const Char*, CachedCode*> by_buffer_;
 };
 
 class Engine {

@@ -107,10 +107,10 @@ TEST(EngineTest, LaterDefinitionReplacesEarlierAcrossAddCode) {
 TEST(EngineTest, CachedCodeComesBackAsCompiledAndFollowsNewModuleNames) {
   Engine engine;
   ScriptModule& system = engine.AddModule(u"System");
-  const std::u16string first =
+  const String first =
       u"Dim runs\r\nruns = runs + 1\r\nFunction qvScriptEngine() : x = \"first\" : "
       u"qvScriptEngine = x : End Function";
-  const std::u16string second = u"Function qvScriptEngine() : qvScriptEngine = 2 : End Function";
+  const String second = u"Function qvScriptEngine() : qvScriptEngine = 2 : End Function";
   system.AddCodeCached(first);
   system.AddCodeCached(second);
   EXPECT_EQ(Utf8(system.Run(u"qvScriptEngine")), "2");
@@ -119,6 +119,10 @@ TEST(EngineTest, CachedCodeComesBackAsCompiledAndFollowsNewModuleNames) {
   EXPECT_EQ(Utf8(system.Run(u"qvScriptEngine")), "first");
   EXPECT_EQ(Utf8(system.Eval(u"runs")), "2");
   EXPECT_EQ(system.Procedures().size(), 1u);
+  // The same text in a buffer of its own is found by its content.
+  system.AddCodeCached(String(second.view()));
+  EXPECT_EQ(Utf8(system.Run(u"qvScriptEngine")), "2");
+  EXPECT_EQ(Utf8(system.Eval(u"runs")), "2");
 
   // `x` was a local of the function because the module had no such name. Once the module
   // declares it, the kept compiled form is stale: the function must now write the module's x.
