@@ -40,6 +40,14 @@ const DispatchTable<RecordsetObject>& RecordsetObject::Table() {
   static const auto table =
       DispatchTable<Rs>(u"Recordset")
           .Property(u"Fields", FieldsGet, FieldsLet)
+          // Collect(index): a value of the current record without a Field in between.
+          .Property(
+              u"Collect",
+              [](Rs& rs, Args args) {
+                CheckArgCount(args, 1, 1);
+                return rs.Value(rs.Fields()->ColumnOf(args[0]));
+              },
+              FieldsLet)
           .Method(u"Open",
                   [](Rs& rs, Args args) {
                     rs.Open(args);

@@ -43,10 +43,11 @@ std::vector<uint8_t> Bom(Encoding encoding) {
   return {};
 }
 
-// Converts between a single-byte charset and UTF-16LE through iconv.
+// Converts between a single-byte charset and UTF-16LE through iconv. A character the target
+// lacks becomes "?", as Windows writes it; `unit` is the width of one input character.
 std::vector<uint8_t> Iconv(const std::vector<uint8_t>& input, const std::string& to,
-                           const std::string& from) {
-  iconv_t cd = iconv_open((to + "//TRANSLIT").c_str(), from.c_str());
+                           const std::string& from, size_t unit) {
+  iconv_t cd = iconv_open(to.c_str(), from.c_str());
   if (cd == reinterpret_cast<iconv_t>(-1)) {
     throw AdoError(adErrInvalidArgument, kSource);
   }
@@ -55,19 +56,17 @@ std::vector<uint8_t> Iconv(const std::vector<uint8_t>& input, const std::string&
   size_t in_left = input.size();
   char* out = reinterpret_cast<char*>(output.data());
   size_t out_left = output.size();
+  const std::string question = to == "UTF-16LE" ? std::string("?\0", 2) : std::string("?");
   while (in_left > 0) {
-    if (iconv(cd, &in, &in_left, &out, &out_left) == static_cast<size_t>(-1)) {
-      if (errno == EILSEQ || errno == EINVAL) {
-        // A byte the charset lacks becomes "?", as Windows writes it.
-        ++in;
-        --in_left;
-        if (out_left > 0) {
-          *out++ = '?';
-          --out_left;
-        }
-        continue;
-      }
-      break;
+    if (iconv(cd, &in, &in_left, &out, &out_left) != static_cast<size_t>(-1)) break;
+    if (errno != EILSEQ && errno != EINVAL) break;
+    const size_t skip = std::min(unit, in_left);
+    in += skip;
+    in_left -= skip;
+    if (out_left >= question.size()) {
+      std::copy(question.begin(), question.end(), out);
+      out += question.size();
+      out_left -= question.size();
     }
   }
   iconv_close(cd);
@@ -90,7 +89,7 @@ std::vector<uint8_t> Encode(StringView text, const String& charset) {
       return std::vector<uint8_t>(utf8.begin(), utf8.end());
     }
     case Encoding::Other:
-      return Iconv(utf16, charset.ToUtf8(), "UTF-16LE");
+      return Iconv(utf16, charset.ToUtf8(), "UTF-16LE", 2);
   }
   return utf16;
 }
@@ -104,7 +103,7 @@ String Decode(const uint8_t* data, size_t size, const String& charset) {
     case Encoding::Utf8:
       return String::FromUtf8(std::string_view(reinterpret_cast<const char*>(data), size));
     case Encoding::Other:
-      utf16 = Iconv(std::vector<uint8_t>(data, data + size), "UTF-16LE", charset.ToUtf8());
+      utf16 = Iconv(std::vector<uint8_t>(data, data + size), "UTF-16LE", charset.ToUtf8(), 1);
       break;
   }
   String text;

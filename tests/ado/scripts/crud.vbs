@@ -45,6 +45,17 @@ Set f = Nothing
 cn.Execute "UPDATE " & t & " SET qty = qty + 1", n
 Check n, 2, "RecordsAffected of an update"
 
+' A Command as the source of a recordset.
+Set cmd = CreateObject("ADODB.Command")
+Set cmd.ActiveConnection = cn
+cmd.CommandText = "SELECT name FROM " & t & " WHERE qty > ? ORDER BY id"
+cmd.Parameters.Append cmd.CreateParameter("q", 3, 1, , 5)
+Set rs = CreateObject("ADODB.Recordset")
+rs.Open cmd, , 3, 1
+Check rs.RecordCount, 1, "a Command as the source"
+Check rs.Collect("name"), "alpha", "Collect"
+rs.Close
+
 ' Two recordsets at once on one connection, one forward-only (streamed).
 Set rs = cn.Execute("SELECT name, qty FROM " & t & " ORDER BY id")
 Set rs2 = CreateObject("ADODB.Recordset")

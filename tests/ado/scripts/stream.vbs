@@ -34,6 +34,15 @@ Check s.ReadText(1), "a", "one character"
 s.Close
 
 Set s = CreateObject("ADODB.Stream")
+s.Charset = "iso-8859-1"
+s.Open
+s.WriteText "caf" & ChrW(233) & ChrW(8364)
+Check s.Size, 5, "one byte a character, no mark"
+s.Position = 0
+Check s.ReadText, "caf" & ChrW(233) & "?", "a character the charset lacks"
+s.Close
+
+Set s = CreateObject("ADODB.Stream")
 s.Type = 1
 s.Open
 s.LoadFromFile path
