@@ -850,6 +850,10 @@ std::unique_ptr<Backend> OpenOdbcBackend(StringView connection_string, StringVie
   }
   if (!user.empty()) cs.Set(u"UID", user);
   if (!password.empty()) cs.Set(u"PWD", password);
+  // MySQL counts only the rows an UPDATE changed; FOUND_ROWS (option bit 2) makes it count the
+  // rows it matched, as every other DBMS does, so that rewriting a row with its own values
+  // is not taken for a row that has gone.
+  if (IsMysqlFamily(cs) && !cs.Has(u"OPTION")) cs.Set(u"OPTION", u"2");
   if (timeouts.login_seconds > 0 && !cs.Has(u"CONN_TIMEOUT") && IsMysqlFamily(cs)) {
     cs.Set(u"CONN_TIMEOUT", String::FromUtf8(std::to_string(timeouts.login_seconds)));
   }

@@ -29,6 +29,8 @@ rs.MoveFirst
 Check rs("name").Value, "alpha", "first row"
 rs("qty") = 10
 rs.Update
+rs("qty") = 10
+rs.Update   ' the same value again: the row is still found
 Check rs("qty").OriginalValue, 10, "OriginalValue after Update"
 rs.MoveNext
 rs.Delete
