@@ -76,7 +76,13 @@ struct TyxVars {
   String CurrentDbmsName;     // DBDBMSName of the database: decides DatabaseKind
   String CurrentTableSchema;  // TABLE_SCHEMA of the schema row at hand
   String OracleConnStr;       // the Oracle connection form, for generated code
-  String StatusTitle;         // title text of the status window
+  // The kind of the database for the system code, set at the start of each generation run:
+  // one of them for Access, SQL Server, MySQL and Oracle, none for any other DBMS.
+  bool DbIsAccess = false;
+  bool DbIsSqlServer = false;
+  bool DbIsMySql = false;
+  bool DbIsOracle = false;
+  String StatusTitle;  // title text of the status window
 
   // ---- System code page (LoadSystemCharset) ----
   Variant SystemCodePage;  // the code page as text: "65001" here
@@ -108,6 +114,9 @@ struct TyxVars {
   bool OverwriteThis = false;  // the answer for the file at hand
   String PromptFile;           // the file named in the overwrite question; "" for a folder
   Variant PromptFolder;        // the folder named in the overwrite question; "" for a file
+  // A standing answer the host gives before the run ("O" or "S", as OverwriteChoice), which
+  // each RunControls starts from instead of ""; "" lets the project's settings decide.
+  String OverwritePreset;
 
   // ---- Page counters and the page at hand ----
   int32_t PagesTotal = 0;  // table pages of the run
@@ -115,6 +124,12 @@ struct TyxVars {
   String GeneratedFile;  // output file name of the page at hand
   String CurCtrlID;      // CtrlID of the control at hand
   String CurTagExt;      // its CtrlTagExt + "_", or ""
+  // What the run did to the output, for the host's summary: pages and stylesheets written,
+  // files and folders copied, existing files left as they were, backups made.
+  int32_t FilesWritten = 0;
+  int32_t FilesCopied = 0;
+  int32_t FilesSkipped = 0;
+  int32_t FilesBackedUp = 0;
 
   // ---- Registry access (ReadRegValue/WriteRegValue) ----
   int32_t RegValueType = 0;             // the type of the value that ReadRegValue read last

@@ -1,0 +1,320 @@
+// Database, stylesheet and template file copying.
+#include "generation/copy_actions.h"
+
+#include <filesystem>
+
+#include "automation/convert.h"
+#include "automation/error.h"
+#include "generation/file_writer.h"
+#include "generation/output_paths.h"
+#include "generation/run_state.h"
+#include "model/tyx.h"
+#include "platform/atomic_file.h"
+#include "platform/data/connection_string.h"
+#include "platform/fs.h"
+#include "platform/prompter.h"
+#include "platform/text_file.h"
+#include "support/common.h"
+#include "support/data_folder.h"
+#include "support/status.h"
+#include "support/tyx_vars.h"
+#include "templates/controls.h"
+
+namespace qv {
+
+namespace {
+
+String Absolute(StringView path) {
+  std::error_code ec;
+  const auto full = std::filesystem::absolute(fs::ToNative(path), ec).lexically_normal();
+  return ec ? String(path) : fs::FromNative(full);
+}
+
+bool EndsWithNoCase(StringView text, StringView tail) {
+  return text.size() >= tail.size() && EqualsNoCase(text.substr(text.size() - tail.size()), tail);
+}
+
+size_t FindNoCase(StringView text, StringView what, size_t from = 0) {
+  return ToLower(text).view().find(ToLower(what).view(), from);
+}
+
+// Creates a folder the generated application expects (uploads, audit trail) below the root,
+// unless its name would climb out of the root.
+void CreateAppFolder(StringView app_root, StringView setting) {
+  StringView name = TrimBlanks(setting);
+  if (name.starts_with(u"~")) name.remove_prefix(1);
+  if (name.empty()) return;
+  const String path = String(app_root) + fs::NormalizeSeparators(name);
+  if (PathIsInside(app_root.empty() ? StringView(u".") : app_root, path)) CreateFolders(path);
+}
+
+// The database file a generated application needs beside it: an Access file, the data file of
+// a SQL Server Express database attached by file name, or an embedded SQLite file. "" when the
+// data lives in a server.
+String DatabaseSource(const TyxDatabase& db) {
+  if (db.DBType() == u"ACCESS") return db.DBPhyPath();
+  const String connstr = db.DBConnstr();
+  if (connstr.empty()) return String();
+  const size_t at = FindNoCase(connstr, u"AttachDbFilename");
+  if (at != StringView::npos && FindNoCase(connstr, u"\\SQLExpress") != StringView::npos) {
+    const size_t eq = connstr.view().find(u'=', at);
+    if (eq == StringView::npos) return String();
+    const size_t semi = connstr.view().find(u';', at);
+    return String(
+        connstr.view().substr(eq + 1, semi == StringView::npos ? StringView::npos : semi - eq - 1));
+  }
+  const data::ConnectionString parsed = data::ConnectionString::Parse(connstr);
+  if (parsed.Kind() == data::ProviderKind::Sqlite) {
+    if (auto file = parsed.GetAny({u"Data Source", u"DataSource", u"Database"})) return *file;
+  }
+  return String();
+}
+
+enum class CopyDecision { kCopy, kSkip };
+
+// Whether an existing database copy may be replaced. A standing answer of the host (skip all,
+// overwrite all) is taken as the answer to this question too.
+CopyDecision DecideDatabaseOverwrite(Tyx& tyx, StringView target) {
+  const TyxVars& vars = Vars();
+  if (!tyx.OtherOverwrite() || vars.OverwriteChoice == u"S") return CopyDecision::kSkip;
+  if (!tyx.PromptOnOverwrite() || vars.OverwriteChoice == u"O") return CopyDecision::kCopy;
+  SharedStatus().SuspendLine();
+  const YesNoCancel answer = CurrentPrompter().AskYesNoCancel(
+      vars.ProductTitle, u"Database \"" + Absolute(target) + u"\" already exists! Overwrite?",
+      YesNoCancel::kNo);
+  if (answer == YesNoCancel::kCancel) RaiseCancelled();
+  return answer == YesNoCancel::kYes ? CopyDecision::kCopy : CopyDecision::kSkip;
+}
+
+void CopyOneFile(StringView source, StringView target) {
+  fs::CopyFileAtomically(source, target);
+  ++Vars().FilesCopied;
+}
+
+// The first of a copy list's files or folders that exists below `base`; "" (and the status
+// window closed) when there is none.
+String FindCopySource(StringView base, StringView name) {
+  const String path = fs::JoinPath(base, name);
+  if (fs::FileExists(path) || fs::FolderExists(path)) return path;
+  SharedStatus().CloseStatus();
+  return String();
+}
+
+std::vector<String> SplitList(StringView list) {
+  std::vector<String> items;
+  size_t from = 0;
+  for (;;) {
+    const size_t comma = list.find(u',', from);
+    items.emplace_back(
+        list.substr(from, comma == StringView::npos ? StringView::npos : comma - from));
+    if (comma == StringView::npos) return items;
+    from = comma + 1;
+  }
+}
+
+}  // namespace
+
+int16_t CopyDatabase(Tyx& tyx, bool check_only) {
+  TyxVars& vars = Vars();
+  const Ref<TyxDatabase> db = FirstDatabase(tyx);
+  if (!db) return 0;
+  const String app_root = WithTrailingSlash(AppRootOf(tyx));
+  CreateAppFolder(app_root, tyx.UploadPath());
+  CreateAppFolder(app_root, tyx.AuditTrailPath());
+
+  StringView db_path = TrimBlanks(db->DBPath());
+  String dest_folder = app_root;
+  if (db_path.starts_with(u"~")) db_path.remove_prefix(1);
+  if (db_path.starts_with(u"/") || db_path.starts_with(u"\\")) db_path.remove_prefix(1);
+  if (TrimBlanks(db->DBPath()).empty()) dest_folder = WithTrailingSlash(tyx.Destination());
+
+  const String source = fs::NormalizeSeparators(DatabaseSource(*db));
+  if (source.empty()) return 0;
+  if (!db_path.empty())
+    dest_folder = dest_folder + WithTrailingSlash(fs::NormalizeSeparators(db_path));
+  const String target = dest_folder + fs::FileNameOf(source);
+  if (!PathIsInside(app_root.empty() ? String(u".") : app_root, target) &&
+      !PathIsInside(WithTrailingSlash(tyx.Destination()), target)) {
+    vars.ProjErr = vars.ProductTitle + u": Output path \"" + target +
+                   u"\" lies outside the folder \"" + app_root + u"\"! Generation aborted!";
+    return 0;
+  }
+  if (!fs::FileExists(source)) return 0;
+
+  bool copy = true;
+  if (!fs::FolderExists(dest_folder)) {
+    SharedStatus().SuspendLine();
+    // Nobody to ask: the folder lies in our own output tree, so making it is what a user who
+    // asked for the database copy wants.
+    const YesNoCancel answer = CurrentPrompter().AskYesNoCancel(
+        vars.ProductTitle,
+        u"Folder \"" + Absolute(dest_folder) + u"\" does not exist! Do you want to create it?",
+        YesNoCancel::kYes);
+    if (answer == YesNoCancel::kCancel) RaiseCancelled();
+    if (answer == YesNoCancel::kYes) {
+      if (!check_only) CreateFolders(dest_folder);
+    } else {
+      CurrentPrompter().ShowMessage(
+          vars.ProductTitle,
+          u"Database Folder \"" + Absolute(dest_folder) +
+              u"\" not created! Database will not be copied. Make sure you set up the correct "
+              u"database path for the " +
+              vars.ScriptLanguageName + u" scripts to work correctly!",
+          PromptIcon::kExclamation);
+      copy = false;
+    }
+  }
+  if (fs::FolderExists(dest_folder)) {
+    if (Absolute(source) == Absolute(target)) {
+      copy = false;
+    } else if (fs::FileExists(target)) {
+      if (check_only) return 1;
+      if (copy && DecideDatabaseOverwrite(tyx, target) == CopyDecision::kSkip) {
+        ++vars.FilesSkipped;
+        copy = false;
+      }
+    }
+  }
+  if (!copy || check_only) return 0;
+  try {
+    CopyOneFile(source, target);
+    if (EndsWithNoCase(source, u".mdf")) {
+      const auto log_of = [](StringView path) {
+        return String(path.substr(0, path.size() - 4)) + u"_log.ldf";
+      };
+      if (fs::FileExists(log_of(source))) CopyOneFile(log_of(source), log_of(target));
+    }
+  } catch (const Error& e) {
+    vars.ProjErr = u"Copying to file \"" + target + u"\" failed! Error = " + e.description();
+  }
+  return 0;
+}
+
+String StylesheetTemplatePath() {
+  const Variant setting = ReadRegValue(u"HKCU", Vars().SettingsKey, u"CssFile");
+  const String path = fs::NormalizeSeparators(setting.is_empty() ? String() : ToString(setting));
+  if (path.empty() || path.view().starts_with(u"/")) return path;
+  return fs::JoinPath(fs::FromNative(DataFolder()), path);
+}
+
+int16_t CopyCss(Tyx& tyx, bool check_only) {
+  const String project_name = tyx.ProjName() + u".css";
+  const String name = tyx.OutputNameLCase() ? ToLower(project_name) : project_name;
+  const String path = ResolveOutputPath(tyx, u"", name, check_only);
+  if (path.empty()) return 0;
+  const bool ok =
+      PrepareOverwriteFile(tyx, path, tyx.OtherOverwrite(), tyx.PromptOnOverwrite(), check_only);
+  if (!check_only && ok) {
+    // Each step stands alone: a missing or broken stylesheet template still leaves the
+    // project's own styles in the file.
+    String text;
+    try {
+      const String source = ReadTextFile(StylesheetTemplatePath());
+      text.Append(tyx.Services().Parse(tyx, Variant(source)));
+    } catch (const Error&) {
+    }
+    try {
+      text.Append(tyx.CssStyles());
+    } catch (const Error&) {
+    }
+    try {
+      const String folder = fs::ParentFolderOf(path);
+      if (!folder.empty()) CreateFolders(folder);
+      fs::WriteFileAtomically(path, EncodeText(text, LineEnds::kCrLf));
+      ++Vars().FilesWritten;
+    } catch (const Error& e) {
+      Vars().ProjErr =
+          Vars().ProductTitle + u": Writing file \"" + path + u"\" failed! " + e.description();
+      RaiseRunFailure();
+    }
+  }
+  const String own = tyx.CSS();
+  if (!check_only && !own.empty()) {
+    const String path2 = ResolveOutputPath(tyx, u"", fs::FileNameOf(own), check_only);
+    if (path2.empty()) return 0;
+    if (path2 != fs::NormalizeSeparators(own) &&
+        PrepareOverwriteFile(tyx, path2, tyx.OtherOverwrite(), tyx.PromptOnOverwrite(),
+                             check_only)) {
+      SharedStatus().DispStatus(Variant(String(u"copying css...")));
+      try {
+        if (fs::FileExists(own)) CopyOneFile(own, path2);
+      } catch (const Error&) {
+      }
+    }
+  }
+  return check_only && ok ? 1 : 0;
+}
+
+int16_t RunCopyActions(Tyx& tyx, bool check_only) {
+  TyxVars& vars = Vars();
+  TyxControls& controls = RunControlList();
+  int16_t count = 0;
+  for (int32_t i = 1; i <= controls.Count(); ++i) {
+    const Ref<TyxControl> control = controls.Item(i);
+    if (!control || control->CtrlType != u"copy") continue;
+    const String base = control->CtrlExt.empty()
+                            ? vars.TemplateFolder
+                            : fs::JoinPath(vars.ExtensionsFolder, control->CtrlExt);
+    const bool overwrite = control->CtrlOverwrite && tyx.OtherOverwrite();
+    if (!control->CtrlIFiles.empty()) {
+      for (const String& name : SplitList(control->CtrlIFiles)) {
+        const String source = FindCopySource(base, name);
+        if (source.empty()) {
+          vars.ProjErr = vars.ProductTitle + u": Source file does not exist - \"" + name +
+                         u"\"! Check if correct template.";
+          return count;
+        }
+        const String target = ResolveOutputPath(tyx, control->CtrlOFolder, name, check_only);
+        if (target.empty()) return count;
+        if (!PrepareOverwriteFile(tyx, target, overwrite, tyx.PromptOnOverwrite(), check_only))
+          continue;
+        if (check_only) {
+          ++count;
+          continue;
+        }
+        SharedStatus().DispStatus(Variant(u"Copying file " + name + u"..."));
+        try {
+          const String folder = fs::ParentFolderOf(target);
+          if (!folder.empty()) CreateFolders(folder);
+          CopyOneFile(source, target);
+        } catch (const Error&) {
+          vars.ProjErr = u"Copying to file \"" + target + u"\" failed!";
+          return count;
+        }
+      }
+    } else if (!control->CtrlIFolder.empty()) {
+      String source = FindCopySource(base, control->CtrlIFolder);
+      if (source.empty()) {
+        vars.ProjErr = vars.ProductTitle + u": Source folder does not exist - \"" +
+                       control->CtrlIFolder + u"\"! Check if correct template.";
+        return count;
+      }
+      const String& folder_name =
+          control->CtrlOFolder.empty() ? control->CtrlIFolder : control->CtrlOFolder;
+      String target = ResolveOutputPath(tyx, folder_name, u"", check_only);
+      if (target.empty()) return count;
+      // Both end in the "/" that control folders carry.
+      source = String(source.view().substr(0, source.size() - 1));
+      target = String(target.view().substr(0, target.size() - 1));
+      if (!PrepareOverwriteFolder(tyx, target, overwrite, tyx.PromptOnOverwrite(), check_only))
+        continue;
+      if (check_only) {
+        ++count;
+        continue;
+      }
+      const StringView shown = control->CtrlIFolder.view();
+      SharedStatus().DispStatus(
+          Variant(u"Copying folder " + String(shown.substr(0, shown.size() - 1)) + u"..."));
+      try {
+        fs::CopyFolderAtomically(source, target);
+        ++vars.FilesCopied;
+      } catch (const Error&) {
+        vars.ProjErr = u"Copying to folder \"" + target + u"\" failed!";
+        return count;
+      }
+    }
+  }
+  return count;
+}
+
+}  // namespace qv
