@@ -119,8 +119,11 @@ int16_t CopyDatabase(Tyx& tyx, bool check_only) {
   const Ref<TyxDatabase> db = FirstDatabase(tyx);
   if (!db) return 0;
   const String app_root = WithTrailingSlash(AppRootOf(tyx));
-  CreateAppFolder(app_root, tyx.UploadPath());
-  CreateAppFolder(app_root, tyx.AuditTrailPath());
+  // A dry run leaves the disk alone, these two folders included.
+  if (!check_only) {
+    CreateAppFolder(app_root, tyx.UploadPath());
+    CreateAppFolder(app_root, tyx.AuditTrailPath());
+  }
 
   StringView db_path = TrimBlanks(db->DBPath());
   String dest_folder = app_root;
