@@ -7,6 +7,7 @@
 #include "automation/error.h"
 #include "generation/file_writer.h"
 #include "generation/output_paths.h"
+#include "generation/preparation.h"
 #include "generation/run_state.h"
 #include "model/tyx.h"
 #include "platform/atomic_file.h"
@@ -228,7 +229,7 @@ int16_t CopyCss(Tyx& tyx, bool check_only) {
     } catch (const Error& e) {
       Vars().ProjErr =
           Vars().ProductTitle + u": Writing file \"" + path + u"\" failed! " + e.description();
-      RaiseRunFailure();
+      RaiseGenError();
     }
   }
   const String own = tyx.CSS();

@@ -5,12 +5,14 @@
 #include "automation/error.h"
 #include "generation/output_paths.h"
 #include "generation/page_text.h"
+#include "generation/preparation.h"
 #include "generation/run_state.h"
 #include "model/tyx.h"
 #include "platform/atomic_file.h"
 #include "platform/fs.h"
 #include "platform/prompter.h"
 #include "platform/text_file.h"
+#include "script/script_host.h"
 #include "support/common.h"
 #include "support/status.h"
 #include "support/tyx_vars.h"
@@ -98,13 +100,12 @@ bool PrepareOverwrite(Tyx& tyx, StringView path, bool overwrite, bool prompt, bo
 // that could make the page.
 String BuildPage(const String& code, int16_t init_type) {
   TyxVars& vars = Vars();
-  if (!vars.TheScript) {
+  TyScript* script = CurrentScript();
+  if (!script) {
     vars.ProjErr = vars.ProductTitle + u": Script engine not started! Generation aborted!";
     return String();
   }
-  const Variant page = vars.TheScript->Call(
-      u"BuildNewCode", {Variant(code), Variant(init_type), Variant(vars.ScriptEngineTimeout)});
-  return page.is_null() || page.is_empty() ? String() : ToString(page);
+  return script->BuildNewCode(code, init_type, vars.ScriptEngineTimeout);
 }
 
 void WritePageFile(StringView path, const String& page) {
@@ -115,7 +116,7 @@ void WritePageFile(StringView path, const String& page) {
   } catch (const Error& e) {
     Vars().ProjErr = Vars().ProductTitle + u": Writing file \"" + String(path) + u"\" failed! " +
                      e.description();
-    RaiseRunFailure();
+    RaiseGenError();
   }
   ++Vars().FilesWritten;
 }
@@ -128,7 +129,7 @@ void WritePage(Tyx& tyx, PageKind kind, TyxTable* table, TyxField* field, String
       vars.ProjErr = u"File " + String(temp_file) +
                      (kind == PageKind::kField ? u" not found. Generation aborted"
                                                : u" not found. Generation aborted.");
-      RaiseRunFailure();
+      RaiseGenError();
     }
     const String code = ReadSourceFile(temp_file);
     // The system code reads the table and field of the moment from the lists.
@@ -177,11 +178,6 @@ void WriteOtherPage(Tyx& tyx, StringView temp_file, StringView path, bool overwr
                     TyxControl& control) {
   WritePage(tyx, PageKind::kOther, nullptr, nullptr, temp_file, path,
             control.CtrlOverwrite && overwrite, control);
-}
-
-void RaiseRunFailure() {
-  SharedStatus().CloseStatus();
-  throw Error::Failure(Vars().ProjErr);
 }
 
 }  // namespace qv

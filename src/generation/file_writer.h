@@ -32,7 +32,4 @@ void WriteFieldPage(Tyx& tyx, TyxField& field, StringView temp_file, StringView 
 void WriteOtherPage(Tyx& tyx, StringView temp_file, StringView path, bool overwrite,
                     TyxControl& control);
 
-// Ends the run with the words in ProjErr: closes the status window and raises error -1.
-[[noreturn]] void RaiseRunFailure();
-
 }  // namespace qv

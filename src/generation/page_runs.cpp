@@ -1,10 +1,11 @@
 // Table and field page runs.
 #include "generation/page_runs.h"
 
+#include "generation/conditions.h"
 #include "generation/file_writer.h"
 #include "generation/output_paths.h"
+#include "generation/preparation.h"
 #include "generation/run_controls.h"
-#include "generation/run_seams.h"
 #include "generation/run_state.h"
 #include "model/tyx.h"
 #include "support/status.h"
@@ -19,11 +20,6 @@ void NoteControl(const TyxControl& control) {
   TyxVars& vars = Vars();
   vars.CurCtrlID = control.CtrlID;
   vars.CurTagExt = control.CtrlTagExt.empty() ? String() : control.CtrlTagExt + u"_";
-}
-
-// The stored script of a control, as the translation named it.
-String StoredScriptOf(const TyxControl& control) {
-  return StoredScriptPath(control);
 }
 
 }  // namespace
@@ -71,7 +67,7 @@ int16_t RunTablePages(Tyx& tyx, TyxTable& table, bool check_only) {
     SharedStatus().DispStatus(Variant(u"Generating " + vars.GeneratedFile + u"..."));
     if (SharedStatus().StatusIsCancelled()) RaiseCancelled();
     const String path = ResolveOutputPath(tyx, control->CtrlOFolder, vars.GeneratedFile, false);
-    if (!path.empty()) WriteTablePage(tyx, table, StoredScriptOf(*control), path, *control);
+    if (!path.empty()) WriteTablePage(tyx, table, TempFilePath(*control), path, *control);
     if (!vars.ProjErr.empty()) {
       vars.ProjErr = vars.ProductTitle + u": Generate Table " + table.TblName() + u" " +
                      control->CtrlID + u" page error" + u"\r\n" + vars.ProjErr;
@@ -91,7 +87,7 @@ int16_t RunFieldPages(Tyx& tyx, TyxField& field, bool check_only) {
   for (int32_t i = 1; i <= controls.Count(); ++i) {
     const Ref<TyxControl> control = controls.Item(i);
     if (!control || control->CtrlType != u"field") continue;
-    if (!ControlConditionHolds(tyx, control->CtrlCond)) continue;
+    if (!EvalCondition(tyx, Variant(control->CtrlCond))) continue;
     vars.GeneratedFile = MakeOutputName(tyx, table_var, field.FldVar(), control->CtrlOFile,
                                         ResolveExt(control->CtrlOExt));
     if (check_only) {
@@ -104,7 +100,7 @@ int16_t RunFieldPages(Tyx& tyx, TyxField& field, bool check_only) {
     SharedStatus().DispStatus(Variant(u"Generating " + vars.GeneratedFile + u"..."));
     const String path = ResolveOutputPath(tyx, control->CtrlOFolder, vars.GeneratedFile, false);
     if (path.empty()) return count;
-    WriteFieldPage(tyx, field, StoredScriptOf(*control), path, *control);
+    WriteFieldPage(tyx, field, TempFilePath(*control), path, *control);
     if (!vars.ProjErr.empty()) return count;
   }
   return count;

@@ -3,13 +3,15 @@
 
 #include <vector>
 
+#include "generation/conditions.h"
 #include "generation/copy_actions.h"
 #include "generation/file_writer.h"
 #include "generation/output_paths.h"
 #include "generation/page_runs.h"
-#include "generation/run_seams.h"
+#include "generation/preparation.h"
 #include "generation/run_state.h"
 #include "model/tyx.h"
+#include "script/script_host.h"
 #include "support/status.h"
 #include "support/tyx_functions.h"
 #include "support/tyx_vars.h"
@@ -85,11 +87,9 @@ void ResetRunState(Tyx& tyx) {
   vars.FilesWritten = vars.FilesCopied = vars.FilesSkipped = vars.FilesBackedUp = 0;
   const Ref<TyxDatabase> db = FirstDatabase(tyx);
   vars.CurrentDbmsName = db ? db->DBDBMSName() : String();
-  const int32_t kind = DatabaseKind(vars.CurrentDbmsName);
-  vars.DbIsAccess = kind == kDbAccess;
-  vars.DbIsSqlServer = kind == kDbSqlServer;
-  vars.DbIsMySql = kind == kDbMySql;
-  vars.DbIsOracle = kind == kDbOracle;
+  // A check runs no scripts, so only a real run has flags to set.
+  if (TyScript* script = CurrentScript())
+    script->SetDatabaseKind(DatabaseKind(vars.CurrentDbmsName));
 }
 
 bool ControlAppliesToTable(Tyx& tyx, TyxTable& table, StringView ctrl_id, StringView ctrl_type,
@@ -105,7 +105,7 @@ bool ControlAppliesToTable(Tyx& tyx, TyxTable& table, StringView ctrl_id, String
   const bool fits =
       ((type == u"CUSTOMVIEW" || type == u"VIEW" || type == u"TABLE") && ctrl_type == u"table") ||
       (type == u"REPORT" && ctrl_type == u"report");
-  return fits && ControlConditionHolds(tyx, ctrl_cond);
+  return fits && EvalCondition(tyx, Variant(String(ctrl_cond)));
 }
 
 int16_t RunOtherPages(Tyx& tyx, bool check_only, StringView type_list, bool overwrite) {
@@ -122,7 +122,7 @@ int16_t RunOtherPages(Tyx& tyx, bool check_only, StringView type_list, bool over
     bool taken = false;
     for (const String& t : types)
       taken = taken || t == type;
-    if (!taken || !ControlConditionHolds(tyx, control->CtrlCond)) continue;
+    if (!taken || !EvalCondition(tyx, Variant(control->CtrlCond))) continue;
     const String ext = ResolveExt(control->CtrlOExt);
     const String name = type == u"simple" || type == u"web.config"
                             ? control->CtrlOFile + u"." + ext
@@ -135,7 +135,7 @@ int16_t RunOtherPages(Tyx& tyx, bool check_only, StringView type_list, bool over
     }
     SharedStatus().DispStatus(Variant(u"Generating " + name + u"..."));
     const String path = ResolveOutputPath(tyx, control->CtrlOFolder, name, false);
-    if (!path.empty()) WriteOtherPage(tyx, StoredScriptPath(*control), path, overwrite, *control);
+    if (!path.empty()) WriteOtherPage(tyx, TempFilePath(*control), path, overwrite, *control);
     if (!vars.ProjErr.empty()) {
       vars.ProjErr = vars.ProductTitle + u": Generate " + control->CtrlID + u" page error" +
                      u"\r\n" + vars.ProjErr;

@@ -76,12 +76,6 @@ struct TyxVars {
   String CurrentDbmsName;     // DBDBMSName of the database: decides DatabaseKind
   String CurrentTableSchema;  // TABLE_SCHEMA of the schema row at hand
   String OracleConnStr;       // the Oracle connection form, for generated code
-  // The kind of the database for the system code, set at the start of each generation run:
-  // one of them for Access, SQL Server, MySQL and Oracle, none for any other DBMS.
-  bool DbIsAccess = false;
-  bool DbIsSqlServer = false;
-  bool DbIsMySql = false;
-  bool DbIsOracle = false;
   String StatusTitle;  // title text of the status window
 
   // ---- System code page (LoadSystemCharset) ----

@@ -16,6 +16,8 @@ class FileWriterTest : public testing::OutputTest {
  protected:
   void SetUp() override {
     OutputTest::SetUp();
+    tyx_->Databases().Add(u"db");
+    tyx_->CurrentDbName = u"db";
     tyx_->SetPromptOnOverwrite(true);
     tyx_->BackupFile = true;
     a_ = scratch_.Write("site/a.asp", "old a");
@@ -103,7 +105,7 @@ TEST_F(FileWriterTest, FailingBackupSkipsTheFileWithAWarning) {
 TEST_F(FileWriterTest, PageIsWrittenWholeOrNotAtAll) {
   tyx_->SetPromptOnOverwrite(false);
   tyx_->BackupFile = false;
-  Vars().TheScript = MakeRef<testing::PageHost>(*tyx_);
+  StartScript();
   const String script = scratch_.Write(
       "temp/p.tmp", "Function qvScriptEngine()\r\nqvScriptEngine = \"new\" & vbLf\r\nEnd Function");
   TyxControl control;

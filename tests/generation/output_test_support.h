@@ -1,6 +1,5 @@
 // What the tests of the generation output share: a project over a scratch folder with fresh
-// shared variables, a quiet status surface and scripted answers, and a small stand-in for the
-// script host that runs a stored page function on the real VBScript engine.
+// shared variables, a quiet status surface and scripted answers, and the script host of a run.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,45 +9,15 @@
 #include <string>
 #include <vector>
 
-#include "automation/object.h"
+#include "generation/run_state.h"
 #include "model/tyx.h"
 #include "platform/prompter.h"
+#include "script/script_host.h"
 #include "support/status.h"
 #include "support/tyx_vars.h"
 #include "templates/scratch_folder.h"
-#include "vbscript/script_control.h"
 
 namespace qv::testing {
-
-// Runs the code of a page: binds TABLE and FIELD (the table and field of the moment), adds the
-// code and returns what qvScriptEngine gives. A script error leaves its words in ProjErr.
-class PageHost : public Object {
- public:
-  explicit PageHost(Tyx& tyx) : tyx_(tyx) {}
-  String TypeName() const override { return u"TyScript"; }
-  DispId GetIdOfName(StringView name) override {
-    return EqualsNoCase(name, u"BuildNewCode") ? 1 : kDispIdUnknown;
-  }
-  Variant Invoke(DispId id, uint16_t, Args args) override {
-    if (id != 1) throw Error(kErrNotSupported);
-    ++calls;
-    Ref<Object> sc = vbs::NewScriptControl();
-    sc->Let(u"Language", Variant(String(u"VBScript")));
-    if (tyx_.CurTable) sc->Call(u"AddObject", {Variant(String(u"TABLE")), Variant(tyx_.CurTable)});
-    if (tyx_.CurField) sc->Call(u"AddObject", {Variant(String(u"FIELD")), Variant(tyx_.CurField)});
-    try {
-      sc->Call(u"AddCode", {args[0]});
-      return sc->Call(u"Run", {Variant(String(u"qvScriptEngine"))});
-    } catch (const Error& e) {
-      Vars().ProjErr = e.description();
-      return Variant(String());
-    }
-  }
-  int calls = 0;
-
- private:
-  Tyx& tyx_;
-};
 
 class OutputTest : public ::testing::Test {
  protected:
@@ -70,8 +39,18 @@ class OutputTest : public ::testing::Test {
     tyx_->BackupFile = false;
   }
   void TearDown() override {
+    if (TyScript* script = CurrentScript()) script->Reset();
     Vars().TheScript = nullptr;
     Vars().TheControls = nullptr;
+  }
+
+  // Starts the script host of a run over the project as it stands.
+  void StartScript() {
+    Ref<TyScript> script = MakeRef<TyScript>(ScriptSettings{});
+    Vars().TheScript = script;
+    script->Initialize(tyx_, FirstDatabase(*tyx_), Ref<Object>(&RunControlList()),
+                       Ref<Object>(&RunLanguage()));
+    ASSERT_EQ(Vars().ProjErr, u"");
   }
 
   void Answer(std::vector<String> answers) {
