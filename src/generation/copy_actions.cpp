@@ -9,6 +9,7 @@
 #include "generation/output_paths.h"
 #include "generation/preparation.h"
 #include "generation/run_state.h"
+#include "generation/translation.h"
 #include "model/tyx.h"
 #include "platform/atomic_file.h"
 #include "platform/data/connection_string.h"
@@ -90,15 +91,6 @@ CopyDecision DecideDatabaseOverwrite(Tyx& tyx, StringView target) {
 void CopyOneFile(StringView source, StringView target) {
   fs::CopyFileAtomically(source, target);
   ++Vars().FilesCopied;
-}
-
-// The first of a copy list's files or folders that exists below `base`; "" (and the status
-// window closed) when there is none.
-String FindCopySource(StringView base, StringView name) {
-  const String path = fs::JoinPath(base, name);
-  if (fs::FileExists(path) || fs::FolderExists(path)) return path;
-  SharedStatus().CloseStatus();
-  return String();
 }
 
 std::vector<String> SplitList(StringView list) {
@@ -262,7 +254,7 @@ int16_t RunCopyActions(Tyx& tyx, bool check_only) {
     const bool overwrite = control->CtrlOverwrite && tyx.OtherOverwrite();
     if (!control->CtrlIFiles.empty()) {
       for (const String& name : SplitList(control->CtrlIFiles)) {
-        const String source = FindCopySource(base, name);
+        const String source = ResolveSource(base, name);
         if (source.empty()) {
           vars.ProjErr = vars.ProductTitle + u": Source file does not exist - \"" + name +
                          u"\"! Check if correct template.";
@@ -287,7 +279,7 @@ int16_t RunCopyActions(Tyx& tyx, bool check_only) {
         }
       }
     } else if (!control->CtrlIFolder.empty()) {
-      String source = FindCopySource(base, control->CtrlIFolder);
+      String source = ResolveSource(base, control->CtrlIFolder);
       if (source.empty()) {
         vars.ProjErr = vars.ProductTitle + u": Source folder does not exist - \"" +
                        control->CtrlIFolder + u"\"! Check if correct template.";

@@ -361,17 +361,18 @@ TEST_F(DriverTest, BrokenTemplatesEndTheRunHard) {
 
 TEST_F(DriverTest, ExtensionsAndTheDryRun) {
   sfs::create_directories(data() / "extensions");
-  Pack({{"control.xml",
-         "<QuorvexControl date=\"d\" version=\"5.3\" desc=\"\" author=\"\">"
-         "<control id=\"chart\" type=\"table\" action=\"add\" ifiles=\"chart.htm\"/>"
-         "<control id=\"page\" action=\"change\">"
-         "<session type=\"key\" value=\"chart\" ifile=\"cs.htm\" action=\"add\" location=\"head\" "
-         "loctype=\"before\"/></control>"
-         "<control id=\"css\" action=\"delete\"/></QuorvexControl>"},
-        {"chart.htm", "<!--##@Chart##-->"},
-        {"cs.htm", "<!--##session chart##-->C<!--##/session##-->"},
-        {"lang.xml", "<quorvex.language><phrase id=\"Chart\" value=\"Bar\"/></quorvex.language>"}},
-       data() / "extensions" / "charts.zip");
+  Pack(
+      {{"control.xml",
+        "<QuorvexControl date=\"d\" version=\"5.3\" desc=\"\" author=\"\">"
+        "<control id=\"chart\" type=\"table\" action=\"add\" ifiles=\"chart.htm\" ofile=\"chart\"/>"
+        "<control id=\"page\" action=\"change\">"
+        "<session type=\"key\" value=\"chart\" ifile=\"cs.htm\" action=\"add\" location=\"head\" "
+        "loctype=\"before\"/></control>"
+        "<control id=\"css\" action=\"delete\"/></QuorvexControl>"},
+       {"chart.htm", "<!--##@Chart##-->"},
+       {"cs.htm", "<!--##session chart##-->C<!--##/session##-->"},
+       {"lang.xml", "<quorvex.language><phrase id=\"Chart\" value=\"Bar\"/></quorvex.language>"}},
+      data() / "extensions" / "charts.zip");
   tyx_->AddExtension(u"Charts", u"charts.zip");
   Run();
   ASSERT_EQ(ProjErr(), "");
@@ -384,8 +385,8 @@ TEST_F(DriverTest, ExtensionsAndTheDryRun) {
   EXPECT_EQ(Vars().FilesUnpacked, 0);
   EXPECT_EQ(Vars().ControlsTranslated, 0);
 
-  // The dry run unpacks into Tmp, finds nothing to touch, and removes Tmp again.
-  EXPECT_EQ(ToInteger(tyx_->Call(u"GenCheck")), 0);
+  // The dry run unpacks into Tmp, finds the pages of the runs above, and removes Tmp again.
+  EXPECT_GE(ToInteger(tyx_->Call(u"GenCheck")), 1);
   EXPECT_EQ(ProjErr(), "");
   EXPECT_FALSE(sfs::exists(Work() / "Tmp"));
   tyx_->SetTemplate(String::FromUtf8((root() / "none.zip").string()));
