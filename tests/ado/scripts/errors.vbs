@@ -64,6 +64,14 @@ Set rs = cn.Execute("SELECT COUNT(*) FROM " & t & " WHERE s = 'a'")
 Check CLng(rs(0)), 1, "the table is as it was"
 rs.Close
 
+' Closing the connection closes what still streams from it.
+Set rs = cn.Execute("SELECT n FROM " & t)
+cn.Close
+x = rs.EOF
+CheckErr 3704, "a streamed recordset after its connection closed"
+Check rs.State, 0, "closed with its connection"
+cn.Open CONN
+
 ' A provider that has no counterpart here names itself.
 Set c2 = CreateObject("ADODB.Connection")
 c2.Open "Provider=MSDAIPP.DSO;Data Source=http://example"
