@@ -113,6 +113,14 @@ const DispatchTable<RecordsetObject>& RecordsetObject::Table() {
                     rs.Update(args);
                     return None();
                   })
+          // One result per statement here: after it there is none, which ADO tells with Nothing.
+          .Method(u"NextRecordset",
+                  [](Rs& rs, Args args) {
+                    CheckArgCount(args, 0, 1);
+                    rs.RequireOpen();
+                    rs.Close();
+                    return Variant::Nothing();
+                  })
           .Method(u"UpdateBatch",
                   [](Rs& rs, Args) {
                     rs.Update({});

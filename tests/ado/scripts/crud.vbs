@@ -56,7 +56,8 @@ Set rs = CreateObject("ADODB.Recordset")
 rs.Open cmd, , 3, 1
 Check rs.RecordCount, 1, "a Command as the source"
 Check rs.Collect("name"), "alpha", "Collect"
-rs.Close
+CheckTrue rs.NextRecordset Is Nothing, "no second result"
+Check rs.State, 0, "NextRecordset closes the first"
 
 ' Two recordsets at once on one connection, one forward-only (streamed).
 Set rs = cn.Execute("SELECT name, qty FROM " & t & " ORDER BY id")
