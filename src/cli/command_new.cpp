@@ -10,9 +10,11 @@
 #include "automation/error.h"
 #include "cli/commands.h"
 #include "persistence/project_file.h"
+#include "platform/data/connection.h"
 #include "platform/data/connection_string.h"
 #include "root/create_tyx.h"
 #include "support/status.h"
+#include "support/tyx_functions.h"
 #include "support/tyx_vars.h"
 
 namespace qv::cli {
@@ -26,6 +28,7 @@ struct NewOptions {
   std::string password;
   std::string schema;
   std::string name;
+  std::string quote;
   bool dynamic = false;
   bool force = false;
 };
@@ -56,6 +59,78 @@ std::vector<Variant> LoadDbArguments(const NewOptions& o) {
   };
 }
 
+constexpr const char* kQuoteStyles[] = {"Double Quote", "Backquote", "Square Bracket",
+                                        "Single Quote", "None"};
+
+// The quotes a DBMS reads names in: names like keywords, mixed case and odd characters can
+// then be read. Without a style of its own a source of the "other" kind gets no quotes at all.
+String QuoteStyleOf(StringView dbms) {
+  switch (DatabaseKind(dbms)) {
+    case kDbAccess:
+    case kDbSqlServer:
+      return u"Square Bracket";
+    case kDbMySql:
+      return u"Backquote";
+    default:
+      break;
+  }
+  const std::string name = ToUpper(String(dbms)).ToUtf8();
+  if (name.find("MARIADB") != std::string::npos) return u"Backquote";
+  if (name.find("ACCESS") != std::string::npos || name.find("JET") != std::string::npos) {
+    return u"Square Bracket";
+  }
+  return u"Double Quote";  // SQLite, PostgreSQL, Oracle and the SQL standard
+}
+
+// The DBMS behind the source, asked of the driver before the load; "" when it can't be
+// reached (the load then reports why).
+String ProbeDbmsName(const NewOptions& o, const std::vector<Variant>& args) {
+  if (o.source.rfind("access:", 0) == 0) return u"ACCESS";
+  if (o.source.rfind("sqlite:", 0) == 0) return u"SQLite";
+  const bool odbc = o.source.rfind("odbc:", 0) == 0;
+  try {
+    data::Connection cn;
+    const String name = ToString(args[0]);
+    cn.Open(odbc ? u"dsn=" + name + u";uid=" + ToString(args[5]) + u";pwd=" + ToString(args[6])
+                 : ToString(args[7]));
+    const String dbms = ToString(cn.Properties(u"DBMS Name"));
+    cn.Close();
+    return dbms;
+  } catch (const Error&) {
+    return String();
+  }
+}
+
+String ChooseQuoteStyle(const NewOptions& o, const std::vector<Variant>& args) {
+  if (!o.quote.empty()) {
+    for (const char* style : kQuoteStyles) {
+      if (o.quote == style) return String::FromUtf8(o.quote);
+    }
+    Fail(Vars().ProductTitle + u": --quote " + String::FromUtf8(o.quote) +
+         u" is no quote style: use \"Double Quote\", \"Backquote\", \"Square Bracket\", "
+         u"\"Single Quote\" or \"None\"");
+  }
+  const String dbms = ProbeDbmsName(o, args);
+  return dbms.empty() ? String() : QuoteStyleOf(dbms);
+}
+
+// The tables and views whose columns could not be read, with the reason.
+void ListUnreadable(const TyxDatabase& db, bool dynamic) {
+  if (dynamic) return;  // only listed: nothing was read yet
+  db.Tables().list().ForEach([](TyxTable& t) {
+    std::string why;
+    if (!t.TblLoaded()) {
+      why = "its columns could not be read (try another --quote style)";
+    } else if (!t.TblGen() && !t.TblError().empty()) {
+      why = t.TblError().ToUtf8();
+    } else {
+      return;
+    }
+    std::printf("  could not read %s %s: %s\n", t.TblType() == u"VIEW" ? "view" : "table",
+                t.TblName().ToUtf8().c_str(), why.c_str());
+  });
+}
+
 void RunNew(const NewOptions& o) {
   namespace fs = std::filesystem;
   const fs::path file(o.project_file);
@@ -69,12 +144,14 @@ void RunNew(const NewOptions& o) {
     tyx->AddProj(String::FromUtf8(o.name.empty() ? file.stem().string() : o.name));
     if (o.dynamic) tyx->SetDynamicLoadDB(true);
     std::vector<Variant> args = LoadDbArguments(o);
+    tyx->SetSQLQuote(ChooseQuoteStyle(o, args));
     tyx->Services().LoadDB(*tyx, args);
     if (!tyx->ProjErr().empty()) Fail(tyx->ProjErr());
     SaveProjectFile(*tyx, String::FromUtf8(o.project_file));
     const TyxDatabase* db = tyx->Databases().Find(tyx->CurrentDbName);
     std::printf("%s: %d tables and views from %s\n", o.project_file.c_str(),
                 db ? db->Tables().Count() : 0, db ? db->DBDBMSName().ToUtf8().c_str() : "");
+    if (db) ListUnreadable(*db, o.dynamic);
   } catch (const Error& e) {
     Fail(e.description());
   }
@@ -93,6 +170,10 @@ void AddNewCommand(CLI::App& app) {
   cmd->add_option("--password", options->password, "Password for odbc:DSN and access:FILE");
   cmd->add_option("--schema", options->schema, "The Oracle owner whose tables are read");
   cmd->add_option("--name", options->name, "Project name (default: the file name)");
+  cmd->add_option("--quote", options->quote,
+                  "How names are quoted in SQL (SQLQuote): \"Double Quote\", \"Backquote\", "
+                  "\"Square Bracket\", \"Single Quote\" or \"None\"; default: the style of "
+                  "the DBMS");
   cmd->add_flag("--dynamic", options->dynamic,
                 "List the tables only; their fields are loaded when needed (DynamicLoadDB)");
   cmd->add_flag("--force", options->force, "Replace an existing project file");

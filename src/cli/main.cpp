@@ -21,6 +21,8 @@ int main(int argc, char** argv) {
   qv::cli::AddTablesCommand(app);
   qv::cli::AddCustomViewCommand(app);
   qv::cli::AddReportCommand(app);
+  qv::cli::AddCheckCommand(app);
+  qv::cli::AddSyncCommand(app);
   qv::cli::AddSetCommand(app);
   qv::cli::AddDefaultsCommand(app);
   qv::cli::AddExtensionCommand(app);

@@ -135,6 +135,12 @@ const DispatchTable<Tyx>& Tyx::Table() {
                     t.Services().SyncReport(t, a[0]);
                     return Variant();
                   })
+          .Method(u"SyncProperties",
+                  [](T& t, Args a) {
+                    CheckArgCount(a, 2, 2);
+                    t.Services().SyncProperties(t, a[0], a[1]);
+                    return Variant();
+                  })
           .Method(u"Parse",
                   [](T& t, Args a) {
                     CheckArgCount(a, 1, 1);

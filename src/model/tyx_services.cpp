@@ -54,6 +54,9 @@ void TyxServices::SyncCustom(Tyx&, const Variant&) {
 void TyxServices::SyncReport(Tyx&, const Variant&) {
   Unavailable(u"SyncReport");
 }
+void TyxServices::SyncProperties(Tyx&, const Variant&, const Variant&) {
+  Unavailable(u"SyncProperties");
+}
 String TyxServices::Parse(Tyx&, const Variant&) {
   Unavailable(u"Parse");
 }

@@ -38,6 +38,7 @@ class TyxServices {
   virtual void SynchronizeDB(Tyx& tyx);
   virtual void SyncCustom(Tyx& tyx, const Variant& table_name);
   virtual void SyncReport(Tyx& tyx, const Variant& table_name);
+  virtual void SyncProperties(Tyx& tyx, const Variant& source, const Variant& target);
   // Expressions.
   virtual String Parse(Tyx& tyx, const Variant& text);
   virtual String FldSrchOprs(Tyx& tyx, int16_t ado_type);

@@ -150,6 +150,7 @@ std::optional<std::string> InteractivePrompter::ReadLine() {
     if (c == '\n') return line;
     line.push_back(static_cast<char>(c));
   }
+  at_end_ = true;
   if (line.empty()) return std::nullopt;
   return line;
 }
@@ -228,6 +229,11 @@ Prompter& CurrentPrompter() {
 
 void SetCurrentPrompter(std::unique_ptr<Prompter> prompter) {
   CurrentSlot() = std::move(prompter);
+}
+
+std::unique_ptr<Prompter> TakeCurrentPrompter() {
+  CurrentPrompter();  // the default one, when none was set
+  return std::move(CurrentSlot());
 }
 
 }  // namespace qv

@@ -57,6 +57,9 @@ class Prompter {
 
   // Asks one question and waits for its answer.
   virtual Reply Ask(const Prompt& prompt) = 0;
+  // False once only safe answers can come (a scripted list used up, a terminal's input at its
+  // end): a form that insists on a choice must then stop asking.
+  virtual bool CanAnswer() const { return true; }
 
   // ---- The questions of the engine, in terms of Ask ----
   // A message with an OK button.
@@ -95,6 +98,7 @@ class ScriptedPrompter : public Prompter {
  public:
   explicit ScriptedPrompter(std::vector<String> answers = {}, std::FILE* log = stderr);
   Reply Ask(const Prompt& prompt) override;
+  bool CanAnswer() const override { return next_ < answers_.size(); }
   // Answers not used yet.
   size_t remaining() const { return answers_.size() - next_; }
 
@@ -112,17 +116,21 @@ class InteractivePrompter : public Prompter {
   InteractivePrompter(std::FILE* in, std::FILE* out);
   ~InteractivePrompter() override;
   Reply Ask(const Prompt& prompt) override;
+  bool CanAnswer() const override { return !at_end_; }
 
  private:
   std::optional<std::string> ReadLine();
   std::FILE* in_;
   std::FILE* out_;
   bool owns_in_ = false;
+  bool at_end_ = false;
 };
 
 // The prompter of the process. Until a host sets one: interactive when stdin is a terminal,
 // scripted with safe answers otherwise.
 Prompter& CurrentPrompter();
 void SetCurrentPrompter(std::unique_ptr<Prompter> prompter);
+// Hands the process's prompter over, so that a host can wrap it and set the wrapper.
+std::unique_ptr<Prompter> TakeCurrentPrompter();
 
 }  // namespace qv

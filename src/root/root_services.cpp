@@ -9,11 +9,31 @@
 #include "schema/project_loader.h"
 #include "schema/report.h"
 #include "script/expression.h"
+#include "sync/custom_sync.h"
+#include "sync/difference_check.h"
+#include "sync/load_check.h"
+#include "sync/table_sync.h"
 
 namespace qv {
 
+namespace {
+
+// The bag of a definition object, or the bag itself; anything else is a type mismatch.
+TyProperties& BagOf(const Variant& v) {
+  Object* object = v.is_object() ? v.as_object() : nullptr;
+  if (auto* bag = dynamic_cast<TyProperties*>(object)) return *bag;
+  if (auto* field = dynamic_cast<TyxField*>(object)) return field->Properties();
+  if (auto* table = dynamic_cast<TyxTable*>(object)) return table->Properties();
+  if (auto* db = dynamic_cast<TyxDatabase*>(object)) return db->Properties();
+  if (auto* extension = dynamic_cast<TyxExtension*>(object)) return extension->Properties();
+  if (auto* root = dynamic_cast<Tyx*>(object)) return root->Properties();
+  throw Error(object ? kErrTypeMismatch : kErrObjectRequired);
+}
+
+}  // namespace
+
 void RootServices::Load(Tyx& tyx, const String& project_file) {
-  LoadProjectFile(tyx, project_file);
+  LoadProjectFile(tyx, project_file, CheckOnLoad);
 }
 
 void RootServices::Save(Tyx& tyx, const String& project_file) {
@@ -73,6 +93,26 @@ int16_t RootServices::GenCheck(Tyx& tyx) {
 
 void RootServices::GenScript(Tyx& tyx) {
   qv::GenScript(tyx);
+}
+
+int16_t RootServices::CheckDB(Tyx& tyx) {
+  return qv::CheckDB(tyx);
+}
+
+void RootServices::SynchronizeDB(Tyx& tyx) {
+  qv::SynchronizeDB(tyx);
+}
+
+void RootServices::SyncCustom(Tyx& tyx, const Variant& table_name) {
+  qv::SyncCustom(tyx, ToString(table_name));
+}
+
+void RootServices::SyncReport(Tyx& tyx, const Variant& table_name) {
+  qv::SyncReport(tyx, ToString(table_name));
+}
+
+void RootServices::SyncProperties(Tyx&, const Variant& source, const Variant& target) {
+  qv::SyncProperties(BagOf(source), BagOf(target));
 }
 
 }  // namespace qv

@@ -24,6 +24,11 @@ class RootServices : public TyxServices {
   String FldSrchOprs(Tyx& tyx, int16_t ado_type) override;
   int16_t GenCheck(Tyx& tyx) override;
   void GenScript(Tyx& tyx) override;
+  int16_t CheckDB(Tyx& tyx) override;
+  void SynchronizeDB(Tyx& tyx) override;
+  void SyncCustom(Tyx& tyx, const Variant& table_name) override;
+  void SyncReport(Tyx& tyx, const Variant& table_name) override;
+  void SyncProperties(Tyx& tyx, const Variant& source, const Variant& target) override;
 };
 
 }  // namespace qv
