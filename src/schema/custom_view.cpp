@@ -6,10 +6,10 @@
 #include "automation/convert.h"
 #include "platform/data/data_types.h"
 #include "platform/data/recordset.h"
+#include "schema/column_facts.h"
 #include "schema/connection_error.h"
 #include "schema/custom_sql_parser.h"
 #include "schema/dao_loader.h"
-#include "schema/field_loader.h"
 #include "schema/table_loader.h"
 #include "support/status.h"
 #include "support/tyx_functions.h"
@@ -53,23 +53,8 @@ void CopySourceSettings(const TyxDatabase& db, TyxTable& view) {
 }
 
 void LoadColumns(TyxTable& table, data::Recordset& rs) {
-  TyxFields& fields = table.Fields();
-  for (const data::Field& column : rs.Fields()) {
-    const String& name = column.Name();
-    if (fields.list().ByName(name)) {
-      table.SetTblGen(false);
-      table.SetTblCustomError(DuplicateColumnText(name));
-      continue;
-    }
-    if (!fields.Add(name)) continue;
-    TyxField* field = fields.list().ByName(name);
-    if (!field) continue;
-    try {
-      LoadFld_ADO(*field, column);
-    } catch (const Error&) {
-      // As on tables: the field keeps what it got so far.
-    }
-  }
+  ApplyToTable(ReadColumnFacts(rs), table,
+               [&](const String& name) { table.SetTblCustomError(DuplicateColumnText(name)); });
 }
 
 }  // namespace

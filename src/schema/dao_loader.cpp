@@ -10,6 +10,7 @@
 #include "platform/data/data_types.h"
 #include "platform/data/recordset.h"
 #include "platform/prompter.h"
+#include "schema/dao_indexes.h"
 #include "schema/view_analysis.h"
 #include "support/common.h"
 #include "support/status.h"
@@ -212,19 +213,13 @@ void LoadTbl_DAO(TyxTable& table, const data::DaoTableDef& table_def, bool load_
     if (!fields.Add(column.name)) continue;
     if (TyxField* field = fields.list().ByName(column.name)) LoadFld_DAO(*field, column);
   }
-  for (const data::DaoIndex& index : table_def.indexes) {
-    const bool primary = index.name == u"PrimaryKey";
-    String list;
-    for (const data::DaoIndexField& column : index.fields) {
-      if (!list.empty()) list.Append(u',');
-      list.Append(column.name);
-      if (!primary) continue;
-      if (TyxField* field = fields.list().ByName(column.name)) field->SetFldIsPrimaryKey(true);
-    }
-    if (primary) table.SetTblKey(SortKeyList(list));
-    if (index.unique && index.fields.size() == 1) {
-      if (TyxField* field = fields.list().ByName(list)) field->SetFldUniqueIdx(true);
-    }
+  const DaoIndexFacts indexes = ReadDaoIndexes(table_def.indexes);
+  for (const String& name : indexes.key_columns) {
+    if (TyxField* field = fields.list().ByName(name)) field->SetFldIsPrimaryKey(true);
+  }
+  if (indexes.key) table.SetTblKey(*indexes.key);
+  for (const String& name : indexes.unique_columns) {
+    if (TyxField* field = fields.list().ByName(name)) field->SetFldUniqueIdx(true);
   }
   table.SetTblGen(true);
   table.LoadTableDefault();

@@ -6,6 +6,7 @@
 #include "automation/convert.h"
 #include "platform/data/access_database.h"
 #include "platform/data/data_types.h"
+#include "schema/dao_indexes.h"
 #include "schema/dao_loader.h"
 #include "schema/field_types.h"
 #include "schema/tyx_schema.h"
@@ -52,19 +53,13 @@ void ReadFieldRecords(TySchemaTable& table, const std::vector<data::DaoField>& c
 }
 
 void ApplyIndexes(TySchemaTable& table, const std::vector<data::DaoIndex>& indexes) {
-  for (const data::DaoIndex& index : indexes) {
-    const bool primary = index.name == u"PrimaryKey";
-    String list;
-    for (const data::DaoIndexField& column : index.fields) {
-      if (!list.empty()) list.Append(u',');
-      list.Append(column.name);
-      if (!primary) continue;
-      if (TySchemaField* f = table.FindField(column.name)) f->FldIsPrimaryKey = true;
-    }
-    if (primary) table.TblKey = SortKeyList(list);
-    if (index.unique && index.fields.size() == 1) {
-      if (TySchemaField* f = table.FindField(list)) f->FldUniqueIdx = true;
-    }
+  const DaoIndexFacts facts = ReadDaoIndexes(indexes);
+  for (const String& name : facts.key_columns) {
+    if (TySchemaField* f = table.FindField(name)) f->FldIsPrimaryKey = true;
+  }
+  if (facts.key) table.TblKey = *facts.key;
+  for (const String& name : facts.unique_columns) {
+    if (TySchemaField* f = table.FindField(name)) f->FldUniqueIdx = true;
   }
 }
 

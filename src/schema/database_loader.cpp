@@ -107,15 +107,7 @@ int16_t ReadSource(TyxDatabase& db, data::Connection& cn, const AdoLoadRequest& 
 
 int16_t LoadADODB(TyxDatabase& db, const AdoLoadRequest& request) {  // NOLINT
   data::Connection cn;
-  try {
-    const int16_t result = ReadSource(db, cn, request);
-    cn.Close();
-    return result;
-  } catch (const Error& failure) {
-    Vars().ProjErr = AdoConnectionErrorText(cn.GetErrors(), failure);
-    cn.Close();
-    return 3;
-  }
+  return UnderConnectionHandler(cn, [&] { return ReadSource(db, cn, request); });
 }
 
 }  // namespace qv

@@ -1,6 +1,6 @@
-// LoadFld_ADO: one column of a probe turned into a project field with all its defaults. It has
-// no error handling of its own: a failure (a provider that can't tell ISAUTOINCREMENT) goes
-// back to the table loader, which passes over it, and the field then lacks its defaults.
+// LoadFld_ADO: one column of a probe turned into a project field with all its defaults. A
+// provider that can't tell ISAUTOINCREMENT leaves the field's old flag and no defaults, as the
+// loaders have always passed over that failure (see column_facts.h).
 #pragma once
 
 #include "model/field.h"

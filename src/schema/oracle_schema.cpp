@@ -17,12 +17,20 @@ String UpperText(const Variant& v) {
   return v.is_null() || v.is_empty() ? String() : ToUpper(ToString(v));
 }
 
+// frmSchema: cmdOK with no choice says so and the form stays. Only a prompter that has no
+// answers left (a script, the end of a terminal's input) ends it without a schema.
 String AskForSchema(const std::vector<String>& schema_list) {
   const std::vector<String> choices(schema_list.begin() + 1, schema_list.end());
   SharedStatus().SuspendLine();
-  const std::optional<size_t> pick = CurrentPrompter().PickName(
-      Vars().ProductName, String(kChooseSchemaText) + u"\r\n" + kChooseSchemaLabel, choices);
-  return pick && *pick < choices.size() ? choices[*pick] : String();
+  Prompter& prompter = CurrentPrompter();
+  const String text = String(kChooseSchemaText) + u"\r\n" + kChooseSchemaLabel;
+  while (true) {
+    const std::optional<size_t> pick = prompter.PickName(Vars().ProductName, text, choices);
+    if (pick && *pick < choices.size()) return choices[*pick];
+    if (!prompter.CanAnswer()) return String();
+    prompter.ShowMessage(Vars().ProductName, u"Please choose a schema to proceed!",
+                         PromptIcon::kExclamation);
+  }
 }
 
 }  // namespace

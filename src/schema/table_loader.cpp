@@ -2,7 +2,7 @@
 #include "schema/table_loader.h"
 
 #include "automation/convert.h"
-#include "schema/field_loader.h"
+#include "schema/column_facts.h"
 #include "schema/key_reader.h"
 #include "schema/probe.h"
 #include "support/tyx_functions.h"
@@ -46,24 +46,9 @@ bool LoadFields(TyxTable& table, data::Connection& cn) {
   } catch (const Error&) {
     return false;
   }
-  TyxFields& fields = table.Fields();
-  for (const data::Field& column : probe.Fields()) {
-    const String& name = column.Name();
-    if (fields.list().ByName(name)) {
-      // The first column of a name stays; a later duplicate replaces the words.
-      table.SetTblGen(false);
-      table.SetTblError(DuplicateColumnText(name));
-      continue;
-    }
-    if (!fields.Add(name)) continue;
-    TyxField* field = fields.list().ByName(name);
-    if (!field) continue;
-    try {
-      LoadFld_ADO(*field, column);
-    } catch (const Error&) {
-      // Passed over as the original's ignored error did: the field keeps what it got so far.
-    }
-  }
+  ApplyToTable(ReadColumnFacts(probe), table, [&](const String& name) {
+    table.SetTblError(DuplicateColumnText(name));  // a later repeat replaces the words
+  });
   probe.Close();
   return true;
 }

@@ -11,8 +11,8 @@
 #include "platform/data/data_types.h"
 #include "platform/data/recordset.h"
 #include "schema/ado_source.h"
+#include "schema/column_facts.h"
 #include "schema/connection_error.h"
-#include "schema/field_types.h"
 #include "schema/key_reader.h"
 #include "schema/oracle_schema.h"
 #include "schema/probe.h"
@@ -98,7 +98,7 @@ void TyxSchema::LoadDB(Variant& db_name, const Variant& db_type, const Variant& 
 int16_t TyxSchema::ReadAdoSchema(StringView db_type, StringView db_name, StringView uid,
                                  StringView pwd, StringView conn_str, StringView schema) {
   data::Connection cn;
-  try {
+  return UnderConnectionHandler(cn, [&]() -> int16_t {
     AdoSourceRequest request{String(db_type),   String(db_name),  String(uid),
                              String(pwd),       String(conn_str), /*record_reader=*/true,
                              /*full_load=*/true};
@@ -124,14 +124,8 @@ int16_t TyxSchema::ReadAdoSchema(StringView db_type, StringView db_name, StringV
     OdbcTrusted = facts.odbc_trusted;
     OracleServer = facts.oracle_server;
     kind_ = facts.kind;
-    const int16_t result = ReadTablesAndKeys(cn, uid, schema);
-    cn.Close();
-    return result;
-  } catch (const Error& failure) {
-    Vars().ProjErr = AdoConnectionErrorText(cn.GetErrors(), failure);
-    cn.Close();
-    return 3;
-  }
+    return ReadTablesAndKeys(cn, uid, schema);
+  });
 }
 
 int16_t TyxSchema::ReadTablesAndKeys(data::Connection& cn, StringView uid, StringView schema) {
@@ -203,35 +197,8 @@ void TyxSchema::ReadColumns(data::Connection& cn, TySchemaTable& table, StringVi
     table.TblGen = false;
     return;
   }
-  const data::FieldCollection& columns = probe.Fields();
-  table.TblFields.fld.assign(static_cast<size_t>(columns.Count()), TySchemaField());
-  int16_t kept = 0;
-  for (const data::Field& column : columns) {
-    table.TblFldCnt = kept;  // FindField looks only at the columns kept so far
-    if (table.FindField(column.Name())) {
-      table.TblGen = false;  // the first of two columns of a name stays
-      continue;
-    }
-    TySchemaField& field = table.TblFields.fld[static_cast<size_t>(kept)];
-    ++kept;
-    field.FldSeq = kept;
-    field.FldName = column.Name();
-    SetSchemaFieldTypeAdo(field, column.Type());
-    field.FldSize = column.DefinedSize();
-    field.FldZeroLen = true;
-    field.FldReq = false;
-    field.FldUniqueIdx = false;
-    field.FldAttribute = column.Attributes();
-    // A provider that can't tell makes the column auto-incrementing: the original's test
-    // failed into its true branch, and projects rely on that.
-    try {
-      field.FldAutoIncrement = ToBool(column.Properties(u"ISAUTOINCREMENT"));
-    } catch (const Error&) {
-      field.FldAutoIncrement = true;
-    }
-  }
+  ApplyToRecord(ReadColumnFacts(probe), table);
   probe.Close();
-  table.TblFldCnt = kept;
 }
 
 void TyxSchema::ReadKeys(data::Connection& cn, TySchemaTable& table) {

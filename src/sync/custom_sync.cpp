@@ -12,24 +12,12 @@
 
 namespace qv {
 
-namespace {
-
-std::vector<String> TablesOfType(TyxDatabase& db, StringView type) {
-  std::vector<String> names;
-  db.Tables().list().ForEach([&](TyxTable& t) {
-    if (t.TblType() == type) names.push_back(t.TblName());
-  });
-  return names;
-}
-
-}  // namespace
-
 void SyncCustomViews(Tyx& tyx) {
   TyxDatabase* db = CurrentDatabase(tyx);
   if (!db) return;
   FillSharedDefaults(tyx);
   ProgressWindow progress(tyx, u" - Synchronizing Custom Views...");
-  for (const String& name : TablesOfType(*db, u"CUSTOMVIEW"))
+  for (const String& name : TableNamesOfType(*db, u"CUSTOMVIEW"))
     SyncCustom(tyx, name);
   db->Tables().SetSeq(1);
 }
@@ -66,7 +54,7 @@ void SyncReports(Tyx& tyx) {
   if (!db) return;
   FillSharedDefaults(tyx);
   ProgressWindow progress(tyx, u" - Synchronizing Reports...");
-  for (const String& name : TablesOfType(*db, u"REPORT"))
+  for (const String& name : TableNamesOfType(*db, u"REPORT"))
     SyncReport(tyx, name);
   db->Tables().SetSeq(1);
 }

@@ -90,6 +90,62 @@ FieldCounts CompareFields(const TySchemaTable& record, const TyxTable& table,
   return counts;
 }
 
+// A reader's name for an ADO type code.
+StringView TypeName(int16_t type) {
+  switch (type) {
+    case 2:
+      return u"smallint";
+    case 3:
+      return u"integer";
+    case 4:
+      return u"single";
+    case 5:
+      return u"double";
+    case 6:
+      return u"currency";
+    case 7:
+    case 133:
+      return u"date";
+    case 11:
+      return u"boolean";
+    case 14:
+    case 131:
+    case 139:
+      return u"numeric";
+    case 16:
+    case 17:
+      return u"tinyint";
+    case 18:
+    case 19:
+      return u"unsigned integer";
+    case 20:
+    case 21:
+      return u"bigint";
+    case 72:
+      return u"guid";
+    case 128:
+    case 204:
+      return u"binary";
+    case 129:
+    case 130:
+      return u"char";
+    case 134:
+      return u"time";
+    case 135:
+      return u"timestamp";
+    case 200:
+    case 202:
+      return u"varchar";
+    case 201:
+    case 203:
+      return u"text";
+    case 205:
+      return u"long binary";
+    default:
+      return u"type";
+  }
+}
+
 int32_t Saturate(int32_t n) {
   return std::min<int32_t>(n, 32767);
 }
@@ -98,7 +154,8 @@ int32_t Saturate(int32_t n) {
 
 String DescribeColumn(int16_t type, int32_t size, bool unique, bool zero_len, bool required,
                       bool auto_increment, int32_t attribute) {
-  String text = u"type " + ToString(Variant(type)) + u", size " + ToString(Variant(size));
+  String text = String(TypeName(type)) + u" (" + ToString(Variant(type)) + u"), size " +
+                ToString(Variant(size));
   if (required) text.Append(u", required");
   if (unique) text.Append(u", unique");
   if (auto_increment) text.Append(u", auto-increment");
@@ -190,12 +247,8 @@ int32_t CheckCustomViews(Tyx& tyx, DifferenceList* details) {
   TyxDatabase* db = CurrentDatabase(tyx);
   if (!db) return 0;
   ProgressWindow progress(tyx, u" - Checking Custom View...");
-  std::vector<String> names;
-  db->Tables().list().ForEach([&](TyxTable& t) {
-    if (t.TblType() == u"CUSTOMVIEW") names.push_back(t.TblName());
-  });
   int32_t sum = 0;
-  for (const String& name : names)
+  for (const String& name : TableNamesOfType(*db, u"CUSTOMVIEW"))
     sum += CheckCustomView(tyx, name, details);
   return sum;
 }
@@ -228,12 +281,8 @@ int32_t CheckReports(Tyx& tyx, DifferenceList* details) {
   TyxDatabase* db = CurrentDatabase(tyx);
   if (!db) return 0;
   ProgressWindow progress(tyx, u" - Checking Report...");
-  std::vector<String> names;
-  db->Tables().list().ForEach([&](TyxTable& t) {
-    if (t.TblType() == u"REPORT") names.push_back(t.TblName());
-  });
   int32_t sum = 0;
-  for (const String& name : names)
+  for (const String& name : TableNamesOfType(*db, u"REPORT"))
     sum += CheckReport(tyx, name, details);
   return sum;
 }

@@ -58,7 +58,7 @@ int32_t CheckReport(Tyx& tyx, StringView name, DifferenceList* details);
 bool IsSameSchemaField(const TySchemaField& record, const TyxField& field);
 bool IsSameField(const TyxField& a, const TyxField& b);
 
-// "type 3, size 4, required, auto-increment, ..." for a listing.
+// "integer (3), size 4, required, auto-increment, ..." for a listing.
 String DescribeColumn(int16_t type, int32_t size, bool unique, bool zero_len, bool required,
                       bool auto_increment, int32_t attribute);
 

@@ -13,6 +13,14 @@ TyxDatabase* CurrentDatabase(Tyx& tyx) {
   return tyx.db().get();
 }
 
+std::vector<String> TableNamesOfType(TyxDatabase& db, StringView type) {
+  std::vector<String> names;
+  db.Tables().list().ForEach([&](TyxTable& t) {
+    if (t.TblType() == type) names.push_back(t.TblName());
+  });
+  return names;
+}
+
 bool ReadLiveSchema(Tyx& tyx, TyxSchema& schema, StringView title) {
   TyxVars& vars = Vars();
   TyxDatabase* db = CurrentDatabase(tyx);

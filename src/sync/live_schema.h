@@ -3,6 +3,8 @@
 // of each step, and the shared defaults that new tables and fields take.
 #pragma once
 
+#include <vector>
+
 #include "automation/string.h"
 #include "model/database.h"
 #include "model/tyx.h"
@@ -12,6 +14,10 @@ namespace qv {
 
 // The project's current database, or nullptr.
 TyxDatabase* CurrentDatabase(Tyx& tyx);
+
+// The names of the database's tables of one TblType, in list order: the steps that visit
+// them may add and delete tables on the way.
+std::vector<String> TableNamesOfType(TyxDatabase& db, StringView type);
 
 // Reads the schema of the current database into `schema` from its DBName, DBType, DBUID,
 // DBPwd, DBPath, DBPhyPath, DBUseServerMapPath, DBConnstr and DBSchema, under the status title

@@ -79,7 +79,12 @@ TEST_F(ScriptedBranchesTest, OracleKeepsTheTablesOfOneOwner) {
   EXPECT_EQ(picked.db().DBSchema, u"HR");
   EXPECT_EQ(Names(picked), (std::vector<String>{u"JOBS", u"REGIONS"}));
 
-  // Skipping the choice leaves no owner, and then no table matches.
+  // frmSchema insists: a choice left empty is asked again until one comes.
+  Answer({u"skip", u"HR"});
+  TyxSchema insisted = Read(u"ora5", source, u"system");
+  EXPECT_EQ(insisted.db().DBSchema, u"HR");
+
+  // Only when no answer can come any more does it end without an owner; no table matches.
   Answer({u"skip"});
   TyxSchema skipped = Read(u"ora4", source, u"system");
   EXPECT_EQ(Vars().ProjErr, u"");

@@ -1,0 +1,96 @@
+// `quorvex check` and `quorvex sync` end to end on a SQLite project whose database changes:
+// the listing and exit status of the check, the answers sync takes from its options, a --map
+// that names nothing (refused before anything changes), --dry-run, and an unreachable
+// database. Also `quorvex new` on names that need quotes.
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <filesystem>
+
+#include "cli/run_quorvex.h"
+
+namespace qv {
+namespace {
+
+using cli_testing::FreshDir;
+using cli_testing::Has;
+using cli_testing::Quorvex;
+using cli_testing::Slurp;
+
+void Exec(const std::filesystem::path& file, const char* sql) {
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
+  char* message = nullptr;
+  const int rc = sqlite3_exec(db, sql, nullptr, nullptr, &message);
+  const std::string words = message ? message : "";
+  sqlite3_free(message);
+  sqlite3_close(db);
+  ASSERT_EQ(rc, SQLITE_OK) << words;
+}
+
+TEST(SyncCommands, CheckListsAndSyncMerges) {
+  const auto dir = FreshDir("sync");
+  Exec(dir / "shop.db",
+       "CREATE TABLE customers (id INTEGER PRIMARY KEY, name VARCHAR(20), city TEXT);"
+       "CREATE TABLE \"select\" (id INTEGER PRIMARY KEY, \"b c\" TEXT);"
+       "CREATE TABLE \"v\"\"q\" (x INTEGER);"
+       "CREATE TABLE \"<script>alert(1)</script>\" (y INTEGER);"
+       "CREATE TABLE old_orders (id INTEGER PRIMARY KEY, total NUMERIC)");
+  const auto made = Quorvex(dir, {"new", "shop.qvp", "--db", "sqlite:shop.db"});
+  ASSERT_EQ(made.status, 0) << made.err;
+  EXPECT_FALSE(Has(made.out, "could not read")) << made.out;  // every odd name was read
+  ASSERT_EQ(Quorvex(dir, {"check", "shop.qvp"}).status, 0);
+  ASSERT_EQ(Quorvex(dir, {"set", "shop.qvp", "--table", "old_orders", "TblCaption=Orders"}).status,
+            0);
+  ASSERT_EQ(Quorvex(dir, {"set", "shop.qvp", "--table", "customers", "--field", "name",
+                          "FldCaption=Full name"})
+                .status,
+            0);
+
+  Exec(dir / "shop.db",
+       "ALTER TABLE customers ADD COLUMN email TEXT; ALTER TABLE customers DROP COLUMN city;"
+       "ALTER TABLE old_orders RENAME TO orders");
+  const auto check = Quorvex(dir, {"check", "shop.qvp"});
+  EXPECT_EQ(check.status, 1) << check.err;
+  EXPECT_TRUE(Has(check.out, "+ field customers.email")) << check.out;
+  EXPECT_TRUE(Has(check.out, "- field customers.city")) << check.out;
+  EXPECT_TRUE(Has(check.out, "+ table orders")) << check.out;
+  EXPECT_TRUE(Has(check.out, "- table old_orders")) << check.out;
+
+  // A --map that names nothing is refused and the file stays as it was.
+  const std::string before = Slurp(dir / "shop.qvp");
+  const auto wrong = Quorvex(dir, {"sync", "shop.qvp", "--map", "orderz=old_orders"});
+  EXPECT_EQ(wrong.status, 1);
+  EXPECT_TRUE(Has(wrong.err, "orderz")) << wrong.err;
+  const auto dry = Quorvex(dir, {"sync", "shop.qvp", "--map", "orders=old_orders", "--dry-run"});
+  EXPECT_EQ(dry.status, 0) << dry.err;
+  EXPECT_EQ(Slurp(dir / "shop.qvp"), before);
+
+  const auto sync = Quorvex(dir, {"sync", "shop.qvp", "--map", "orders=old_orders"});
+  ASSERT_EQ(sync.status, 0) << sync.err;
+  EXPECT_EQ(Quorvex(dir, {"check", "shop.qvp"}).status, 0);
+  EXPECT_TRUE(Has(Quorvex(dir, {"show", "shop.qvp", "orders"}).out, "Orders"));
+  EXPECT_TRUE(Has(Quorvex(dir, {"show", "shop.qvp", "customers", "name"}).out, "Full name"));
+  EXPECT_FALSE(std::filesystem::exists(dir / "shop.qvp.sync-tmp"));
+
+  // An unreachable database: exit 2 with the reader's words, the file untouched.
+  std::filesystem::rename(dir / "shop.db", dir / "away.db");
+  const std::string kept = Slurp(dir / "shop.qvp");
+  const auto lost = Quorvex(dir, {"check", "shop.qvp"});
+  EXPECT_EQ(lost.status, 2);
+  EXPECT_TRUE(Has(lost.err, "shop.db")) << lost.err;
+  EXPECT_EQ(Quorvex(dir, {"sync", "shop.qvp"}).status, 2);
+  EXPECT_EQ(Slurp(dir / "shop.qvp"), kept);
+
+  // Without quotes names like these can't be probed, and new says which.
+  Exec(dir / "other.db", "CREATE TABLE \"select\" (a INTEGER); CREATE TABLE plain (b INTEGER)");
+  const auto bare = Quorvex(dir, {"new", "bare.qvp", "--db", "sqlite:other.db", "--quote", "None"});
+  ASSERT_EQ(bare.status, 0) << bare.err;
+  EXPECT_TRUE(Has(bare.out, "could not read table select")) << bare.out;
+  EXPECT_FALSE(Has(bare.out, "plain")) << bare.out;
+  EXPECT_EQ(Quorvex(dir, {"new", "x.qvp", "--db", "sqlite:other.db", "--quote", "Curly"}).status,
+            1);
+}
+
+}  // namespace
+}  // namespace qv
