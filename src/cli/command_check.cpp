@@ -1,8 +1,8 @@
 // `quorvex check <project-file>`: compares the project with its live database and lists the
 // differences: tables and views added, removed or changed, fields added, removed or changed
 // (old → new), custom views that no longer run, reports whose source is gone, and tables the
-// reader could not read. Exit 0 with no differences, 1 with some, 2 when the schema can't be
-// read. Nothing is written.
+// reader could not read. Exit 0 with no differences, 1 with some (a custom view or report that
+// no longer runs is one), 2 when the schema can't be read. Nothing is written.
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -34,9 +34,21 @@ void RunCheck(const std::string& project_file) {
     throw CLI::RuntimeError(kExitSchemaUnreadable);
   }
   PrintDifferences(found, stdout);
-  if (count == 0) {
+  int broken = 0;  // counted 0 by the check, yet they won't generate until mended
+  for (const SchemaDifference& d : found) {
+    if (d.kind == SchemaDifference::kCustomViewBroken ||
+        d.kind == SchemaDifference::kReportBroken) {
+      ++broken;
+    }
+  }
+  if (count == 0 && broken == 0) {
     std::printf("%s: no differences\n", project_file.c_str());
     return;
+  }
+  if (count == 0) {
+    std::printf("%s: the tables agree, but %d custom views or reports no longer run\n",
+                project_file.c_str(), broken);
+    throw CLI::RuntimeError(kExitFailure);
   }
   std::printf("%s: %d differences (run 'quorvex sync' to merge them)\n", project_file.c_str(),
               count);

@@ -73,6 +73,17 @@ TEST(SyncCommands, CheckListsAndSyncMerges) {
   EXPECT_TRUE(Has(Quorvex(dir, {"show", "shop.qvp", "customers", "name"}).out, "Full name"));
   EXPECT_FALSE(std::filesystem::exists(dir / "shop.qvp.sync-tmp"));
 
+  // A custom view whose SQL no longer runs is listed, and the check fails for it.
+  ASSERT_EQ(
+      Quorvex(dir, {"customview", "shop.qvp", "Named", "--sql", "SELECT id, name FROM customers"})
+          .status,
+      0);
+  Exec(dir / "shop.db", "ALTER TABLE customers RENAME COLUMN name TO full_name");
+  ASSERT_EQ(Quorvex(dir, {"sync", "shop.qvp"}).status, 0);
+  const auto broken = Quorvex(dir, {"check", "shop.qvp"});
+  EXPECT_EQ(broken.status, 1);
+  EXPECT_TRUE(Has(broken.out, "! custom view Named no longer runs")) << broken.out;
+
   // An unreachable database: exit 2 with the reader's words, the file untouched.
   std::filesystem::rename(dir / "shop.db", dir / "away.db");
   const std::string kept = Slurp(dir / "shop.qvp");
