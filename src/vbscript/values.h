@@ -225,6 +225,57 @@ template <class F, class G>
   return FastArithTo(a, a, b, whole, real);
 }
 
+// An Integer, Long or Double held in registers between two operations, so that a value that
+// only feeds the next operator never makes the round trip through a stack slot.
+struct Number {
+  unsigned type;  // VarType::Integer, Long or Double
+  int64_t whole;
+  double real;
+};
+[[gnu::always_inline]] inline bool NumberOf(const Variant& v, Number& n) {
+  n.type = TypeOf(v);
+  if (IsWhole(n.type)) {
+    n.whole = WholeOf(v);
+    return true;
+  }
+  if (n.type != static_cast<unsigned>(VarType::Double)) return false;
+  n.real = v.as_double();
+  return true;
+}
+[[gnu::always_inline]] inline Number NumberOfInteger(int32_t k) {
+  return Number{static_cast<unsigned>(VarType::Integer), k, 0};
+}
+// a op b by the rules of PutResult: Integer and Integer stay Integer while they fit, whole
+// numbers widen to Long and then Double, Doubles must stay finite.
+template <class F, class G>
+[[gnu::always_inline]] inline Number Compute(const Number& a, const Number& b, F whole, G real) {
+  constexpr unsigned kInteger = static_cast<unsigned>(VarType::Integer);
+  constexpr unsigned kLong = static_cast<unsigned>(VarType::Long);
+  constexpr unsigned kDouble = static_cast<unsigned>(VarType::Double);
+  if (IsWhole(a.type) && IsWhole(b.type)) {
+    const int64_t r = whole(a.whole, b.whole);
+    if (a.type == kInteger && b.type == kInteger && r == static_cast<int16_t>(r))
+      return Number{kInteger, r, 0};
+    if (r == static_cast<int32_t>(r)) return Number{kLong, r, 0};
+    return Number{kDouble, 0, static_cast<double>(r)};
+  }
+  const double x = a.type == kDouble ? a.real : static_cast<double>(a.whole);
+  const double y = b.type == kDouble ? b.real : static_cast<double>(b.whole);
+  const double r = real(x, y);
+  if (!std::isfinite(r)) Raise(kErrOverflow);
+  return Number{kDouble, 0, r};
+}
+// Writes a Number into a slot known to own nothing.
+[[gnu::always_inline]] inline void PutNumber(Variant& dst, const Number& n) {
+  if (n.type == static_cast<unsigned>(VarType::Double)) {
+    PutDouble(dst, n.real);
+  } else if (n.type == static_cast<unsigned>(VarType::Integer)) {
+    RawSet(dst, VarType::Integer, static_cast<uint16_t>(n.whole));
+  } else {
+    RawSet(dst, VarType::Long, static_cast<uint32_t>(n.whole));
+  }
+}
+
 // The operands of a fused instruction: x and its right operand, an Integer held in the
 // instruction, a local or a constant.
 [[gnu::always_inline]] inline int LoadFused(const Instr& in, int32_t operand, const Variant& x,

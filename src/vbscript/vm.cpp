@@ -78,15 +78,8 @@ constexpr IntrinsicName kIntrinsics[] = {
 [[gnu::always_inline]] inline const Variant* ReadableValue(const GlobalSlot& s) {
   return s.kind == SlotKind::Variable || s.kind == SlotKind::Constant ? &s.value : nullptr;
 }
-
-// Where a fused instruction stores: a local, or a module variable while its slot holds one
-// that owns nothing. Releasing a module variable's object may run a Class_Terminate that
-// assigns to the same variable, so that store keeps to the general path.
-[[gnu::always_inline]] inline Variant* FusedStoreTarget(const Instr& in, Variant* locals,
-                                                        GlobalSlot* const* globals) {
-  if (!(in.flags & kFusedStoreGlobal)) return &locals[in.n];
-  GlobalSlot& s = *globals[in.n];
-  return s.kind == SlotKind::Variable && IsPlain(s.value) ? &s.value : nullptr;
+[[gnu::always_inline]] inline bool IsReadable(const GlobalSlot& s) {
+  return s.kind == SlotKind::Variable || s.kind == SlotKind::Constant;
 }
 
 // The operands of a fused instruction on a module variable x: the right operand may be a
@@ -97,6 +90,23 @@ constexpr IntrinsicName kIntrinsics[] = {
   if (!(in.flags & kFusedGlobal)) return LoadFused(in, in.b, x, locals, consts, o);
   const Variant* y = ReadableValue(*globals[in.b]);
   return y ? LoadOperands(x, *y, o) : 0;
+}
+
+// The right operand of a fused instruction as a Number: an Integer held in the instruction, a
+// local, a constant or a module variable; false when it is no Integer, Long or Double.
+[[gnu::always_inline]] inline bool OperandNumber(const Instr& in, const Variant* locals,
+                                                 const Variant* consts, GlobalSlot* const* globals,
+                                                 Number& n) {
+  if (in.flags & kFusedImmediate) {
+    n = NumberOfInteger(in.b);
+    return true;
+  }
+  if (in.flags & kFusedLocal) return NumberOf(locals[in.b], n);
+  if (in.flags & kFusedGlobal) {
+    const Variant* y = ReadableValue(*globals[in.b]);
+    return y && NumberOf(*y, n);
+  }
+  return NumberOf(consts[in.b], n);
 }
 
 }  // namespace
@@ -1373,100 +1383,115 @@ void Vm::Execute(Frame& f) {
         // The same on module variables. The fast path reads and writes a slot only while it
         // holds a variable's value; otherwise the LoadGlobal the instruction stands for runs
         // as compiled (a procedure of that name is called, Option Explicit is checked...).
-#define QV_GLOBAL_X() ReadableValue(*globals[ip[-1].a])
+// A branch rather than a null pointer: the value's load then need not wait for the kind's.
+#define QV_GLOBAL_X(x)                             \
+  const GlobalSlot& x##_slot = *globals[ip[-1].a]; \
+  if (!IsReadable(x##_slot)) [[unlikely]]          \
+    goto L_LoadGlobal;                             \
+  const Variant* const x = &x##_slot.value
+// Where a fused instruction stores: a local, or a module variable while its slot holds one
+// that owns nothing. Releasing a module variable's object may run a Class_Terminate that
+// assigns to the same variable, so that store keeps to the general path.
+#define QV_STORE_TARGET(dst)                                                              \
+  Variant* dst = &locals[ip[-1].n];                                                       \
+  if (ip[-1].flags & kFusedStoreGlobal) {                                                 \
+    GlobalSlot& dst##_slot = *globals[ip[-1].n];                                          \
+    if (dst##_slot.kind != SlotKind::Variable || !IsPlain(dst##_slot.value)) [[unlikely]] \
+      goto L_LoadGlobal;                                                                  \
+    dst = &dst##_slot.value;                                                              \
+  }
 #define QV_COVERED() ((ip[-1].flags & kFusedGlobal) ? 1 : 0)
-#define QV_LOAD_GLOBAL_ARITH(NAME, OP)                                                        \
-  case Op::LoadGlobal##NAME:                                                                  \
-    L_LoadGlobal##NAME : {                                                                    \
-      Operands o;                                                                             \
-      const Variant* x = QV_GLOBAL_X();                                                       \
-      if (const int kind = x ? LoadFusedGlobal(ip[-1], *x, locals, consts, globals, o) : 0) { \
-        PutResult<false>(*sp, kind, o, QV_WHOLE(OP), QV_REAL(OP));                            \
-        ++sp;                                                                                 \
-        ip += 1 + QV_COVERED();                                                               \
-        QV_NEXT();                                                                            \
-      }                                                                                       \
-      goto L_LoadGlobal;                                                                      \
-    }                                                                                         \
-  case Op::LoadGlobal##NAME##Op:                                                              \
-    L_LoadGlobal##NAME##Op : {                                                                \
-      Operands o;                                                                             \
-      const Variant* x = QV_GLOBAL_X();                                                       \
-      const int kind = x ? LoadFusedGlobal(ip[-1], *x, locals, consts, globals, o) : 0;       \
-      if (!kind) goto L_LoadGlobal;                                                           \
-      /* The value has no side effects to order: it joins the one below as Add..Mul do. */    \
-      const uint16_t outer = ip[-1].n;                                                        \
-      ip += 2 + QV_COVERED();                                                                 \
-      f.ip = ip;                                                                              \
-      Variant& y = *sp;                                                                       \
-      PutResult<false>(y, kind, o, QV_WHOLE(OP), QV_REAL(OP));                                \
-      Variant& left = sp[-1];                                                                 \
-      if (outer == 0   ? FastArith(left, y, QV_WHOLE(+), QV_REAL(+))                          \
-          : outer == 1 ? FastArith(left, y, QV_WHOLE(-), QV_REAL(-))                          \
-                       : FastArith(left, y, QV_WHOLE(*), QV_REAL(*))) {                       \
-        new (&y) Variant();                                                                   \
-        QV_NEXT();                                                                            \
-      }                                                                                       \
-      ++sp;                                                                                   \
-      switch (outer) {                                                                        \
-        case 0:                                                                               \
-          goto L_Add;                                                                         \
-        case 1:                                                                               \
-          goto L_Sub;                                                                         \
-        default:                                                                              \
-          goto L_Mul;                                                                         \
-      }                                                                                       \
-    }                                                                                         \
-  case Op::LoadGlobal##NAME##Store:                                                           \
-    L_LoadGlobal##NAME##Store : {                                                             \
-      Operands o;                                                                             \
-      const Variant* x = QV_GLOBAL_X();                                                       \
-      Variant* dst = FusedStoreTarget(ip[-1], locals, globals);                               \
-      if (const int kind =                                                                    \
-              x && dst ? LoadFusedGlobal(ip[-1], *x, locals, consts, globals, o) : 0) {       \
-        PutResult<true>(*dst, kind, o, QV_WHOLE(OP), QV_REAL(OP));                            \
-        ip += 2 + QV_COVERED();                                                               \
-        QV_NEXT();                                                                            \
-      }                                                                                       \
-      goto L_LoadGlobal;                                                                      \
-    }                                                                                         \
-  case Op::NAME##StoreGlobal:                                                                 \
-    L_##NAME##StoreGlobal : {                                                                 \
-      Variant& a = sp[-1];                                                                    \
-      GlobalSlot& s = *globals[ip[-1].n];                                                     \
-      Operands o;                                                                             \
-      if (const int kind = s.kind == SlotKind::Variable && IsPlain(s.value)                   \
-                               ? LoadFused(ip[-1], ip[-1].b, a, locals, consts, o)            \
-                               : 0) {                                                         \
-        PutResult<true>(s.value, kind, o, QV_WHOLE(OP), QV_REAL(OP));                         \
-        new (--sp) Variant();                                                                 \
-        ++ip;                                                                                 \
-        QV_NEXT();                                                                            \
-      }                                                                                       \
-      a = Op##NAME(a, (ip[-1].flags & kFusedLocal) ? locals[ip[-1].a] : consts[ip[-1].a]);    \
-      QV_NEXT();                                                                              \
+#define QV_LOAD_GLOBAL_ARITH(NAME, OP)                                                     \
+  case Op::LoadGlobal##NAME:                                                               \
+    L_LoadGlobal##NAME : {                                                                 \
+      Operands o;                                                                          \
+      QV_GLOBAL_X(x);                                                                      \
+      if (const int kind = LoadFusedGlobal(ip[-1], *x, locals, consts, globals, o)) {      \
+        PutResult<false>(*sp, kind, o, QV_WHOLE(OP), QV_REAL(OP));                         \
+        ++sp;                                                                              \
+        ip += 1 + QV_COVERED();                                                            \
+        QV_NEXT();                                                                         \
+      }                                                                                    \
+      goto L_LoadGlobal;                                                                   \
+    }                                                                                      \
+  case Op::LoadGlobal##NAME##Op:                                                           \
+    L_LoadGlobal##NAME##Op : {                                                             \
+      Operands o;                                                                          \
+      QV_GLOBAL_X(x);                                                                      \
+      const int kind = LoadFusedGlobal(ip[-1], *x, locals, consts, globals, o);            \
+      if (!kind) goto L_LoadGlobal;                                                        \
+      /* The value has no side effects to order: it joins the one below as Add..Mul do. */ \
+      const uint16_t outer = ip[-1].n;                                                     \
+      ip += 2 + QV_COVERED();                                                              \
+      f.ip = ip;                                                                           \
+      Variant& y = *sp;                                                                    \
+      PutResult<false>(y, kind, o, QV_WHOLE(OP), QV_REAL(OP));                             \
+      Variant& left = sp[-1];                                                              \
+      if (outer == 0   ? FastArith(left, y, QV_WHOLE(+), QV_REAL(+))                       \
+          : outer == 1 ? FastArith(left, y, QV_WHOLE(-), QV_REAL(-))                       \
+                       : FastArith(left, y, QV_WHOLE(*), QV_REAL(*))) {                    \
+        new (&y) Variant();                                                                \
+        QV_NEXT();                                                                         \
+      }                                                                                    \
+      ++sp;                                                                                \
+      switch (outer) {                                                                     \
+        case 0:                                                                            \
+          goto L_Add;                                                                      \
+        case 1:                                                                            \
+          goto L_Sub;                                                                      \
+        default:                                                                           \
+          goto L_Mul;                                                                      \
+      }                                                                                    \
+    }                                                                                      \
+  case Op::LoadGlobal##NAME##Store:                                                        \
+    L_LoadGlobal##NAME##Store : {                                                          \
+      Operands o;                                                                          \
+      QV_GLOBAL_X(x);                                                                      \
+      QV_STORE_TARGET(dst);                                                                \
+      if (const int kind = LoadFusedGlobal(ip[-1], *x, locals, consts, globals, o)) {      \
+        PutResult<true>(*dst, kind, o, QV_WHOLE(OP), QV_REAL(OP));                         \
+        ip += 2 + QV_COVERED();                                                            \
+        QV_NEXT();                                                                         \
+      }                                                                                    \
+      goto L_LoadGlobal;                                                                   \
+    }                                                                                      \
+  case Op::NAME##StoreGlobal:                                                              \
+    L_##NAME##StoreGlobal : {                                                              \
+      Variant& a = sp[-1];                                                                 \
+      GlobalSlot& s = *globals[ip[-1].n];                                                  \
+      Operands o;                                                                          \
+      if (const int kind = s.kind == SlotKind::Variable && IsPlain(s.value)                \
+                               ? LoadFused(ip[-1], ip[-1].b, a, locals, consts, o)         \
+                               : 0) {                                                      \
+        PutResult<true>(s.value, kind, o, QV_WHOLE(OP), QV_REAL(OP));                      \
+        new (--sp) Variant();                                                              \
+        ++ip;                                                                              \
+        QV_NEXT();                                                                         \
+      }                                                                                    \
+      a = Op##NAME(a, (ip[-1].flags & kFusedLocal) ? locals[ip[-1].a] : consts[ip[-1].a]); \
+      QV_NEXT();                                                                           \
     }
         QV_LOAD_GLOBAL_ARITH(Add, +)
         QV_LOAD_GLOBAL_ARITH(Sub, -)
         QV_LOAD_GLOBAL_ARITH(Mul, *)
 #undef QV_LOAD_GLOBAL_ARITH
-#define QV_LOAD_GLOBAL_JUMP(NAME, OP)                                                   \
-  case Op::LoadGlobal##NAME##Jmp:                                                       \
-    L_LoadGlobal##NAME##Jmp : {                                                         \
-      Operands o;                                                                       \
-      const Variant* x = QV_GLOBAL_X();                                                 \
-      const int kind = x ? LoadFusedGlobal(ip[-1], *x, locals, consts, globals, o) : 0; \
-      if (!kind) goto L_LoadGlobal;                                                     \
-      const int covered = QV_COVERED();                                                 \
-      if (kind == 3 ? o.da OP o.db : o.wa OP o.wb) {                                    \
-        ip += 2 + covered;                                                              \
-        QV_NEXT();                                                                      \
-      }                                                                                 \
-      /* The JmpFalse at the end of the sequence holds the target. */                   \
-      const int32_t target = ip[1 + covered].a;                                         \
-      if (target < ip - code + 2 + covered) CheckTime();                                \
-      ip = code + target;                                                               \
-      QV_NEXT();                                                                        \
+#define QV_LOAD_GLOBAL_JUMP(NAME, OP)                                           \
+  case Op::LoadGlobal##NAME##Jmp:                                               \
+    L_LoadGlobal##NAME##Jmp : {                                                 \
+      Operands o;                                                               \
+      QV_GLOBAL_X(x);                                                           \
+      const int kind = LoadFusedGlobal(ip[-1], *x, locals, consts, globals, o); \
+      if (!kind) goto L_LoadGlobal;                                             \
+      const int covered = QV_COVERED();                                         \
+      if (kind == 3 ? o.da OP o.db : o.wa OP o.wb) {                            \
+        ip += 2 + covered;                                                      \
+        QV_NEXT();                                                              \
+      }                                                                         \
+      /* The JmpFalse at the end of the sequence holds the target. */           \
+      const int32_t target = ip[1 + covered].a;                                 \
+      if (target < ip - code + 2 + covered) CheckTime();                        \
+      ip = code + target;                                                       \
+      QV_NEXT();                                                                \
     }
         QV_LOAD_GLOBAL_JUMP(Eq, ==)
         QV_LOAD_GLOBAL_JUMP(Ne, !=)
@@ -1480,30 +1505,44 @@ void Vm::Execute(Frame& f) {
       case Op::LoadGlobalLeft:
       L_LoadGlobalLeft : {
         // Both operands are variables' values, so reading the left one here rather than first
-        // changes nothing the script can see.
+        // changes nothing the script can see. The sum stays in registers, and goes straight
+        // into the variable when the statement ends by storing it with one more operator.
         const Instr& right = ip[0];
-        const Variant* left = ReadableValue(*globals[ip[-1].a]);
-        const Variant* x = ReadableValue(*globals[right.a]);
-        Operands o;
-        const int kind = left && x ? LoadFusedGlobal(right, *x, locals, consts, globals, o) : 0;
-        if (!kind) goto L_LoadGlobal;
-        Variant& y = *sp;
-        if (right.op == Op::LoadGlobalAddOp) {
-          PutResult<false>(y, kind, o, QV_WHOLE(+), QV_REAL(+));
-        } else if (right.op == Op::LoadGlobalSubOp) {
-          PutResult<false>(y, kind, o, QV_WHOLE(-), QV_REAL(-));
-        } else {
-          PutResult<false>(y, kind, o, QV_WHOLE(*), QV_REAL(*));
-        }
-        const bool done = right.n == 0   ? FastArithTo(y, *left, y, QV_WHOLE(+), QV_REAL(+))
-                          : right.n == 1 ? FastArithTo(y, *left, y, QV_WHOLE(-), QV_REAL(-))
-                                         : FastArithTo(y, *left, y, QV_WHOLE(*), QV_REAL(*));
-        if (!done) {
-          new (&y) Variant();
+        const int covered = 3 + ((right.flags & kFusedGlobal) ? 1 : 0);
+        const GlobalSlot& left_slot = *globals[ip[-1].a];
+        const GlobalSlot& x_slot = *globals[right.a];
+        if (!IsReadable(left_slot) || !IsReadable(x_slot)) [[unlikely]]
           goto L_LoadGlobal;
+        const Variant* const left = &left_slot.value;
+        const Variant* const x = &x_slot.value;
+        Number l{}, xv{}, k{};
+        if (!NumberOf(*left, l) || !NumberOf(*x, xv) ||
+            !OperandNumber(right, locals, consts, globals, k))
+          goto L_LoadGlobal;
+        const Number inner =
+            right.op == Op::LoadGlobalAddOp   ? Compute(xv, k, QV_WHOLE(+), QV_REAL(+))
+            : right.op == Op::LoadGlobalSubOp ? Compute(xv, k, QV_WHOLE(-), QV_REAL(-))
+                                              : Compute(xv, k, QV_WHOLE(*), QV_REAL(*));
+        const Number sum = right.n == 0   ? Compute(l, inner, QV_WHOLE(+), QV_REAL(+))
+                           : right.n == 1 ? Compute(l, inner, QV_WHOLE(-), QV_REAL(-))
+                                          : Compute(l, inner, QV_WHOLE(*), QV_REAL(*));
+        const Instr& after = ip[covered];
+        const unsigned store =
+            static_cast<unsigned>(after.op) - static_cast<unsigned>(Op::AddStoreGlobal);
+        if (store <= 2) {
+          GlobalSlot& target = *globals[after.n];
+          if (target.kind == SlotKind::Variable && IsPlain(target.value) &&
+              OperandNumber(after, locals, consts, globals, k)) {
+            const Number r = store == 0   ? Compute(sum, k, QV_WHOLE(+), QV_REAL(+))
+                             : store == 1 ? Compute(sum, k, QV_WHOLE(-), QV_REAL(-))
+                                          : Compute(sum, k, QV_WHOLE(*), QV_REAL(*));
+            PutNumber(target.value, r);
+            ip += covered + 2;
+            QV_NEXT();
+          }
         }
-        ++sp;
-        ip += 3 + ((right.flags & kFusedGlobal) ? 1 : 0);
+        PutNumber(*sp++, sum);
+        ip += covered;
         QV_NEXT();
       }
 #undef QV_WHOLE
@@ -1529,7 +1568,7 @@ void Vm::Execute(Frame& f) {
       case Op::LoadGlobalStore:
       L_LoadGlobalStore : {
         const Variant* x = ReadableValue(*globals[ip[-1].a]);
-        Variant* dst = FusedStoreTarget(ip[-1], locals, globals);
+        QV_STORE_TARGET(dst);
         if (x && dst && IsPlain(*x) && IsPlain(*dst)) {
           CopyPlain(*dst, *x);
           ++ip;
@@ -1537,6 +1576,7 @@ void Vm::Execute(Frame& f) {
         }
         goto L_LoadGlobal;
       }
+#undef QV_STORE_TARGET
 #undef QV_FUSED_X
       case Op::AddPopStore:
       L_AddPopStore : {
