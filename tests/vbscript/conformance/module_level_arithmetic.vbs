@@ -44,6 +44,12 @@ t = 1 : t = t + t * t
 Check t, 2, "t + t * t"
 a = 5 : b = 7 : t = a - b * 2
 Check t, -9, "a - b * 2"
+a = 16000 : b = 2 : t = 100 : t = t + a * b - 1
+Check t, 32099, "Integers that fit stay Integer through the whole statement"
+t = 1000 : t = t + a * b + 1000
+Check t, CLng(34000), "and widen to Long where they stop fitting"
+e = t - a * b - 1
+Check e, CLng(1999), "the result stored to another variable"
 
 ' Values that are no Integer, Long or Double take the general rules.
 a = "5" : a = a + 1
