@@ -16,6 +16,8 @@
 #include "model/table.h"
 #include "model/tables.h"
 #include "root/create_tyx.h"
+#include "script/script_host.h"
+#include "script/user_script.h"
 #include "support/status.h"
 #include "templates/block_parser.h"
 #include "templates/control.h"
@@ -58,6 +60,8 @@ const HostClass kHostClasses[] = {
     {u"TyxClass.TyxSessions", Make<TyxSessions>},
     {u"TyxClass.TyxSession", Make<TyxSession>},
     {u"TyxClass.TyxCache", Make<TyxCache>},
+    {u"TyxClass.TyScript", Make<TyScript>},
+    {u"TyxClass.TyUserScript", Make<TyUserScript>},
 };
 
 }  // namespace
