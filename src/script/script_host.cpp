@@ -181,6 +181,11 @@ TyUserScript& TyScript::UserScript() {
 void TyScript::Reset() {
   initialized_ = false;
   system_ = user_ = validate_ = nullptr;
+  // The lists name procedures of the engine's modules; with the modules gone they would tell
+  // of functions that no longer exist.
+  system_functions_.assign(1, String());
+  user_functions_.assign(1, String());
+  validate_functions_.assign(1, String());
   engine_->Reset();
 }
 
@@ -191,13 +196,9 @@ void TyScript::Initialize(Ref<Object> proj, Ref<Object> db, Ref<Object> controls
   // The engine starts afresh only on a host that isn't set up yet. A second Initialize without
   // Reset must not quietly throw away the code of a running host: the engine then refuses the
   // objects it holds already (457), and the host stays as it was.
-  const bool fresh = !initialized_;
+  if (!initialized_) Reset();
   initialized_ = true;
   engine_->SetLanguage(u"VBScript");
-  if (fresh) {
-    system_ = user_ = validate_ = nullptr;
-    engine_->Reset();
-  }
   engine_->AddObject(u"PROJ", std::move(proj));
   engine_->AddObject(u"DB", std::move(db));
   engine_->AddObject(u"Controls", std::move(controls));
