@@ -25,10 +25,14 @@ inline void WriteZip(const std::string& path, const std::vector<ZipEntry>& entri
   zip_t* archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, &code);
   if (!archive) throw std::runtime_error("zip_open failed");
   for (const ZipEntry& e : entries) {
-    // libzip reads the buffer when the archive closes: keep a copy that lives that long.
-    void* data = std::malloc(e.bytes.size() + 1);
-    std::memcpy(data, e.bytes.data(), e.bytes.size());
-    zip_source_t* source = zip_source_buffer(archive, data, e.bytes.size(), 1);
+    // libzip reads the buffer when the archive closes: it gets a copy that it frees itself
+    // (an empty entry needs none, and libzip wouldn't free one).
+    void* data = nullptr;
+    if (!e.bytes.empty()) {
+      data = std::malloc(e.bytes.size());
+      std::memcpy(data, e.bytes.data(), e.bytes.size());
+    }
+    zip_source_t* source = zip_source_buffer(archive, data, e.bytes.size(), data ? 1 : 0);
     const zip_int64_t index = zip_file_add(archive, e.name.c_str(), source, ZIP_FL_OVERWRITE);
     if (index < 0) throw std::runtime_error("zip_file_add failed");
     if (e.symlink) {
