@@ -23,5 +23,6 @@ void AddDefaultsCommand(CLI::App& app);
 void AddExtensionCommand(CLI::App& app);
 void AddCheckCommand(CLI::App& app);
 void AddSyncCommand(CLI::App& app);
+void AddGenerateCommand(CLI::App& app);
 
 }  // namespace qv::cli

@@ -205,7 +205,7 @@ int16_t CopyCss(Tyx& tyx, bool check_only) {
     // project's own styles in the file.
     String text;
     try {
-      const String source = ReadTextFile(StylesheetTemplatePath());
+      const String source = ReadSourceFile(StylesheetTemplatePath());
       text.Append(tyx.Services().Parse(tyx, Variant(source)));
     } catch (const Error&) {
     }
@@ -287,7 +287,9 @@ int16_t RunCopyActions(Tyx& tyx, bool check_only) {
       }
       const String& folder_name =
           control->CtrlOFolder.empty() ? control->CtrlIFolder : control->CtrlOFolder;
-      String target = ResolveOutputPath(tyx, folder_name, u"", check_only);
+      // Resolved without making the folder: the copy makes it, and a folder made here would
+      // count as an existing one to overwrite.
+      String target = ResolveOutputPath(tyx, folder_name, u"", true);
       if (target.empty()) return count;
       // Both end in the "/" that control folders carry.
       source = String(source.view().substr(0, source.size() - 1));
