@@ -72,6 +72,8 @@ class Backend {
   virtual std::optional<int32_t> ParameterCount(StringView sql);
   // The key the last INSERT generated on this connection; Empty when there is none to tell.
   virtual Variant LastInsertKey() { return Variant(); }
+  // Seconds a statement may run (0 for no limit), where the backend can stop one.
+  virtual void SetCommandTimeout(int32_t) noexcept {}
   // One transaction at a time; the defaults raise kErrNotSupported.
   virtual void BeginTransaction();
   virtual void CommitTransaction();

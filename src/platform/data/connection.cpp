@@ -130,6 +130,11 @@ int32_t Connection::State() const noexcept {
   return backend_ ? adStateOpen : adStateClosed;
 }
 
+void Connection::SetCommandTimeout(int32_t seconds) noexcept {
+  command_timeout_seconds_ = seconds;
+  if (backend_) backend_->SetCommandTimeout(seconds);
+}
+
 String Connection::Version() const {
   return u"2.8";
 }

@@ -53,7 +53,8 @@ class Connection {
   int32_t ConnectionTimeout() const noexcept { return login_timeout_seconds_; }
   void SetConnectionTimeout(int32_t seconds) noexcept { login_timeout_seconds_ = seconds; }
   int32_t CommandTimeout() const noexcept { return command_timeout_seconds_; }
-  void SetCommandTimeout(int32_t seconds) noexcept { command_timeout_seconds_ = seconds; }
+  // Also applies to the statements of an open connection from the next one on.
+  void SetCommandTimeout(int32_t seconds) noexcept;
 
   // Properties(name).Value; raises kErrItemNotFound for a name the provider lacks.
   Variant Properties(StringView name) const;

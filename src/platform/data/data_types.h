@@ -74,6 +74,7 @@ inline constexpr int32_t kErrLoginFailed = static_cast<int32_t>(0x80040E4D);
 inline constexpr int32_t kErrSyntax = static_cast<int32_t>(0x80040E14);
 inline constexpr int32_t kErrNoSuchTable = static_cast<int32_t>(0x80040E37);
 inline constexpr int32_t kErrIntegrityViolation = static_cast<int32_t>(0x80040E2F);
+inline constexpr int32_t kErrTimeout = static_cast<int32_t>(0x80040E31);
 inline constexpr int32_t kErrProviderNotFound = static_cast<int32_t>(0x800A0E7A);  // 3706
 inline constexpr int32_t kErrItemNotFound = static_cast<int32_t>(0x800A0CC1);      // 3265
 inline constexpr int32_t kErrObjectClosed = static_cast<int32_t>(0x800A0E78);      // 3704

@@ -47,6 +47,7 @@ int32_t NumberForState(StringView state, StringView message) {
   }
   if (state == u"42S02" || state == u"42P01") return kErrNoSuchTable;
   if (state.starts_with(u"23")) return kErrIntegrityViolation;
+  if (state == u"HYT00" || state == u"HYT01" || state == u"57014") return kErrTimeout;
   if (state.starts_with(u"42")) return kErrSyntax;
   return kErrProviderFailure;
 }
@@ -532,6 +533,8 @@ class OdbcBackend final : public Backend {
       return Variant();  // no key generated in this session yet
     }
   }
+
+  void SetCommandTimeout(int32_t seconds) noexcept override { command_timeout_ = seconds; }
 
   void BeginTransaction() override {
     link_->dbc->Check(SQLSetConnectAttr(link_->dbc->get(), SQL_ATTR_AUTOCOMMIT,
