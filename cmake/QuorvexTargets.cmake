@@ -14,6 +14,12 @@ if(QV_SANITIZE)
   target_link_options(qv_build_flags INTERFACE ${qv_san})
   target_compile_definitions(qv_build_flags INTERFACE QV_SANITIZE=1)
 endif()
+if(QV_TSAN)
+  # The ASP runtime runs pages on several threads; this build checks that they share nothing
+  # unguarded.
+  target_compile_options(qv_build_flags INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+  target_link_options(qv_build_flags INTERFACE -fsanitize=thread)
+endif()
 if(QV_FUZZ)
   target_compile_options(qv_build_flags INTERFACE -fsanitize=fuzzer-no-link,address,undefined)
   target_link_options(qv_build_flags INTERFACE -fsanitize=address,undefined)

@@ -140,7 +140,8 @@ class DispatchTable {
 template <class T>
 class DispatchObject : public Object {
  public:
-  String TypeName() const override { return T::Table().type_name(); }
+  // A copy of its own: the table is shared by every thread, and a String's count is no atomic.
+  String TypeName() const override { return String(T::Table().type_name().view()); }
   DispId GetIdOfName(StringView name) override { return T::Table().Find(name); }
   Variant Invoke(DispId id, uint16_t flags, Args args) override {
     Variant result;

@@ -125,6 +125,9 @@ std::optional<Variant> FindConstant(StringView name) {
   static const ConstantMap constants = BuildConstants();
   const auto it = constants.find(name);
   if (it == constants.end()) return std::nullopt;
+  // Engines on other threads read this table too: hand out a text of the caller's own rather
+  // than a share of the table's buffer, whose count is no atomic.
+  if (it->second.is_string()) return Variant(String(it->second.as_string().view()));
   return it->second;
 }
 
