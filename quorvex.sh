@@ -18,6 +18,7 @@ PACKAGES=(
   mdbtools mdbtools-dev odbc-mdbtools
   postgresql odbc-postgresql mariadb-server odbc-mariadb
   lua5.4
+  libmicrohttpd-dev chromium wrk nginx-light
 )
 
 log() { printf '\033[1m== %s\033[0m\n' "$*" >&2; }
@@ -37,6 +38,16 @@ ensure_packages() {
   # Server packages must not try to start services during installation (no init system in CI).
   as_root env DEBIAN_FRONTEND=noninteractive RUNLEVEL=1 \
     apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# puppeteer-core for the browser tests, into the project (never globally; it downloads no
+# browser: the tests use Debian's chromium).
+ensure_node_modules() {
+  local dir="$ROOT/tests/asp/browser"
+  [ -d "$dir/node_modules/puppeteer-core" ] && return 0
+  command -v npm >/dev/null || { log "npm is missing: the browser tests will fail"; return 0; }
+  log "installing puppeteer-core for the browser tests"
+  (cd "$dir" && npm ci --no-audit --no-fund --loglevel=error >/dev/null)
 }
 
 configure() {
@@ -70,6 +81,7 @@ case "$cmd" in
     ;;
   test)
     ensure_packages
+    ensure_node_modules
     build default
     run_tests default
     build asan

@@ -24,5 +24,6 @@ void AddExtensionCommand(CLI::App& app);
 void AddCheckCommand(CLI::App& app);
 void AddSyncCommand(CLI::App& app);
 void AddGenerateCommand(CLI::App& app);
+void AddServeCommand(CLI::App& app);
 
 }  // namespace qv::cli

@@ -29,6 +29,7 @@ int main(int argc, char** argv) {
   qv::cli::AddGenerateCommand(app);
   qv::cli::AddEvalCommand(app);
   qv::cli::AddScriptCommand(app);
+  qv::cli::AddServeCommand(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {

@@ -93,12 +93,23 @@ Variant IsDate(RuntimeState&, Args a) {
   return Variant(false);
 }
 
+// An object is tested by its default value, as pages test `IsNull(rs("Price"))` and
+// `IsEmpty(Request.Form("x"))`; one without a default value is neither Empty nor Null.
+Variant ValueOrObject(const Variant& v) {
+  if (!v.is_object() || !v.as_object()) return v;
+  try {
+    return ValueOf(v);
+  } catch (const Error&) {
+    return v;
+  }
+}
+
 Variant IsEmpty(RuntimeState&, Args a) {
-  return Variant(a[0].is_empty());
+  return Variant(ValueOrObject(a[0]).is_empty());
 }
 
 Variant IsNull(RuntimeState&, Args a) {
-  return Variant(a[0].is_null());
+  return Variant(ValueOrObject(a[0]).is_null());
 }
 
 Variant IsNumeric(RuntimeState&, Args a) {

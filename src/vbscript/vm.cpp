@@ -153,8 +153,8 @@ Vm::Entry::Entry(Vm& vm) : vm_(vm) {
   vm.stack_limit_ = StackLimit();
   vm.budget_ = kTimeBudget;
   vm.has_deadline_ = vm.timeout_ms_ > 0;
-  if (vm.has_deadline_)
-    vm.deadline_ = std::chrono::steady_clock::now() + std::chrono::milliseconds(vm.timeout_ms_);
+  vm.started_ = std::chrono::steady_clock::now();
+  if (vm.has_deadline_) vm.deadline_ = vm.started_ + std::chrono::milliseconds(vm.timeout_ms_);
 }
 
 Vm::Entry::~Entry() {
@@ -352,6 +352,14 @@ Variant& Vm::VarRef(Frame& f, uint8_t kind, int32_t slot) {
     return s.value;
   }
   Raise(kErrIllegalAssignment);
+}
+
+Variant& Vm::IndexTarget(Frame& f, uint8_t kind, int32_t slot) {
+  if ((kind & kVarKindMask) == kVarGlobal) {
+    GlobalSlot& s = Resolve(*f.proc->globals[slot], *f.proc);
+    if (s.kind == SlotKind::HostObject) return s.value;
+  }
+  return VarRef(f, kind, slot);
 }
 
 Variant Vm::LoadGlobalSlot(Frame& f, GlobalSlot& slot) {
@@ -1061,7 +1069,7 @@ void Vm::Execute(Frame& f) {
       case Op::StoreIndex: {
         Variant* base = sp - ip[-1].n - 1;
         Variant value = std::move(sp[-1]);
-        StoreIndexed(VarRef(f, ip[-1].flags, ip[-1].a), Args(base, ip[-1].n), std::move(value),
+        StoreIndexed(IndexTarget(f, ip[-1].flags, ip[-1].a), Args(base, ip[-1].n), std::move(value),
                      ip[-1].flags & kSetFlag);
         while (sp > base)
           (--sp)->Clear();

@@ -63,7 +63,14 @@ class Vm : public RefCounted {
   Object* err_object();
   ErrorSite& error_site() { return site_; }
   RuntimeState& runtime() { return runtime_; }
-  void set_timeout(int32_t ms) { timeout_ms_ = ms; }
+  // A new limit while a call runs counts from the start of the outermost entry, as a page's
+  // Server.ScriptTimeout counts from the start of the page.
+  void set_timeout(int32_t ms) {
+    timeout_ms_ = ms;
+    if (entries_ == 0) return;
+    has_deadline_ = ms > 0;
+    deadline_ = started_ + std::chrono::milliseconds(ms);
+  }
   int32_t timeout() const { return timeout_ms_; }
   void set_registry(const ClassRegistry* registry) { registry_ = registry; }
   void set_global_module(Module* module) { global_ = module; }
@@ -127,6 +134,9 @@ class Vm : public RefCounted {
   void CheckClock();
 
   Variant& VarRef(Frame& f, uint8_t kind, int32_t slot);
+  // The target of `name(i) = v`: like VarRef, but an object the host added may stand there,
+  // since the store goes to its default member and leaves the name as it is.
+  Variant& IndexTarget(Frame& f, uint8_t kind, int32_t slot);
   Variant LoadVar(Frame& f, uint8_t kind, int32_t slot);
   void StoreVar(Frame& f, uint8_t kind, int32_t slot, Variant value, bool is_set);
   Variant LoadGlobalSlot(Frame& f, GlobalSlot& slot);
@@ -168,6 +178,7 @@ class Vm : public RefCounted {
   ErrorSite site_;
   RuntimeState runtime_;
   int32_t timeout_ms_ = -1;
+  std::chrono::steady_clock::time_point started_;
   std::chrono::steady_clock::time_point deadline_;
   bool has_deadline_ = false;
   int32_t budget_ = 0;

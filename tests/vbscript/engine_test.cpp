@@ -250,6 +250,13 @@ TEST(EngineTest, HostObjectsTakeByRefArgumentsAndReenterTheEngine) {
   EXPECT_EQ(Utf8(engine.Eval(u"k")), "11");
   EXPECT_EQ(Utf8(engine.Eval(u"P")), "7");  // the default member
   EXPECT_EQ(Utf8(engine.Eval(u"Again(20)")), "20");
+  // `P(i) = v` stores through the default member, from the global module and a named one,
+  // as ASP pages write `Application("x") = v`; the name itself stays the host's.
+  engine.ExecuteStatement(u"P(1) = 42");
+  EXPECT_EQ(probe->value, 42);
+  engine.AddModule(u"Other").ExecuteStatement(u"P(2) = 43");
+  EXPECT_EQ(probe->value, 43);
+  EXPECT_EQ(ErrorOf([&] { engine.ExecuteStatement(u"P = 1"); }), kErrIllegalAssignment);
   // Members at global level only when the host asks for it.
   EXPECT_EQ(ErrorOf([&] { engine.ExecuteStatement(u"Option Explicit\r\nBump"); }),
             kErrVariableUndefined);

@@ -1,0 +1,51 @@
+// The site folder as the web sees it: a URL path to a file inside the folder, found without
+// regard to case when the exact name is missing (sites written on Windows name their files in
+// any case), never a file outside it, and never one that holds code or data.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qv::asp {
+
+class Site {
+ public:
+  // `root` must be an existing folder.
+  explicit Site(const std::filesystem::path& root);
+
+  const std::filesystem::path& root() const { return root_; }
+
+  // The file or folder a decoded URL path names ("/shop/Default.ASP"), or nothing when there is
+  // none inside the site. ".." segments, NUL bytes and symbolic links that lead out all count
+  // as none.
+  std::optional<std::filesystem::path> Resolve(std::string_view url_path) const;
+  // A path relative to a folder of the site, as an include names it ("../inc/x.inc"), resolved
+  // the same way; `base` is a folder inside the site.
+  std::optional<std::filesystem::path> ResolveRelative(const std::filesystem::path& base,
+                                                       std::string_view relative) const;
+  // The file a folder serves for its URL: default.asp, index.asp, index.html, index.htm.
+  std::optional<std::filesystem::path> DefaultDocument(const std::filesystem::path& folder) const;
+  // The site-relative URL path of a file inside the site ("/shop/list.asp").
+  std::string UrlPathOf(const std::filesystem::path& file) const;
+  // Where Server.MapPath points: like Resolve, but the file need not exist.
+  std::optional<std::filesystem::path> MapPath(std::string_view url_path) const;
+
+  // Files never served: global.asa, includes, project and database files, backups, and
+  // anything inside the site whose name starts with a dot.
+  bool IsHidden(const std::filesystem::path& file) const;
+  static bool IsPage(const std::filesystem::path& file);
+
+ private:
+  std::optional<std::filesystem::path> Walk(std::filesystem::path at, std::string_view relative,
+                                            bool must_exist) const;
+  bool Inside(const std::filesystem::path& canonical) const;
+
+  std::filesystem::path root_;  // canonical
+};
+
+// The Content-Type of a static file, from its extension.
+std::string_view ContentTypeOf(const std::filesystem::path& file);
+
+}  // namespace qv::asp

@@ -1,0 +1,527 @@
+// Requests to pages and files. A page runs on a worker's own engine with fresh intrinsic
+// objects; the engine is reset when the page ends, before the session is released, so that
+// nothing of the page (and no count on a session's objects) outlives the request on that
+// worker.
+#include "asp/site_runtime.h"
+
+#include <cinttypes>
+#include <cstdio>
+#include <iostream>
+
+#include "asp/asp_error.h"
+#include "asp/intrinsics.h"
+#include "asp/server_classes.h"
+#include "asp/text_codec.h"
+#include "automation/convert.h"
+#include "vbscript/errors.h"
+
+namespace qv::asp {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr std::string_view kSessionCookie = "ASPSESSIONID";
+constexpr auto kSweepInterval = std::chrono::seconds(10);
+
+std::string HtmlText(std::string_view text) {
+  std::string out;
+  for (char c : text) {
+    switch (c) {
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '&':
+        out += "&amp;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        out += c;
+    }
+  }
+  return out;
+}
+
+std::string SessionCookieOf(const HttpRequest& request) {
+  const std::string* header = request.Header("Cookie");
+  if (!header) return {};
+  std::string_view rest = *header;
+  while (!rest.empty()) {
+    const size_t semi = rest.find(';');
+    std::string_view part = rest.substr(0, semi);
+    rest = semi == std::string_view::npos ? std::string_view() : rest.substr(semi + 1);
+    while (!part.empty() && part.front() == ' ')
+      part.remove_prefix(1);
+    if (part.starts_with(kSessionCookie) && part.size() > kSessionCookie.size() &&
+        part[kSessionCookie.size()] == '=')
+      return std::string(part.substr(kSessionCookie.size() + 1));
+  }
+  return {};
+}
+
+// The failure code of an error: VBScript's own numbers stand under facility 0x800A.
+std::string Hex8(int32_t number) {
+  char buffer[16];
+  uint32_t code = static_cast<uint32_t>(number);
+  if (number > 0 && number <= 0xFFFF) code |= 0x800A0000u;
+  std::snprintf(buffer, sizeof buffer, "%08x", code);
+  return buffer;
+}
+
+}  // namespace
+
+HttpResponse ErrorResponse(int status, std::string_view reason) {
+  HttpResponse r;
+  r.status = status;
+  r.reason = std::string(reason);
+  r.headers.emplace_back("Content-Type", "text/html; charset=utf-8");
+  r.body = "<!DOCTYPE html><html><head><title>" + std::to_string(status) + " " +
+           std::string(reason) + "</title></head><body><h1>" + std::to_string(status) + " " +
+           std::string(reason) + "</h1></body></html>\r\n";
+  return r;
+}
+
+// --- Worker --------------------------------------------------------------------------------------
+
+// A worker's engine and what it needs to run pages and global.asa events.
+class Worker {
+ public:
+  explicit Worker(SiteRuntime& runtime) : runtime_(runtime) {
+    RegisterServerClasses(engine_.Registry());
+  }
+
+  // Runs a page: global.asa's Session_OnStart first when `new_session`.
+  void RunPage(PageContext& c, bool new_session);
+  // Runs an event of global.asa (Application_OnStart, Session_OnEnd, ...) with the objects
+  // it may use; errors go to the log.
+  void RunEvent(PageContext& c, StringView name, bool with_request);
+  vbs::Engine& engine() { return engine_; }
+
+ private:
+  void AddObjects(PageContext& c, bool with_request);
+  void Execute(PageContext& c, std::string_view url);
+  void RecordError(PageContext& c, const vbs::Engine& engine, const CompiledPage& page,
+                   const qv::Error& e);
+
+  SiteRuntime& runtime_;
+  vbs::Engine engine_;
+};
+
+void Worker::AddObjects(PageContext& c, bool with_request) {
+  c.engine = &engine_;
+  c.classes = &engine_.Registry();
+  engine_.SetTimeout(c.script_timeout * 1000);
+  if (with_request) {
+    engine_.AddObject(u"Request", NewRequestObject(c));
+    engine_.AddObject(u"Response", NewResponseObject(c));
+  }
+  engine_.AddObject(u"Server", NewServerObject(c));
+  engine_.AddObject(u"Session", NewSessionObject(c));
+  engine_.AddObject(u"Application", NewApplicationObject(c));
+}
+
+void Worker::RecordError(PageContext& c, const vbs::Engine& engine, const CompiledPage& page,
+                         const qv::Error& e) {
+  if (c.last_error.number != 0) return;  // an Execute'd page recorded it where it happened
+  vbs::Engine& eng = const_cast<vbs::Engine&>(engine);
+  const vbs::ScriptError& se = eng.Error();
+  const SourcePosition at = page.Origin(se.Line());
+  c.last_error.number = e.number();
+  c.last_error.description = e.description().view();
+  c.last_error.source = (se.Source().empty() ? e.source() : se.Source()).view();
+  c.last_error.file = String::FromUtf8(runtime_.site().UrlPathOf(page.files[at.file].path)).view();
+  c.last_error.line = se.Line() ? at.line : 0;
+  c.last_error.column = se.Column();
+  if (e.number() == vbs::kErrTimeout) c.last_error.asp_code = u"ASP 0113";
+}
+
+void Worker::Execute(PageContext& c, std::string_view url) {
+  std::string target(url);
+  if (target.empty()) throw Error(kErrInvalidCall);
+  if (const size_t q = target.find('?'); q != std::string::npos) target.resize(q);
+  if (target[0] != '/') {
+    std::string folder = runtime_.site().UrlPathOf(c.page_file.parent_path());
+    if (folder.back() != '/') folder += '/';
+    target = folder + target;
+  }
+  const auto file = runtime_.site().Resolve(target);
+  std::error_code ec;
+  if (!file || !fs::is_regular_file(*file, ec) || runtime_.site().IsHidden(*file) ||
+      !Site::IsPage(*file)) {
+    RaiseAspError("Server", "0228",
+                  "Invalid URL form or fully-qualified absolute URL was used. Use relative URLs.");
+  }
+  std::shared_ptr<const CompiledPage> page = runtime_.pages_.Get(*file);
+  const fs::path saved = c.page_file;
+  c.page_file = *file;
+  c.pages.push_back(page);
+  // The other page gets a namespace of its own but the same objects.
+  vbs::Engine inner;
+  RegisterServerClasses(inner.Registry());
+  inner.SetTimeout(engine_.Timeout());
+  inner.AddObject(u"Request", NewRequestObject(c));
+  inner.AddObject(u"Response", NewResponseObject(c));
+  inner.AddObject(u"Server", NewServerObject(c));
+  inner.AddObject(u"Session", NewSessionObject(c));
+  inner.AddObject(u"Application", NewApplicationObject(c));
+  try {
+    if (page->ado_constants) inner.AddCode(AdoConstantsScript());
+    inner.AddCode(page->script);
+  } catch (const qv::Error& e) {
+    RecordError(c, inner, *page, e);
+    c.pages.pop_back();
+    c.page_file = saved;
+    throw;
+  } catch (...) {
+    c.pages.pop_back();
+    c.page_file = saved;
+    throw;
+  }
+  c.pages.pop_back();
+  c.page_file = saved;
+}
+
+void Worker::RunPage(PageContext& c, bool new_session) {
+  AddObjects(c, true);
+  c.execute = [this, &c](std::string_view url) { Execute(c, url); };
+  const CompiledPage& page = *c.pages.front();
+  std::shared_ptr<const GlobalAsa> global = new_session ? runtime_.CurrentGlobalAsa() : nullptr;
+  if (global && c.session) {
+    for (const StaticObjectDecl& decl : global->objects) {
+      if (decl.application_scope) continue;
+      Ref<Object> object = engine_.Registry().Create(String::FromUtf8(decl.prog_id));
+      if (object)
+        c.session->static_objects.Put(String::FromUtf8(decl.id),
+                                      StoredValue::From(Variant(object), true));
+    }
+  }
+  // A session's <object> tags are names in every page of it.
+  if (c.session) {
+    for (size_t i = 0; i < c.session->static_objects.size(); ++i) {
+      const Variant object = c.session->static_objects.ValueAt(i).ToVariant();
+      if (object.is_object())
+        engine_.AddObject(c.session->static_objects.NameAt(i), Ref<Object>(object.as_object()));
+    }
+  }
+  try {
+    if (global) {
+      vbs::ScriptModule& module = engine_.AddModule(u"GlobalAsa");
+      module.AddCode(global->page.script);
+      for (const auto& p : module.Procedures()) {
+        if (EqualsNoCase(p.Name, u"Session_OnStart")) module.Run(u"Session_OnStart");
+      }
+    }
+  } catch (const qv::Error& e) {
+    RecordError(c, engine_, global->page, e);
+    throw;
+  }
+  try {
+    if (page.ado_constants) engine_.AddCode(AdoConstantsScript());
+    engine_.AddCode(page.script);
+  } catch (const qv::Error& e) {
+    RecordError(c, engine_, page, e);
+    throw;
+  }
+}
+
+void Worker::RunEvent(PageContext& c, StringView name, bool with_request) {
+  std::shared_ptr<const GlobalAsa> global = runtime_.CurrentGlobalAsa();
+  if (!global) return;
+  try {
+    AddObjects(c, with_request);
+    vbs::ScriptModule& module = engine_.AddModule(u"GlobalAsa");
+    module.AddCode(global->page.script);
+    for (const auto& p : module.Procedures()) {
+      if (EqualsNoCase(p.Name, name)) module.Run(name);
+    }
+  } catch (const ResponseEnd&) {
+  } catch (const qv::Error& e) {
+    const SourcePosition at = global->page.Origin(engine_.Error().Line());
+    std::cerr << "global.asa, line " << at.line << ": " << String::ToUtf8(name) << ": "
+              << e.description().ToUtf8() << "\n";
+  }
+  engine_.Reset();
+}
+
+// --- SiteRuntime ---------------------------------------------------------------------------------
+
+SiteRuntime::SiteRuntime(const fs::path& root, RuntimeOptions options)
+    : site_(root), options_(options), pages_(site_), store_(NewMemoryStateStore()) {}
+
+SiteRuntime::~SiteRuntime() {
+  std::unique_ptr<Worker> worker = AcquireWorker();
+  EndSessions(*worker, true);
+  bool started = false;
+  {
+    std::lock_guard guard(global_mutex_);
+    started = global_asa_ != nullptr;
+  }
+  if (started) {
+    PageContext c;
+    c.site = &site_;
+    c.store = store_.get();
+    c.page_file = site_.root() / "global.asa";
+    worker->RunEvent(c, u"Application_OnEnd", false);
+  }
+}
+
+std::unique_ptr<Worker> SiteRuntime::AcquireWorker() {
+  {
+    std::lock_guard guard(workers_mutex_);
+    if (!idle_.empty()) {
+      std::unique_ptr<Worker> w = std::move(idle_.back());
+      idle_.pop_back();
+      return w;
+    }
+  }
+  return std::make_unique<Worker>(*this);
+}
+
+void SiteRuntime::ReleaseWorker(std::unique_ptr<Worker> worker) {
+  std::lock_guard guard(workers_mutex_);
+  idle_.push_back(std::move(worker));
+}
+
+std::shared_ptr<const GlobalAsa> SiteRuntime::CurrentGlobalAsa() {
+  std::lock_guard guard(global_mutex_);
+  if (global_asa_ && global_asa_->page.IsCurrent()) return global_asa_;
+  const auto file = site_.Resolve("/global.asa");
+  std::error_code ec;
+  if (!file || !fs::is_regular_file(*file, ec)) {
+    global_asa_.reset();
+    return nullptr;
+  }
+  try {
+    global_asa_ = std::make_shared<const GlobalAsa>(CompileGlobalAsa(site_, *file));
+  } catch (const PageError& e) {
+    std::cerr << "global.asa, line " << e.line() << ": " << e.description() << "\n";
+    global_asa_.reset();
+  }
+  return global_asa_;
+}
+
+void SiteRuntime::StartApplication(Worker& worker) {
+  std::call_once(application_started_, [&] {
+    if (!CurrentGlobalAsa()) return;
+    PageContext c;
+    c.site = &site_;
+    c.store = store_.get();
+    c.page_file = site_.root() / "global.asa";
+    worker.RunEvent(c, u"Application_OnStart", false);
+  });
+}
+
+void SiteRuntime::EndSessions(Worker& worker, bool all) {
+  for (const std::shared_ptr<SessionState>& session : store_->TakeExpired(all)) {
+    std::lock_guard busy(session->busy);
+    if (!session->started) continue;
+    PageContext c;
+    c.site = &site_;
+    c.store = store_.get();
+    c.session = session;
+    c.page_file = site_.root() / "global.asa";
+    worker.RunEvent(c, u"Session_OnEnd", false);
+  }
+}
+
+HttpResponse SiteRuntime::Handle(const HttpRequest& request) {
+  const std::optional<fs::path> found = site_.Resolve(request.path);
+  if (!found) return ErrorResponse(404, "Not Found");
+  fs::path file = *found;
+  std::error_code ec;
+  if (fs::is_directory(file, ec)) {
+    if (request.path.empty() || request.path.back() != '/') {
+      HttpResponse r = ErrorResponse(301, "Moved Permanently");
+      r.headers.emplace_back(
+          "Location", request.raw_path + "/" + (request.query.empty() ? "" : "?" + request.query));
+      return r;
+    }
+    const auto document = site_.DefaultDocument(file);
+    if (!document) return ErrorResponse(403, "Forbidden");
+    file = *document;
+  }
+  if (!fs::is_regular_file(file, ec) || site_.IsHidden(file))
+    return ErrorResponse(404, "Not Found");
+  if (Site::IsPage(file)) return RunPage(request, file);
+  if (request.method != "GET" && request.method != "HEAD") {
+    HttpResponse r = ErrorResponse(405, "Method Not Allowed");
+    r.headers.emplace_back("Allow", "GET, HEAD");
+    return r;
+  }
+  return ServeFile(request, file);
+}
+
+HttpResponse SiteRuntime::ServeFile(const HttpRequest& request, const fs::path& file) {
+  std::error_code ec;
+  const uintmax_t size = fs::file_size(file, ec);
+  const auto modified = fs::last_write_time(file, ec);
+  if (ec) return ErrorResponse(404, "Not Found");
+  const auto since_epoch = std::chrono::file_clock::to_sys(modified);
+  const auto seconds = std::chrono::time_point_cast<std::chrono::seconds>(since_epoch);
+  char etag[64];
+  std::snprintf(etag, sizeof etag, "\"%" PRIxMAX "-%" PRIx64 "\"", size,
+                static_cast<uint64_t>(since_epoch.time_since_epoch().count()));
+  const std::string last_modified = HttpDate(seconds);
+  HttpResponse r;
+  r.headers.emplace_back("ETag", etag);
+  r.headers.emplace_back("Last-Modified", last_modified);
+  const std::string* none_match = request.Header("If-None-Match");
+  const std::string* modified_since = request.Header("If-Modified-Since");
+  const bool not_modified = none_match
+                                ? none_match->find(etag) != std::string::npos || *none_match == "*"
+                                : modified_since && *modified_since == last_modified;
+  if (not_modified) {
+    r.status = 304;
+    r.reason = "Not Modified";
+    return r;
+  }
+  r.headers.emplace_back("Content-Type", std::string(ContentTypeOf(file)));
+  r.file = file;
+  r.file_size = size;
+  return r;
+}
+
+HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& file) {
+  PageContext c;
+  c.request = &request;
+  c.site = &site_;
+  c.store = store_.get();
+  c.page_file = file;
+  c.script_timeout = options_.script_timeout;
+  std::shared_ptr<const CompiledPage> page;
+  try {
+    page = pages_.Get(file);
+  } catch (const PageError& e) {
+    c.last_error.asp_code = String::FromUtf8(e.code()).view();
+    c.last_error.description = String::FromUtf8(e.description()).view();
+    c.last_error.source = u"Active Server Pages error";
+    c.last_error.file = String::FromUtf8(site_.UrlPathOf(e.file())).view();
+    c.last_error.line = e.line();
+    c.last_error.number = kAspFailure;
+  }
+
+  std::unique_ptr<Worker> worker = AcquireWorker();
+  StartApplication(*worker);
+  const auto now = std::chrono::steady_clock::now();
+  if (now.time_since_epoch().count() - last_sweep_ >
+          std::chrono::steady_clock::duration(kSweepInterval).count() &&
+      sweep_mutex_.try_lock()) {
+    last_sweep_ = now.time_since_epoch().count();
+    EndSessions(*worker, false);
+    sweep_mutex_.unlock();
+  }
+
+  bool new_session = false;
+  std::unique_lock<std::mutex> session_lock;
+  if (page && page->directives.enable_session_state) {
+    c.session = store_->FindSession(SessionCookieOf(request));
+    if (!c.session) {
+      c.session = store_->NewSession(options_.session_timeout);
+      new_session = true;
+    }
+    session_lock = std::unique_lock(c.session->busy);
+    c.session->Touch();
+    if (c.session->code_page) c.code_page = c.session->code_page;
+  }
+  if (page) {
+    c.pages.push_back(page);
+    if (page->directives.code_page) c.code_page = page->directives.code_page;
+  }
+
+  bool failed = !page;
+  if (page) {
+    try {
+      worker->RunPage(c, new_session);
+    } catch (const ResponseEnd&) {
+    } catch (const qv::Error&) {
+      failed = true;
+    } catch (const std::exception& e) {
+      failed = true;
+      c.last_error.number = kAspFailure;
+      c.last_error.description = String::FromUtf8(e.what()).view();
+    }
+  }
+  if (c.session) c.session->started = true;
+  worker->engine().Reset();
+  store_->Application().ReleaseAll(&c);
+
+  HttpResponse r;
+  if (failed) {
+    const auto& e = c.last_error;
+    const bool timeout = e.asp_code == u"ASP 0113";
+    std::string text = String::ToUtf8(e.description);
+    std::string source = String::ToUtf8(e.source);
+    if (timeout) {
+      source = "Active Server Pages error";
+      text =
+          "The maximum amount of time for a script to execute was exceeded. You can change this "
+          "limit by "
+          "specifying a new value for the property Server.ScriptTimeout.";
+    }
+    const std::string where =
+        String::ToUtf8(e.file) + (e.line ? ", line " + std::to_string(e.line) : std::string());
+    const std::string code =
+        "'" + (e.asp_code.empty() ? Hex8(e.number) : String::ToUtf8(e.asp_code)) + "'";
+    std::cerr << where << ": " << source << " " << code << ": " << text << "\n";
+    r = ErrorResponse(500, "Internal Server Error");
+    if (options_.dev) {
+      r.body =
+          "<!DOCTYPE html><html><head><title>500 Internal Server "
+          "Error</title></head><body>\r\n<p>" +
+          HtmlText(source) + " <b>" + HtmlText(code) + "</b></p>\r\n<p>" + HtmlText(text) +
+          "</p>\r\n<p>" + HtmlText(where) + "</p>\r\n</body></html>\r\n";
+    } else {
+      r.body =
+          "<!DOCTYPE html><html><head><title>500 Internal Server Error</title></head><body><h1>500 "
+          "Internal "
+          "Server Error</h1><p>There is a problem with the page you are looking for, and it cannot "
+          "be "
+          "displayed.</p></body></html>\r\n";
+    }
+  } else {
+    r.status = c.status;
+    r.reason = c.reason;
+    std::string type = c.content_type;
+    std::string charset = c.charset;
+    if (charset.empty() && (type.starts_with("text/") || type.find("json") != std::string::npos ||
+                            type.find("xml") != std::string::npos))
+      charset = CharsetOfCodePage(c.code_page);
+    if (!charset.empty()) type += "; charset=" + charset;
+    r.headers.emplace_back("Content-Type", type);
+    r.body = std::move(c.body);
+    if (c.expires_minutes) {
+      const auto when = std::chrono::system_clock::now() + std::chrono::minutes(*c.expires_minutes);
+      r.headers.emplace_back("Expires", HttpDate(when));
+    } else if (c.expires_absolute) {
+      r.headers.emplace_back("Expires", HttpDate(*c.expires_absolute));
+    }
+    r.headers.emplace_back("Cache-Control", c.cache_control.empty() ? "private" : c.cache_control);
+    for (auto& h : c.headers)
+      r.headers.push_back(std::move(h));
+    for (const ResponseCookie& cookie : c.cookies)
+      r.headers.emplace_back("Set-Cookie", CookieHeader(cookie));
+  }
+  if (c.session) {
+    if (new_session && !c.session->abandoned) {
+      r.headers.emplace_back("Set-Cookie", std::string(kSessionCookie) + "=" + c.session->cookie +
+                                               "; path=/; HttpOnly; SameSite=Lax");
+    }
+    if (c.session->abandoned) {
+      store_->RemoveSession(*c.session);
+      PageContext end;
+      end.site = &site_;
+      end.store = store_.get();
+      end.session = c.session;
+      end.page_file = site_.root() / "global.asa";
+      worker->RunEvent(end, u"Session_OnEnd", false);
+    }
+  }
+  session_lock = {};
+  ReleaseWorker(std::move(worker));
+  return r;
+}
+
+}  // namespace qv::asp

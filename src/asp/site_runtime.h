@@ -1,0 +1,70 @@
+// One ASP application: its site folder, compiled pages, session and application state,
+// global.asa, and the engines of the workers that run its pages. Handle() turns a request
+// into a response and may be called from several threads at once.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "asp/http_types.h"
+#include "asp/page_cache.h"
+#include "asp/site.h"
+#include "asp/state_store.h"
+
+namespace qv::asp {
+
+struct RuntimeOptions {
+  bool dev = false;              // script errors show file, line and text
+  int32_t script_timeout = 90;   // seconds
+  int32_t session_timeout = 20;  // minutes
+};
+
+class Worker;
+struct PageContext;
+
+class SiteRuntime {
+ public:
+  SiteRuntime(const std::filesystem::path& root, RuntimeOptions options);
+  // Ends every session and the application, running their OnEnd events.
+  ~SiteRuntime();
+  SiteRuntime(const SiteRuntime&) = delete;
+  SiteRuntime& operator=(const SiteRuntime&) = delete;
+
+  HttpResponse Handle(const HttpRequest& request);
+
+  const Site& site() const { return site_; }
+  const RuntimeOptions& options() const { return options_; }
+
+ private:
+  friend class Worker;
+  HttpResponse ServeFile(const HttpRequest& request, const std::filesystem::path& file);
+  HttpResponse RunPage(const HttpRequest& request, const std::filesystem::path& file);
+  std::unique_ptr<Worker> AcquireWorker();
+  void ReleaseWorker(std::unique_ptr<Worker> worker);
+  // global.asa as it is on disk now, or null when the site has none.
+  std::shared_ptr<const GlobalAsa> CurrentGlobalAsa();
+  void StartApplication(Worker& worker);
+  void EndSessions(Worker& worker, bool all);
+
+  Site site_;
+  RuntimeOptions options_;
+  PageCache pages_;
+  std::unique_ptr<StateStore> store_;
+  std::mutex global_mutex_;
+  std::shared_ptr<const GlobalAsa> global_asa_;
+  std::once_flag application_started_;
+  std::mutex workers_mutex_;
+  std::vector<std::unique_ptr<Worker>> idle_;
+  std::atomic<std::chrono::steady_clock::rep> last_sweep_{0};
+  std::mutex sweep_mutex_;
+};
+
+// An HTTP error response with a short plain page.
+HttpResponse ErrorResponse(int status, std::string_view reason);
+
+}  // namespace qv::asp

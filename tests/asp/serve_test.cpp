@@ -1,0 +1,358 @@
+// The runtime through real HTTP on loopback: the test site under tests/asp/site served by the
+// runtime and the HTTP server in this process, one server in dev mode and one without.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <future>
+#include <thread>
+
+#include "asp/http_server.h"
+#include "asp/site_runtime.h"
+#include "http_client.h"
+
+namespace qv::asp {
+namespace {
+namespace fs = std::filesystem;
+using test::Field;
+using test::Get;
+using test::Post;
+using test::Reply;
+
+const fs::path kSite = fs::path(QV_SOURCE_DIR) / "tests/asp/site";
+
+struct Served {
+  Served(const fs::path& root, bool dev, size_t max_body = 1 << 20) {
+    RuntimeOptions options;
+    options.dev = dev;
+    runtime = std::make_unique<SiteRuntime>(root, options);
+    HttpOptions http;
+    http.port = 0;
+    http.threads = 2;
+    http.max_body = max_body;
+    http.header_memory = 16 * 1024;
+    http.connection_timeout = 2;
+    http.access_log = false;
+    server = std::make_unique<HttpServer>(*runtime, http);
+    server->Start();
+    port = server->port();
+  }
+  std::unique_ptr<SiteRuntime> runtime;
+  std::unique_ptr<HttpServer> server;
+  uint16_t port = 0;
+};
+
+class ServeTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    dev_ = new Served(kSite, true);
+    plain_ = new Served(kSite, false);
+  }
+  static void TearDownTestSuite() {
+    delete dev_;
+    delete plain_;
+  }
+  static uint16_t port() { return dev_->port; }
+  static inline Served* dev_ = nullptr;
+  static inline Served* plain_ = nullptr;
+};
+
+std::string SessionCookie(const Reply& r) {
+  for (const std::string& c : r.All("Set-Cookie")) {
+    if (c.rfind("ASPSESSIONID=", 0) == 0) return c.substr(0, c.find(';'));
+  }
+  return {};
+}
+
+TEST_F(ServeTest, StaticFilesWithValidatorsAndNothingHiddenOrOutside) {
+  Reply css = Get(port(), "/style.css");
+  EXPECT_EQ(css.status, 200);
+  EXPECT_EQ(css.Header("Content-Type"), "text/css; charset=utf-8");
+  EXPECT_EQ(css.body, "body { color: black; }\n");
+  const std::string etag = css.Header("ETag");
+  ASSERT_FALSE(etag.empty());
+  EXPECT_EQ(Get(port(), "/style.css", "If-None-Match: " + etag + "\r\n").status, 304);
+  EXPECT_EQ(Get(port(), "/style.css", "If-Modified-Since: " + css.Header("Last-Modified") + "\r\n")
+                .status,
+            304);
+  EXPECT_EQ(Get(port(), "/style.css", "If-None-Match: \"other\"\r\n").status, 200);
+  // Names in any case, as a site written on Windows expects; default documents; no listings.
+  EXPECT_EQ(Get(port(), "/STYLE.CSS").status, 200);
+  EXPECT_EQ(Get(port(), "/sub/").body, "sub default");
+  Reply folder = Get(port(), "/Sub?x=1");
+  EXPECT_EQ(folder.status, 301);
+  EXPECT_EQ(folder.Header("Location"), "/Sub/?x=1");
+  EXPECT_EQ(Get(port(), "/inc/").status, 403);
+  for (const char* hidden :
+       {"/global.asa", "/inc/header.inc", "/old.bak", "/shop.mdb", "/.env", "/GLOBAL.ASA"})
+    EXPECT_EQ(Get(port(), hidden).status, 404) << hidden;
+  for (const char* out : {"/../../etc/passwd", "/%2e%2e/%2e%2e/etc/passwd",
+                          "/inc/..%2f..%2f..%2fetc/passwd", "/..\\..\\etc\\passwd"}) {
+    const Reply r = Get(port(), out);
+    EXPECT_TRUE(r.status == 404 || r.status == 400) << out << " " << r.status;
+    EXPECT_EQ(r.body.find("root:"), std::string::npos);
+  }
+  EXPECT_EQ(Get(port(), "/bad%zzescape").status, 400);
+  EXPECT_EQ(Get(port(), "/nul%00.asp").status, 400);
+  EXPECT_EQ(Get(port(), "/%ff%fe.asp").status, 400);
+  EXPECT_EQ(Post(port(), "/style.css", "text/plain", "x").status, 405);
+  EXPECT_EQ(Get(port(), "/missing.asp").status, 404);
+}
+
+TEST_F(ServeTest, SymbolicLinksOutOfTheSiteAreNotFollowed) {
+  const fs::path root =
+      fs::path(std::getenv("QV_TEST_SCRATCH") ? std::getenv("QV_TEST_SCRATCH") : "/tmp") /
+      "asp-links";
+  fs::remove_all(root);
+  fs::create_directories(root / "site");
+  std::ofstream(root / "outside.txt") << "private";
+  std::ofstream(root / "site/inside.txt") << "public";
+  fs::create_symlink(root / "outside.txt", root / "site/link.txt");
+  fs::create_directory_symlink(root, root / "site/up");
+  fs::create_symlink(root / "site/inside.txt", root / "site/alias.txt");
+  Served s(root / "site", false);
+  EXPECT_EQ(Get(s.port, "/inside.txt").body, "public");
+  EXPECT_EQ(Get(s.port, "/alias.txt").body, "public");
+  EXPECT_EQ(Get(s.port, "/link.txt").status, 404);
+  EXPECT_EQ(Get(s.port, "/up/outside.txt").status, 404);
+}
+
+TEST_F(ServeTest, RequestCollections) {
+  Reply r = Post(port(), "/request.asp?a=1&a=2&b=%C3%A9t%C3%A9+x&bad=%zz",
+                 "application/x-www-form-urlencoded", "name=J%C3%BCrgen+%E2%82%AC&other=2",
+                 "Cookie: plain=hello%20there; keyed=k1=v1&k2=v2\r\nUser-Agent: "
+                 "tester/1.0\r\nX-Custom-Thing: yes\r\n");
+  ASSERT_EQ(r.status, 200) << r.body;
+  const std::string& b = r.body;
+  EXPECT_EQ(Field(b, "q.a"), "1, 2");
+  EXPECT_EQ(Field(b, "q.a.count"), "2");
+  EXPECT_EQ(Field(b, "q.a.2"), "2");
+  EXPECT_EQ(Field(b, "q.raw"), "a=1&a=2&b=%C3%A9t%C3%A9+x&bad=%zz");
+  EXPECT_EQ(Field(b, "q.missing.empty"), "True");
+  EXPECT_EQ(Field(b, "q.keys"), "a;b;bad;");
+  EXPECT_EQ(Field(b, "f.name"), "Jürgen €");
+  EXPECT_EQ(Field(b, "len.name"), "8");
+  EXPECT_EQ(Field(b, "f.count"), "2");
+  EXPECT_EQ(Field(b, "f.keys"), "name;other;");
+  EXPECT_EQ(Field(b, "default.a"), "1, 2");
+  EXPECT_EQ(Field(b, "default.name"), "Jürgen €");
+  EXPECT_EQ(Field(b, "c.plain"), "hello there");
+  EXPECT_EQ(Field(b, "c.keyed.k1"), "v1");
+  EXPECT_EQ(Field(b, "c.keyed.haskeys"), "True");
+  EXPECT_EQ(Field(b, "sv.method"), "POST");
+  EXPECT_EQ(Field(b, "sv.script"), "/request.asp");
+  EXPECT_EQ(Field(b, "sv.agent"), "tester/1.0");
+  EXPECT_EQ(Field(b, "sv.x"), "yes");
+  EXPECT_EQ(Field(b, "sv.remote"), "127.0.0.1");
+  EXPECT_EQ(Field(b, "sv.port"), std::to_string(port()));
+  EXPECT_EQ(Field(b, "total"), "34");
+
+  // Multipart: fields and the names of uploaded files.
+  const std::string body =
+      "--XyZ\r\nContent-Disposition: form-data; name=\"name\"\r\n\r\nÅsa\r\n"
+      "--XyZ\r\nContent-Disposition: form-data; name=\"file\"; "
+      "filename=\"notes.txt\"\r\nContent-Type: text/plain\r\n\r\n"
+      "file body\r\n--XyZ--\r\n";
+  Reply m = Post(port(), "/request.asp", "multipart/form-data; boundary=XyZ", body);
+  EXPECT_EQ(Field(m.body, "f.name"), "Åsa");
+  EXPECT_EQ(Field(m.body, "f.keys"), "name;file;");
+  EXPECT_EQ(Field(m.body, "total"), std::to_string(body.size()));
+
+  // BinaryRead in pieces, and Form refused after it.
+  Reply raw = Post(port(), "/binary.asp", "application/octet-stream", std::string("ab\0cdef", 7));
+  EXPECT_EQ(raw.body, std::string("read=3;rest=4;ab\0cdef;form=-2147467259", 38));
+}
+
+TEST_F(ServeTest, ResponseMembers) {
+  Reply status = Get(port(), "/response.asp?case=status");
+  EXPECT_EQ(status.status, 404);
+  EXPECT_EQ(status.body, "gone");
+  Reply headers = Get(port(), "/response.asp?case=headers");
+  EXPECT_EQ(headers.Header("Content-Type"), "application/json; charset=utf-8");
+  EXPECT_EQ(headers.Header("X-Thing"), "one");
+  EXPECT_EQ(headers.Header("Cache-Control"), "no-cache");
+  EXPECT_FALSE(headers.Header("Expires").empty());
+  Reply cookies = Get(port(), "/response.asp?case=cookies");
+  std::string all;
+  for (const auto& c : cookies.All("Set-Cookie"))
+    all += c + "\n";
+  EXPECT_NE(all.find("plain=a+b%26c; path=/\n"), std::string::npos) << all;
+  EXPECT_NE(all.find("keyed=k1=v1&k2=v2; expires=Wed, 02 Jan 2030 03:04:05 GMT; path=/\n"),
+            std::string::npos)
+      << all;
+  EXPECT_NE(all.find("secure=s; domain=example.com; path=/; secure; HttpOnly\n"), std::string::npos)
+      << all;
+  Reply redirect = Get(port(), "/response.asp?case=redirect");
+  EXPECT_EQ(redirect.status, 302);
+  EXPECT_EQ(redirect.Header("Location"), "hello.asp?name=moved");
+  EXPECT_EQ(redirect.body.find("never seen"), std::string::npos);
+  EXPECT_EQ(Get(port(), "/response.asp?case=end").body, "before");
+  EXPECT_EQ(Get(port(), "/response.asp?case=clear").body, "kept");
+  Reply flushed = Get(port(), "/response.asp?case=flush");
+  EXPECT_NE(flushed.body.find("x|-2147467259|Response object, ASP 0156"), std::string::npos)
+      << flushed.body;
+  EXPECT_EQ(Get(port(), "/response.asp?case=binary").body, std::string("\0\xff", 2));
+  EXPECT_EQ(Get(port(), "/response.asp?case=props").body, "True|text/html|200 OK|True|65001");
+}
+
+TEST_F(ServeTest, ServerMembers) {
+  const std::string encode = Get(port(), "/server.asp?case=encode").body;
+  EXPECT_EQ(encode,
+            "&lt;a "
+            "href=&quot;x&quot;&gt;&amp;amp;&lt;/a&gt;\r\na+b%2Fc%3Fd%3D%C3%A9\r\n/a%20b/"
+            "c%20d.asp?x=y z\r\n[]");
+  const std::string map = Get(port(), "/server.asp?case=mappath").body;
+  EXPECT_EQ(map, fs::canonical(kSite).string() + "/hello.asp\r\n" + fs::canonical(kSite).string() +
+                     "/inc/header.inc\r\n|-2147467259");
+  EXPECT_EQ(Get(port(), "/server.asp?case=create").body, "Dictionaryv|800401F3");
+  EXPECT_EQ(Get(port(), "/server.asp?case=execute").body,
+            "before|child:child:execute|after|parent");
+  EXPECT_EQ(Get(port(), "/server.asp?case=transfer").body, "before|child:child:transfer");
+  EXPECT_EQ(Get(port(), "/server.asp?case=timeout").body, "90|120");
+  EXPECT_EQ(Get(port(), "/server.asp?case=lasterror").body, "IASPError|0");
+}
+
+TEST_F(ServeTest, SessionsApplicationAndGlobalAsa) {
+  Reply first = Get(port(), "/session.asp?case=count");
+  const std::string cookie = SessionCookie(first);
+  ASSERT_EQ(cookie.size(), std::string("ASPSESSIONID=").size() + 24) << cookie;
+  bool http_only = false;
+  for (const auto& c : first.All("Set-Cookie"))
+    http_only |= c.find("; HttpOnly; SameSite=Lax") != std::string::npos;
+  EXPECT_TRUE(http_only);
+  // count | Session_OnStart's greeting | SessionID | sessions started so far
+  EXPECT_NE(first.body.find("1|welcome|"), std::string::npos) << first.body;
+  Reply second = Get(port(), "/session.asp?case=count", "Cookie: " + cookie + "\r\n");
+  EXPECT_EQ(second.body.substr(0, 10), "2|welcome|");
+  EXPECT_TRUE(SessionCookie(second).empty());
+  // A forged cookie gets a new session, not an error.
+  Reply forged =
+      Get(port(), "/session.asp?case=count", "Cookie: ASPSESSIONID=FORGEDFORGEDFORGEDFORGED\r\n");
+  EXPECT_EQ(forged.body.substr(0, 2), "1|");
+  EXPECT_NE(SessionCookie(forged), "ASPSESSIONID=FORGEDFORGEDFORGEDFORGED");
+
+  const std::string with = "Cookie: " + cookie + "\r\n";
+  EXPECT_EQ(Get(port(), "/session.asp?case=props", with).body, "5|2057|65001|Dictionary");
+  EXPECT_EQ(Get(port(), "/session.asp?case=contents", with).body, "greeting;count;b;a;|3|two");
+  EXPECT_EQ(Get(port(), "/session.asp?case=store-class", with).body, "True");
+  EXPECT_EQ(Get(port(), "/session.asp?case=abandon", with).body, "abandoned");
+  EXPECT_EQ(Get(port(), "/session.asp?case=count", with).body.substr(0, 2), "1|");
+
+  EXPECT_EQ(Get(port(), "/application.asp").body.substr(0, 14), "yes|True|True|");
+}
+
+TEST_F(ServeTest, RequestsOfOneSessionRunOneAtATimeAndApplicationLockHolds) {
+  const std::string cookie = SessionCookie(Get(port(), "/session.asp?case=count"));
+  const int before = std::stoi(Get(port(), "/application.asp").body.substr(14));
+  std::vector<std::future<void>> runs;
+  for (int i = 0; i < 8; ++i) {
+    runs.push_back(std::async(std::launch::async, [&] {
+      for (int j = 0; j < 10; ++j) {
+        Get(port(), "/session.asp?case=count", "Cookie: " + cookie + "\r\n");
+        Get(port(), "/application.asp");
+      }
+    }));
+  }
+  for (auto& r : runs)
+    r.get();
+  // Without one-at-a-time sessions increments would be lost.
+  EXPECT_EQ(Get(port(), "/session.asp?case=count", "Cookie: " + cookie + "\r\n").body.substr(0, 3),
+            "82|");
+  EXPECT_EQ(std::stoi(Get(port(), "/application.asp").body.substr(14)), before + 81);
+}
+
+TEST_F(ServeTest, PageCompilation) {
+  EXPECT_EQ(Get(port(), "/include.asp").body,
+            "<header>h</header>body<footer>ünïcode</footer>\r\nX!\r\n");
+  EXPECT_EQ(Get(port(), "/scriptblock.asp").body, "\r\n42");
+  EXPECT_EQ(Get(port(), "/metadata.asp").body, "\r\n3|1");
+  Reply latin = Get(port(), "/codepage.asp");
+  EXPECT_EQ(latin.body, "caf\xe9|1252");
+  EXPECT_EQ(latin.Header("Content-Type"), "text/html; charset=windows-1252");
+  // Errors name the file and line where they stand, not the merged text's.
+  Reply inc = Get(port(), "/error_inc.asp");
+  EXPECT_EQ(inc.status, 500);
+  EXPECT_NE(inc.body.find("/inc/raise.inc, line 4"), std::string::npos) << inc.body;
+  EXPECT_NE(inc.body.find("Invalid procedure call or argument"), std::string::npos);
+  EXPECT_NE(inc.body.find("800a0005"), std::string::npos);
+  Reply compile = Get(port(), "/compile_error.asp");
+  EXPECT_EQ(compile.status, 500);
+  EXPECT_NE(compile.body.find("/compile_error.asp, line 4"), std::string::npos) << compile.body;
+  Reply cycle = Get(port(), "/cycle.asp");
+  EXPECT_EQ(cycle.status, 500);
+  EXPECT_NE(cycle.body.find("ASP 0127"), std::string::npos) << cycle.body;
+  // Without --dev nothing of the source, paths or text leaks.
+  for (const char* page : {"/error_inc.asp", "/compile_error.asp", "/cycle.asp"}) {
+    Reply plain = Get(plain_->port, page);
+    EXPECT_EQ(plain.status, 500);
+    EXPECT_EQ(plain.body.find(".inc"), std::string::npos) << plain.body;
+    EXPECT_EQ(plain.body.find("line"), std::string::npos) << plain.body;
+    EXPECT_EQ(plain.body.find("Invalid"), std::string::npos) << plain.body;
+  }
+}
+
+TEST_F(ServeTest, PagesAreCompiledAgainWhenAnIncludeChanges) {
+  const fs::path root =
+      fs::path(std::getenv("QV_TEST_SCRATCH") ? std::getenv("QV_TEST_SCRATCH") : "/tmp") /
+      "asp-change";
+  fs::remove_all(root);
+  fs::create_directories(root);
+  std::ofstream(root / "page.asp") << "<!--#include file=\"part.inc\"-->";
+  std::ofstream(root / "part.inc") << "<%= \"one\" %>";
+  Served s(root, true);
+  EXPECT_EQ(Get(s.port, "/page.asp").body, "one");
+  std::ofstream(root / "part.inc") << "<%= \"second\" %>";
+  EXPECT_EQ(Get(s.port, "/page.asp").body, "second");
+  fs::remove(root / "part.inc");
+  EXPECT_EQ(Get(s.port, "/page.asp").status, 500);
+}
+
+TEST_F(ServeTest, RunawayPageTimesOutWhileOthersGoOn) {
+  const auto start = std::chrono::steady_clock::now();
+  auto loop = std::async(std::launch::async, [] { return Get(port(), "/loop.asp"); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  EXPECT_EQ(Get(port(), "/hello.asp?name=x").status, 200);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(900));
+  Reply r = loop.get();
+  EXPECT_EQ(r.status, 500);
+  EXPECT_NE(r.body.find("ASP 0113"), std::string::npos) << r.body;
+}
+
+TEST_F(ServeTest, HostileRequestsGetCleanErrors) {
+  Served small(kSite, false, 1024);
+  EXPECT_EQ(Post(small.port, "/request.asp", "text/plain", std::string(4096, 'x')).status, 413);
+  // A chunked body with no length up front is cut off at the limit too.
+  Reply chunked = test::Parse(test::Exchange(small.port,
+                                             "POST /request.asp HTTP/1.1\r\nHost: x\r\nConnection: "
+                                             "close\r\nTransfer-Encoding: chunked\r\n\r\n800\r\n" +
+                                                 std::string(2048, 'y') + "\r\n0\r\n\r\n"));
+  EXPECT_EQ(chunked.status, 413);
+  const Reply huge = Get(port(), "/hello.asp", "X-Big: " + std::string(64 * 1024, 'h') + "\r\n");
+  EXPECT_TRUE(huge.status == 431 || huge.status == 413 || huge.status == 400 || huge.status == 0)
+      << huge.status;
+  const int garbage = test::Parse(test::Exchange(port(), "GARBAGE\r\n\r\n")).status;
+  EXPECT_TRUE(garbage == 0 || garbage / 100 == 4) << garbage;
+  // A truncated multipart body and a body longer than announced.
+  Reply truncated = Post(port(), "/request.asp", "multipart/form-data; boundary=B",
+                         "--B\r\nContent-Disposition: form-data; name=\"name\"\r\n\r\nhalf");
+  EXPECT_EQ(truncated.status, 200);
+  const std::string longer =
+      test::Exchange(port(),
+                     "POST /request.asp HTTP/1.1\r\nHost: x\r\nContent-Length: 3\r\nContent-Type: "
+                     "text/plain\r\n\r\nabcdefgh",
+                     2000);
+  EXPECT_EQ(test::Parse(longer).status, 200);
+  // A client that sends half a request and goes quiet is closed, and nobody else waits.
+  auto slow = std::async(std::launch::async, [] {
+    return test::Exchange(port(), "GET /hello.asp HTTP/1.1\r\nHost:", 5000);
+  });
+  EXPECT_EQ(Get(port(), "/hello.asp").status, 200);
+  const auto started = std::chrono::steady_clock::now();
+  slow.get();
+  EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(5));
+  EXPECT_EQ(Get(port(), "/hello.asp").status, 200);
+}
+
+}  // namespace
+}  // namespace qv::asp

@@ -1,0 +1,1 @@
+<% Dim local : local = "child" %>child:<%= local %>:<%= Request.QueryString("case") %>

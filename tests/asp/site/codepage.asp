@@ -1,0 +1,1 @@
+<%@ CODEPAGE=1252 %><% Response.Write "café" %>|<%= Response.CodePage %>

@@ -1,0 +1,6 @@
+ok
+<%
+If True Then
+  x = (1 +
+End If
+%>

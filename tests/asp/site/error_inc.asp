@@ -1,0 +1,2 @@
+line one
+<!--#include file="inc/raise.inc"-->

@@ -1,0 +1,4 @@
+<%
+Session.Abandon
+Response.Redirect "login.asp"
+%>

@@ -1,0 +1,5 @@
+<%
+Server.ScriptTimeout = 1
+Do
+Loop
+%>
