@@ -308,6 +308,58 @@ TEST_F(ServeTest, PagesAreCompiledAgainWhenAnIncludeChanges) {
   EXPECT_EQ(Get(s.port, "/page.asp").status, 500);
 }
 
+TEST_F(ServeTest, ListPageThroughAdodbOnSeveralWorkers) {
+  const fs::path root =
+      fs::path(std::getenv("QV_TEST_SCRATCH") ? std::getenv("QV_TEST_SCRATCH") : "/tmp") /
+      "asp-ado";
+  fs::remove_all(root);
+  fs::create_directories(root);
+  std::ofstream(root / "shop.db");  // an empty file is an empty database
+  std::ofstream(root / "setup.asp") << R"asp(<%
+Set conn = Server.CreateObject("ADODB.Connection")
+conn.Open "Provider=SQLite;Data Source=" & Server.MapPath("shop.db")
+conn.Execute "CREATE TABLE item (id INTEGER PRIMARY KEY, name TEXT)"
+For i = 1 To 50
+  conn.Execute "INSERT INTO item VALUES (" & i & ", 'Item <" & i & "> & co')"
+Next
+conn.Close
+%>done)asp";
+  std::ofstream(root / "list.asp")
+      << R"asp(<!-- METADATA TYPE="TypeLib" NAME="Microsoft ActiveX Data Objects 2.8 Library" -->
+<%
+Set conn = Server.CreateObject("ADODB.Connection")
+conn.Open "Provider=SQLite;Data Source=" & Server.MapPath("shop.db")
+Set rs = Server.CreateObject("ADODB.Recordset")
+rs.Open "SELECT id, name FROM item WHERE id > " & CLng(Request("from")) & " ORDER BY id LIMIT 3", conn, adOpenForwardOnly, adLockReadOnly, adCmdText
+Do While Not rs.EOF
+  Response.Write rs("id") & "=" & Server.HTMLEncode(rs("name")) & ";"
+  rs.MoveNext
+Loop
+rs.Close
+conn.Close
+%>)asp";
+  Served s(root, true);
+  ASSERT_EQ(Get(s.port, "/setup.asp").body, "done");
+  EXPECT_EQ(
+      Get(s.port, "/list.asp?from=10").body,
+      "\n11=Item &lt;11&gt; &amp; co;12=Item &lt;12&gt; &amp; co;13=Item &lt;13&gt; &amp; co;");
+  std::vector<std::future<int>> runs;
+  for (int t = 0; t < 4; ++t) {
+    runs.push_back(std::async(std::launch::async, [&, t] {
+      int wrong = 0;
+      for (int i = 0; i < 15; ++i) {
+        const int from = (t * 15 + i) % 40;
+        const std::string want =
+            "\n" + std::to_string(from + 1) + "=Item &lt;" + std::to_string(from + 1);
+        if (Get(s.port, "/list.asp?from=" + std::to_string(from)).body.rfind(want, 0) != 0) ++wrong;
+      }
+      return wrong;
+    }));
+  }
+  for (auto& r : runs)
+    EXPECT_EQ(r.get(), 0);
+}
+
 TEST_F(ServeTest, RunawayPageTimesOutWhileOthersGoOn) {
   const auto start = std::chrono::steady_clock::now();
   auto loop = std::async(std::launch::async, [] { return Get(port(), "/loop.asp"); });
