@@ -1,10 +1,6 @@
 // The ADODB objects and constants come from the ado library.
 #include "asp/server_classes.h"
 
-#include <cctype>
-#include <string>
-#include <unordered_set>
-
 #include "ado/classes.h"
 #include "ado/constants.h"
 
@@ -14,23 +10,33 @@ void RegisterServerClasses(vbs::ClassRegistry& registry) {
   ado::RegisterAdoClasses(registry);
 }
 
-std::u16string_view AdoConstantsScript() {
-  // Kept as plain text: every worker thread reads it, and a String's count is no atomic.
-  static const std::u16string script = [] {
-    std::u16string text;
-    std::unordered_set<std::u16string> seen;
-    for (const ado::AdoConstant& c : ado::AdoConstants()) {
-      std::u16string name(c.name);
-      std::u16string lower = name;
-      for (char16_t& ch : lower)
-        ch = ch < 128 ? static_cast<char16_t>(std::tolower(ch)) : ch;
-      if (!seen.insert(lower).second) continue;  // a Const twice would not compile
-      const std::string value = std::to_string(c.value);
-      text += u"Const " + name + u" = " + std::u16string(value.begin(), value.end()) + u"\r\n";
+namespace {
+
+// Members by index into the constant list. Each engine gets an object of its own, since an
+// object's count is no atomic.
+class AdoConstantMembers : public Object {
+ public:
+  String TypeName() const override { return u"AdoConstants"; }
+  DispId GetIdOfName(StringView name) override {
+    const auto all = ado::AdoConstants();
+    for (size_t i = 0; i < all.size(); ++i) {
+      if (EqualsNoCase(all[i].name, name)) return static_cast<DispId>(i + 1);
     }
-    return text;
-  }();
-  return script;
+    return kDispIdUnknown;
+  }
+  Variant Invoke(DispId id, uint16_t flags, Args args) override {
+    const auto all = ado::AdoConstants();
+    if (id < 1 || static_cast<size_t>(id) > all.size() || !args.empty() ||
+        (flags & (kInvokeLet | kInvokeSet)))
+      throw Error(kErrNotSupported);
+    return Variant(all[static_cast<size_t>(id - 1)].value);
+  }
+};
+
+}  // namespace
+
+Ref<Object> AdoConstantsObject() {
+  return MakeRef<AdoConstantMembers>();
 }
 
 }  // namespace qv::asp

@@ -9,7 +9,8 @@
 namespace qv::asp {
 
 void RegisterServerClasses(vbs::ClassRegistry& registry);
-// VBScript Const statements for the ADO constants.
-std::u16string_view AdoConstantsScript();
+// An object whose members are the ADO constants; added with its members as global names, it
+// makes them known to a page without compiling a Const statement per request.
+Ref<Object> AdoConstantsObject();
 
 }  // namespace qv::asp

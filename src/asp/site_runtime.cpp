@@ -168,7 +168,7 @@ void Worker::Execute(PageContext& c, std::string_view url) {
   inner.AddObject(u"Session", NewSessionObject(c));
   inner.AddObject(u"Application", NewApplicationObject(c));
   try {
-    if (page->ado_constants) inner.AddCode(AdoConstantsScript());
+    if (page->ado_constants) inner.AddObject(u"ADO Type Library", AdoConstantsObject(), true);
     inner.AddCode(page->script);
   } catch (const qv::Error& e) {
     RecordError(c, inner, *page, e);
@@ -219,7 +219,7 @@ void Worker::RunPage(PageContext& c, bool new_session) {
     throw;
   }
   try {
-    if (page.ado_constants) engine_.AddCode(AdoConstantsScript());
+    if (page.ado_constants) engine_.AddObject(u"ADO Type Library", AdoConstantsObject(), true);
     engine_.AddCode(page.script);
   } catch (const qv::Error& e) {
     RecordError(c, engine_, page, e);
