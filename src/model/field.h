@@ -5,48 +5,16 @@
 
 #include "model/bag_object.h"
 #include "model/field_properties.h"
+#include "support/column_types.h"
 
 namespace qv {
-
-// Column type numbers (ADO's DataTypeEnum) that the defaults single out.
-enum AdoType : int16_t {
-  adSmallInt = 2,
-  adInteger = 3,
-  adSingle = 4,
-  adDouble = 5,
-  adCurrency = 6,
-  adDate = 7,
-  adBSTR = 8,
-  adBoolean = 11,
-  adDecimal = 14,
-  adTinyInt = 16,
-  adUnsignedTinyInt = 17,
-  adUnsignedSmallInt = 18,
-  adUnsignedInt = 19,
-  adBigInt = 20,
-  adUnsignedBigInt = 21,
-  adGUID = 72,
-  adBinary = 128,
-  adChar = 129,
-  adWChar = 130,
-  adNumeric = 131,
-  adDBDate = 133,
-  adDBTime = 134,
-  adDBTimeStamp = 135,
-  adVarNumeric = 139,
-  adVarChar = 200,
-  adLongVarChar = 201,
-  adVarWChar = 202,
-  adLongVarWChar = 203,
-  adVarBinary = 204,
-  adLongVarBinary = 205,
-};
 
 class TyxField : public BagObject<TyxField> {
  public:
   enum PropertyIndex : int32_t { QV_FIELD_PROPERTIES(QV_BAG_INDEX) kPropertyCount };
   static constexpr int32_t kNameIndex = kFldName;
   static constexpr int32_t kSeqIndex = kFldSeq;
+  static constexpr int32_t kVarIndex = kFldVar;
 
   TyxField();
   static const DispatchTable<TyxField>& Table();

@@ -1,47 +1,17 @@
-// The numeric vocabulary of data access: ADO's DataTypeEnum, FieldAttributeEnum, schema ids and
+// The numeric vocabulary of data access: ADO's column types, FieldAttributeEnum, schema ids and
 // error numbers, and DAO's type and attribute codes. The values are the published ones, because
 // project files and templates store them as plain numbers.
 #pragma once
 
 #include <cstdint>
 
+#include "support/column_types.h"
+
 namespace qv::data {
 
-// ADO DataTypeEnum.
-enum AdoType : int32_t {
-  adEmpty = 0,
-  adSmallInt = 2,
-  adInteger = 3,
-  adSingle = 4,
-  adDouble = 5,
-  adCurrency = 6,
-  adDate = 7,
-  adBSTR = 8,
-  adBoolean = 11,
-  adVariant = 12,
-  adDecimal = 14,
-  adTinyInt = 16,
-  adUnsignedTinyInt = 17,
-  adUnsignedSmallInt = 18,
-  adUnsignedInt = 19,
-  adBigInt = 20,
-  adUnsignedBigInt = 21,
-  adGUID = 72,
-  adBinary = 128,
-  adChar = 129,
-  adWChar = 130,
-  adNumeric = 131,
-  adDBDate = 133,
-  adDBTime = 134,
-  adDBTimeStamp = 135,
-  adVarNumeric = 139,
-  adVarChar = 200,
-  adLongVarChar = 201,
-  adVarWChar = 202,
-  adLongVarWChar = 203,
-  adVarBinary = 204,
-  adLongVarBinary = 205,
-};
+// ADO DataTypeEnum, shared with the model, which stores these numbers in FldType.
+using ::qv::AdoType;
+using enum ::qv::AdoType;
 
 // ADO FieldAttributeEnum bits.
 enum AdoFieldAttribute : int32_t {
