@@ -12,6 +12,7 @@ class TyxChart : public BagObject<TyxChart> {
   enum PropertyIndex : int32_t { QV_CHART_PROPERTIES(QV_BAG_INDEX) kPropertyCount };
   static constexpr int32_t kNameIndex = kChartName;
   static constexpr int32_t kSeqIndex = kChartSeq;
+  static constexpr int32_t kVarIndex = kChartVar;
 
   TyxChart();
   static const DispatchTable<TyxChart>& Table();

@@ -34,11 +34,10 @@ class KeysEnumerator : public Enumerator {
 }  // namespace
 
 const DispatchTable<cKey>& cKey::Table() {
-  static const auto table =
-      DispatchTable<cKey>(u"cKey")
-          .Property(u"Name", [](cKey& k, Args) { return Variant(k.Name()); })
-          .Property(u"AssociatedIndex", [](cKey& k, Args) { return Variant(k.AssociatedIndex()); })
-          .Default(u"Name");
+  static const auto table = DispatchTable<cKey>(u"cKey")
+                                .Property<&cKey::Name>(u"Name")
+                                .Property<&cKey::AssociatedIndex>(u"AssociatedIndex")
+                                .Default(u"Name");
   return table;
 }
 
@@ -62,8 +61,7 @@ Ref<Enumerator> CKeys::NewEnum() {
 }
 
 const DispatchTable<CKeys>& CKeys::Table() {
-  static const auto table = DispatchTable<CKeys>(u"CKeys").Property(
-      u"Count", [](CKeys& k, Args) { return Variant(k.Count()); });
+  static const auto table = DispatchTable<CKeys>(u"CKeys").Property<&CKeys::Count>(u"Count");
   return table;
 }
 

@@ -52,22 +52,19 @@ void TyxDatabase::Destroy() noexcept {
 
 const DispatchTable<TyxDatabase>& TyxDatabase::Table() {
   using D = TyxDatabase;
-  static const auto table =
-      DispatchTable<D>(u"TyxDatabase")
-          .Property(u"Properties",
-                    [](D& d, Args) { return Variant(Ref<TyProperties>(&d.Properties())); })
-          .Property(u"tables", [](D& d, Args) { return Variant(Ref<TyxTables>(&d.Tables())); })
-          .Property(
-              u"Key", [](D& d, Args) { return Variant(d.Key()); },
-              [](D& d, Args, const Variant& v) { d.SetKey(ToString(v)); })
-          // What the driver reports is written by the loaders through the bag only.
-          .Property(u"DBADOVer", [](D& d, Args) { return Variant(d.DBADOVer()); })
-          .Property(u"DBDBMSName", [](D& d, Args) { return Variant(d.DBDBMSName()); })
-          .Property(u"DBDBMSVer", [](D& d, Args) { return Variant(d.DBDBMSVer()); })
-          .Property(u"DBOLEDBVer", [](D& d, Args) { return Variant(d.DBOLEDBVer()); })
-          .Property(u"DBProviderName", [](D& d, Args) { return Variant(d.DBProviderName()); })
-          .Property(u"DBProviderVer", [](D& d, Args) { return Variant(d.DBProviderVer()); })
-          .Parameterless({u"Properties", u"tables"});
+  static const auto table = DispatchTable<D>(u"TyxDatabase")
+                                .Property<&D::Properties>(u"Properties")
+                                .Property<&D::Tables>(u"tables")
+                                .Property<&D::Key, &D::SetKey>(u"Key")
+                                // What the driver reports is written by the loaders through the
+                                // bag only.
+                                .Property<&D::DBADOVer>(u"DBADOVer")
+                                .Property<&D::DBDBMSName>(u"DBDBMSName")
+                                .Property<&D::DBDBMSVer>(u"DBDBMSVer")
+                                .Property<&D::DBOLEDBVer>(u"DBOLEDBVer")
+                                .Property<&D::DBProviderName>(u"DBProviderName")
+                                .Property<&D::DBProviderVer>(u"DBProviderVer")
+                                .Parameterless({u"Properties", u"tables"});
   return table;
 }
 

@@ -1,6 +1,8 @@
 // The database list's operations and object interface.
 #include "model/databases.h"
 
+#include "model/named_list.h"
+
 #include "support/tyx_vars.h"
 
 namespace qv {
@@ -48,27 +50,7 @@ Ref<TyxDatabase> TyxDatabases::Item(const Variant& index) {
 const DispatchTable<TyxDatabases>& TyxDatabases::Table() {
   using L = TyxDatabases;
   static const auto table =
-      DispatchTable<L>(u"TyxDatabases")
-          .Property(u"Item",
-                    [](L& l, Args a) {
-                      CheckArgCount(a, 1, 1);
-                      return Variant(l.Item(a[0]));
-                    })
-          .Default(u"Item")
-          .Property(u"curName", [](L& l, Args) { return Variant(l.curName()); })
-          .Property(u"curSeq", [](L& l, Args) { return Variant(l.curSeq()); })
-          .Property(u"Count", [](L& l, Args) { return Variant(l.Count()); })
-          .Method(u"Add",
-                  [](L& l, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    l.Add(ToString(a[0]));
-                    return Variant();
-                  })
-          .Method(u"Delete", [](L& l, Args a) {
-            CheckArgCount(a, 1, 1);
-            l.Delete(a[0]);
-            return Variant();
-          });
+      ListMembers<L>(u"TyxDatabases").Method<&L::Add>(u"Add").Method<&L::Delete>(u"Delete");
   return table;
 }
 

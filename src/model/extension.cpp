@@ -14,14 +14,10 @@ const PropertyLayout& TyxExtension::Layout() {
 
 const DispatchTable<TyxExtension>& TyxExtension::Table() {
   using E = TyxExtension;
-  static const auto table =
-      DispatchTable<E>(u"TyxExtension")
-          .Property(u"Properties",
-                    [](E& e, Args) { return Variant(Ref<TyProperties>(&e.Properties())); })
-          .Property(
-              u"Key", [](E& e, Args) { return Variant(e.Key()); },
-              [](E& e, Args, const Variant& v) { e.SetKey(ToString(v)); })
-          .Parameterless({u"Properties"});
+  static const auto table = DispatchTable<E>(u"TyxExtension")
+                                .Property<&E::Properties>(u"Properties")
+                                .Property<&E::Key, &E::SetKey>(u"Key")
+                                .Parameterless({u"Properties"});
   return table;
 }
 

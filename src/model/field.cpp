@@ -14,19 +14,11 @@ const PropertyLayout& TyxField::Layout() {
 
 const DispatchTable<TyxField>& TyxField::Table() {
   using F = TyxField;
-  static const auto table =
-      DispatchTable<F>(u"TyxField")
-          .Property(u"Properties",
-                    [](F& f, Args) { return Variant(Ref<TyProperties>(&f.Properties())); })
-          .Property(
-              u"Key", [](F& f, Args) { return Variant(f.Key()); },
-              [](F& f, Args, const Variant& v) { f.SetKey(ToString(v)); })
-          .Method(u"LoadFldDefault",
-                  [](F& f, Args) {
-                    f.LoadFldDefault();
-                    return Variant();
-                  })
-          .Parameterless({u"Properties"});
+  static const auto table = DispatchTable<F>(u"TyxField")
+                                .Property<&F::Properties>(u"Properties")
+                                .Property<&F::Key, &F::SetKey>(u"Key")
+                                .Method<&F::LoadFldDefault>(u"LoadFldDefault")
+                                .Parameterless({u"Properties"});
   return table;
 }
 

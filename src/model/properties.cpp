@@ -1,6 +1,8 @@
 // The property bag's operations and its object interface.
 #include "model/properties.h"
 
+#include <optional>
+
 #include "automation/convert.h"
 
 namespace qv {
@@ -71,32 +73,20 @@ bool TyProperties::PropertyExist(const Variant& index) const {
 
 const DispatchTable<TyProperties>& TyProperties::Table() {
   using B = TyProperties;
-  static const auto table =
-      DispatchTable<B>(u"TyProperties")
-          .Property(u"Item",
-                    [](B& b, Args a) {
-                      CheckArgCount(a, 1, 1);
-                      return b.Item(a[0]);
-                    })
-          .Default(u"Item")
-          .Method(u"Add",
-                  [](B& b, Args a) {
-                    CheckArgCount(a, 1, 6);
-                    return Variant(b.Add(
-                        ToString(a[0]), HasArg(a, 1) ? ToString(a[1]) : String(u"String"),
-                        HasArg(a, 2) && ToBool(a[2]), HasArg(a, 3) ? ToLong(a[3]) : 0,
-                        HasArg(a, 4) ? ToBool(a[4]) : true, HasArg(a, 5) ? ToBool(a[5]) : true));
-                  })
-          .Property(u"Count", [](B& b, Args) { return Variant(b.Count()); })
-          .Method(u"Delete",
-                  [](B& b, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return b.Delete(a[0]);
-                  })
-          .Method(u"PropertyExist", [](B& b, Args a) {
-            CheckArgCount(a, 1, 1);
-            return Variant(b.PropertyExist(a[0]));
-          });
+  // Add's later arguments may be left out, each taking the default that C++ callers get.
+  constexpr auto add = [](B& b, StringView name, std::optional<String> data_type,
+                          std::optional<bool> reg_save, std::optional<int32_t> reg_format,
+                          std::optional<bool> file_save, std::optional<bool> sync) {
+    return b.Add(name, data_type.value_or(u"String"), reg_save.value_or(false),
+                 reg_format.value_or(0), file_save.value_or(true), sync.value_or(true));
+  };
+  static const auto table = DispatchTable<B>(u"TyProperties")
+                                .Property<&B::Item>(u"Item")
+                                .Default(u"Item")
+                                .Method<add>(u"Add")
+                                .Property<&B::Count>(u"Count")
+                                .Method<&B::Delete>(u"Delete")
+                                .Method<&B::PropertyExist>(u"PropertyExist");
   return table;
 }
 

@@ -69,34 +69,16 @@ void TyProperty::SetDataType(String data_type) {
 
 const DispatchTable<TyProperty>& TyProperty::Table() {
   using P = TyProperty;
-  static const auto table =
-      DispatchTable<P>(u"TyProperty")
-          .Property(
-              u"Value", [](P& p, Args) { return p.Value(); },
-              [](P& p, Args, const Variant& v) { p.SetValue(v); },
-              [](P& p, Args, const Variant& v) { p.SetValue(v); })
-          .Default(u"Value")
-          .Property(
-              u"Key", [](P& p, Args) { return Variant(p.Key()); },
-              [](P& p, Args, const Variant& v) { p.SetKey(ToString(v)); })
-          .Property(
-              u"Name", [](P& p, Args) { return Variant(p.Name()); },
-              [](P& p, Args, const Variant& v) { p.SetName(ToString(v)); })
-          .Property(
-              u"DataType", [](P& p, Args) { return Variant(p.DataType()); },
-              [](P& p, Args, const Variant& v) { p.SetDataType(ToString(v)); })
-          .Property(
-              u"RegSave", [](P& p, Args) { return Variant(p.RegSave()); },
-              [](P& p, Args, const Variant& v) { p.SetRegSave(ToBool(v)); })
-          .Property(
-              u"RegFormat", [](P& p, Args) { return Variant(p.RegFormat()); },
-              [](P& p, Args, const Variant& v) { p.SetRegFormat(ToLong(v)); })
-          .Property(
-              u"FileSave", [](P& p, Args) { return Variant(p.FileSave()); },
-              [](P& p, Args, const Variant& v) { p.SetFileSave(ToBool(v)); })
-          .Property(
-              u"Sync", [](P& p, Args) { return Variant(p.Sync()); },
-              [](P& p, Args, const Variant& v) { p.SetSync(ToBool(v)); });
+  static const auto table = DispatchTable<P>(u"TyProperty")
+                                .Property<&P::Value, &P::SetValue, &P::SetValue>(u"Value")
+                                .Default(u"Value")
+                                .Property<&P::Key, &P::SetKey>(u"Key")
+                                .Property<&P::Name, &P::SetName>(u"Name")
+                                .Property<&P::DataType, &P::SetDataType>(u"DataType")
+                                .Property<&P::RegSave, &P::SetRegSave>(u"RegSave")
+                                .Property<&P::RegFormat, &P::SetRegFormat>(u"RegFormat")
+                                .Property<&P::FileSave, &P::SetFileSave>(u"FileSave")
+                                .Property<&P::Sync, &P::SetSync>(u"Sync");
   return table;
 }
 

@@ -4,6 +4,7 @@
 #include "model/super_collection.h"
 
 #include <cstring>
+#include <optional>
 #include <type_traits>
 
 #include "automation/convert.h"
@@ -484,80 +485,27 @@ void CSuperCollection::AdoptLayout(const CSuperCollection& prototype,
 
 const DispatchTable<CSuperCollection>& CSuperCollection::Table() {
   using C = CSuperCollection;
+  constexpr auto add = [](C& c, const Variant& value, std::optional<String> key,
+                          std::optional<int32_t> position_type, std::optional<int32_t> reference) {
+    c.Add(value, key.value_or(String()), position_type.value_or(4), reference.value_or(NoEntry));
+  };
   static const auto table =
       DispatchTable<C>(u"CSuperCollection")
-          .Property(
-              u"Item",
-              [](C& c, Args a) {
-                CheckArgCount(a, 1, 1);
-                return c.Item(a[0]);
-              },
-              [](C& c, Args a, const Variant& v) {
-                CheckArgCount(a, 1, 1);
-                c.SetItem(a[0], v);
-              },
-              [](C& c, Args a, const Variant& v) {
-                CheckArgCount(a, 1, 1);
-                c.SetItem(a[0], v);
-              })
+          .Property<&C::Item, &C::SetItem, &C::SetItem>(u"Item")
           .Default(u"Item")
-          .Property(
-              u"CompareMode", [](C& c, Args) { return Variant(c.CompareMode()); },
-              [](C& c, Args, const Variant& v) { c.SetCompareMode(ToLong(v)); })
-          .Property(
-              u"AllowItemAsignments", [](C& c, Args) { return Variant(c.AllowItemAsignments()); },
-              [](C& c, Args, const Variant& v) { c.SetAllowItemAsignments(ToBool(v)); })
-          .Property(
-              u"BaseIndex", [](C& c, Args) { return Variant(c.BaseIndex()); },
-              [](C& c, Args, const Variant& v) { c.SetBaseIndex(ToLong(v)); })
-          .Property(u"Keys", [](C& c, Args) { return Variant(c.Keys()); })
-          .Property(u"Key",
-                    [](C& c, Args a) {
-                      CheckArgCount(a, 1, 1);
-                      return Variant(c.Key(ToLong(a[0])));
-                    })
-          .Method(u"KeyExists",
-                  [](C& c, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(c.KeyExists(ToString(a[0])));
-                  })
-          .Method(u"ChangeKey",
-                  [](C& c, Args a) {
-                    CheckArgCount(a, 2, 2);
-                    c.ChangeKey(ToString(a[0]), ToString(a[1]));
-                    return Variant();
-                  })
-          .Method(u"ChangeKeyForIndex",
-                  [](C& c, Args a) {
-                    CheckArgCount(a, 2, 2);
-                    c.ChangeKeyForIndex(ToString(a[0]), ToString(a[1]));
-                    return Variant();
-                  })
-          .Method(u"Add",
-                  [](C& c, Args a) {
-                    CheckArgCount(a, 1, 4);
-                    const String key = HasArg(a, 1) ? ToString(a[1]) : String();
-                    const int32_t type = HasArg(a, 2) ? ToLong(a[2]) : 4;
-                    const int32_t ref = HasArg(a, 3) ? ToLong(a[3]) : NoEntry;
-                    c.Add(a[0], key, type, ref);
-                    return Variant();
-                  })
-          .Property(u"Count", [](C& c, Args) { return Variant(c.Count()); })
-          .Method(u"Remove",
-                  [](C& c, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    c.Remove(a[0]);
-                    return Variant();
-                  })
-          .Method(u"Clear",
-                  [](C& c, Args) {
-                    c.Clear();
-                    return Variant();
-                  })
-          .Method(u"MoveItem", [](C& c, Args a) {
-            CheckArgCount(a, 2, 2);
-            return Variant(c.MoveItem(a[0], a[1]));
-          });
+          .Property<&C::CompareMode, &C::SetCompareMode>(u"CompareMode")
+          .Property<&C::AllowItemAsignments, &C::SetAllowItemAsignments>(u"AllowItemAsignments")
+          .Property<&C::BaseIndex, &C::SetBaseIndex>(u"BaseIndex")
+          .Property<&C::Keys>(u"Keys")
+          .Property<&C::Key>(u"Key")
+          .Method<&C::KeyExists>(u"KeyExists")
+          .Method<&C::ChangeKey>(u"ChangeKey")
+          .Method<&C::ChangeKeyForIndex>(u"ChangeKeyForIndex")
+          .Method<add>(u"Add")
+          .Property<&C::Count>(u"Count")
+          .Method<&C::Remove>(u"Remove")
+          .Method<&C::Clear>(u"Clear")
+          .Method<&C::MoveItem>(u"MoveItem");
   return table;
 }
 

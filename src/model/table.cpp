@@ -59,20 +59,12 @@ void TyxTable::LoadTableDefault() {
 
 const DispatchTable<TyxTable>& TyxTable::Table() {
   using T = TyxTable;
-  static const auto table =
-      DispatchTable<T>(u"TyxTable")
-          .Property(u"Properties",
-                    [](T& t, Args) { return Variant(Ref<TyProperties>(&t.Properties())); })
-          .Property(u"Fields", [](T& t, Args) { return Variant(Ref<TyxFields>(&t.Fields())); })
-          .Property(
-              u"Key", [](T& t, Args) { return Variant(t.Key()); },
-              [](T& t, Args, const Variant& v) { t.SetKey(ToString(v)); })
-          .Method(u"LoadTableDefault",
-                  [](T& t, Args) {
-                    t.LoadTableDefault();
-                    return Variant();
-                  })
-          .Parameterless({u"Properties", u"Fields"});
+  static const auto table = DispatchTable<T>(u"TyxTable")
+                                .Property<&T::Properties>(u"Properties")
+                                .Property<&T::Fields>(u"Fields")
+                                .Property<&T::Key, &T::SetKey>(u"Key")
+                                .Method<&T::LoadTableDefault>(u"LoadTableDefault")
+                                .Parameterless({u"Properties", u"Fields"});
   return table;
 }
 

@@ -14,6 +14,7 @@ class TyxTable : public BagObject<TyxTable> {
   enum PropertyIndex : int32_t { QV_TABLE_PROPERTIES(QV_BAG_INDEX) kPropertyCount };
   static constexpr int32_t kNameIndex = kTblName;
   static constexpr int32_t kSeqIndex = kTblSeq;
+  static constexpr int32_t kVarIndex = kTblVar;
 
   TyxTable();
   static const DispatchTable<TyxTable>& Table();

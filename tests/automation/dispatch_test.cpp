@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <utility>
+#include <vector>
+
 #include "automation/convert.h"
 
 namespace qv {
@@ -18,23 +22,32 @@ class Counter : public DispatchObject<Counter> {
   static const DispatchTable<Counter>& Table() {
     static const auto table =
         DispatchTable<Counter>(u"Counter")
-            .Property(
-                u"Value", [](Counter& c, Args) { return Variant(c.value); },
-                [](Counter& c, Args, const Variant& v) { c.value = ToLong(v); })
-            .Property(u"Item",
-                      [](Counter& c, Args a) {
-                        CheckArgCount(a, 1, 1);
-                        return Variant(c.value * ToLong(a[0]));
-                      })
-            .Method(u"Bump",
-                    [](Counter& c, Args a) {
-                      CheckArgCount(a, 0, 1);
-                      c.value += HasArg(a, 0) ? ToLong(a[0]) : 1;
-                      return Variant();
-                    })
+            .Property<&Counter::Value, &Counter::SetValue>(u"Value")
+            .Property<&Counter::Item>(u"Item")
+            .Method<&Counter::Bump>(u"Bump")
+            .Method<&Counter::Describe>(u"Describe")
+            .Method<&Counter::Swap>(u"Swap")
+            .Property<&Counter::Self>(u"Self")
+            .Field<&Counter::value>(u"Stored")
+            .Property<[](Counter& c) { return c.value * 2; }>(u"Twice")
+            .Method(u"Raw",
+                    [](Counter&, Args a) { return Variant(static_cast<int32_t>(a.size())); })
             .Default(u"Value");
     return table;
   }
+  int32_t Value() const { return value; }
+  void SetValue(int32_t v) { value = v; }
+  int32_t Item(int32_t factor) const { return value * factor; }
+  void Bump(std::optional<int32_t> by) { value += by.value_or(1); }
+  String Describe(StringView name, int16_t times, bool loud) {
+    String text;
+    for (int16_t i = 0; i < times; ++i)
+      text.Append(name);
+    return loud ? text + u"!" : text;
+  }
+  // Hands a value back through its argument, as a ByRef parameter does.
+  void Swap(Variant& slot) { slot = Variant(std::exchange(value, ToLong(slot))); }
+  Counter& Self() { return *this; }
   int32_t value = 0;
 };
 
@@ -71,6 +84,48 @@ TEST(Dispatch, MembersAnswerByNameInAnyCase) {
   } catch (const Error& e) {
     EXPECT_EQ(e.number(), 451);
   }
+}
+
+// Bound members take their argument count and conversions from the C++ signature.
+TEST(Dispatch, BoundMembersConvertArgumentsAndResults) {
+  Ref<Counter> c = MakeRef<Counter>();
+  EXPECT_EQ(ToString(c->Call(u"Describe", {Variant(u"ab"), Variant(u"2"), Variant(int32_t{1})})),
+            u"abab!");
+  const auto error_of = [&](StringView name, std::initializer_list<Variant> args) {
+    try {
+      c->Call(name, args);
+    } catch (const Error& e) {
+      return e.number();
+    }
+    return 0;
+  };
+  EXPECT_EQ(error_of(u"Describe", {Variant(u"a"), Variant(u"x"), Variant(true)}), 13);
+  EXPECT_EQ(error_of(u"Describe", {Variant(u"a"), Variant(int32_t{1})}), 450);
+  EXPECT_EQ(error_of(u"Item", {Variant(1), Variant(2)}), 450);
+  EXPECT_EQ(error_of(u"Bump", {Variant(1), Variant(2)}), 450);
+  EXPECT_EQ(error_of(u"Value", {Variant(1)}), 450);
+  EXPECT_EQ(error_of(u"Item", {Variant::Missing()}), 449);  // only optional ones may be left out
+  // Arguments convert left to right: the first bad one names the error.
+  EXPECT_EQ(error_of(u"Describe", {Variant::Null(), Variant::Missing(), Variant(true)}), 94);
+  // A left-out optional argument, given or missing, takes the function's default.
+  c->Call(u"Bump", {Variant::Missing()});
+  EXPECT_EQ(c->value, 1);
+  // A raw member sees all of its arguments; a setter given too many indexes is refused.
+  EXPECT_EQ(ToLong(c->Call(u"Raw", {Variant(1), Variant(2), Variant(3)})), 3);
+  std::vector<Variant> let_args{Variant(1), Variant(7)};
+  EXPECT_THROW(c->Invoke(c->GetIdOfName(u"Value"), kInvokeLet, let_args), Error);
+
+  std::vector<Variant> slot{Variant(u"9")};
+  c->Invoke(c->GetIdOfName(u"Swap"), kInvokeMethod, slot);
+  EXPECT_EQ(slot[0].type(), VarType::Long);
+  EXPECT_EQ(ToLong(slot[0]), 1);
+  EXPECT_EQ(c->value, 9);
+  EXPECT_EQ(ToLong(c->Get(u"Twice")), 18);
+  c->Let(u"Stored", Variant(u"12"));
+  EXPECT_EQ(c->value, 12);
+  EXPECT_EQ(c->Get(u"Stored").type(), VarType::Long);
+  const Variant self = c->Get(u"Self");
+  EXPECT_EQ(self.as_object(), c.get());
 }
 
 TEST(Dispatch, LastReferenceEndsTheObjectAtOnce) {

@@ -17,7 +17,8 @@ TEST(Extensions, AddTwiceIsOneEntryAndDeleteRenumbers) {
   EXPECT_TRUE(list->Add(u"Charts"));
   EXPECT_EQ(list->Count(), 3);
   EXPECT_EQ(list->curName(), u"Charts");
-  EXPECT_EQ(list->curSeq(), u"1");
+  EXPECT_EQ(list->curSeq().type(), VarType::String);  // text, unlike the other lists
+  EXPECT_EQ(ToString(list->curSeq()), u"1");
   EXPECT_FALSE(list->Add(u""));
 
   EXPECT_TRUE(list->Delete(u"Charts"));
@@ -25,8 +26,8 @@ TEST(Extensions, AddTwiceIsOneEntryAndDeleteRenumbers) {
   EXPECT_EQ(list->Seq(2)->Name(), u"Mail");
   EXPECT_FALSE(list->Seq(3));
   EXPECT_FALSE(list->Delete(u"Charts"));
-  EXPECT_TRUE(list->ExtensionExist(Variant(u"Mail")));
-  EXPECT_FALSE(list->ExtensionExist(Variant(u"mail")));
+  EXPECT_TRUE(list->Exist(Variant(u"Mail")));
+  EXPECT_FALSE(list->Exist(Variant(u"mail")));
   EXPECT_FALSE(list->Item(Variant(u"mail")));
   EXPECT_EQ(list->Item(Variant(u"Mail"))->Key(), u"Mail");
 }
@@ -46,7 +47,7 @@ TEST(Charts, VariablesNamesAndSequence) {
   EXPECT_EQ(charts->Item(Variant(u"Costs 2006"))->ChartVar(), u"Costs_2006");
   EXPECT_TRUE(charts->Delete(u"Sales 2005"));
   EXPECT_EQ(charts->Seq(1)->ChartName(), u"Costs 2006");
-  EXPECT_TRUE(charts->ChartExist(Variant(u"Costs 2006")));
+  EXPECT_TRUE(charts->Exist(Variant(u"Costs 2006")));
 }
 
 }  // namespace

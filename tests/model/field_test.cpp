@@ -198,7 +198,8 @@ TEST_F(FieldTest, ListKeepsSeqContiguousAndApartFromListOrder) {
   EXPECT_FALSE(list->Add(u"a"));
   EXPECT_FALSE(list->Add(u""));
   EXPECT_EQ(list->curName(), u"D");
-  EXPECT_EQ(list->curSeq(), 4);
+  EXPECT_EQ(list->curSeq().type(), VarType::Integer);
+  EXPECT_EQ(ToInteger(list->curSeq()), 4);
   // The user reorders: D first.
   list->Seq(4)->SetFldSeq(0);
   list->Seq(1)->SetFldSeq(4);
@@ -232,14 +233,14 @@ TEST_F(FieldTest, ListKeepsSeqContiguousAndApartFromListOrder) {
   }
   // Exact lookups by name; a miss leaves the current field.
   EXPECT_FALSE(list->Item(Variant(u"cost %")));
-  EXPECT_FALSE(list->FieldExist(Variant(u"a")));
-  EXPECT_TRUE(list->FieldExist(Variant(u"A")));
+  EXPECT_FALSE(list->Exist(Variant(u"a")));
+  EXPECT_TRUE(list->Exist(Variant(u"A")));
   EXPECT_EQ(list->curName(), u"Cost %");
   EXPECT_EQ(list->Item(Variant(int32_t{1}))->FldName(), u"A");
   EXPECT_EQ(list->curName(), u"A");
   list->SetSeq(1);
   EXPECT_EQ(list->curName(), u"D");
-  EXPECT_EQ(list->curSeq(), 1);
+  EXPECT_EQ(ToInteger(list->curSeq()), 1);
   // Iteration is the list's own order.
   std::vector<String> order;
   Ref<Enumerator> e = list->NewEnum();

@@ -107,9 +107,9 @@ TEST_F(TableTest, TableListDiffersFromFieldList) {
   // A position fetch sets both current values.
   EXPECT_EQ(tables->Item(Variant(int16_t{2}))->TblName(), u"C");
   EXPECT_EQ(tables->curName(), u"C");
-  EXPECT_EQ(tables->curSeq(), 2);
-  EXPECT_TRUE(tables->TableExist(Variant(u"C")));
-  EXPECT_FALSE(tables->TableExist(Variant(u"c")));
+  EXPECT_EQ(ToInteger(tables->curSeq()), 2);
+  EXPECT_TRUE(tables->Exist(Variant(u"C")));
+  EXPECT_FALSE(tables->Exist(Variant(u"c")));
 }
 
 TEST_F(TableTest, OneDatabaseOnlyAndProjErr) {
