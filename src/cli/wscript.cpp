@@ -4,6 +4,7 @@
 #include <chrono>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <sstream>
 #include <thread>
 
@@ -33,6 +34,12 @@ class ListEnumerator : public Enumerator {
   size_t next_ = 0;
 };
 
+// A value as Echo and the console streams print it.
+struct EchoArg {
+  String text;
+  static EchoArg FromScript(const Variant& v) { return {EchoText(v)}; }
+};
+
 bool IsSwitch(StringView arg) {
   return arg.size() > 1 && arg[0] == '/';
 }
@@ -53,28 +60,19 @@ void ConsoleStream::Write(StringView text) {
 }
 
 const DispatchTable<ConsoleStream>& ConsoleStream::Table() {
-  static const auto table = DispatchTable<ConsoleStream>(u"TextStream")
-                                .Method(u"Write",
-                                        [](ConsoleStream& s, Args args) {
-                                          CheckArgCount(args, 1, 1);
-                                          s.Write(EchoText(args[0]));
-                                          return Variant();
-                                        })
-                                .Method(u"WriteLine",
-                                        [](ConsoleStream& s, Args args) {
-                                          CheckArgCount(args, 0, 1);
-                                          String line = args.empty() ? String() : EchoText(args[0]);
-                                          line.Append(u'\n');
-                                          s.Write(line);
-                                          return Variant();
-                                        })
-                                .Method(u"WriteBlankLines", [](ConsoleStream& s, Args args) {
-                                  CheckArgCount(args, 1, 1);
-                                  const int32_t n = ToLong(args[0]);
-                                  for (int32_t i = 0; i < n; ++i)
-                                    s.Write(u"\n");
-                                  return Variant();
-                                });
+  using S = ConsoleStream;
+  static const auto table =
+      DispatchTable<S>(u"TextStream")
+          .Method<[](S& s, EchoArg text) { s.Write(text.text); }>(u"Write")
+          .Method<[](S& s, std::optional<EchoArg> text) {
+            String line = text ? text->text : String();
+            line.Append(u'\n');
+            s.Write(line);
+          }>(u"WriteLine")
+          .Method<[](S& s, int32_t count) {
+            for (int32_t i = 0; i < count; ++i)
+              s.Write(u"\n");
+          }>(u"WriteBlankLines");
   return table;
 }
 
@@ -141,17 +139,11 @@ const DispatchTable<NamedArguments>& NamedArguments::Table() {
   using N = NamedArguments;
   static const auto table =
       DispatchTable<N>(u"WshNamed")
-          .Method(u"Item",
-                  [](N& n, Args args) {
-                    CheckArgCount(args, 1, 1);
-                    const Variant* v = n.Find(ToString(args[0]));
-                    return v ? *v : Variant();
-                  })
-          .Method(u"Exists",
-                  [](N& n, Args args) {
-                    CheckArgCount(args, 1, 1);
-                    return Variant(n.Find(ToString(args[0])) != nullptr);
-                  })
+          .Method<[](N& n, String name) {
+            const Variant* v = n.Find(name);
+            return v ? *v : Variant();
+          }>(u"Item")
+          .Method<[](N& n, String name) { return n.Find(name) != nullptr; }>(u"Exists")
           .Property(u"Count",
                     [](N& n, Args) { return Variant(static_cast<int32_t>(n.items().size())); })
           .Property(u"Length",
@@ -202,19 +194,11 @@ const DispatchTable<ConsoleInput>& ConsoleInput::Table() {
   using I = ConsoleInput;
   static const auto table =
       DispatchTable<I>(u"TextStream")
-          .Method(u"ReadLine", [](I& in, Args) { return Variant(in.ReadLine()); })
-          .Method(u"Read",
-                  [](I& in, Args args) {
-                    CheckArgCount(args, 1, 1);
-                    return Variant(in.Read(ToLong(args[0])));
-                  })
-          .Method(u"ReadAll", [](I& in, Args) { return Variant(in.ReadAll()); })
-          .Method(u"SkipLine",
-                  [](I& in, Args) {
-                    in.ReadLine();
-                    return Variant();
-                  })
-          .Property(u"AtEndOfStream", [](I& in, Args) { return Variant(in.AtEnd()); });
+          .Method<&I::ReadLine>(u"ReadLine")
+          .Method<&I::Read>(u"Read")
+          .Method<&I::ReadAll>(u"ReadAll")
+          .Method<[](I& in) { in.ReadLine(); }>(u"SkipLine")
+          .Property<&I::AtEnd>(u"AtEndOfStream");
   return table;
 }
 
@@ -227,6 +211,7 @@ WScriptObject::WScriptObject(vbs::Engine& engine, String full_name, std::vector<
       in_(MakeRef<ConsoleInput>()) {}
 
 const DispatchTable<WScriptObject>& WScriptObject::Table() {
+  using W = WScriptObject;
   static const auto table =
       DispatchTable<WScriptObject>(u"Object")
           .Method(u"Echo",
@@ -245,12 +230,10 @@ const DispatchTable<WScriptObject>& WScriptObject::Table() {
                     [](WScriptObject& w, Args args) {
                       return args.empty() ? Variant(w.arguments_) : ArgumentAt(*w.arguments_, args);
                     })
-          .Method(u"Quit",
-                  [](WScriptObject&, Args args) -> Variant {
-                    CheckArgCount(args, 0, 1);
-                    std::fflush(stdout);
-                    throw ScriptQuit{args.empty() ? 0 : ToLong(args[0])};
-                  })
+          .Method<[](W&, std::optional<int32_t> code) {
+            std::fflush(stdout);
+            throw ScriptQuit{code.value_or(0)};
+          }>(u"Quit")
           .Property(u"StdOut", [](WScriptObject& w, Args) { return Variant(w.out_); })
           .Property(u"StdErr", [](WScriptObject& w, Args) { return Variant(w.err_); })
           .Property(u"StdIn", [](WScriptObject& w, Args) { return Variant(w.in_); })
@@ -264,23 +247,17 @@ const DispatchTable<WScriptObject>& WScriptObject::Table() {
           .Property(u"Name", [](WScriptObject&, Args) { return Variant(u"Windows Script Host"); })
           .Property(u"Version", [](WScriptObject&, Args) { return Variant(u"5.8"); })
           .Property(u"Interactive", [](WScriptObject&, Args) { return Variant(false); })
-          .Method(u"Sleep",
-                  [](WScriptObject&, Args args) {
-                    CheckArgCount(args, 1, 1);
-                    const int32_t ms = ToLong(args[0]);
-                    if (ms > 0) std::this_thread::sleep_for(std::chrono::milliseconds(ms));
-                    return Variant();
-                  })
-          .Method(u"CreateObject", [](WScriptObject& w, Args args) {
-            CheckArgCount(args, 1, 2);
-            const String id = ToString(args[0]);
+          .Method<[](W&, int32_t ms) {
+            if (0 < ms) std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+          }>(u"Sleep")
+          .Method<[](W& w, String id, std::optional<Variant> /*prefix*/) {
             Ref<Object> object = w.engine_.Registry().Create(id);
             if (!object) {
               throw Error(kErrCannotCreateObject,
                           StandardErrorText(kErrCannotCreateObject) + u": '" + id + u"'");
             }
-            return Variant(object);
-          });
+            return object;
+          }>(u"CreateObject");
   return table;
 }
 

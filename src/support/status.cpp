@@ -65,74 +65,21 @@ String LengthMarked(StringView text) {
 }
 
 const DispatchTable<TyxStatus>& TyxStatus::Table() {
-  static const auto table = [] {
-    DispatchTable<TyxStatus> t(u"TyxStatus");
-    t.Method(u"ShowStatus",
-             [](TyxStatus& s, Args a) {
-               CheckArgCount(a, 2, 2);
-               s.ShowStatus(a[0], a[1]);
-               return Variant();
-             })
-        .Method(u"ShowStatus2",
-                [](TyxStatus& s, Args a) {
-                  CheckArgCount(a, 2, 2);
-                  s.ShowStatus2(a[0], a[1]);
-                  return Variant();
-                })
-        .Method(u"ShowStatus3",
-                [](TyxStatus& s, Args a) {
-                  CheckArgCount(a, 2, 2);
-                  s.ShowStatus3(a[0], a[1]);
-                  return Variant();
-                })
-        .Method(u"DispStatus",
-                [](TyxStatus& s, Args a) {
-                  CheckArgCount(a, 1, 1);
-                  s.DispStatus(a[0]);
-                  return Variant();
-                })
-        .Method(u"SetStatus",
-                [](TyxStatus& s, Args a) {
-                  CheckArgCount(a, 1, 1);
-                  s.SetStatus(a[0]);
-                  return Variant();
-                })
-        .Method(u"StatusIsCancelled",
-                [](TyxStatus& s, Args a) {
-                  CheckArgCount(a, 0, 0);
-                  return Variant(s.StatusIsCancelled());
-                })
-        .Method(u"CloseStatus",
-                [](TyxStatus& s, Args a) {
-                  CheckArgCount(a, 0, 0);
-                  s.CloseStatus();
-                  return Variant();
-                })
-        .Method(u"GetVer",
-                [](TyxStatus& s, Args a) {
-                  CheckArgCount(a, 1, 1);
-                  s.GetVer(a[0]);
-                  return Variant();
-                })
-        .Method(u"GetSysCode", [](TyxStatus& s, Args a) {
-          CheckArgCount(a, 1, 1);
-          return Variant(s.GetSysCode(a[0]));
-        });
-    // The four version numbers are plain public fields: they read and write.
-    t.Property(
-        u"mj1", [](TyxStatus& s, Args) { return Variant(s.mj1); },
-        [](TyxStatus& s, Args, const Variant& v) { s.mj1 = ToInteger(v); });
-    t.Property(
-        u"mj2", [](TyxStatus& s, Args) { return Variant(s.mj2); },
-        [](TyxStatus& s, Args, const Variant& v) { s.mj2 = ToInteger(v); });
-    t.Property(
-        u"mn1", [](TyxStatus& s, Args) { return Variant(s.mn1); },
-        [](TyxStatus& s, Args, const Variant& v) { s.mn1 = ToInteger(v); });
-    t.Property(
-        u"mn2", [](TyxStatus& s, Args) { return Variant(s.mn2); },
-        [](TyxStatus& s, Args, const Variant& v) { s.mn2 = ToInteger(v); });
-    return t;
-  }();
+  using S = TyxStatus;
+  static const auto table = DispatchTable<S>(u"TyxStatus")
+                                .Method<&S::ShowStatus>(u"ShowStatus")
+                                .Method<&S::ShowStatus2>(u"ShowStatus2")
+                                .Method<&S::ShowStatus3>(u"ShowStatus3")
+                                .Method<&S::DispStatus>(u"DispStatus")
+                                .Method<&S::SetStatus>(u"SetStatus")
+                                .Method<&S::StatusIsCancelled>(u"StatusIsCancelled")
+                                .Method<&S::CloseStatus>(u"CloseStatus")
+                                .Method<&S::GetVer>(u"GetVer")
+                                .Method<&S::GetSysCode>(u"GetSysCode")
+                                .Field<&S::mj1>(u"mj1")
+                                .Field<&S::mj2>(u"mj2")
+                                .Field<&S::mn1>(u"mn1")
+                                .Field<&S::mn2>(u"mn2");
   return table;
 }
 

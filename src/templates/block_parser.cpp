@@ -34,26 +34,16 @@ int32_t ToPos(size_t value) {
 }  // namespace
 
 const DispatchTable<TyParser>& TyParser::Table() {
-  static const auto table =
-      DispatchTable<TyParser>(u"TyParser")
-          .Method(u"Parse",
-                  [](TyParser& p, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    p.Parse(ToString(a[0]));
-                    return Variant();
-                  })
-          .Property(u"Count", [](TyParser& p, Args) { return Variant(p.Count()); })
-          .Property(
-              u"BlockID", [](TyParser& p, Args) { return Variant(p.BlockID()); },
-              [](TyParser& p, Args, const Variant& v) { p.SetBlockID(ToLong(v)); })
-          .Property(u"BlockType", [](TyParser& p, Args) { return Variant(p.BlockType()); })
-          .Property(u"BlockName", [](TyParser& p, Args) { return Variant(p.BlockName()); })
-          .Property(u"BlockValue", [](TyParser& p, Args) { return Variant(p.BlockValue()); })
-          .Property(u"BlockIndent", [](TyParser& p, Args) { return Variant(p.BlockIndent()); })
-          .Method(u"GetSession", [](TyParser& p, Args a) {
-            CheckArgCount(a, 2, 2);
-            return Variant(p.GetSession(ToString(a[0]), ToString(a[1])));
-          });
+  using P = TyParser;
+  static const auto table = DispatchTable<P>(u"TyParser")
+                                .Method<&P::Parse>(u"Parse")
+                                .Property<&P::Count>(u"Count")
+                                .Property<&P::BlockID, &P::SetBlockID>(u"BlockID")
+                                .Property<&P::BlockType>(u"BlockType")
+                                .Property<&P::BlockName>(u"BlockName")
+                                .Property<&P::BlockValue>(u"BlockValue")
+                                .Property<&P::BlockIndent>(u"BlockIndent")
+                                .Method<&P::GetSession>(u"GetSession");
   return table;
 }
 

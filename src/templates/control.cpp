@@ -6,46 +6,26 @@
 #include "platform/fs.h"
 
 namespace qv {
-namespace {
-
-template <String TyxControl::*Member>
-void AddText(DispatchTable<TyxControl>& table, StringView name) {
-  table.Property(
-      name, [](TyxControl& c, Args) { return Variant(c.*Member); },
-      [](TyxControl& c, Args, const Variant& v) { c.*Member = ToString(v); });
-}
-
-template <bool TyxControl::*Member>
-void AddFlag(DispatchTable<TyxControl>& table, StringView name) {
-  table.Property(
-      name, [](TyxControl& c, Args) { return Variant(c.*Member); },
-      [](TyxControl& c, Args, const Variant& v) { c.*Member = ToBool(v); });
-}
-
-}  // namespace
 
 const DispatchTable<TyxControl>& TyxControl::Table() {
-  static const auto table = [] {
-    DispatchTable<TyxControl> t(u"TyxControl");
-    AddText<&TyxControl::CtrlID>(t, u"CtrlID");
-    AddText<&TyxControl::CtrlType>(t, u"CtrlType");
-    AddText<&TyxControl::CtrlOFile>(t, u"CtrlOFile");
-    AddText<&TyxControl::CtrlOExt>(t, u"CtrlOExt");
-    AddText<&TyxControl::CtrlOFolder>(t, u"CtrlOFolder");
-    AddText<&TyxControl::CtrlIFiles>(t, u"CtrlIFiles");
-    AddText<&TyxControl::CtrlIFolder>(t, u"CtrlIFolder");
-    AddText<&TyxControl::CtrlCond>(t, u"CtrlCond");
-    AddText<&TyxControl::CtrlTagExt>(t, u"CtrlTagExt");
-    AddText<&TyxControl::CtrlParm>(t, u"CtrlParm");
-    AddFlag<&TyxControl::CtrlSpace>(t, u"CtrlSpace");
-    AddFlag<&TyxControl::CtrlGen>(t, u"CtrlGen");
-    AddText<&TyxControl::CtrlExt>(t, u"CtrlExt");
-    AddText<&TyxControl::CtrlAction>(t, u"CtrlAction");
-    AddFlag<&TyxControl::CtrlOverwrite>(t, u"CtrlOverwrite");
-    t.Property(u"Sessions",
-               [](TyxControl& c, Args) { return Variant(Ref<Object>(&c.Sessions())); });
-    return t;
-  }();
+  using C = TyxControl;
+  static const auto table = DispatchTable<C>(u"TyxControl")
+                                .Field<&C::CtrlID>(u"CtrlID")
+                                .Field<&C::CtrlType>(u"CtrlType")
+                                .Field<&C::CtrlOFile>(u"CtrlOFile")
+                                .Field<&C::CtrlOExt>(u"CtrlOExt")
+                                .Field<&C::CtrlOFolder>(u"CtrlOFolder")
+                                .Field<&C::CtrlIFiles>(u"CtrlIFiles")
+                                .Field<&C::CtrlIFolder>(u"CtrlIFolder")
+                                .Field<&C::CtrlCond>(u"CtrlCond")
+                                .Field<&C::CtrlTagExt>(u"CtrlTagExt")
+                                .Field<&C::CtrlParm>(u"CtrlParm")
+                                .Field<&C::CtrlSpace>(u"CtrlSpace")
+                                .Field<&C::CtrlGen>(u"CtrlGen")
+                                .Field<&C::CtrlExt>(u"CtrlExt")
+                                .Field<&C::CtrlAction>(u"CtrlAction")
+                                .Field<&C::CtrlOverwrite>(u"CtrlOverwrite")
+                                .Property<&C::Sessions>(u"Sessions");
   return table;
 }
 

@@ -12,12 +12,6 @@
 namespace qv {
 namespace {
 
-TyxControl& ControlArg(const Variant& v) {
-  auto* control = v.is_object() ? dynamic_cast<TyxControl*>(v.as_object()) : nullptr;
-  if (!control) throw Error(kErrTypeMismatch);
-  return *control;
-}
-
 // The value of a root attribute, found without regard to case; a missing one is Null, which
 // a text property refuses.
 String RootAttribute(const std::vector<XmlAttribute>& attributes, StringView name) {
@@ -30,39 +24,20 @@ String RootAttribute(const std::vector<XmlAttribute>& attributes, StringView nam
 }  // namespace
 
 const DispatchTable<TyxControls>& TyxControls::Table() {
-  static const auto table =
-      DispatchTable<TyxControls>(u"TyxControls")
-          .Property(u"Item",
-                    [](TyxControls& c, Args a) {
-                      CheckArgCount(a, 1, 1);
-                      return Variant(c.Item(ToLong(a[0])));
-                    })
-          .Default(u"Item")
-          .Property(u"Count", [](TyxControls& c, Args) { return Variant(c.Count()); })
-          .Property(u"curIndex", [](TyxControls& c, Args) { return Variant(c.curIndex()); })
-          .Property(u"ProdDate", [](TyxControls& c, Args) { return Variant(c.ProdDate); })
-          .Property(u"ProdVersion", [](TyxControls& c, Args) { return Variant(c.ProdVersion); })
-          .Property(u"ProdDesc", [](TyxControls& c, Args) { return Variant(c.ProdDesc); })
-          .Property(u"ProdAuthor", [](TyxControls& c, Args) { return Variant(c.ProdAuthor); })
-          .Method(u"LoadControls",
-                  [](TyxControls& c, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(c.LoadControls(ToString(a[0])));
-                  })
-          .Method(u"AddControl",
-                  [](TyxControls& c, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(c.AddControl(ControlArg(a[0])));
-                  })
-          .Method(u"DeleteControl",
-                  [](TyxControls& c, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(c.DeleteControl(ToString(a[0])));
-                  })
-          .Method(u"ControlExist", [](TyxControls& c, Args a) {
-            CheckArgCount(a, 1, 1);
-            return Variant(c.ControlExist(ToString(a[0])));
-          });
+  using C = TyxControls;
+  static const auto table = DispatchTable<C>(u"TyxControls")
+                                .Property<&C::Item>(u"Item")
+                                .Default(u"Item")
+                                .Property<&C::Count>(u"Count")
+                                .Property<&C::curIndex>(u"curIndex")
+                                .Property<[](C& c) { return c.ProdDate; }>(u"ProdDate")
+                                .Property<[](C& c) { return c.ProdVersion; }>(u"ProdVersion")
+                                .Property<[](C& c) { return c.ProdDesc; }>(u"ProdDesc")
+                                .Property<[](C& c) { return c.ProdAuthor; }>(u"ProdAuthor")
+                                .Method<&C::LoadControls>(u"LoadControls")
+                                .Method<&C::AddControl>(u"AddControl")
+                                .Method<&C::DeleteControl>(u"DeleteControl")
+                                .Method<&C::ControlExist>(u"ControlExist");
   return table;
 }
 

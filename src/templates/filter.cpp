@@ -6,34 +6,14 @@
 namespace qv {
 
 const DispatchTable<TyxFilter>& TyxFilter::Table() {
-  static const auto table =
-      DispatchTable<TyxFilter>(u"TyxFilter")
-          .Property(u"GroupCount", [](TyxFilter& f, Args) { return Variant(f.GroupCount()); })
-          .Property(u"GroupName",
-                    [](TyxFilter& f, Args a) {
-                      CheckArgCount(a, 1, 1);
-                      return Variant(f.GroupName(ToLong(a[0])));
-                    })
-          .Property(u"OptionCount",
-                    [](TyxFilter& f, Args a) {
-                      CheckArgCount(a, 1, 1);
-                      return Variant(f.OptionCount(ToString(a[0])));
-                    })
-          .Property(u"OptionName",
-                    [](TyxFilter& f, Args a) {
-                      CheckArgCount(a, 2, 2);
-                      return Variant(f.OptionName(ToString(a[0]), ToLong(a[1])));
-                    })
-          .Property(u"Expression",
-                    [](TyxFilter& f, Args a) {
-                      CheckArgCount(a, 2, 2);
-                      return Variant(f.Expression(ToString(a[0]), ToLong(a[1])));
-                    })
-          .Method(u"Load", [](TyxFilter& f, Args a) {
-            CheckArgCount(a, 0, 0);
-            f.Load();
-            return Variant();
-          });
+  using F = TyxFilter;
+  static const auto table = DispatchTable<F>(u"TyxFilter")
+                                .Property<&F::GroupCount>(u"GroupCount")
+                                .Property<&F::GroupName>(u"GroupName")
+                                .Property<&F::OptionCount>(u"OptionCount")
+                                .Property<&F::OptionName>(u"OptionName")
+                                .Property<&F::Expression>(u"Expression")
+                                .Method<&F::Load>(u"Load");
   return table;
 }
 

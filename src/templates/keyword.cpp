@@ -10,19 +10,12 @@
 namespace qv {
 
 const DispatchTable<TyxKeyword>& TyxKeyword::Table() {
-  static const auto table =
-      DispatchTable<TyxKeyword>(u"TyxKeyword")
-          .Method(u"IsKeyword",
-                  [](TyxKeyword& k, Args a) {
-                    CheckArgCount(a, 2, 2);
-                    return Variant(k.IsKeyword(ToString(a[0]), ToString(a[1])));
-                  })
-          .Property(u"Count", [](TyxKeyword& k, Args) { return Variant(k.Count()); })
-          .Property(u"curIndex", [](TyxKeyword& k, Args) { return Variant(k.curIndex()); })
-          .Method(u"Load", [](TyxKeyword& k, Args a) {
-            CheckArgCount(a, 1, 1);
-            return Variant(k.Load(ToString(a[0])));
-          });
+  using K = TyxKeyword;
+  static const auto table = DispatchTable<K>(u"TyxKeyword")
+                                .Method<&K::IsKeyword>(u"IsKeyword")
+                                .Property<&K::Count>(u"Count")
+                                .Property<&K::curIndex>(u"curIndex")
+                                .Method<&K::Load>(u"Load");
   return table;
 }
 

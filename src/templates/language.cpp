@@ -10,19 +10,12 @@
 namespace qv {
 
 const DispatchTable<TyxLanguage>& TyxLanguage::Table() {
-  static const auto table =
-      DispatchTable<TyxLanguage>(u"TyxLanguage")
-          .Method(u"Phrase",
-                  [](TyxLanguage& l, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(l.Phrase(ToString(a[0])));
-                  })
-          .Property(u"Count", [](TyxLanguage& l, Args) { return Variant(l.Count()); })
-          .Property(u"curIndex", [](TyxLanguage& l, Args) { return Variant(l.curIndex()); })
-          .Method(u"Load", [](TyxLanguage& l, Args a) {
-            CheckArgCount(a, 1, 1);
-            return Variant(l.Load(ToString(a[0])));
-          });
+  using L = TyxLanguage;
+  static const auto table = DispatchTable<L>(u"TyxLanguage")
+                                .Method<&L::Phrase>(u"Phrase")
+                                .Property<&L::Count>(u"Count")
+                                .Property<&L::curIndex>(u"curIndex")
+                                .Method<&L::Load>(u"Load");
   return table;
 }
 

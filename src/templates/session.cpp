@@ -27,16 +27,9 @@ constexpr std::array<Field, 9> kFields = {{
     {u"loctype", u"SessLocType", &TyxSession::SessLocType},
 }};
 
-template <size_t I>
-void AddProperty(DispatchTable<TyxSession>& table) {
-  table.Property(
-      kFields[I].property, [](TyxSession& s, Args) { return Variant(s.*kFields[I].member); },
-      [](TyxSession& s, Args, const Variant& v) { s.*kFields[I].member = ToString(v); });
-}
-
 template <size_t... I>
 void AddProperties(DispatchTable<TyxSession>& table, std::index_sequence<I...>) {
-  (AddProperty<I>(table), ...);
+  (table.Field<kFields[I].member>(kFields[I].property), ...);
 }
 
 }  // namespace

@@ -8,45 +8,16 @@
 #include "templates/list_enumerator.h"
 
 namespace qv {
-namespace {
-
-const TyxSession& SessionArg(const Variant& v) {
-  auto* session = v.is_object() ? dynamic_cast<TyxSession*>(v.as_object()) : nullptr;
-  if (!session) throw Error(kErrTypeMismatch);
-  return *session;
-}
-
-}  // namespace
-
 const DispatchTable<TyxSessions>& TyxSessions::Table() {
-  static const auto table =
-      DispatchTable<TyxSessions>(u"TyxSessions")
-          .Property(u"Item",
-                    [](TyxSessions& s, Args a) {
-                      CheckArgCount(a, 1, 1);
-                      return Variant(s.Item(ToLong(a[0])));
-                    })
-          .Default(u"Item")
-          .Property(u"Count", [](TyxSessions& s, Args) { return Variant(s.Count()); })
-          .Method(u"AddSession",
-                  [](TyxSessions& s, Args a) {
-                    CheckArgCount(a, 3, 3);
-                    return Variant(s.AddSession(SessionArg(a[0]), ToString(a[1]), ToString(a[2])));
-                  })
-          .Method(u"ChangeSession",
-                  [](TyxSessions& s, Args a) {
-                    CheckArgCount(a, 2, 2);
-                    return Variant(s.ChangeSession(ToString(a[0]), SessionArg(a[1])));
-                  })
-          .Method(u"DeleteSession",
-                  [](TyxSessions& s, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(s.DeleteSession(ToString(a[0])));
-                  })
-          .Method(u"SessionExist", [](TyxSessions& s, Args a) {
-            CheckArgCount(a, 1, 1);
-            return Variant(s.SessionExist(ToString(a[0])));
-          });
+  using S = TyxSessions;
+  static const auto table = DispatchTable<S>(u"TyxSessions")
+                                .Property<&S::Item>(u"Item")
+                                .Default(u"Item")
+                                .Property<&S::Count>(u"Count")
+                                .Method<&S::AddSession>(u"AddSession")
+                                .Method<&S::ChangeSession>(u"ChangeSession")
+                                .Method<&S::DeleteSession>(u"DeleteSession")
+                                .Method<&S::SessionExist>(u"SessionExist");
   return table;
 }
 

@@ -318,86 +318,25 @@ bool Dictionary::KeyFrom(uint64_t sequence, Variant& key, uint64_t& next) const 
   return false;
 }
 
-namespace {
-
-const Variant& Arg(Args args, size_t i) {
-  if (i >= args.size() || args[i].is_missing()) throw Error(kErrArgumentNotOptional);
-  return args[i];
-}
-
-}  // namespace
-
 const DispatchTable<Dictionary>& Dictionary::Table() {
   using D = Dictionary;
   static const auto table = DispatchTable<D>(u"Dictionary")
-                                .Property(
-                                    u"Item",
-                                    [](D& d, Args a) {
-                                      CheckArgCount(a, 1, 1);
-                                      return d.Item(a[0]);
-                                    },
-                                    [](D& d, Args a, const Variant& v) {
-                                      CheckArgCount(a, 1, 1);
-                                      d.SetItem(a[0], v);
-                                    })
+                                .Property<&D::Item, &D::SetItem>(u"Item")
                                 .Default(u"Item")
-                                .Method(u"Add",
-                                        [](D& d, Args a) {
-                                          CheckArgCount(a, 2, 2);
-                                          d.Add(Arg(a, 0), Arg(a, 1));
-                                          return Variant();
-                                        })
-                                .Method(u"Exists",
-                                        [](D& d, Args a) {
-                                          CheckArgCount(a, 1, 1);
-                                          return Variant(d.Exists(Arg(a, 0)));
-                                        })
-                                .Property(u"Key", nullptr,
+                                .Method<&D::Add>(u"Add")
+                                .Method<&D::Exists>(u"Exists")
+                                .Property(u"Key", nullptr,  // written only
                                           [](D& d, Args a, const Variant& v) {
                                             CheckArgCount(a, 1, 1);
                                             d.RenameKey(a[0], v);
                                           })
-                                .Method(u"Items",
-                                        [](D& d, Args a) {
-                                          CheckArgCount(a, 0, 0);
-                                          return d.Items();
-                                        })
-                                .Method(u"Keys",
-                                        [](D& d, Args a) {
-                                          CheckArgCount(a, 0, 0);
-                                          return d.Keys();
-                                        })
-                                .Method(u"Remove",
-                                        [](D& d, Args a) {
-                                          CheckArgCount(a, 1, 1);
-                                          d.Remove(Arg(a, 0));
-                                          return Variant();
-                                        })
-                                .Method(u"RemoveAll",
-                                        [](D& d, Args a) {
-                                          CheckArgCount(a, 0, 0);
-                                          d.RemoveAll();
-                                          return Variant();
-                                        })
-                                .Property(u"Count",
-                                          [](D& d, Args a) {
-                                            CheckArgCount(a, 0, 0);
-                                            return Variant(d.Count());
-                                          })
-                                .Property(
-                                    u"CompareMode",
-                                    [](D& d, Args a) {
-                                      CheckArgCount(a, 0, 0);
-                                      return Variant(d.compare_mode());
-                                    },
-                                    [](D& d, Args a, const Variant& v) {
-                                      CheckArgCount(a, 0, 0);
-                                      d.set_compare_mode(ToLong(v));
-                                    })
-                                .Method(u"HashVal", [](D& d, Args a) {
-                                  CheckArgCount(a, 1, 1);
-                                  return Variant(d.HashVal(Arg(a, 0)));
-                                });
+                                .Method<&D::Items>(u"Items")
+                                .Method<&D::Keys>(u"Keys")
+                                .Method<&D::Remove>(u"Remove")
+                                .Method<&D::RemoveAll>(u"RemoveAll")
+                                .Property<&D::Count>(u"Count")
+                                .Property<&D::compare_mode, &D::set_compare_mode>(u"CompareMode")
+                                .Method<&D::HashVal>(u"HashVal");
   return table;
 }
 

@@ -50,12 +50,7 @@ class ErrObject : public DispatchObject<ErrObject> {
                 u"HelpContext",
                 [](ErrObject& e, Args) { return Variant(e.vm_->err().help_context); },
                 [](ErrObject& e, Args, const Variant& v) { e.vm_->err().help_context = ToLong(v); })
-            .Method(u"Clear",
-                    [](ErrObject& e, Args args) {
-                      CheckArgCount(args, 0, 0);
-                      e.vm_->err().Clear();
-                      return Variant();
-                    })
+            .Method<[](ErrObject& e) { e.vm_->err().Clear(); }>(u"Clear")
             .Method(u"Raise", &ErrObject::RaiseError)
             .Default(u"Number");
     return table;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <ctime>
+#include <optional>
 
 #include "automation/convert.h"
 #include "automation/date_time.h"
@@ -115,13 +116,7 @@ void Rename(fs::path& p, const Variant& v) {
   p = target;
 }
 
-bool OptionalBool(Args a, size_t i, bool fallback) {
-  if (!HasArg(a, i)) return fallback;
-  return ToBool(a[i]);
-}
-
-fs::path Destination(const Variant& v, const fs::path& source) {
-  const String text = ToString(v);
+fs::path Destination(const String& text, const fs::path& source) {
   fs::path to = NativePath(text);
   const bool into_folder =
       !text.empty() && (text.view().back() == u'/' || text.view().back() == u'\\');
@@ -238,32 +233,21 @@ const DispatchTable<File>& File::Table() {
           .Property(u"DateCreated", [](File& f, Args) { return DateOf(f.path_); })
           .Property(u"DateLastModified", [](File& f, Args) { return DateOf(f.path_); })
           .Property(u"DateLastAccessed", [](File& f, Args) { return DateOf(f.path_); })
-          .Method(u"Copy",
-                  [](File& f, Args a) {
-                    CheckArgCount(a, 1, 2);
-                    CopyItem(f.path_, Destination(a[0], f.path_), OptionalBool(a, 1, true));
-                    return Variant();
-                  })
-          .Method(u"Move",
-                  [](File& f, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    const fs::path to = Destination(a[0], f.path_);
-                    MoveItem(f.path_, to);
-                    f.path_ = to;
-                    return Variant();
-                  })
-          .Method(u"Delete",
-                  [](File& f, Args a) {
-                    CheckArgCount(a, 0, 1);
-                    DeleteItem(f.path_, OptionalBool(a, 0, false));
-                    return Variant();
-                  })
-          .Method(u"OpenAsTextStream", [](File& f, Args a) {
-            CheckArgCount(a, 0, 2);
-            const auto mode = static_cast<IoMode>(HasArg(a, 0) ? ToLong(a[0]) : 1);
-            const auto format = static_cast<TextFormat>(HasArg(a, 1) ? ToLong(a[1]) : 0);
-            return Variant(TextStream::Open(f.path_.string(), mode, false, format));
-          });
+          .Method<[](File& f, String to, std::optional<bool> overwrite) {
+            CopyItem(f.path_, Destination(to, f.path_), overwrite.value_or(true));
+          }>(u"Copy")
+          .Method<[](File& f, String to) {
+            const fs::path target = Destination(to, f.path_);
+            MoveItem(f.path_, target);
+            f.path_ = target;
+          }>(u"Move")
+          .Method<[](File& f, std::optional<bool> force) {
+            DeleteItem(f.path_, force.value_or(false));
+          }>(u"Delete")
+          .Method<[](File& f, std::optional<int32_t> mode, std::optional<int32_t> format) {
+            return TextStream::Open(f.path_.string(), static_cast<IoMode>(mode.value_or(1)), false,
+                                    static_cast<TextFormat>(format.value_or(0)));
+          }>(u"OpenAsTextStream");
   return table;
 }
 
@@ -299,34 +283,25 @@ const DispatchTable<Folder>& Folder::Table() {
                     [](Folder& f, Args a) {
                       return ApplyArgs(Variant(MakeRef<FileList>(f.path_, true)), a);
                     })
-          .Method(u"Copy",
-                  [](Folder& f, Args a) {
-                    CheckArgCount(a, 1, 2);
-                    CopyItem(f.path_, Destination(a[0], f.path_), OptionalBool(a, 1, true));
-                    return Variant();
-                  })
-          .Method(u"Move",
-                  [](Folder& f, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    const fs::path to = Destination(a[0], f.path_);
-                    MoveItem(f.path_, to);
-                    f.path_ = to;
-                    return Variant();
-                  })
-          .Method(u"Delete",
-                  [](Folder& f, Args a) {
-                    CheckArgCount(a, 0, 1);
-                    DeleteItem(f.path_, OptionalBool(a, 0, false));
-                    return Variant();
-                  })
-          .Method(u"CreateTextFile", [](Folder& f, Args a) {
-            CheckArgCount(a, 1, 3);
-            const fs::path p = f.path_ / NativePath(ToString(a[0]));
+          .Method<[](Folder& f, String to, std::optional<bool> overwrite) {
+            CopyItem(f.path_, Destination(to, f.path_), overwrite.value_or(true));
+          }>(u"Copy")
+          .Method<[](Folder& f, String to) {
+            const fs::path target = Destination(to, f.path_);
+            MoveItem(f.path_, target);
+            f.path_ = target;
+          }>(u"Move")
+          .Method<[](Folder& f, std::optional<bool> force) {
+            DeleteItem(f.path_, force.value_or(false));
+          }>(u"Delete")
+          .Method<[](Folder& f, String name, std::optional<bool> overwrite,
+                     std::optional<bool> unicode) {
+            const fs::path p = f.path_ / NativePath(name);
             std::error_code ec;
-            if (!OptionalBool(a, 1, true) && fs::exists(p, ec)) Raise(kErrFileExists);
-            const auto format = OptionalBool(a, 2, false) ? TextFormat::Unicode : TextFormat::Ascii;
-            return Variant(TextStream::Open(p.string(), IoMode::Writing, true, format));
-          });
+            if (!overwrite.value_or(true) && fs::exists(p, ec)) Raise(kErrFileExists);
+            const auto format = unicode.value_or(false) ? TextFormat::Unicode : TextFormat::Ascii;
+            return TextStream::Open(p.string(), IoMode::Writing, true, format);
+          }>(u"CreateTextFile");
   return table;
 }
 
@@ -355,27 +330,24 @@ Ref<Enumerator> FileList::NewEnum() {
 const DispatchTable<FileList>& FileList::Table() {
   static const auto table =
       DispatchTable<FileList>(u"Files")
-          .Property(u"Item",
-                    [](FileList& l, Args a) {
-                      CheckArgCount(a, 1, 1);
-                      const fs::path p = l.folder_ / NativePath(ToString(a[0]));
-                      std::error_code ec;
-                      if (fs::is_directory(p, ec) != l.folders_ || !fs::exists(p, ec))
-                        Raise(l.folders_ ? kErrPathNotFound : kErrFileNotFound);
-                      return l.folders_ ? Variant(MakeRef<Folder>(p)) : Variant(MakeRef<File>(p));
-                    })
+          .Property<[](FileList& l, String name) {
+            const fs::path p = l.folder_ / NativePath(name);
+            std::error_code ec;
+            if (fs::is_directory(p, ec) != l.folders_ || !fs::exists(p, ec))
+              Raise(l.folders_ ? kErrPathNotFound : kErrFileNotFound);
+            return l.folders_ ? Variant(MakeRef<Folder>(p)) : Variant(MakeRef<File>(p));
+          }>(u"Item")
           .Default(u"Item")
           .Property(u"Count", [](FileList& l,
                                  Args) { return Variant(static_cast<int32_t>(l.Scan().size())); })
-          .Method(u"Add", [](FileList& l, Args a) {
-            CheckArgCount(a, 1, 1);
+          .Method<[](FileList& l, String name) {
             if (!l.folders_) Raise(kErrNotSupported);
-            const fs::path p = l.folder_ / NativePath(ToString(a[0]));
+            const fs::path p = l.folder_ / NativePath(name);
             std::error_code ec;
             if (fs::exists(p, ec)) Raise(kErrFileExists);
             if (!fs::create_directory(p, ec)) Raise(kErrPermissionDenied);
-            return Variant(MakeRef<Folder>(p));
-          });
+            return MakeRef<Folder>(p);
+          }>(u"Add");
   return table;
 }
 
@@ -434,13 +406,10 @@ Ref<Enumerator> DriveList::NewEnum() {
 const DispatchTable<DriveList>& DriveList::Table() {
   static const auto table =
       DispatchTable<DriveList>(u"Drives")
-          .Property(u"Item",
-                    [](DriveList&, Args a) {
-                      CheckArgCount(a, 1, 1);
-                      const String name = ToString(a[0]);
-                      if (name != u"/" && name != u"\\") Raise(68);  // "Device unavailable"
-                      return Variant(MakeRef<Drive>());
-                    })
+          .Property<[](DriveList&, String name) {
+            if (name != u"/" && name != u"\\") Raise(68);  // "Device unavailable"
+            return MakeRef<Drive>();
+          }>(u"Item")
           .Default(u"Item")
           .Property(u"Count", [](DriveList&, Args) { return Variant(int32_t{1}); });
   return table;

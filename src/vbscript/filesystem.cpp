@@ -5,6 +5,7 @@
 #include <fnmatch.h>
 
 #include <cstdlib>
+#include <optional>
 #include <random>
 
 #include "automation/convert.h"
@@ -20,16 +21,6 @@ namespace {
 
 bool IsSeparator(Char c) {
   return c == u'/' || c == u'\\';
-}
-
-String PathArg(Args a, size_t i) {
-  if (i >= a.size() || a[i].is_missing()) Raise(kErrArgumentNotOptional);
-  return ToString(a[i]);
-}
-
-bool OptionalBool(Args a, size_t i, bool fallback) {
-  if (!HasArg(a, i)) return fallback;
-  return ToBool(a[i]);
 }
 
 // The path without trailing separators, but never less than a lone root separator.
@@ -156,11 +147,8 @@ fs::path Target(const String& dest, const fs::path& source, bool many) {
   return d;
 }
 
-void CopyFiles(Args a, bool folders) {
-  CheckArgCount(a, 2, 3);
-  const fs::path source = NativePath(PathArg(a, 0));
-  const String dest = PathArg(a, 1);
-  const bool overwrite = OptionalBool(a, 2, true);
+void CopyFiles(StringView from, const String& dest, bool overwrite, bool folders) {
+  const fs::path source = NativePath(from);
   const auto sources = Sources(source, folders, folders ? kErrPathNotFound : kErrFileNotFound);
   const bool many = HasWildcard(source);
   std::error_code folder_ec;
@@ -174,10 +162,8 @@ void CopyFiles(Args a, bool folders) {
   }
 }
 
-void MoveFiles(Args a, bool folders) {
-  CheckArgCount(a, 2, 2);
-  const fs::path source = NativePath(PathArg(a, 0));
-  const String dest = PathArg(a, 1);
+void MoveFiles(StringView from, const String& dest, bool folders) {
+  const fs::path source = NativePath(from);
   const auto sources = Sources(source, folders, folders ? kErrPathNotFound : kErrFileNotFound);
   const bool many = HasWildcard(source);
   std::error_code folder_ec;
@@ -186,38 +172,34 @@ void MoveFiles(Args a, bool folders) {
     MoveItem(s, Target(dest, s, many));
 }
 
-void DeleteFiles(Args a, bool folders) {
-  CheckArgCount(a, 1, 2);
-  const fs::path source = NativePath(PathArg(a, 0));
-  const bool force = OptionalBool(a, 1, false);
+void DeleteFiles(StringView path, bool force, bool folders) {
+  const fs::path source = NativePath(path);
   for (const fs::path& p : Sources(source, folders, folders ? kErrPathNotFound : kErrFileNotFound))
     DeleteItem(p, force);
 }
 
-Variant OpenTextFile(Args a) {
-  CheckArgCount(a, 1, 4);
-  const fs::path p = NativePath(PathArg(a, 0));
-  const int32_t mode = HasArg(a, 1) ? ToLong(a[1]) : 1;
+Variant OpenTextFile(StringView path, std::optional<int32_t> io_mode, std::optional<bool> create,
+                     std::optional<int32_t> text_format) {
+  const fs::path p = NativePath(path);
+  const int32_t mode = io_mode.value_or(1);
   if (mode != 1 && mode != 2 && mode != 8) Raise(kErrInvalidCall);
-  const bool create = OptionalBool(a, 2, false);
-  const int32_t format = HasArg(a, 3) ? ToLong(a[3]) : 0;
+  const int32_t format = text_format.value_or(0);
   if (format < -2 || format > 0) Raise(kErrInvalidCall);
-  return Variant(TextStream::Open(p.string(), static_cast<IoMode>(mode), create,
+  return Variant(TextStream::Open(p.string(), static_cast<IoMode>(mode), create.value_or(false),
                                   static_cast<TextFormat>(format)));
 }
 
-Variant CreateTextFile(Args a) {
-  CheckArgCount(a, 1, 3);
-  const fs::path p = NativePath(PathArg(a, 0));
+Variant CreateTextFile(StringView path, std::optional<bool> overwrite,
+                       std::optional<bool> unicode) {
+  const fs::path p = NativePath(path);
   std::error_code ec;
-  if (!OptionalBool(a, 1, true) && fs::exists(p, ec)) Raise(kErrFileExists);
-  const auto format = OptionalBool(a, 2, false) ? TextFormat::Unicode : TextFormat::Ascii;
+  if (!overwrite.value_or(true) && fs::exists(p, ec)) Raise(kErrFileExists);
+  const auto format = unicode.value_or(false) ? TextFormat::Unicode : TextFormat::Ascii;
   return Variant(TextStream::Open(p.string(), IoMode::Writing, true, format));
 }
 
-Variant CreateFolder(Args a) {
-  CheckArgCount(a, 1, 1);
-  const fs::path p = NativePath(PathArg(a, 0));
+Variant CreateFolder(StringView path) {
+  const fs::path p = NativePath(path);
   std::error_code ec;
   if (fs::exists(p, ec)) Raise(kErrFileExists);
   const fs::path parent = p.parent_path();
@@ -231,9 +213,8 @@ String TempFolder() {
   return String::FromUtf8(tmp && *tmp ? tmp : "/tmp");
 }
 
-Variant SpecialFolder(Args a) {
-  CheckArgCount(a, 1, 1);
-  switch (ToLong(a[0])) {
+Variant SpecialFolder(int32_t which) {
+  switch (which) {
     case 0:  // the system's own folder
       return Variant(MakeRef<Folder>("/usr"));
     case 1:  // its libraries
@@ -263,137 +244,77 @@ const DispatchTable<FileSystemObject>& FileSystemObject::Table() {
   using F = FileSystemObject;
   static const auto table =
       DispatchTable<F>(u"FileSystemObject")
-          .Method(u"BuildPath",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 2, 2);
-                    return Variant(BuildPath(PathArg(a, 0), PathArg(a, 1)));
-                  })
-          .Method(u"GetAbsolutePathName",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(ScriptPath(NativePath(PathArg(a, 0))));
-                  })
-          .Method(u"GetBaseName",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(BaseNameOf(PathArg(a, 0)));
-                  })
-          .Method(u"GetExtensionName",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(ExtensionOf(PathArg(a, 0)));
-                  })
-          .Method(u"GetFileName",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(FileNameOf(PathArg(a, 0)));
-                  })
-          .Method(u"GetParentFolderName",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(ParentOf(PathArg(a, 0)));
-                  })
-          .Method(u"GetDriveName",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(DriveNameOf(PathArg(a, 0)));
-                  })
-          .Method(u"GetFileVersion",
-                  [](F&, Args a) {
-                    // Version resources belong to Windows executables; other files have none.
-                    CheckArgCount(a, 1, 1);
-                    std::error_code ec;
-                    const fs::path p = NativePath(PathArg(a, 0));
-                    if (!fs::exists(p, ec) || fs::is_directory(p, ec)) Raise(kErrFileNotFound);
-                    return Variant(String());
-                  })
-          .Method(u"GetStandardStream",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 1, 2);
-                    const int32_t which = ToLong(a[0]);
-                    if (which < 0 || which > 2) Raise(kErrInvalidCall);
-                    return Variant(TextStream::Standard(which));
-                  })
-          .Method(u"GetTempName",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 0, 0);
-                    return Variant(TempName());
-                  })
-          .Method(u"FileExists",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    std::error_code ec;
-                    const fs::path p = NativePath(PathArg(a, 0));
-                    return Variant(fs::exists(p, ec) && !fs::is_directory(p, ec));
-                  })
-          .Method(u"FolderExists",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    std::error_code ec;
-                    return Variant(fs::is_directory(NativePath(PathArg(a, 0)), ec));
-                  })
-          .Method(u"DriveExists",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(DriveNameOk(PathArg(a, 0)));
-                  })
-          .Method(u"GetFile",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    const fs::path p = NativePath(PathArg(a, 0));
-                    std::error_code ec;
-                    if (!fs::exists(p, ec) || fs::is_directory(p, ec)) Raise(kErrFileNotFound);
-                    return Variant(MakeRef<File>(fs::absolute(p, ec)));
-                  })
-          .Method(u"GetFolder",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    const fs::path p = NativePath(PathArg(a, 0));
-                    std::error_code ec;
-                    if (!fs::is_directory(p, ec)) Raise(kErrPathNotFound);
-                    return Variant(MakeRef<Folder>(fs::absolute(p, ec).lexically_normal()));
-                  })
-          .Method(u"GetDrive",
-                  [](F&, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    if (!DriveNameOk(PathArg(a, 0))) Raise(68);  // "Device unavailable"
-                    return Variant(MakeRef<Drive>());
-                  })
+          .Method<[](F&, String path, String name) { return BuildPath(path, name); }>(u"BuildPath")
+          .Method<[](F&, String path) { return ScriptPath(NativePath(path)); }>(
+              u"GetAbsolutePathName")
+          .Method<[](F&, String path) { return BaseNameOf(path); }>(u"GetBaseName")
+          .Method<[](F&, String path) { return ExtensionOf(path); }>(u"GetExtensionName")
+          .Method<[](F&, String path) { return FileNameOf(path); }>(u"GetFileName")
+          .Method<[](F&, String path) { return ParentOf(path); }>(u"GetParentFolderName")
+          .Method<[](F&, String path) { return DriveNameOf(path); }>(u"GetDriveName")
+          .Method<[](F&, String path) {
+            // Version resources belong to Windows executables; other files have none.
+            std::error_code ec;
+            const fs::path p = NativePath(path);
+            if (!fs::exists(p, ec) || fs::is_directory(p, ec)) Raise(kErrFileNotFound);
+            return String();
+          }>(u"GetFileVersion")
+          .Method<[](F&, int32_t which, std::optional<Variant> /*unicode*/) {
+            if (which < 0 || 2 < which) Raise(kErrInvalidCall);
+            return TextStream::Standard(which);
+          }>(u"GetStandardStream")
+          .Method<[](F&) { return TempName(); }>(u"GetTempName")
+          .Method<[](F&, String path) {
+            std::error_code ec;
+            const fs::path p = NativePath(path);
+            return fs::exists(p, ec) && !fs::is_directory(p, ec);
+          }>(u"FileExists")
+          .Method<[](F&, String path) {
+            std::error_code ec;
+            return fs::is_directory(NativePath(path), ec);
+          }>(u"FolderExists")
+          .Method<[](F&, String path) { return DriveNameOk(path); }>(u"DriveExists")
+          .Method<[](F&, String path) {
+            const fs::path p = NativePath(path);
+            std::error_code ec;
+            if (!fs::exists(p, ec) || fs::is_directory(p, ec)) Raise(kErrFileNotFound);
+            return MakeRef<File>(fs::absolute(p, ec));
+          }>(u"GetFile")
+          .Method<[](F&, String path) {
+            const fs::path p = NativePath(path);
+            std::error_code ec;
+            if (!fs::is_directory(p, ec)) Raise(kErrPathNotFound);
+            return MakeRef<Folder>(fs::absolute(p, ec).lexically_normal());
+          }>(u"GetFolder")
+          .Method<[](F&, String path) {
+            if (!DriveNameOk(path)) Raise(68);  // "Device unavailable"
+            return MakeRef<Drive>();
+          }>(u"GetDrive")
           .Property(u"Drives",
                     [](F&, Args a) { return ApplyArgs(Variant(MakeRef<DriveList>()), a); })
-          .Method(u"GetSpecialFolder", [](F&, Args a) { return SpecialFolder(a); })
-          .Method(u"CreateFolder", [](F&, Args a) { return CreateFolder(a); })
-          .Method(u"CreateTextFile", [](F&, Args a) { return CreateTextFile(a); })
-          .Method(u"OpenTextFile", [](F&, Args a) { return OpenTextFile(a); })
-          .Method(u"CopyFile",
-                  [](F&, Args a) {
-                    CopyFiles(a, false);
-                    return Variant();
-                  })
-          .Method(u"CopyFolder",
-                  [](F&, Args a) {
-                    CopyFiles(a, true);
-                    return Variant();
-                  })
-          .Method(u"MoveFile",
-                  [](F&, Args a) {
-                    MoveFiles(a, false);
-                    return Variant();
-                  })
-          .Method(u"MoveFolder",
-                  [](F&, Args a) {
-                    MoveFiles(a, true);
-                    return Variant();
-                  })
-          .Method(u"DeleteFile",
-                  [](F&, Args a) {
-                    DeleteFiles(a, false);
-                    return Variant();
-                  })
-          .Method(u"DeleteFolder", [](F&, Args a) {
-            DeleteFiles(a, true);
-            return Variant();
-          });
+          .Method<[](F&, int32_t which) { return SpecialFolder(which); }>(u"GetSpecialFolder")
+          .Method<[](F&, String path) { return CreateFolder(path); }>(u"CreateFolder")
+          .Method<[](F&, String path, std::optional<bool> overwrite, std::optional<bool> unicode) {
+            return CreateTextFile(path, overwrite, unicode);
+          }>(u"CreateTextFile")
+          .Method<[](F&, String path, std::optional<int32_t> mode, std::optional<bool> create,
+                     std::optional<int32_t> format) {
+            return OpenTextFile(path, mode, create, format);
+          }>(u"OpenTextFile")
+          .Method<[](F&, String from, String to, std::optional<bool> overwrite) {
+            CopyFiles(from, to, overwrite.value_or(true), false);
+          }>(u"CopyFile")
+          .Method<[](F&, String from, String to, std::optional<bool> overwrite) {
+            CopyFiles(from, to, overwrite.value_or(true), true);
+          }>(u"CopyFolder")
+          .Method<[](F&, String from, String to) { MoveFiles(from, to, false); }>(u"MoveFile")
+          .Method<[](F&, String from, String to) { MoveFiles(from, to, true); }>(u"MoveFolder")
+          .Method<[](F&, String path, std::optional<bool> force) {
+            DeleteFiles(path, force.value_or(false), false);
+          }>(u"DeleteFile")
+          .Method<[](F&, String path, std::optional<bool> force) {
+            DeleteFiles(path, force.value_or(false), true);
+          }>(u"DeleteFolder");
   return table;
 }
 

@@ -231,19 +231,13 @@ class SubMatches : public DispatchObject<SubMatches> {
   static const DispatchTable<SubMatches>& Table() {
     static const auto table =
         DispatchTable<SubMatches>(u"ISubMatches")
-            .Property(u"Item",
-                      [](SubMatches& s, Args a) {
-                        CheckArgCount(a, 1, 1);
-                        const int32_t i = ToLong(a[0]);
-                        if (i < 0 || static_cast<size_t>(i) >= s.groups_.size())
-                          throw Error(kErrInvalidCall);
-                        return s.groups_[i];
-                      })
+            .Property<[](SubMatches& s, int32_t i) {
+              if (i < 0 || static_cast<size_t>(i) >= s.groups_.size()) throw Error(kErrInvalidCall);
+              return s.groups_[i];
+            }>(u"Item")
             .Default(u"Item")
-            .Property(u"Count", [](SubMatches& s, Args a) {
-              CheckArgCount(a, 0, 0);
-              return Variant(static_cast<int32_t>(s.groups_.size()));
-            });
+            .Property<[](SubMatches& s) { return static_cast<int32_t>(s.groups_.size()); }>(
+                u"Count");
     return table;
   }
   Ref<Enumerator> NewEnum() override;
@@ -302,19 +296,13 @@ class MatchCollection : public DispatchObject<MatchCollection> {
   static const DispatchTable<MatchCollection>& Table() {
     static const auto table =
         DispatchTable<MatchCollection>(u"IMatchCollection2")
-            .Property(u"Item",
-                      [](MatchCollection& c, Args a) {
-                        CheckArgCount(a, 1, 1);
-                        const int32_t i = ToLong(a[0]);
-                        if (i < 0 || static_cast<size_t>(i) >= c.items_.size())
-                          throw Error(kErrInvalidCall);
-                        return c.items_[i];
-                      })
+            .Property<[](MatchCollection& c, int32_t i) {
+              if (i < 0 || static_cast<size_t>(i) >= c.items_.size()) throw Error(kErrInvalidCall);
+              return c.items_[i];
+            }>(u"Item")
             .Default(u"Item")
-            .Property(u"Count", [](MatchCollection& c, Args a) {
-              CheckArgCount(a, 0, 0);
-              return Variant(static_cast<int32_t>(c.items_.size()));
-            });
+            .Property<[](MatchCollection& c) { return static_cast<int32_t>(c.items_.size()); }>(
+                u"Count");
     return table;
   }
   Ref<Enumerator> NewEnum() override { return MakeRef<ListEnumerator>(items_); }
@@ -323,10 +311,11 @@ class MatchCollection : public DispatchObject<MatchCollection> {
   std::vector<Variant> items_;
 };
 
-String TextArg(Args a, size_t i) {
-  CheckArgCount(a, i + 1, i + 1);
-  return Text(a[i]);
-}
+// A text argument, converted as Text() does.
+struct TextArg {
+  String text;
+  static TextArg FromScript(const Variant& arg) { return {Text(arg)}; }
+};
 
 bool BoolArg(const Variant& v) {
   return ToBool(v);
@@ -349,19 +338,17 @@ const DispatchTable<RegExp>& RegExp::Table() {
           .Property(
               u"Multiline", [](RegExp& r, Args) { return Variant(r.multiline); },
               [](RegExp& r, Args, const Variant& v) { r.multiline = BoolArg(v); })
-          .Method(u"Test", [](RegExp& r, Args a) { return Variant(r.Test(TextArg(a, 0))); })
-          .Method(u"Execute",
-                  [](RegExp& r, Args a) {
-                    return Variant(MakeRef<MatchCollection>(r.Matches(TextArg(a, 0))));
-                  })
-          .Method(u"Replace", [](RegExp& r, Args a) {
-            CheckArgCount(a, 2, 2);
-            if (a[1].is_object() && a[1].as_object()) {
-              const Ref<Object> replacer(a[1].as_object());
-              return Variant(r.Replace(Text(a[0]), *replacer));
+          .Method<[](RegExp& r, TextArg source) { return r.Test(source.text); }>(u"Test")
+          .Method<[](RegExp& r, TextArg source) {
+            return MakeRef<MatchCollection>(r.Matches(source.text));
+          }>(u"Execute")
+          .Method<[](RegExp& r, TextArg source, const Variant& with) {
+            if (with.is_object() && with.as_object()) {
+              const Ref<Object> replacer(with.as_object());
+              return r.Replace(source.text, *replacer);
             }
-            return Variant(r.Replace(Text(a[0]), Text(a[1])));
-          });
+            return r.Replace(source.text, Text(with));
+          }>(u"Replace");
   return table;
 }
 

@@ -4,6 +4,7 @@
 #include "vbscript/script_control.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "automation/convert.h"
@@ -111,40 +112,16 @@ const DispatchTable<ScriptControl>& ScriptControl::Table() {
               u"UseSafeSubset", [](SC& c, Args) { return Variant(c.safe_subset_); },
               [](SC& c, Args, const Variant& v) { c.safe_subset_ = ToBool(v); })
           .Property(u"State", [](SC&, Args) { return Variant(int32_t{1}); })
-          .Method(u"AddCode",
-                  [](SC& c, Args args) {
-                    CheckArgCount(args, 1, 1);
-                    c.engine_->AddCode(ToString(args[0]));
-                    return Variant();
-                  })
-          .Method(u"Eval",
-                  [](SC& c, Args args) {
-                    CheckArgCount(args, 1, 1);
-                    return c.engine_->Eval(ToString(args[0]));
-                  })
-          .Method(u"ExecuteStatement",
-                  [](SC& c, Args args) {
-                    CheckArgCount(args, 1, 1);
-                    c.engine_->ExecuteStatement(ToString(args[0]));
-                    return Variant();
-                  })
+          .Method<[](SC& c, String code) { c.engine_->AddCode(code); }>(u"AddCode")
+          .Method<[](SC& c, String expression) { return c.engine_->Eval(expression); }>(u"Eval")
+          .Method<[](SC& c, String statement) { c.engine_->ExecuteStatement(statement); }>(
+              u"ExecuteStatement")
           .Method(u"Run", [](SC& c, Args args) { return RunIn(c.engine_->GlobalModule(), args); })
-          .Method(u"AddObject",
-                  [](SC& c, Args args) {
-                    CheckArgCount(args, 2, 3);
-                    if (!args[1].is_object() || !args[1].as_object())
-                      throw Error(kErrObjectRequired);
-                    const bool members = args.size() > 2 && ToBool(args[2]);
-                    c.engine_->AddObject(ToString(args[0]), Ref<Object>(args[1].as_object()),
-                                         members);
-                    return Variant();
-                  })
-          .Method(u"Reset",
-                  [](SC& c, Args args) {
-                    CheckArgCount(args, 0, 0);
-                    c.engine_->Reset();
-                    return Variant();
-                  })
+          .Method<[](SC& c, String name, const Variant& object, std::optional<bool> members) {
+            if (!object.is_object() || !object.as_object()) throw Error(kErrObjectRequired);
+            c.engine_->AddObject(name, Ref<Object>(object.as_object()), members.value_or(false));
+          }>(u"AddObject")
+          .Method<[](SC& c) { c.engine_->Reset(); }>(u"Reset")
           .Property(u"Error",
                     [](SC& c, Args) { return Variant(MakeRef<ControlError>(Ref<SC>(&c))); })
           .Property(u"Modules",
@@ -196,21 +173,17 @@ const DispatchTable<ProcedureList>& ProcedureList::Table() {
       DispatchTable<L>(u"Procedures")
           .Property(u"Count",
                     [](L& l, Args) { return Variant(static_cast<int32_t>(l.items.size())); })
-          .Method(u"Item",
-                  [](L& l, Args args) {
-                    CheckArgCount(args, 1, 1);
-                    if (args[0].is_string()) {
-                      for (const auto& p : l.items) {
-                        if (EqualsNoCase(p.Name, args[0].as_string()))
-                          return Variant(MakeRef<ProcedureObject>(p));
-                      }
-                      throw Error(kErrSubscript);
-                    }
-                    const int32_t i = ToLong(args[0]);
-                    if (i < 1 || static_cast<size_t>(i) > l.items.size())
-                      throw Error(kErrSubscript);
-                    return Variant(MakeRef<ProcedureObject>(l.items[i - 1]));
-                  })
+          .Method<[](L& l, const Variant& index) {
+            if (index.is_string()) {
+              for (const auto& p : l.items) {
+                if (EqualsNoCase(p.Name, index.as_string())) return MakeRef<ProcedureObject>(p);
+              }
+              throw Error(kErrSubscript);
+            }
+            const int32_t i = ToLong(index);
+            if (i < 1 || l.items.size() < static_cast<size_t>(i)) throw Error(kErrSubscript);
+            return MakeRef<ProcedureObject>(l.items[i - 1]);
+          }>(u"Item")
           .Default(u"Item");
   return table;
 }
@@ -220,23 +193,10 @@ const DispatchTable<ModuleObject>& ModuleObject::Table() {
   static const auto table =
       DispatchTable<M>(u"Module")
           .Property(u"Name", [](M& m, Args) { return Variant(m.name()); })
-          .Method(u"AddCode",
-                  [](M& m, Args args) {
-                    CheckArgCount(args, 1, 1);
-                    m.module().AddCode(ToString(args[0]));
-                    return Variant();
-                  })
-          .Method(u"Eval",
-                  [](M& m, Args args) {
-                    CheckArgCount(args, 1, 1);
-                    return m.module().Eval(ToString(args[0]));
-                  })
-          .Method(u"ExecuteStatement",
-                  [](M& m, Args args) {
-                    CheckArgCount(args, 1, 1);
-                    m.module().ExecuteStatement(ToString(args[0]));
-                    return Variant();
-                  })
+          .Method<[](M& m, String code) { m.module().AddCode(code); }>(u"AddCode")
+          .Method<[](M& m, String expression) { return m.module().Eval(expression); }>(u"Eval")
+          .Method<[](M& m, String statement) { m.module().ExecuteStatement(statement); }>(
+              u"ExecuteStatement")
           .Method(u"Run", [](M& m, Args args) { return RunIn(m.module(), args); })
           .Property(u"Procedures", [](M& m, Args args) { return ProceduresOf(m.module(), args); })
           .Default(u"Name");
@@ -250,21 +210,16 @@ const DispatchTable<ModuleList>& ModuleList::Table() {
           .Property(
               u"Count",
               [](L& l, Args) { return Variant(static_cast<int32_t>(l.engine().ModuleCount())); })
-          .Method(u"Item",
-                  [](L& l, Args args) {
-                    CheckArgCount(args, 1, 1);
-                    if (args[0].is_string())
-                      return Variant(l.Wrap(l.engine().Modules(args[0].as_string())));
-                    const int32_t i = ToLong(args[0]);
-                    if (i < 1 || static_cast<size_t>(i) > l.engine().ModuleCount())
-                      throw Error(kErrSubscript);
-                    return Variant(l.Wrap(l.engine().ModuleAt(static_cast<size_t>(i - 1))));
-                  })
-          .Method(u"Add",
-                  [](L& l, Args args) {
-                    CheckArgCount(args, 1, 2);
-                    return Variant(l.Wrap(l.engine().AddModule(ToString(args[0]))));
-                  })
+          .Method<[](L& l, const Variant& index) {
+            if (index.is_string()) return l.Wrap(l.engine().Modules(index.as_string()));
+            const int32_t i = ToLong(index);
+            if (i < 1 || l.engine().ModuleCount() < static_cast<size_t>(i))
+              throw Error(kErrSubscript);
+            return l.Wrap(l.engine().ModuleAt(static_cast<size_t>(i - 1)));
+          }>(u"Item")
+          .Method<[](L& l, String name, std::optional<Variant> /*visibility*/) {
+            return l.Wrap(l.engine().AddModule(name));
+          }>(u"Add")
           .Default(u"Item");
   return table;
 }

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 
 #include "automation/convert.h"
 
@@ -243,74 +244,24 @@ void TextStream::Close() {
   at_ = SIZE_MAX;
 }
 
-namespace {
-
-String TextArg(Args a, size_t i) {
-  if (i >= a.size()) return {};
-  return ToString(a[i]);
-}
-
-}  // namespace
-
 const DispatchTable<TextStream>& TextStream::Table() {
   using T = TextStream;
   static const auto table =
       DispatchTable<T>(u"TextStream")
-          .Method(u"Read",
-                  [](T& t, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    return Variant(t.Read(ToLong(a[0])));
-                  })
-          .Method(u"ReadLine",
-                  [](T& t, Args a) {
-                    CheckArgCount(a, 0, 0);
-                    return Variant(t.ReadLine());
-                  })
-          .Method(u"ReadAll",
-                  [](T& t, Args a) {
-                    CheckArgCount(a, 0, 0);
-                    return Variant(t.ReadAll());
-                  })
-          .Method(u"Skip",
-                  [](T& t, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    t.Skip(ToLong(a[0]));
-                    return Variant();
-                  })
-          .Method(u"SkipLine",
-                  [](T& t, Args a) {
-                    CheckArgCount(a, 0, 0);
-                    t.SkipLine();
-                    return Variant();
-                  })
-          .Method(u"Write",
-                  [](T& t, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    t.Write(TextArg(a, 0));
-                    return Variant();
-                  })
-          .Method(u"WriteLine",
-                  [](T& t, Args a) {
-                    CheckArgCount(a, 0, 1);
-                    t.WriteLine(TextArg(a, 0));
-                    return Variant();
-                  })
-          .Method(u"WriteBlankLines",
-                  [](T& t, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    t.WriteBlankLines(ToLong(a[0]));
-                    return Variant();
-                  })
-          .Method(u"Close",
-                  [](T& t, Args a) {
-                    CheckArgCount(a, 0, 0);
-                    t.Close();
-                    return Variant();
-                  })
-          .Property(u"AtEndOfStream", [](T& t, Args) { return Variant(t.AtEndOfStream()); })
-          .Property(u"AtEndOfLine", [](T& t, Args) { return Variant(t.AtEndOfLine()); })
-          .Property(u"Line", [](T& t, Args) { return Variant(t.line()); })
-          .Property(u"Column", [](T& t, Args) { return Variant(t.column()); });
+          .Method<&T::Read>(u"Read")
+          .Method<&T::ReadLine>(u"ReadLine")
+          .Method<&T::ReadAll>(u"ReadAll")
+          .Method<&T::Skip>(u"Skip")
+          .Method<&T::SkipLine>(u"SkipLine")
+          .Method<&T::Write>(u"Write")
+          .Method<[](T& t, std::optional<String> text) { t.WriteLine(text.value_or(String())); }>(
+              u"WriteLine")
+          .Method<&T::WriteBlankLines>(u"WriteBlankLines")
+          .Method<&T::Close>(u"Close")
+          .Property<&T::AtEndOfStream>(u"AtEndOfStream")
+          .Property<&T::AtEndOfLine>(u"AtEndOfLine")
+          .Property<&T::line>(u"Line")
+          .Property<&T::column>(u"Column");
   return table;
 }
 
