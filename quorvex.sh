@@ -101,11 +101,13 @@ case "$cmd" in
     ensure_packages
     build fuzz
     seconds=${1:-60}
+    # Every target of fuzz/ lands in build-fuzz/fuzz/ (fuzz/CMakeLists.txt), so new ones join here.
     for f in "$ROOT"/build-fuzz/fuzz/fuzz_*; do
-      [ -x "$f" ] || continue
+      [ -f "$f" ] && [ -x "$f" ] || continue
       name=$(basename "$f")
       mkdir -p "$ROOT/build-fuzz/corpus/$name"
-      seeds=("$ROOT/fuzz/seeds/${name#fuzz_}")
+      seeds=()
+      [ -d "$ROOT/fuzz/seeds/${name#fuzz_}" ] && seeds+=("$ROOT/fuzz/seeds/${name#fuzz_}")
       # The conformance scripts are the best seeds of the script front end; no need to copy them.
       [ "$name" = fuzz_vbscript ] && seeds+=("$ROOT/tests/vbscript/conformance")
       log "fuzzing $name for ${seconds}s"
