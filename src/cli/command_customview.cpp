@@ -8,6 +8,7 @@
 
 #include "automation/error.h"
 #include "cli/commands.h"
+#include "cli/host_project.h"
 #include "persistence/project_file.h"
 #include "root/create_tyx.h"
 #include "support/status.h"
@@ -24,20 +25,15 @@ struct CustomViewOptions {
   bool copy_fields = false;
 };
 
-[[noreturn]] void Fail(const String& words) {
-  std::fprintf(stderr, "%s\n", words.ToUtf8().c_str());
-  throw CLI::RuntimeError(kExitFailure);
-}
-
 void RunCustomView(const CustomViewOptions& o) {
   try {
     Ref<Tyx> tyx = CreateTyx();
     const String file = String::FromUtf8(o.project_file);
     LoadProjectFile(*tyx, file, [](Tyx&) {});
-    if (!tyx->ProjErr().empty()) Fail(tyx->ProjErr());
+    if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
     tyx->Services().LoadCustomView(*tyx, Variant(String::FromUtf8(o.name)),
                                    Variant(String::FromUtf8(o.sql)), Variant(o.copy_fields));
-    if (!tyx->ProjErr().empty()) Fail(tyx->ProjErr());
+    if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
     SaveProjectFile(*tyx, file);
     const TyxDatabase* db = tyx->Databases().Find(tyx->CurrentDbName);
     const TyxTable* view = db ? db->Tables().list().ByName(String::FromUtf8(o.name)) : nullptr;
@@ -45,7 +41,7 @@ void RunCustomView(const CustomViewOptions& o) {
                 view ? view->Fields().Count() : 0);
     SharedStatus().SetMode(StatusMode::kQuiet);
   } catch (const Error& e) {
-    Fail(e.description());
+    FailWith(e.description());
   }
 }
 

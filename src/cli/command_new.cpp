@@ -9,6 +9,7 @@
 
 #include "automation/error.h"
 #include "cli/commands.h"
+#include "cli/host_project.h"
 #include "persistence/project_file.h"
 #include "platform/data/connection.h"
 #include "platform/data/connection_string.h"
@@ -32,11 +33,6 @@ struct NewOptions {
   bool dynamic = false;
   bool force = false;
 };
-
-[[noreturn]] void Fail(const String& words) {
-  std::fprintf(stderr, "%s\n", words.ToUtf8().c_str());
-  throw CLI::RuntimeError(kExitFailure);
-}
 
 // The nine arguments of Tyx.LoadDB. "odbc:NAME" names a data source whose user and password
 // come from the options, "access:FILE" an Access file read through DAO (with --password for a
@@ -136,8 +132,8 @@ void RunNew(const NewOptions& o) {
   const fs::path file(o.project_file);
   const String title = Vars().ProductTitle;
   if (fs::exists(file) && !o.force) {
-    Fail(title + u": " + String::FromUtf8(o.project_file) +
-         u" already exists! Use --force to replace it.");
+    FailWith(title + u": " + String::FromUtf8(o.project_file) +
+             u" already exists! Use --force to replace it.");
   }
   try {
     Ref<Tyx> tyx = CreateTyx();
@@ -146,14 +142,14 @@ void RunNew(const NewOptions& o) {
     std::vector<Variant> args = LoadDbArguments(o);
     tyx->SetSQLQuote(ChooseQuoteStyle(o, args));
     tyx->Services().LoadDB(*tyx, args);
-    if (!tyx->ProjErr().empty()) Fail(tyx->ProjErr());
+    if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
     SaveProjectFile(*tyx, String::FromUtf8(o.project_file));
     const TyxDatabase* db = tyx->Databases().Find(tyx->CurrentDbName);
     std::printf("%s: %d tables and views from %s\n", o.project_file.c_str(),
                 db ? db->Tables().Count() : 0, db ? db->DBDBMSName().ToUtf8().c_str() : "");
     if (db) ListUnreadable(*db, o.dynamic);
   } catch (const Error& e) {
-    Fail(e.description());
+    FailWith(e.description());
   }
 }
 

@@ -7,6 +7,7 @@
 
 #include "automation/error.h"
 #include "cli/commands.h"
+#include "cli/host_project.h"
 #include "persistence/project_file.h"
 #include "root/create_tyx.h"
 #include "support/status.h"
@@ -22,27 +23,23 @@ struct ReportOptions {
   std::string from;
 };
 
-[[noreturn]] void Fail(const String& words) {
-  std::fprintf(stderr, "%s\n", words.ToUtf8().c_str());
-  throw CLI::RuntimeError(kExitFailure);
-}
-
 void RunReport(const ReportOptions& o) {
   try {
     Ref<Tyx> tyx = CreateTyx();
     const String file = String::FromUtf8(o.project_file);
     LoadProjectFile(*tyx, file, [](Tyx&) {});
-    if (!tyx->ProjErr().empty()) Fail(tyx->ProjErr());
+    if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
     const bool made = tyx->Services().LoadReport(*tyx, Variant(String::FromUtf8(o.name)),
                                                  Variant(String::FromUtf8(o.from)));
     if (!made || !tyx->ProjErr().empty()) {
-      Fail(tyx->ProjErr().empty() ? Vars().ProductTitle + u": Report not made!" : tyx->ProjErr());
+      FailWith(tyx->ProjErr().empty() ? Vars().ProductTitle + u": Report not made!"
+                                      : tyx->ProjErr());
     }
     SaveProjectFile(*tyx, file);
     std::printf("%s: report %s of %s\n", o.project_file.c_str(), o.name.c_str(), o.from.c_str());
     SharedStatus().SetMode(StatusMode::kQuiet);
   } catch (const Error& e) {
-    Fail(e.description());
+    FailWith(e.description());
   }
 }
 

@@ -9,6 +9,7 @@
 #include "automation/convert.h"
 #include "automation/error.h"
 #include "cli/commands.h"
+#include "cli/host_project.h"
 #include "persistence/project_file.h"
 #include "root/create_tyx.h"
 #include "support/status.h"
@@ -23,11 +24,6 @@ struct ShowOptions {
   std::string table;
   std::string field;
 };
-
-[[noreturn]] void Fail(const String& words) {
-  std::fprintf(stderr, "%s\n", words.ToUtf8().c_str());
-  throw CLI::RuntimeError(kExitFailure);
-}
 
 std::string ValueText(const Variant& value) {
   std::string text;
@@ -65,26 +61,26 @@ void RunShow(const ShowOptions& o) {
     Ref<Tyx> tyx = CreateTyx();
     // Showing a project never touches its database: no synchronisation check on loading.
     LoadProjectFile(*tyx, String::FromUtf8(o.project_file), [](Tyx&) {});
-    if (!tyx->ProjErr().empty()) Fail(tyx->ProjErr());
+    if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
     if (o.table.empty()) {
       PrintBag(tyx->Properties());
       return;
     }
     TyxDatabase* db = tyx->Databases().Find(tyx->CurrentDbName);
-    if (!db) Fail(title + u": Database not loaded!");
+    if (!db) FailWith(title + u": Database not loaded!");
     const String table_name = String::FromUtf8(o.table);
     TyxTable* table = db->Tables().list().ByName(table_name);
-    if (!table) Fail(title + u": Table " + table_name + u" not found!");
+    if (!table) FailWith(title + u": Table " + table_name + u" not found!");
     if (o.field.empty()) {
       PrintBag(table->Properties());
       return;
     }
     const String field_name = String::FromUtf8(o.field);
     TyxField* field = table->Fields().list().ByName(field_name);
-    if (!field) Fail(title + u": Field " + field_name + u" not found in " + table_name + u"!");
+    if (!field) FailWith(title + u": Field " + field_name + u" not found in " + table_name + u"!");
     PrintBag(field->Properties());
   } catch (const Error& e) {
-    Fail(e.description());
+    FailWith(e.description());
   }
 }
 

@@ -1,13 +1,14 @@
 // `quorvex tables <project-file>`: the tables and views of a project, one line each, in the
 // order of the project (TblSeq): name, type, key, number of fields and whether pages are
 // generated for it.
-#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <vector>
 
 #include "automation/error.h"
 #include "cli/commands.h"
+#include "cli/host_columns.h"
+#include "cli/host_project.h"
 #include "persistence/project_file.h"
 #include "root/create_tyx.h"
 #include "support/status.h"
@@ -17,36 +18,14 @@ namespace qv::cli {
 
 namespace {
 
-[[noreturn]] void Fail(const String& words) {
-  std::fprintf(stderr, "%s\n", words.ToUtf8().c_str());
-  throw CLI::RuntimeError(kExitFailure);
-}
-
-void PrintRows(const std::vector<std::vector<std::string>>& rows) {
-  std::vector<size_t> widths;
-  for (const auto& row : rows) {
-    widths.resize(std::max(widths.size(), row.size()));
-    for (size_t i = 0; i < row.size(); ++i)
-      widths[i] = std::max(widths[i], row[i].size());
-  }
-  for (const auto& row : rows) {
-    std::string line;
-    for (size_t i = 0; i < row.size(); ++i) {
-      line += row[i];
-      if (i + 1 < row.size()) line += std::string(widths[i] - row[i].size() + 2, ' ');
-    }
-    std::printf("%s\n", line.c_str());
-  }
-}
-
 void RunTables(const std::string& project_file) {
   try {
     Ref<Tyx> tyx = CreateTyx();
     // Listing a project never touches its database: no synchronisation check on loading.
     LoadProjectFile(*tyx, String::FromUtf8(project_file), [](Tyx&) {});
-    if (!tyx->ProjErr().empty()) Fail(tyx->ProjErr());
+    if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
     TyxDatabase* db = tyx->Databases().Find(tyx->CurrentDbName);
-    if (!db) Fail(Vars().ProductTitle + u": Database not loaded!");
+    if (!db) FailWith(Vars().ProductTitle + u": Database not loaded!");
     std::vector<std::vector<std::string>> rows = {{"Seq", "Name", "Type", "Key", "Fields", "Gen"}};
     TyxTables& tables = db->Tables();
     for (int16_t seq = 1; seq <= tables.Count(); ++seq) {
@@ -56,10 +35,10 @@ void RunTables(const std::string& project_file) {
                       t->TblKey().ToUtf8(), std::to_string(t->Fields().Count()),
                       t->TblGen() ? "yes" : "no"});
     }
-    PrintRows(rows);
+    std::fputs(FormatColumns(rows).c_str(), stdout);
     SharedStatus().SetMode(StatusMode::kQuiet);  // dropping the project at exit isn't news
   } catch (const Error& e) {
-    Fail(e.description());
+    FailWith(e.description());
   }
 }
 

@@ -18,7 +18,11 @@ void AddHostOptions(CLI::App& app) {
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   app.add_flag("--no-input", options->never_ask,
                "Never ask on the terminal: unanswered questions take their safe default");
-  app.add_flag("--quiet", options->quiet, "Show no progress");
+  CLI::Option* quiet = app.add_flag("--quiet", options->quiet, "Show no progress");
+  app.add_flag("--progress", options->progress,
+               "Show every line of progress on stderr (when it is no terminal, only the title "
+               "of each stage shows otherwise)")
+      ->excludes(quiet);
   // Commands may stand before or after these options.
   app.fallthrough();
   app.parse_complete_callback([options] { ApplyHostPromptOptions(*options); });

@@ -9,6 +9,7 @@
 #include "cli/commands.h"
 #include "persistence/project_file.h"
 #include "root/create_tyx.h"
+#include "support/status.h"
 #include "support/tyx_vars.h"
 
 namespace qv::cli {
@@ -16,6 +17,8 @@ namespace qv::cli {
 void FailWith(const String& words) {
   std::fflush(stdout);
   std::fprintf(stderr, "%s\n", words.ToUtf8().c_str());
+  // The command is over: dropping its project on the way out must not bury the words above.
+  SharedStatus().SetMode(StatusMode::kQuiet);
   throw CLI::RuntimeError(kExitFailure);
 }
 

@@ -11,7 +11,10 @@
 namespace qv {
 
 void ApplyHostPromptOptions(const HostPromptOptions& options) {
-  SharedStatus().SetMode(options.quiet ? StatusMode::kQuiet : StatusMode::kAuto);
+  const StatusMode mode = options.quiet      ? StatusMode::kQuiet
+                          : options.progress ? StatusMode::kPlain
+                                             : StatusMode::kAuto;
+  SharedStatus().SetMode(mode);
   const bool scripted = !options.answers.empty() || options.never_ask || !::isatty(STDIN_FILENO);
   if (!scripted) {
     SetCurrentPrompter(std::make_unique<InteractivePrompter>());

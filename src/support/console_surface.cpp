@@ -21,7 +21,7 @@ void ConsoleSurface::SetMode(StatusMode mode) {
 StatusMode ConsoleSurface::effective_mode() const {
   if (!out_) return StatusMode::kQuiet;
   if (mode_ != StatusMode::kAuto) return mode_;
-  return ::isatty(::fileno(out_)) ? StatusMode::kTerminal : StatusMode::kPlain;
+  return ::isatty(::fileno(out_)) ? StatusMode::kTerminal : StatusMode::kTitles;
 }
 
 void ConsoleSurface::Open(int form, StringView title) {
@@ -36,6 +36,7 @@ void ConsoleSurface::Open(int form, StringView title) {
       Draw();
       break;
     case StatusMode::kPlain:
+    case StatusMode::kTitles:
       PrintLine(title_);
       break;
     default:

@@ -1,6 +1,6 @@
 // The console stand-in for the progress window: on a terminal one line on stderr, rewritten in
-// place (with a bar in the third form); on anything else plain lines, one per new text, so
-// logs stay readable; nothing at all in quiet mode.
+// place (with a bar in the third form); on anything else the title of each stage as a line of
+// its own, or in plain mode every new text too; nothing at all in quiet mode.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@ class ConsoleSurface {
 
   void SetMode(StatusMode mode);
   StatusMode mode() const { return mode_; }
-  // The mode in use: Auto resolved to Terminal or Plain.
+  // The mode in use: Auto resolved to Terminal or Titles.
   StatusMode effective_mode() const;
 
   // form 1, 2 or 3 (3 shows a bar).

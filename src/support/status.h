@@ -1,6 +1,6 @@
 // TyxStatus: progress and status for long operations, and the place where a run hears that the
 // user cancelled. The window of the original product is a console surface on stderr here: a
-// status line, a bar for the third form, plain lines when stderr is no terminal; Ctrl-C sets
+// status line, a bar for the third form, stage titles when stderr is no terminal; Ctrl-C sets
 // the cancel flag. Visible to scripts under the same member names.
 #pragma once
 
@@ -16,8 +16,10 @@ namespace qv {
 
 class ConsoleSurface;
 
-// How the surface shows itself. Auto picks Terminal when the output is a terminal, else Plain.
-enum class StatusMode : uint8_t { kAuto, kQuiet, kPlain, kTerminal };
+// How the surface shows itself. Auto picks Terminal when the output is a terminal, else Titles:
+// a log gets the title of each stage and never a line per table or field, so that an error
+// does not drown in progress. Plain writes every line as a line of its own.
+enum class StatusMode : uint8_t { kAuto, kQuiet, kPlain, kTerminal, kTitles };
 
 class TyxStatus : public DispatchObject<TyxStatus> {
  public:

@@ -3,6 +3,7 @@
 // set / defaults / extension on a real project file made from the Chinook sample.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 
 #include "cli/run_quorvex.h"
@@ -108,10 +109,16 @@ TEST(HostScript, ExitStatusArgumentsAndErrorReports) {
 TEST(HostOptions, StandBeforeOrAfterTheCommand) {
   const auto dir = FreshDir("host-options");
   const std::string db = "sqlite:" + kChinook;
-  // Progress goes to stderr unless --quiet, wherever the option stands.
+  // Progress goes to stderr unless --quiet, wherever the option stands; into a pipe only the
+  // title of each stage, every line with --progress.
   const auto loud = Quorvex(dir, {"new", "a.qvp", "--db", db});
   ASSERT_EQ(loud.status, 0) << loud.err;
   EXPECT_TRUE(Has(loud.err, "Quorvex - Loading Database...")) << loud.err;
+  EXPECT_FALSE(Has(loud.err, "Loading TABLE")) << loud.err;
+  const auto every = Quorvex(dir, {"new", "e.qvp", "--db", db, "--progress"});
+  ASSERT_EQ(every.status, 0) << every.err;
+  EXPECT_TRUE(Has(every.err, "Loading TABLE")) << every.err;
+  EXPECT_NE(Quorvex(dir, {"--quiet", "--progress", "new", "f.qvp", "--db", db}).status, 0);
   const auto after = Quorvex(dir, {"new", "b.qvp", "--quiet", "--db", db});
   ASSERT_EQ(after.status, 0) << after.err;
   EXPECT_EQ(after.err, "");
@@ -165,7 +172,12 @@ TEST(EditingCommands, SetChangesProjectTableAndFieldSettings) {
   for (const auto& f : failures) {
     const auto run = Quorvex(dir, f.args);
     EXPECT_NE(run.status, 0) << f.words;
-    EXPECT_TRUE(Has(run.err, f.words)) << run.err;
+    ASSERT_TRUE(Has(run.err, f.words)) << run.err;
+    // The error stands last, after a few stage titles at most: never drowned in progress.
+    const size_t last_line = run.err.rfind('\n', run.err.size() - 2);
+    EXPECT_TRUE(Has(run.err.substr(last_line == std::string::npos ? 0 : last_line), f.words))
+        << run.err;
+    EXPECT_LE(std::count(run.err.begin(), run.err.end(), '\n'), 4) << run.err;
   }
   EXPECT_EQ(Slurp(project), before);
 

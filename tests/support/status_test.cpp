@@ -55,6 +55,17 @@ TEST_F(StatusTest, PlainLinesShowTitleTextAndTenthsOfTheBar) {
             "  60%\n  70%\n  80%\n  90%\n  100%\n");
 }
 
+TEST_F(StatusTest, ALogGetsTheStageTitlesOnly) {
+  TyxStatus status(StatusMode::kAuto, out_);  // a file, not a terminal
+  status.ShowStatus3(Variant(int32_t{0}), Variant(LengthMarked(u"Quorvex - Loading Database...")));
+  status.DispStatus(Variant(String(u"Loading TABLE Customers...")));
+  status.SetStatus(Variant(int16_t{50}));
+  status.CloseStatus();
+  status.ShowStatus2(Variant(int32_t{0}), Variant(LengthMarked(u"Quorvex - Saving...")));
+  status.DispStatus(Variant(String(u"Orders")));
+  EXPECT_EQ(Output(), "Quorvex - Loading Database...\nQuorvex - Saving...\n");
+}
+
 TEST_F(StatusTest, WithoutAWindowNothingHappens) {
   TyxStatus status(StatusMode::kPlain, out_);
   status.DispStatus(Variant(String(u"ignored")));
