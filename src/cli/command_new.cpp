@@ -102,9 +102,9 @@ String ChooseQuoteStyle(const NewOptions& o, const std::vector<Variant>& args) {
     for (const char* style : kQuoteStyles) {
       if (o.quote == style) return String::FromUtf8(o.quote);
     }
-    Fail(Vars().ProductTitle + u": --quote " + String::FromUtf8(o.quote) +
-         u" is no quote style: use \"Double Quote\", \"Backquote\", \"Square Bracket\", "
-         u"\"Single Quote\" or \"None\"");
+    FailWith(Vars().ProductTitle + u": --quote " + String::FromUtf8(o.quote) +
+             u" is no quote style: use \"Double Quote\", \"Backquote\", \"Square Bracket\", "
+             u"\"Single Quote\" or \"None\"");
   }
   const String dbms = ProbeDbmsName(o, args);
   return dbms.empty() ? String() : QuoteStyleOf(dbms);
