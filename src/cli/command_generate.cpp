@@ -3,12 +3,14 @@
 // a run would touch output that exists (exit 0 no, 1 yes, 2 on error). The project file itself
 // is left as it is: what a run changes in the project (tables without a key lose their edit
 // pages) is redone by every run.
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "automation/convert.h"
 #include "automation/error.h"
@@ -16,6 +18,7 @@
 #include "cli/host_project.h"
 #include "platform/prompter.h"
 #include "script/script_host.h"
+#include "support/data_folder.h"
 #include "support/status.h"
 #include "support/tyx_vars.h"
 
@@ -27,6 +30,7 @@ struct GenerateOptions {
   std::string dest;
   std::string template_file;
   std::string overwrite;  // "", "ask", "all" or "skip"
+  std::string language;   // a language file of the data folder, in place of the saved Language
   bool keep_template = false;
   bool refresh_template = false;
 };
@@ -52,6 +56,37 @@ class TemplateChoicePrompter : public Prompter {
   size_t button_;
 };
 
+// The languages the data folder offers: the names of its languages/*.xml, sorted.
+std::vector<std::string> AvailableLanguages() {
+  std::vector<std::string> names;
+  std::error_code ec;
+  for (const auto& entry : std::filesystem::directory_iterator(DataFolder() / "languages", ec)) {
+    const std::filesystem::path& path = entry.path();
+    if (entry.is_regular_file(ec) && path.extension() == ".xml") {
+      names.push_back(path.stem().string());
+    }
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+// The language as its file spells it: "german" finds German.xml, since a user types the name
+// of a language, not of a file. An unknown name fails, listing the ones there are.
+String LanguageName(const std::string& wanted) {
+  const std::vector<std::string> names = AvailableLanguages();
+  for (const std::string& name : names) {
+    if (EqualsNoCase(String::FromUtf8(name), String::FromUtf8(wanted))) {
+      return String::FromUtf8(name);
+    }
+  }
+  std::string list;
+  for (const std::string& name : names)
+    list += (list.empty() ? "" : ", ") + name;
+  FailWith(
+      ProductMessage(String::FromUtf8("Unknown language \"" + wanted + "\"! Available languages: " +
+                                      (list.empty() ? std::string("none") : list) + ".")));
+}
+
 String AbsolutePath(const std::string& path) {
   std::error_code ec;
   const std::filesystem::path full = std::filesystem::absolute(path, ec);
@@ -62,6 +97,7 @@ Ref<Tyx> PrepareProject(const GenerateOptions& options) {
   Ref<Tyx> tyx = OpenProject(options.project_file);
   if (!options.dest.empty()) tyx->SetDestination(AbsolutePath(options.dest));
   if (!options.template_file.empty()) tyx->SetTemplate(AbsolutePath(options.template_file));
+  if (!options.language.empty()) tyx->Language = LanguageName(options.language);
   if (TrimBlanks(tyx->Destination()).empty()) {
     FailWith(
         ProductMessage(u"No destination folder! Set Destination in the project or give "
@@ -165,6 +201,10 @@ void AddGenerateCommand(CLI::App& app) {
       cmd->add_flag("--refresh-template", options->refresh_template,
                     "Unpack a changed template package again, over the unpacked one");
   keep->excludes(refresh);
+  cmd->add_option("--language", options->language,
+                  "The language of the application's texts for this run (a file of the data "
+                  "folder's languages/, such as English or German), in place of the saved "
+                  "Language");
   cmd->callback([options] { RunGenerate(*options); });
 
   auto check_options = std::make_shared<GenerateOptions>();

@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <regex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -172,6 +174,70 @@ TEST(GenerateCommand, BadInputEndsWithTheEnginesWords) {
   EXPECT_TRUE(Has(run.err, "Quorvex: Template file not found! Generation aborted!")) << run.err;
   run = Quorvex(dir, {"generate", "chin.qvp", "--dest", "site", "--overwrite", "maybe"});
   EXPECT_NE(run.status, 0);
+}
+
+// The phrase ids of a language file of ours, with their texts.
+std::map<std::string, std::string> Phrases(const sfs::path& file) {
+  const std::string xml = Slurp(file);
+  static const std::regex phrase(R"re(<phrase id="([^"]*)" value="([^"]*)"/>)re");
+  std::map<std::string, std::string> phrases;
+  for (std::sregex_iterator it(xml.begin(), xml.end(), phrase), end; it != end; ++it) {
+    phrases[(*it)[1]] = (*it)[2];
+  }
+  return phrases;
+}
+
+TEST(GenerateCommand, LanguageOfOneRunAndTheShippedLanguages) {
+  // Every shipped language says everything that English says: a missing phrase would show as
+  // an empty label in the generated application.
+  const sfs::path languages = sfs::path(QV_SOURCE_DIR) / "share/languages";
+  const auto english = Phrases(languages / "English.xml");
+  ASSERT_GT(english.size(), 50u);
+  int others = 0;
+  for (const auto& entry : sfs::directory_iterator(languages)) {
+    if (entry.path().filename() == "English.xml") continue;
+    ++others;
+    auto phrases = Phrases(entry.path());
+    for (const auto& [id, text] : english) {
+      EXPECT_TRUE(phrases.contains(id)) << entry.path().filename() << " lacks " << id;
+      EXPECT_TRUE(text.empty() || !phrases[id].empty()) << entry.path().filename() << ": " << id;
+    }
+    EXPECT_NE(phrases["LocaleId"], english.at("LocaleId")) << entry.path().filename();
+  }
+  EXPECT_GE(others, 1);
+
+  const sfs::path dir = FreshDir("generate-language");
+  testing::WriteZip(
+      (dir / "pack.zip").string(),
+      {{"control.xml",
+        "<QuorvexControl date=\"2026/11/25\" version=\"5.3\" desc=\"Test\" author=\"Tests\">\n"
+        " <control id=\"home\" type=\"other\" ifiles=\"home.htm\" ofile=\"default\" oext=\"*\">\n"
+        "  <session type=\"key\" value=\"k\"/>\n </control>\n</QuorvexControl>\n"},
+       {"home.htm",
+        "<!--##session k##--><!--##@Home##--> <!--##@LocaleId##--><!--##/session##-->"}});
+  const std::string chinook = std::string(QV_SHARED_DATA) + "/sqlite/chinook.sqlite";
+  ASSERT_EQ(Quorvex(dir, {"new", "chin.qvp", "--db", "sqlite:" + chinook}).status, 0);
+  const auto generate = [&](const std::string& language) {
+    return Quorvex(dir, {"generate", "chin.qvp", "--dest", "site", "--template", "pack.zip",
+                         "--overwrite", "all", "--language", language});
+  };
+  // Names are matched without regard to case; a change of language translates the pages anew.
+  cli_testing::Run run = generate("german");
+  ASSERT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(Slurp(dir / "site/default.asp"), "Startseite 1031\r\n");
+  run = generate("English");
+  ASSERT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(Slurp(dir / "site/default.asp"), "Home 1033\r\n");
+
+  run = generate("Klingon");
+  EXPECT_EQ(run.status, 1);
+  EXPECT_TRUE(Has(run.err,
+                  "Quorvex: Unknown language \"Klingon\"! Available languages: "
+                  "English, German."))
+      << run.err;
+  EXPECT_EQ(Slurp(dir / "site/default.asp"), "Home 1033\r\n");
+  run = generate("../languages/English");
+  EXPECT_EQ(run.status, 1);
 }
 
 }  // namespace
