@@ -3,7 +3,7 @@
 #
 #   ./quorvex.sh build   configure and build (incremental)
 #   ./quorvex.sh test    build, then run every test: the normal build and the sanitizer build
-#   ./quorvex.sh demo    build, then run a generation on the bundled sample
+#   ./quorvex.sh demo    build the programs, then generate the sample shop's application and serve it
 #   ./quorvex.sh bench   build, then run the benchmarks
 #   ./quorvex.sh fuzz [seconds]   build the libFuzzer targets with clang and run each briefly
 set -euo pipefail
@@ -18,7 +18,7 @@ PACKAGES=(
   mdbtools mdbtools-dev odbc-mdbtools
   postgresql odbc-postgresql mariadb-server odbc-mariadb
   lua5.4
-  libmicrohttpd-dev chromium wrk nginx-light
+  libmicrohttpd-dev chromium wrk nginx-light curl
 )
 
 log() { printf '\033[1m== %s\033[0m\n' "$*" >&2; }
@@ -66,6 +66,14 @@ build() {
   cmake --build --preset "$preset"
 }
 
+# The programs and their data folder only: the demo runs nothing else, and the test suites are
+# most of the compiling on a fresh machine.
+build_programs() {
+  configure default build
+  log "building the programs"
+  cmake --build --preset default --target programs
+}
+
 run_tests() {
   local preset=$1
   log "testing ($preset)"
@@ -89,7 +97,7 @@ case "$cmd" in
     ;;
   demo)
     ensure_packages
-    build default
+    build_programs
     exec "$ROOT/examples/demo.sh" "$ROOT/build"
     ;;
   bench)

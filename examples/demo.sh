@@ -1,42 +1,81 @@
 #!/usr/bin/env bash
-# The demo job: builds the sample shop database in SQLite from examples/shop.sql, creates a
-# project from it with `quorvex new`, and shows what the engine learned: the tables and views
-# with their keys, then the settings of one table and of one of its fields.
+# The demo: builds the sample shop database in SQLite from examples/shop.sql, makes a project of
+# it with `quorvex new`, generates the application with the default template package, serves it
+# with `quorvex serve`, checks that the home page and a list page answer, and prints the
+# address. On a terminal it keeps serving until Ctrl-C; otherwise (CI, a pipe) it stops after
+# the check, so that it can stand as a test of the whole product.
+#
+#   examples/demo.sh [BUILD_DIR]    QV_DEMO_DIR: the working folder (default: a new temporary one)
+#                                   QV_DEMO_PORT: the port to try first (default 8080)
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 build=${1:-"$here/../build"}
 quorvex="$(cd "$build" && pwd)/src/cli/quorvex"
 work=${QV_DEMO_DIR:-"$(mktemp -d "${TMPDIR:-/tmp}/quorvex-demo.XXXXXX")"}
 mkdir -p "$work"
+cd "$work"
 
 step() { printf '\n\033[1m== %s\033[0m\n' "$*"; }
+fail() {
+  printf '\033[1;31mThe demo failed: %s\033[0m\n' "$*" >&2
+  exit 1
+}
 
 echo "Quorvex engine $("$quorvex" --version), working in $work"
 
 step "Building the sample shop database (sqlite3 shop.db < examples/shop.sql)"
-rm -f "$work/shop.db" "$work/shop.qvp"
-sqlite3 "$work/shop.db" <"$here/shop.sql"
-sqlite3 "$work/shop.db" "SELECT type, count(*) FROM sqlite_master WHERE type IN ('table','view','index') GROUP BY type;"
+rm -rf shop.db shop.qvp app
+sqlite3 shop.db <"$here/shop.sql"
+sqlite3 shop.db "SELECT count(*) || ' tables' FROM sqlite_master WHERE type = 'table'
+                 AND name NOT LIKE 'sqlite_%';"
 
 step "quorvex new shop.qvp --db sqlite:shop.db"
-(cd "$work" && "$quorvex" new shop.qvp --db sqlite:shop.db 2>"$work/new.err") || { cat "$work/new.err" >&2; exit 1; }
+"$quorvex" new shop.qvp --db sqlite:shop.db 2>new.err || { cat new.err >&2; fail "quorvex new"; }
+"$quorvex" tables shop.qvp 2>/dev/null
 
-step "quorvex tables shop.qvp"
-(cd "$work" && "$quorvex" tables shop.qvp 2>/dev/null)
+step "quorvex generate shop.qvp --dest app"
+# A fresh folder asks nothing; --refresh-template picks up a package rebuilt since the last demo.
+"$quorvex" generate shop.qvp --dest app --overwrite all --refresh-template 2>generate.err ||
+  { cat generate.err >&2; fail "quorvex generate"; }
 
-step "quorvex show shop.qvp products (the table's settings)"
-(cd "$work" && "$quorvex" show shop.qvp products 2>/dev/null)
+step "quorvex serve app"
+server=
+log="$work/serve.log"
+stop_server() {
+  [ -n "$server" ] || return 0
+  kill -INT "$server" 2>/dev/null || true
+  wait "$server" 2>/dev/null || true
+  server=
+}
+trap stop_server EXIT
 
-step "quorvex show shop.qvp products name (one field's settings)"
-(cd "$work" && "$quorvex" show shop.qvp products name 2>/dev/null | head -n 40)
+# Starts the server on a port and waits for it to say where it listens; false when it stops
+# first (the port is taken).
+start_server() {
+  "$quorvex" serve app --port "$1" --workers 2 2>"$log" &
+  server=$!
+  for _ in $(seq 1 100); do
+    grep -q 'http://' "$log" 2>/dev/null && return 0
+    kill -0 "$server" 2>/dev/null || { server=; return 1; }
+    sleep 0.1
+  done
+  fail "quorvex serve said nothing for 10 seconds: $(cat "$log")"
+}
+start_server "${QV_DEMO_PORT:-8080}" || start_server 0 || fail "quorvex serve: $(cat "$log")"
+address=$(grep -o 'http://[0-9.]*:[0-9]*/' "$log" | head -n 1)
 
-step "A database that isn't there: quorvex new fails, says why, and writes no project file"
-if (cd "$work" && "$quorvex" new broken.qvp --db sqlite:missing.db 2>"$work/broken.err" >/dev/null); then
-  echo "unexpected success" >&2
-  exit 1
-fi
-tail -n 4 "$work/broken.err"
-test ! -e "$work/broken.qvp" && echo "(no broken.qvp was written)"
+# The home page answers, and so does the list page that its menu links first.
+home=$(curl -sSf "$address") || fail "the home page $address answers $(tail -n 3 "$log")"
+list=$(grep -o 'href="[^"#]*list[^"#]*\.asp[^"#]*"' <<<"$home" | head -n 1 | sed 's/^href="//; s/"$//')
+[ -n "$list" ] || fail "the home page links no list page"
+curl -sSf -o list.html "$address${list#/}" || fail "the list page $address${list#/} answers $(tail -n 3 "$log")"
+echo "home page: $(wc -c <<<"$home") bytes; list page ${list#/}: $(wc -c <list.html) bytes"
 
 echo
-echo "The project file is $work/shop.qvp"
+printf '\033[1mThe shop application runs at %s\033[0m\n' "$address"
+echo "(project: $work/shop.qvp, pages: $work/app)"
+if [ -t 1 ]; then
+  echo "Ctrl-C stops it."
+  wait "$server" || true
+  server=
+fi
