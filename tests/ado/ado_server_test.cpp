@@ -7,27 +7,14 @@
 
 #include "ado_script_support.h"
 #include "platform/data/connection.h"
+#include "platform/data/db_servers.h"
 
 namespace qv::ado::testing {
 namespace {
 
-std::filesystem::path ServerDir() {
-  const char* dir = std::getenv("QV_DB_DIR");
-  return dir ? dir : QV_DB_DIR_DEFAULT;
-}
-
-class ServerEnvironment : public ::testing::Environment {
- public:
-  void SetUp() override {
-    const std::string dir = ServerDir().string();
-    setenv("ODBCSYSINI", dir.c_str(), 1);
-    setenv("ODBCINI", (dir + "/odbc.ini").c_str(), 1);
-  }
-};
-const auto* const kEnvironment = ::testing::AddGlobalTestEnvironment(new ServerEnvironment);
-
+// A server and the spelling of the scripts' column types on it.
 struct Server {
-  const char* marker;
+  db_testing::Server server;
   Dialect dialect;
 };
 
@@ -37,13 +24,13 @@ std::string Prefix() {
 
 Server Postgres() {
   // psqlODBC reports Booleans as text unless told otherwise.
-  return {"pg.ok",
+  return {db_testing::kPostgres,
           {"pg", "DSN=qv_pg;BoolsAsChar=0", "id SERIAL PRIMARY KEY", "BYTEA", "TIMESTAMP",
            "BOOLEAN", "NUMERIC(19,4)", Prefix(), ""}};
 }
 
 Server Maria() {
-  return {"maria.ok",
+  return {db_testing::kMaria,
           {"maria", "DSN=qv_maria", "id INT AUTO_INCREMENT PRIMARY KEY", "LONGBLOB", "DATETIME",
            "BIT", "DECIMAL(19,4)", Prefix(), " CHARACTER SET utf8mb4"}};
 }
@@ -52,9 +39,7 @@ class AdoServerTest : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(AdoServerTest, Scripts) {
   const Server server = std::string(GetParam()) == "pg" ? Postgres() : Maria();
-  if (!std::filesystem::exists(ServerDir() / server.marker)) {
-    GTEST_SKIP() << GetParam() << " is not running here; skipping";
-  }
+  QV_SKIP_WITHOUT(server.server);
   for (const char* script :
        {"crud.vbs", "paging.vbs", "types.vbs", "transactions.vbs", "errors.vbs"}) {
     EXPECT_EQ(RunAdoScript(script, server.dialect), "") << script;
@@ -64,7 +49,7 @@ TEST_P(AdoServerTest, Scripts) {
 // A wrong password and a server that is down give the provider's failure, not a crash.
 TEST_P(AdoServerTest, LoginFailures) {
   const Server server = std::string(GetParam()) == "pg" ? Postgres() : Maria();
-  if (!std::filesystem::exists(ServerDir() / server.marker)) GTEST_SKIP();
+  QV_SKIP_WITHOUT(server.server);
   Dialect d = server.dialect;
   d.connection += ";UID=qv;PWD=wrong";
   const std::string failures = RunAdoScript("login.vbs", d);
@@ -75,7 +60,7 @@ TEST_P(AdoServerTest, LoginFailures) {
 // cursor goes.
 TEST_P(AdoServerTest, CursorOutlivesItsConnection) {
   const Server server = std::string(GetParam()) == "pg" ? Postgres() : Maria();
-  if (!std::filesystem::exists(ServerDir() / server.marker)) GTEST_SKIP();
+  QV_SKIP_WITHOUT(server.server);
   auto cn = std::make_unique<data::Connection>();
   cn->Open(String::FromUtf8(server.dialect.connection));
   auto result = cn->Run(u"SELECT 1 AS n UNION ALL SELECT 2");

@@ -9,8 +9,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <deque>
+#include <exception>
 #include <map>
 #include <set>
+#include <utility>
 
 #include "automation/convert.h"
 #include "automation/date_time.h"
@@ -234,6 +237,8 @@ int64_t IntOr(SQLHSTMT stmt, SQLUSMALLINT column, int64_t fallback) {
   return GetFixed<SQLBIGINT>(stmt, column, SQL_C_SBIGINT).value_or(fallback);
 }
 
+class OdbcCursor;
+
 // The environment and connection handles. Cursors share them with the backend, so a cursor
 // left open when its connection closes still frees its statement before the disconnect.
 struct OdbcLink {
@@ -248,6 +253,8 @@ struct OdbcLink {
   Handle env;
   std::unique_ptr<Handle> dbc;
   bool connected = false;
+  // The cursors whose statements are still open on this connection (not owned).
+  std::vector<OdbcCursor*> open_cursors;
 };
 
 // One bound parameter's value, kept alive until the statement has run.
@@ -362,32 +369,77 @@ void BindParameter(SQLHSTMT stmt, SQLUSMALLINT index, const Variant& value, Boun
 }
 
 // The rows of one statement, fetched from the driver as they are read.
+//
+// PostgreSQL's driver reads through a server-side cursor that holds a transaction, and with
+// it the locks on what it reads, until the statement is freed. Two things keep that from
+// surprising a page: the cursor reads one row ahead, so that the statement is freed as soon
+// as its last row has been handed out (a COUNT(*) left open blocks nobody), and a cursor that
+// is still open when a transaction starts or ends reads the rest of its rows into memory
+// first, since the server would close it with the transaction.
 class OdbcCursor final : public Cursor {
  public:
   OdbcCursor(std::shared_ptr<OdbcLink> link, std::unique_ptr<Handle> stmt,
              std::vector<ColumnInfo> columns)
       : link_(std::move(link)), stmt_(std::move(stmt)) {
     columns_ = std::move(columns);
+    link_->open_cursors.push_back(this);
   }
+  ~OdbcCursor() override { Release(); }
 
   bool Fetch(std::vector<Variant>& row) override {
-    if (!stmt_) return false;
-    const SQLRETURN rc = SQLFetch(stmt_->get());
-    if (rc == SQL_NO_DATA) {
-      stmt_.reset();  // frees the driver's statement at once, as the last row is read
-      return false;
+    if (!started_) {
+      started_ = true;
+      ReadAhead();
     }
-    if (!Succeeded(rc)) Fail(SQL_HANDLE_STMT, stmt_->get(), u"Fetching a row");
-    row.resize(columns_.size());
-    for (size_t i = 0; i < columns_.size(); ++i) {
-      row[i] = ReadValue(stmt_->get(), static_cast<SQLUSMALLINT>(i + 1), columns_[i].type);
-    }
+    if (error_) std::rethrow_exception(std::exchange(error_, nullptr));
+    if (ahead_.empty()) return false;
+    row.swap(ahead_.front());
+    ahead_.pop_front();
+    if (ahead_.empty()) ReadAhead();
     return true;
   }
 
+  // Reads every row that is left into memory and frees the statement.
+  void Drain() {
+    started_ = true;
+    while (stmt_ && !error_)
+      ReadAhead();
+  }
+
  private:
+  // Appends the driver's next row; frees the statement after the last one. A failure is
+  // kept for the Fetch that would have read the row, so that the rows before it still come.
+  void ReadAhead() {
+    if (!stmt_) return;
+    try {
+      const SQLRETURN rc = SQLFetch(stmt_->get());
+      if (rc == SQL_NO_DATA) {
+        Release();
+        return;
+      }
+      if (!Succeeded(rc)) Fail(SQL_HANDLE_STMT, stmt_->get(), u"Fetching a row");
+      std::vector<Variant> row(columns_.size());
+      for (size_t i = 0; i < columns_.size(); ++i) {
+        row[i] = ReadValue(stmt_->get(), static_cast<SQLUSMALLINT>(i + 1), columns_[i].type);
+      }
+      ahead_.push_back(std::move(row));
+    } catch (...) {
+      error_ = std::current_exception();
+      Release();
+    }
+  }
+
+  void Release() noexcept {
+    if (!stmt_) return;
+    stmt_.reset();
+    std::erase(link_->open_cursors, this);
+  }
+
   std::shared_ptr<OdbcLink> link_;  // declared first: it must outlive the statement
   std::unique_ptr<Handle> stmt_;
+  std::deque<std::vector<Variant>> ahead_;
+  std::exception_ptr error_;
+  bool started_ = false;
 };
 
 class OdbcBackend final : public Backend {
@@ -537,6 +589,7 @@ class OdbcBackend final : public Backend {
   void SetCommandTimeout(int32_t seconds) noexcept override { command_timeout_ = seconds; }
 
   void BeginTransaction() override {
+    DrainOpenCursors();
     link_->dbc->Check(SQLSetConnectAttr(link_->dbc->get(), SQL_ATTR_AUTOCOMMIT,
                                         reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_OFF), 0),
                       u"Starting a transaction");
@@ -568,7 +621,14 @@ class OdbcBackend final : public Backend {
   }
 
  private:
+  void DrainOpenCursors() {
+    // Draining frees a cursor's statement, which takes it off the list.
+    while (!link_->open_cursors.empty())
+      link_->open_cursors.back()->Drain();
+  }
+
   void EndTransaction(SQLSMALLINT how) {
+    DrainOpenCursors();
     link_->dbc->Check(SQLEndTran(SQL_HANDLE_DBC, link_->dbc->get(), how),
                       how == SQL_COMMIT ? u"Committing" : u"Rolling back");
     link_->dbc->Check(SQLSetConnectAttr(link_->dbc->get(), SQL_ATTR_AUTOCOMMIT,
@@ -829,15 +889,34 @@ class OdbcBackend final : public Backend {
 
 namespace {
 
-// True when the string's driver, named directly or through its DSN, is MariaDB's or MySQL's.
-bool IsMysqlFamily(const ConnectionString& cs) {
+// The driver a connection string names, directly or through its DSN, in lower case.
+String DriverOf(const ConnectionString& cs) {
   String driver = cs.Get(u"Driver").value_or(String());
   if (driver.empty()) {
     if (auto dsn = cs.Get(u"DSN")) driver = ReadOdbcIniValue(*dsn, u"Driver");
   }
-  const String lower = ToLower(driver);
-  return lower.view().find(u"maria") != StringView::npos ||
-         lower.view().find(u"mysql") != StringView::npos;
+  return ToLower(driver);
+}
+
+bool Names(const String& driver, StringView part) {
+  return driver.view().find(part) != StringView::npos;
+}
+
+// Both drivers read a whole result into memory before the first row unless told otherwise,
+// which a forward-only walk over millions of rows cannot afford. Settings the caller gave win.
+void StreamForwardOnlyResults(ConnectionString& cs, const String& driver) {
+  if (Names(driver, u"postgres") || Names(driver, u"psql")) {
+    // psqlODBC then reads through a server-side cursor, a batch of rows per round trip.
+    if (!cs.Has(u"UseDeclareFetch")) cs.Set(u"UseDeclareFetch", u"1");
+    if (!cs.Has(u"Fetch")) cs.Set(u"Fetch", u"1000");
+    return;
+  }
+  if (!Names(driver, u"maria") && !Names(driver, u"mysql")) return;
+  // Bit 1 (FOUND_ROWS): MySQL counts only the rows an UPDATE changed; this makes it count the
+  // rows it matched, as every other DBMS does, so that rewriting a row with its own values is
+  // not taken for a row that has gone. Bit 20 (NO_CACHE): forward-only results stream from
+  // the server; Connector/ODBC reads it from 3.1.17 on and ignores it before.
+  if (!cs.Has(u"OPTION")) cs.Set(u"OPTION", u"1048578");
 }
 
 }  // namespace
@@ -853,11 +932,10 @@ std::unique_ptr<Backend> OpenOdbcBackend(StringView connection_string, StringVie
   }
   if (!user.empty()) cs.Set(u"UID", user);
   if (!password.empty()) cs.Set(u"PWD", password);
-  // MySQL counts only the rows an UPDATE changed; FOUND_ROWS (option bit 2) makes it count the
-  // rows it matched, as every other DBMS does, so that rewriting a row with its own values
-  // is not taken for a row that has gone.
-  if (IsMysqlFamily(cs) && !cs.Has(u"OPTION")) cs.Set(u"OPTION", u"2");
-  if (timeouts.login_seconds > 0 && !cs.Has(u"CONN_TIMEOUT") && IsMysqlFamily(cs)) {
+  const String driver = DriverOf(cs);
+  StreamForwardOnlyResults(cs, driver);
+  const bool mysql = Names(driver, u"maria") || Names(driver, u"mysql");
+  if (timeouts.login_seconds > 0 && !cs.Has(u"CONN_TIMEOUT") && mysql) {
     cs.Set(u"CONN_TIMEOUT", String::FromUtf8(std::to_string(timeouts.login_seconds)));
   }
   auto backend = std::make_unique<OdbcBackend>();

@@ -17,42 +17,16 @@
 #include "automation/safe_array.h"
 #include "platform/data/connection.h"
 #include "platform/data/data_types.h"
+#include "platform/data/db_servers.h"
 #include "platform/data/odbc_ini.h"
 #include "platform/data/recordset.h"
 
 namespace qv::data {
 namespace {
 
-std::filesystem::path ServerDir() {
-  const char* dir = std::getenv("QV_DB_DIR");
-  return dir ? dir : QV_DB_DIR_DEFAULT;
-}
-
-// Points unixODBC at the files the start script wrote, before any ODBC call.
-class ServerEnvironment : public ::testing::Environment {
- public:
-  void SetUp() override {
-    const std::string dir = ServerDir().string();
-    setenv("ODBCSYSINI", dir.c_str(), 1);
-    setenv("ODBCINI", (dir + "/odbc.ini").c_str(), 1);
-  }
-};
-const auto* const kEnvironment = ::testing::AddGlobalTestEnvironment(new ServerEnvironment);
-
-struct Server {
-  const char* name;
-  const char* marker;  // written by start.sh when the server is up
-  const Char* dsn;
-};
-
-const Server kPostgres = {"PostgreSQL", "pg.ok", u"DSN=qv_pg"};
-const Server kMaria = {"MariaDB", "maria.ok", u"DSN=qv_maria"};
-
-#define SKIP_WITHOUT(server)                                             \
-  if (!std::filesystem::exists(ServerDir() / (server).marker))           \
-  GTEST_SKIP() << (server).name                                          \
-               << " is not running here (scripts/db/start.sh could not " \
-                  "start it); skipping"
+using db_testing::kMaria;
+using db_testing::kPostgres;
+using db_testing::Server;
 
 std::vector<String> Column(Recordset& rs, StringView name) {
   std::vector<String> values;
@@ -69,13 +43,11 @@ class OdbcServerTest : public ::testing::TestWithParam<Server> {};
 
 TEST_P(OdbcServerTest, CatalogueOfTheTestSchema) {
   const Server& server = GetParam();
-  SKIP_WITHOUT(server);
+  QV_SKIP_WITHOUT(server);
   Connection cn;
-  cn.Open(server.dsn);
+  cn.Open(String::FromUtf8(server.dsn));
   const String dbms = ToString(cn.Properties(u"DBMS Name"));
-  EXPECT_NE(dbms.ToUtf8().find(server.name == std::string("MariaDB") ? "MariaDB" : "PostgreSQL"),
-            std::string::npos)
-      << dbms.ToUtf8();
+  EXPECT_NE(dbms.ToUtf8().find(server.name), std::string::npos) << dbms.ToUtf8();
   EXPECT_FALSE(ToString(cn.Properties(u"DBMS Version")).empty());
   EXPECT_FALSE(ToString(cn.Properties(u"Provider Name")).empty());
   EXPECT_FALSE(ToString(cn.Properties(u"Provider Version")).empty());
@@ -127,9 +99,9 @@ TEST_P(OdbcServerTest, CatalogueOfTheTestSchema) {
 
 TEST_P(OdbcServerTest, ProbeTypesAndValues) {
   const Server& server = GetParam();
-  SKIP_WITHOUT(server);
+  QV_SKIP_WITHOUT(server);
   Connection cn;
-  cn.Open(server.dsn);
+  cn.Open(String::FromUtf8(server.dsn));
   Recordset rs;
   rs.Open(u"SELECT * FROM products WHERE 0=1", cn);
   EXPECT_TRUE(rs.Eof());
@@ -182,10 +154,10 @@ TEST_P(OdbcServerTest, ProbeTypesAndValues) {
 
 TEST_P(OdbcServerTest, WrongPasswordIsTheLoginFailure) {
   const Server& server = GetParam();
-  SKIP_WITHOUT(server);
+  QV_SKIP_WITHOUT(server);
   Connection cn;
   try {
-    cn.Open(String(server.dsn) + u";uid=qv;pwd=wrong");
+    cn.Open(String::FromUtf8(server.dsn) + u";uid=qv;pwd=wrong");
     FAIL() << "a wrong password must be refused";
   } catch (const Error& e) {
     EXPECT_EQ(e.number(), kErrLoginFailed) << e.description().ToUtf8();
@@ -194,19 +166,54 @@ TEST_P(OdbcServerTest, WrongPasswordIsTheLoginFailure) {
   ASSERT_GE(cn.GetErrors().Count(), 1);
   EXPECT_EQ(cn.GetErrors().Item(0).number, kErrLoginFailed);
   // The readers' own form, with the login as arguments, works with the right password.
-  cn.Open(String(server.dsn), u"qv", u"qv");
+  cn.Open(String::FromUtf8(server.dsn), u"qv", u"qv");
   EXPECT_EQ(cn.State(), adStateOpen);
   // A DSN that stores its login is opened with empty uid and pwd, which must not override it.
   Connection stored;
-  stored.Open(String(server.dsn) + u";uid=;pwd=");
+  stored.Open(String::FromUtf8(server.dsn) + u";uid=;pwd=");
   EXPECT_EQ(stored.State(), adStateOpen);
+}
+
+// Forward-only results stream (PostgreSQL's through a server-side cursor, which holds a
+// transaction): a result read to its last row lets go of the server at once, and a cursor
+// still open when a transaction starts or ends keeps its rows.
+TEST_P(OdbcServerTest, StreamedResultsLetGoOfTheServer) {
+  const Server& server = GetParam();
+  QV_SKIP_WITHOUT(server);
+  const String table = u"stream" + String::FromUtf8(std::to_string(::getpid()));
+  Connection reader;
+  reader.Open(String::FromUtf8(server.dsn));
+  reader.Run(u"CREATE TABLE " + table + u" (id INT PRIMARY KEY)");
+  for (int id = 1; id <= 5; ++id)
+    reader.Run(u"INSERT INTO " + table + u" VALUES (?)", std::vector<Variant>{Variant(id)});
+
+  std::vector<Variant> row;
+  auto count = reader.Run(u"SELECT COUNT(*) FROM " + table).rows;
+  ASSERT_TRUE(count->Fetch(row));
+  EXPECT_EQ(ToString(row[0]), u"5");
+
+  auto ids = reader.Run(u"SELECT id FROM " + table + u" ORDER BY id").rows;
+  ASSERT_TRUE(ids->Fetch(row));
+  reader.BeginTransaction();
+  reader.Run(u"DELETE FROM " + table + u" WHERE id = 5");
+  reader.RollbackTransaction();
+  std::vector<String> rest;
+  while (ids->Fetch(row))
+    rest.push_back(ToString(row[0]));
+  EXPECT_EQ(rest, (std::vector<String>{u"2", u"3", u"4", u"5"}));
+
+  // The COUNT(*) above is still alive; dropping the table must not wait for it.
+  Connection other;
+  other.SetCommandTimeout(5);
+  other.Open(String::FromUtf8(server.dsn));
+  EXPECT_NO_THROW(other.Run(u"DROP TABLE " + table));
 }
 
 INSTANTIATE_TEST_SUITE_P(Servers, OdbcServerTest, ::testing::Values(kPostgres, kMaria),
                          [](const auto& info) { return std::string(info.param.name); });
 
 TEST(OdbcFailureTest, DownServerUnknownDsnAndMissingDriverFailFast) {
-  SKIP_WITHOUT(kPostgres);
+  QV_SKIP_WITHOUT(kPostgres);
   const auto started = std::chrono::steady_clock::now();
   const Char* const bad[] = {
       u"DSN=qv_down;uid=qv;pwd=qv",         // nothing listens on that port
@@ -251,7 +258,7 @@ class SilentServer {
 };
 
 TEST(OdbcFailureTest, SilentServerEndsAtTheLoginTimeout) {
-  SKIP_WITHOUT(kPostgres);
+  QV_SKIP_WITHOUT(kPostgres);
   SilentServer silent;
   const String port = String::FromUtf8(std::to_string(silent.port()));
   const String forms[] = {
@@ -270,7 +277,7 @@ TEST(OdbcFailureTest, SilentServerEndsAtTheLoginTimeout) {
 }
 
 TEST(OdbcIniTest, DataSourceValuesComeFromOdbcIni) {
-  SKIP_WITHOUT(kPostgres);
+  QV_SKIP_WITHOUT(kPostgres);
   EXPECT_EQ(ReadOdbcIniValue(u"qv_sqlserver", u"Server"), u"sqlhost.example");
   EXPECT_EQ(ReadOdbcIniValue(u"qv_sqlserver", u"Database"), u"Shop");
   EXPECT_EQ(ReadOdbcIniValue(u"qv_sqlserver", u"Trusted_Connection"), u"Yes");
