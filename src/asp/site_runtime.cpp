@@ -1,12 +1,13 @@
 // Requests to pages and files. A page runs on a worker's own engine with fresh intrinsic
-// objects; the engine is reset when the page ends, before the session is released, so that
+// objects; the engine is recycled when the page ends, before the session is released, so that
 // nothing of the page (and no count on a session's objects) outlives the request on that
-// worker.
+// worker. What does outlive it is the page's compiled code: each worker compiles a page once.
 #include "asp/site_runtime.h"
 
 #include <cinttypes>
 #include <cstdio>
 #include <iostream>
+#include <unordered_map>
 
 #include "asp/asp_error.h"
 #include "asp/intrinsics.h"
@@ -105,10 +106,32 @@ class Worker {
   void Execute(PageContext& c, std::string_view url);
   void RecordError(PageContext& c, const vbs::Engine& engine, const CompiledPage& page,
                    const qv::Error& e);
+  const String& ScriptOf(const std::shared_ptr<const CompiledPage>& page);
 
   SiteRuntime& runtime_;
   vbs::Engine engine_;
+  // The worker's own copy of each page's script. The engine finds the compiled form of a text
+  // it saw before by the text's buffer, so the same buffer must come back every time; and a
+  // String's count is no atomic, so the buffer cannot be one that other workers share.
+  struct OwnScript {
+    std::shared_ptr<const CompiledPage> page;  // keeps the key's address from being reused
+    String script;
+  };
+  std::unordered_map<const CompiledPage*, OwnScript> scripts_;
 };
+
+const String& Worker::ScriptOf(const std::shared_ptr<const CompiledPage>& page) {
+  // Pages replaced in the cache (changed on disk) are held by nobody else: forget them now and
+  // then, not on every request.
+  constexpr size_t kPrune = 256;
+  if (auto it = scripts_.find(page.get()); it != scripts_.end()) return it->second.script;
+  if (scripts_.size() >= kPrune)
+    std::erase_if(scripts_, [](const auto& entry) { return entry.second.page.use_count() == 1; });
+  OwnScript& own = scripts_[page.get()];
+  own.page = page;
+  own.script = String(StringView(page->script));
+  return own.script;
+}
 
 void Worker::AddObjects(PageContext& c, bool with_request) {
   c.engine = &engine_;
@@ -220,7 +243,7 @@ void Worker::RunPage(PageContext& c, bool new_session) {
   }
   try {
     if (page.ado_constants) engine_.AddObject(u"ADO Type Library", AdoConstantsObject(), true);
-    engine_.AddCode(page.script);
+    engine_.GlobalModule().AddCodeCached(ScriptOf(c.pages.front()));
   } catch (const qv::Error& e) {
     RecordError(c, engine_, page, e);
     throw;
@@ -243,7 +266,7 @@ void Worker::RunEvent(PageContext& c, StringView name, bool with_request) {
     std::cerr << "global.asa, line " << at.line << ": " << String::ToUtf8(name) << ": "
               << e.description().ToUtf8() << "\n";
   }
-  engine_.Reset();
+  engine_.Recycle();
 }
 
 // --- SiteRuntime ---------------------------------------------------------------------------------
@@ -445,7 +468,7 @@ HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& fi
     }
   }
   if (c.session) c.session->started = true;
-  worker->engine().Reset();
+  worker->engine().Recycle();
   store_->Application().ReleaseAll(&c);
 
   HttpResponse r;

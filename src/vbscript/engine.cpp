@@ -207,6 +207,19 @@ void Engine::Reset() {
   Start();
 }
 
+void Engine::Recycle() {
+  for (size_t i = modules_.size(); i-- > 1;)
+    modules_[i]->module().Clear();
+  modules_.resize(1);
+  GlobalModule().module().ClearDefinitions();
+  vm_->member_objects().clear();
+  vm_->err().Clear();
+  vm_->error_site() = ErrorSite();
+  vm_->runtime() = RuntimeState();
+  object_names_.clear();
+  error_.Clear();
+}
+
 void Engine::SetLanguage(StringView language) {
   if (!EqualsNoCase(language, u"VBScript")) throw qv::Error(kErrInvalidCall);
 }

@@ -103,6 +103,11 @@ class Engine {
 
   // Drops all code, modules and objects; Timeout and the class registry stay.
   void Reset();
+  // Reset for a host that runs the same texts over and over (a web server runs one page per
+  // request): the next run starts as clean, but the machine and the global module's compiled
+  // texts (AddCodeCached) stay, so a text added again runs without being compiled again.
+  // Named modules go as with Reset.
+  void Recycle();
   // Adds a named object. With `add_members` its members are also global names. A name
   // already added raises 457.
   void AddObject(StringView name, Ref<Object> object, bool add_members = false);

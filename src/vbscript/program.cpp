@@ -44,6 +44,13 @@ void Module::Define(const Proc* proc) {
 }
 
 void Module::Clear() {
+  ClearDefinitions();
+  // Instances a host still holds keep their class, and through it this module's code.
+  std::vector<Ref<ClassInfo>> classes = std::move(classes_);
+  classes_.clear();
+}
+
+void Module::ClearDefinitions() {
   // Values go first, while classes and code are still there for Class_Terminate. The script's
   // variables go before host objects such as WScript, which Class_Terminate may still use.
   for (const bool variables : {true, false}) {
@@ -61,9 +68,6 @@ void Module::Clear() {
     slot.alias = nullptr;
   }
   procedures_.clear();
-  // Instances a host still holds keep their class, and through it this module's code.
-  std::vector<Ref<ClassInfo>> classes = std::move(classes_);
-  classes_.clear();
 }
 
 }  // namespace qv::vbs

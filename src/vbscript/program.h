@@ -153,6 +153,9 @@ class Module : public RefCounted {
 
   // Drops values and classes, breaking the cycles between objects and the module.
   void Clear();
+  // Drops values and definitions but keeps the compiled procedures and classes, so that code
+  // compiled into the module earlier can be linked again (an engine reused run after run).
+  void ClearDefinitions();
 
  private:
   String name_;

@@ -299,17 +299,36 @@ TEST(EngineTest, TimeoutInterruptsAndTheEngineStaysUsable) {
   EXPECT_EQ(Utf8(engine.Run(u"Fib", small)), "55");
 }
 
-TEST(EngineTest, ResetDropsCodeModulesAndObjects) {
-  Engine engine;
-  engine.AddObject(u"P", MakeRef<Probe>());
-  engine.AddModule(u"System").AddCode(u"Sub S() : End Sub");
-  engine.AddCode(u"Dim g : g = 1");
-  engine.Reset();
-  EXPECT_EQ(engine.FindModule(u"System"), nullptr);
-  EXPECT_EQ(Utf8(engine.Eval(u"IsEmpty(g)")), "True");
-  EXPECT_EQ(Utf8(engine.Eval(u"IsEmpty(P)")), "True");
-  engine.AddObject(u"P", MakeRef<Probe>());  // the name is free again
-  EXPECT_EQ(Utf8(engine.Eval(u"P.Value")), "7");
+TEST(EngineTest, ResetAndRecycleDropCodeModulesObjectsAndState) {
+  // A page as a web server runs it on every request: a class, a function, module variables,
+  // a locale of its own and an error left in Err.
+  const String page =
+      u"Dim runs : runs = runs + 1\r\nClass Box\r\n Public V\r\nEnd Class\r\n"
+      u"Function Twice(n) : Twice = n * 2 : End Function\r\nSetLocale 1031\r\n"
+      u"On Error Resume Next : Err.Raise 9";
+  for (const bool recycle : {false, true}) {
+    SCOPED_TRACE(recycle ? "Recycle" : "Reset");
+    Engine engine;
+    for (int run = 0; run < 3; ++run) {
+      engine.AddObject(u"P", MakeRef<Probe>());
+      engine.AddModule(u"System").AddCode(u"Sub S() : End Sub");
+      engine.GlobalModule().AddCodeCached(page);
+      EXPECT_EQ(Utf8(engine.Eval(u"runs & \"/\" & Twice(4) & \"/\" & TypeName(New Box)")),
+                "1/8/Box");
+      EXPECT_EQ(Utf8(engine.Eval(u"GetLocale() & \"/\" & Err.Number")), "1031/9");
+      engine.ExecuteStatement(u"Set kept = New Box : kept.V = P");
+      if (recycle) {
+        engine.Recycle();
+      } else {
+        engine.Reset();
+      }
+      EXPECT_EQ(engine.FindModule(u"System"), nullptr);
+      EXPECT_EQ(Utf8(engine.Eval(u"IsEmpty(runs) And IsEmpty(P) And IsEmpty(kept)")), "True");
+      EXPECT_EQ(Utf8(engine.Eval(u"GetLocale() & \"/\" & Err.Number")), "1033/0");
+      EXPECT_EQ(ErrorOf([&] { engine.Run(u"Twice"); }), kErrSubNotDefined);
+      EXPECT_NE(ErrorOf([&] { engine.Eval(u"New Box"); }), 0);
+    }
+  }
 }
 
 TEST(EngineTest, ClassTerminateRunsWhenTheLastReferenceGoes) {
