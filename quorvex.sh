@@ -19,6 +19,7 @@ PACKAGES=(
   postgresql odbc-postgresql mariadb-server odbc-mariadb
   lua5.4
   libmicrohttpd-dev chromium wrk nginx-light curl
+  libhiredis-dev redis-server
 )
 
 log() { printf '\033[1m== %s\033[0m\n' "$*" >&2; }

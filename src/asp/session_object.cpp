@@ -35,7 +35,8 @@ class SessionValues : public DispatchObject<SessionValues>, public RequestScoped
   void Put(Args a, const Variant& v) {
     CheckArgCount(a, 1, 1);
     if (statics_) throw Error(kErrNotSupported);
-    table().Put(ToString(a[0]), StoredValue::From(v, true));
+    // A session other servers share keeps data only; the error comes at the assignment.
+    table().Put(ToString(a[0]), StoredValue::From(v, !c_.store->shared(), "Session"));
   }
 
  private:

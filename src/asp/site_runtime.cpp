@@ -85,6 +85,18 @@ HttpResponse ErrorResponse(int status, std::string_view reason) {
   return r;
 }
 
+// The page for a request that needs the shared state while it is out of reach: plain, with
+// nothing of the site in it, and a hint for clients to come back.
+HttpResponse UnavailableResponse() {
+  HttpResponse r = ErrorResponse(503, "Service Unavailable");
+  r.headers.emplace_back("Retry-After", "5");
+  r.body =
+      "<!DOCTYPE html><html><head><title>503 Service Unavailable</title></head><body><h1>503 "
+      "Service Unavailable</h1><p>The server cannot reach the state it shares with the other "
+      "servers of this site. Please try again in a moment.</p></body></html>\r\n";
+  return r;
+}
+
 // --- Worker --------------------------------------------------------------------------------------
 
 // A worker's engine and what it needs to run pages and global.asa events.
@@ -211,7 +223,9 @@ void Worker::RunPage(PageContext& c, bool new_session) {
   AddObjects(c, true);
   c.execute = [this, &c](std::string_view url) { Execute(c, url); };
   const CompiledPage& page = *c.pages.front();
-  std::shared_ptr<const GlobalAsa> global = new_session ? runtime_.CurrentGlobalAsa() : nullptr;
+  // A shared session keeps no objects, so its <object> tags are made anew for each request.
+  const bool fresh_objects = new_session || (c.session && runtime_.store_->shared());
+  std::shared_ptr<const GlobalAsa> global = fresh_objects ? runtime_.CurrentGlobalAsa() : nullptr;
   if (global && c.session) {
     for (const StaticObjectDecl& decl : global->objects) {
       if (decl.application_scope) continue;
@@ -230,7 +244,7 @@ void Worker::RunPage(PageContext& c, bool new_session) {
     }
   }
   try {
-    if (global) {
+    if (global && new_session) {
       vbs::ScriptModule& module = engine_.AddModule(u"GlobalAsa");
       module.AddCode(global->page.script);
       for (const auto& p : module.Procedures()) {
@@ -261,6 +275,8 @@ void Worker::RunEvent(PageContext& c, StringView name, bool with_request) {
       if (EqualsNoCase(p.Name, name)) module.Run(name);
     }
   } catch (const ResponseEnd&) {
+  } catch (const StateUnavailable& e) {
+    std::cerr << "global.asa: " << String::ToUtf8(name) << ": state store: " << e.what() << "\n";
   } catch (const qv::Error& e) {
     const SourcePosition at = global->page.Origin(engine_.Error().Line());
     std::cerr << "global.asa, line " << at.line << ": " << String::ToUtf8(name) << ": "
@@ -271,14 +287,22 @@ void Worker::RunEvent(PageContext& c, StringView name, bool with_request) {
 
 // --- SiteRuntime ---------------------------------------------------------------------------------
 
-SiteRuntime::SiteRuntime(const fs::path& root, RuntimeOptions options)
-    : site_(root), options_(options), pages_(site_), store_(NewMemoryStateStore()) {}
+SiteRuntime::SiteRuntime(const fs::path& root, RuntimeOptions options,
+                         std::unique_ptr<StateStore> store)
+    : site_(root),
+      options_(options),
+      pages_(site_),
+      store_(store ? std::move(store) : NewMemoryStateStore()) {}
 
 SiteRuntime::~SiteRuntime() {
   std::unique_ptr<Worker> worker = AcquireWorker();
-  EndSessions(*worker, true);
+  try {
+    EndSessions(*worker, true);
+  } catch (const StateUnavailable&) {
+  }
+  // Shared state outlives any one of the servers that share it.
   bool started = false;
-  {
+  if (!store_->shared()) {
     std::lock_guard guard(global_mutex_);
     started = global_asa_ != nullptr;
   }
@@ -328,13 +352,24 @@ std::shared_ptr<const GlobalAsa> SiteRuntime::CurrentGlobalAsa() {
 
 void SiteRuntime::StartApplication(Worker& worker) {
   std::call_once(application_started_, [&] {
-    if (!CurrentGlobalAsa()) return;
+    if (!CurrentGlobalAsa() || !store_->ClaimApplicationStart()) return;
     PageContext c;
     c.site = &site_;
     c.store = store_.get();
     c.page_file = site_.root() / "global.asa";
     worker.RunEvent(c, u"Application_OnStart", false);
   });
+}
+
+void SiteRuntime::SweepSessions(Worker& worker) {
+  const auto now = std::chrono::steady_clock::now();
+  if (now.time_since_epoch().count() - last_sweep_ <=
+          std::chrono::steady_clock::duration(kSweepInterval).count() ||
+      !sweep_mutex_.try_lock())
+    return;
+  std::lock_guard guard(sweep_mutex_, std::adopt_lock);
+  last_sweep_ = now.time_since_epoch().count();
+  EndSessions(worker, false);
 }
 
 void SiteRuntime::EndSessions(Worker& worker, bool all) {
@@ -427,49 +462,66 @@ HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& fi
   }
 
   std::unique_ptr<Worker> worker = AcquireWorker();
-  StartApplication(*worker);
-  const auto now = std::chrono::steady_clock::now();
-  if (now.time_since_epoch().count() - last_sweep_ >
-          std::chrono::steady_clock::duration(kSweepInterval).count() &&
-      sweep_mutex_.try_lock()) {
-    last_sweep_ = now.time_since_epoch().count();
-    EndSessions(*worker, false);
-    sweep_mutex_.unlock();
-  }
-
   bool new_session = false;
-  std::unique_lock<std::mutex> session_lock;
-  if (page && page->directives.enable_session_state) {
-    c.session = store_->FindSession(SessionCookieOf(request));
-    if (!c.session) {
-      c.session = store_->NewSession(options_.session_timeout);
-      new_session = true;
+  bool unavailable = false;  // the shared state is out of reach: 503
+  try {
+    StartApplication(*worker);
+    SweepSessions(*worker);
+    if (page && page->directives.enable_session_state) {
+      c.session =
+          store_->OpenSession(SessionCookieOf(request), options_.session_timeout, new_session);
+      if (c.session->code_page) c.code_page = c.session->code_page;
     }
-    session_lock = std::unique_lock(c.session->busy);
-    c.session->Touch();
-    if (c.session->code_page) c.code_page = c.session->code_page;
+  } catch (const StateUnavailable& e) {
+    std::cerr << "state store: " << e.what() << "\n";
+    unavailable = true;
   }
-  if (page) {
+  if (page && !unavailable) {
     c.pages.push_back(page);
     if (page->directives.code_page) c.code_page = page->directives.code_page;
   }
 
   bool failed = !page;
-  if (page) {
+  if (page && !unavailable) {
     try {
       worker->RunPage(c, new_session);
     } catch (const ResponseEnd&) {
     } catch (const qv::Error&) {
       failed = true;
+    } catch (const StateUnavailable& e) {
+      std::cerr << "state store: " << e.what() << "\n";
+      unavailable = true;
     } catch (const std::exception& e) {
       failed = true;
       c.last_error.number = kAspFailure;
       c.last_error.description = String::FromUtf8(e.what()).view();
     }
   }
-  if (c.session) c.session->started = true;
+  if (c.session && !unavailable) c.session->started = true;
   worker->engine().Recycle();
-  store_->Application().ReleaseAll(&c);
+  try {
+    store_->Application().ReleaseAll(&c);
+  } catch (const StateUnavailable&) {
+    // The lock's lease frees it.
+  }
+  if (c.session) {
+    try {
+      if (!unavailable && c.session->abandoned && store_->EndSession(*c.session)) {
+        PageContext end;
+        end.site = &site_;
+        end.store = store_.get();
+        end.session = c.session;
+        end.page_file = site_.root() / "global.asa";
+        worker->RunEvent(end, u"Session_OnEnd", false);
+      }
+      store_->CloseSession(*c.session, !unavailable);
+    } catch (const StateUnavailable& e) {
+      std::cerr << "state store: " << e.what() << "\n";
+      unavailable = true;
+    }
+  }
+  ReleaseWorker(std::move(worker));
+  if (unavailable) return UnavailableResponse();
 
   HttpResponse r;
   if (failed) {
@@ -527,23 +579,10 @@ HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& fi
     for (const ResponseCookie& cookie : c.cookies)
       r.headers.emplace_back("Set-Cookie", CookieHeader(cookie));
   }
-  if (c.session) {
-    if (new_session && !c.session->abandoned) {
-      r.headers.emplace_back("Set-Cookie", std::string(kSessionCookie) + "=" + c.session->cookie +
-                                               "; path=/; HttpOnly; SameSite=Lax");
-    }
-    if (c.session->abandoned) {
-      store_->RemoveSession(*c.session);
-      PageContext end;
-      end.site = &site_;
-      end.store = store_.get();
-      end.session = c.session;
-      end.page_file = site_.root() / "global.asa";
-      worker->RunEvent(end, u"Session_OnEnd", false);
-    }
+  if (c.session && new_session && !c.session->abandoned) {
+    r.headers.emplace_back("Set-Cookie", std::string(kSessionCookie) + "=" + c.session->cookie +
+                                             "; path=/; HttpOnly; SameSite=Lax");
   }
-  session_lock = {};
-  ReleaseWorker(std::move(worker));
   return r;
 }
 

@@ -29,7 +29,9 @@ struct PageContext;
 
 class SiteRuntime {
  public:
-  SiteRuntime(const std::filesystem::path& root, RuntimeOptions options);
+  // Session and application state in memory unless a `store` is given.
+  SiteRuntime(const std::filesystem::path& root, RuntimeOptions options,
+              std::unique_ptr<StateStore> store = nullptr);
   // Ends every session and the application, running their OnEnd events.
   ~SiteRuntime();
   SiteRuntime(const SiteRuntime&) = delete;
@@ -49,6 +51,8 @@ class SiteRuntime {
   // global.asa as it is on disk now, or null when the site has none.
   std::shared_ptr<const GlobalAsa> CurrentGlobalAsa();
   void StartApplication(Worker& worker);
+  // Ends the sessions whose time ran out, every few seconds.
+  void SweepSessions(Worker& worker);
   void EndSessions(Worker& worker, bool all);
 
   Site site_;
@@ -66,5 +70,6 @@ class SiteRuntime {
 
 // An HTTP error response with a short plain page.
 HttpResponse ErrorResponse(int status, std::string_view reason);
+HttpResponse UnavailableResponse();
 
 }  // namespace qv::asp

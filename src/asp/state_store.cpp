@@ -1,10 +1,12 @@
-// The in-memory store: a map of sessions by cookie under one mutex (held only for look-ups,
-// never while a page runs), and the application's values.
+// Stored values and their byte image, and the in-memory store: a map of sessions by cookie
+// under one mutex (held only for look-ups, never while a page runs), and the application's
+// values.
 #include "asp/state_store.h"
 
 #include <sys/random.h>
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 
 #include "asp/asp_error.h"
@@ -14,7 +16,7 @@ namespace qv::asp {
 
 // --- StoredValue -------------------------------------------------------------------------------
 
-StoredValue StoredValue::From(const Variant& value, bool objects_allowed) {
+StoredValue StoredValue::From(const Variant& value, bool objects_allowed, std::string_view owner) {
   StoredValue out;
   if (value.is_string()) {
     out.kind_ = Kind::Text;
@@ -26,12 +28,18 @@ StoredValue StoredValue::From(const Variant& value, bool objects_allowed) {
     out.bounds_.assign(array.bounds().begin(), array.bounds().end());
     out.items_.reserve(array.size());
     for (const Variant& item : array.elements())
-      out.items_.push_back(From(item, objects_allowed));
+      out.items_.push_back(From(item, objects_allowed, owner));
   } else if (value.is_object() && value.as_object()) {
-    if (!objects_allowed) {
+    if (!objects_allowed && owner == "Application") {
       RaiseAspError(
           "Application", "0197",
           "Cannot add object with apartment model behavior to the application intrinsic object.");
+    }
+    if (!objects_allowed) {
+      RaiseAspError(owner, "0197",
+                    "Disallowed object use: the Session object is shared with other servers "
+                    "and keeps only numbers, text, dates, Booleans, Empty, Null and arrays of "
+                    "them.");
     }
     if (dynamic_cast<RequestScoped*>(value.as_object())) {
       RaiseAspError("Session", "0198",
@@ -94,82 +102,259 @@ void ValueTable::RemoveAt(size_t index) {
   if (index < entries_.size()) entries_.erase(entries_.begin() + static_cast<ptrdiff_t>(index));
 }
 
-// --- ApplicationState --------------------------------------------------------------------------
+// --- the byte image ----------------------------------------------------------------------------
 
-void ApplicationState::WaitForLock(std::unique_lock<std::mutex>& guard, const void* requester) {
-  unlocked_.wait(guard, [&] { return owner_ == nullptr || owner_ == requester; });
+// A kind byte, then: nothing (Empty, Null, Nothing), 8 little-endian bytes for the numbers,
+// dates and Booleans (the variant's own bits), UTF-16 units for text, or an array's element
+// type, bounds and items.
+namespace {
+
+enum Tag : uint8_t { kTagPlain = 'p', kTagText = 't', kTagArray = 'a' };
+
+void PutU64(std::string& out, uint64_t v) {
+  for (int i = 0; i < 8; ++i)
+    out += static_cast<char>(v >> (8 * i));
 }
 
-Variant ApplicationState::Get(StringView name) const {
-  std::lock_guard guard(mutex_);
-  const StoredValue* v = contents_.Find(name);
-  return v ? v->ToVariant() : Variant();
+bool TakeU64(std::string_view& in, uint64_t& v) {
+  if (in.size() < 8) return false;
+  v = 0;
+  for (int i = 0; i < 8; ++i)
+    v |= static_cast<uint64_t>(static_cast<uint8_t>(in[i])) << (8 * i);
+  in.remove_prefix(8);
+  return true;
 }
 
-void ApplicationState::Put(StringView name, const Variant& value, const void* requester) {
-  StoredValue stored = StoredValue::From(value, false);
-  std::unique_lock guard(mutex_);
-  WaitForLock(guard, requester);
-  contents_.Put(name, std::move(stored));
-}
-
-void ApplicationState::Remove(StringView name, const void* requester) {
-  std::unique_lock guard(mutex_);
-  WaitForLock(guard, requester);
-  contents_.Remove(name);
-}
-
-void ApplicationState::RemoveAll(const void* requester) {
-  std::unique_lock guard(mutex_);
-  WaitForLock(guard, requester);
-  contents_.Clear();
-}
-
-size_t ApplicationState::Count() const {
-  std::lock_guard guard(mutex_);
-  return contents_.size();
-}
-
-std::u16string ApplicationState::NameAt(size_t index) const {
-  std::lock_guard guard(mutex_);
-  return index < contents_.size() ? contents_.NameAt(index) : std::u16string();
-}
-
-std::vector<std::u16string> ApplicationState::Names() const {
-  std::lock_guard guard(mutex_);
-  std::vector<std::u16string> out;
-  for (size_t i = 0; i < contents_.size(); ++i)
-    out.push_back(contents_.NameAt(i));
-  return out;
-}
-
-void ApplicationState::Lock(const void* requester) {
-  std::unique_lock guard(mutex_);
-  WaitForLock(guard, requester);
-  owner_ = requester;
-  ++depth_;
-}
-
-void ApplicationState::Unlock(const void* requester) {
-  std::lock_guard guard(mutex_);
-  if (owner_ != requester) return;  // Unlock without Lock is harmless, as on Windows
-  if (--depth_ == 0) {
-    owner_ = nullptr;
-    unlocked_.notify_all();
+uint64_t BitsOf(const Variant& v) {
+  switch (v.type()) {
+    case VarType::Integer:
+      return static_cast<uint64_t>(static_cast<int64_t>(v.as_integer()));
+    case VarType::Long:
+    case VarType::Error:
+      return static_cast<uint64_t>(static_cast<int64_t>(v.as_long()));
+    case VarType::Byte:
+      return v.as_byte();
+    case VarType::Boolean:
+      return v.as_bool() ? 1 : 0;
+    case VarType::Currency:
+      return static_cast<uint64_t>(v.as_currency());
+    case VarType::Single: {
+      const double d = v.as_single();
+      return std::bit_cast<uint64_t>(d);
+    }
+    case VarType::Double:
+    case VarType::Date:
+      return std::bit_cast<uint64_t>(v.as_double());
+    default:
+      return 0;
   }
 }
 
-void ApplicationState::ReleaseAll(const void* requester) {
-  std::lock_guard guard(mutex_);
-  if (owner_ != requester) return;
-  owner_ = nullptr;
-  depth_ = 0;
-  unlocked_.notify_all();
+bool PlainOf(VarType type, uint64_t bits, Variant& out) {
+  switch (type) {
+    case VarType::Empty:
+      out = Variant();
+      return true;
+    case VarType::Null:
+      out = Variant::Null();
+      return true;
+    case VarType::Object:
+      out = Variant::Nothing();
+      return true;
+    case VarType::Integer:
+      out = Variant(static_cast<int16_t>(bits));
+      return true;
+    case VarType::Long:
+      out = Variant(static_cast<int32_t>(bits));
+      return true;
+    case VarType::Error:
+      out = Variant::ErrorValue(static_cast<int32_t>(bits));
+      return true;
+    case VarType::Byte:
+      out = Variant(static_cast<uint8_t>(bits));
+      return true;
+    case VarType::Boolean:
+      out = Variant(bits != 0);
+      return true;
+    case VarType::Currency:
+      out = Variant::Currency(static_cast<int64_t>(bits));
+      return true;
+    case VarType::Single:
+      out = Variant(static_cast<float>(std::bit_cast<double>(bits)));
+      return true;
+    case VarType::Double:
+      out = Variant(std::bit_cast<double>(bits));
+      return true;
+    case VarType::Date:
+      out = Variant::Date(std::bit_cast<double>(bits));
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+void StoredValue::Encode(std::string& out) const {
+  assert(kind_ != Kind::Object && "a shared store refuses objects when they are assigned");
+  switch (kind_) {
+    case Kind::Plain:
+      out += static_cast<char>(kTagPlain);
+      PutU64(out, static_cast<uint64_t>(plain_.type()));
+      PutU64(out, BitsOf(plain_));
+      return;
+    case Kind::Text:
+      out += static_cast<char>(kTagText);
+      PutU64(out, text_.size());
+      for (const char16_t unit : text_) {
+        out += static_cast<char>(unit & 0xFF);
+        out += static_cast<char>(unit >> 8);
+      }
+      return;
+    case Kind::Array:
+      out += static_cast<char>(kTagArray);
+      PutU64(out, static_cast<uint64_t>(element_type_));
+      PutU64(out, bounds_.size());
+      for (const ArrayBound& b : bounds_) {
+        PutU64(out, static_cast<uint64_t>(static_cast<int64_t>(b.lower)));
+        PutU64(out, static_cast<uint64_t>(b.count));
+      }
+      for (const StoredValue& item : items_)
+        item.Encode(out);
+      return;
+    case Kind::Object:
+      return;
+  }
+}
+
+bool StoredValue::Decode(std::string_view& in, StoredValue& out) {
+  if (in.empty()) return false;
+  const char tag = in.front();
+  in.remove_prefix(1);
+  out = StoredValue();
+  uint64_t a = 0, b = 0;
+  switch (tag) {
+    case kTagPlain:
+      return TakeU64(in, a) && TakeU64(in, b) && PlainOf(static_cast<VarType>(a), b, out.plain_);
+    case kTagText: {
+      if (!TakeU64(in, a) || a > in.size() / 2) return false;
+      out.kind_ = Kind::Text;
+      out.text_.resize(a);
+      for (size_t i = 0; i < a; ++i) {
+        out.text_[i] = static_cast<char16_t>(static_cast<uint8_t>(in[2 * i]) |
+                                             static_cast<uint8_t>(in[2 * i + 1]) << 8);
+      }
+      in.remove_prefix(2 * a);
+      return true;
+    }
+    case kTagArray: {
+      // Every item takes at least 17 bytes, which bounds what a damaged image can ask for.
+      if (!TakeU64(in, a) || !TakeU64(in, b) || b == 0 || b > 60) return false;
+      out.kind_ = Kind::Array;
+      out.element_type_ = static_cast<VarType>(a);
+      uint64_t total = 1;
+      for (uint64_t d = 0; d < b; ++d) {
+        uint64_t lower = 0, count = 0;
+        if (!TakeU64(in, lower) || !TakeU64(in, count) || count > in.size()) return false;
+        total *= count;
+        if (total > in.size()) return false;
+        out.bounds_.push_back({static_cast<int32_t>(lower), static_cast<int64_t>(count)});
+      }
+      out.items_.resize(total);
+      for (StoredValue& item : out.items_) {
+        if (!Decode(in, item)) return false;
+      }
+      return true;
+    }
+    default:
+      return false;
+  }
 }
 
 // --- the memory store --------------------------------------------------------------------------
 
 namespace {
+
+class MemoryApplication final : public ApplicationState {
+ public:
+  Variant Get(StringView name) override {
+    std::lock_guard guard(mutex_);
+    const StoredValue* v = contents_.Find(name);
+    return v ? v->ToVariant() : Variant();
+  }
+
+  void Put(StringView name, const Variant& value, const void* requester) override {
+    StoredValue stored = StoredValue::From(value, false);
+    std::unique_lock guard(mutex_);
+    WaitForLock(guard, requester);
+    contents_.Put(name, std::move(stored));
+  }
+
+  void Remove(StringView name, const void* requester) override {
+    std::unique_lock guard(mutex_);
+    WaitForLock(guard, requester);
+    contents_.Remove(name);
+  }
+
+  void RemoveAll(const void* requester) override {
+    std::unique_lock guard(mutex_);
+    WaitForLock(guard, requester);
+    contents_.Clear();
+  }
+
+  size_t Count() override {
+    std::lock_guard guard(mutex_);
+    return contents_.size();
+  }
+
+  std::u16string NameAt(size_t index) override {
+    std::lock_guard guard(mutex_);
+    return index < contents_.size() ? contents_.NameAt(index) : std::u16string();
+  }
+
+  std::vector<std::u16string> Names() override {
+    std::lock_guard guard(mutex_);
+    std::vector<std::u16string> out;
+    for (size_t i = 0; i < contents_.size(); ++i)
+      out.push_back(contents_.NameAt(i));
+    return out;
+  }
+
+  void Lock(const void* requester) override {
+    std::unique_lock guard(mutex_);
+    WaitForLock(guard, requester);
+    owner_ = requester;
+    ++depth_;
+  }
+
+  void Unlock(const void* requester) override {
+    std::lock_guard guard(mutex_);
+    if (owner_ != requester) return;  // Unlock without Lock is harmless, as on Windows
+    if (--depth_ == 0) {
+      owner_ = nullptr;
+      unlocked_.notify_all();
+    }
+  }
+
+  void ReleaseAll(const void* requester) override {
+    std::lock_guard guard(mutex_);
+    if (owner_ != requester) return;
+    owner_ = nullptr;
+    depth_ = 0;
+    unlocked_.notify_all();
+  }
+
+ private:
+  void WaitForLock(std::unique_lock<std::mutex>& guard, const void* requester) {
+    unlocked_.wait(guard, [&] { return owner_ == nullptr || owner_ == requester; });
+  }
+
+  std::mutex mutex_;
+  std::condition_variable unlocked_;
+  const void* owner_ = nullptr;
+  int depth_ = 0;
+  ValueTable contents_;
+};
 
 class MemoryStateStore final : public StateStore {
  public:
@@ -179,30 +364,24 @@ class MemoryStateStore final : public StateStore {
     next_id_ = static_cast<int32_t>(seed % 900000000u) + 100000000;
   }
 
-  std::shared_ptr<SessionState> FindSession(std::string_view cookie) override {
-    std::lock_guard guard(mutex_);
-    const auto it = sessions_.find(std::string(cookie));
-    if (it == sessions_.end()) return nullptr;
-    if (it->second->ExpiredAt(std::chrono::steady_clock::now())) return nullptr;
-    return it->second;
-  }
-
-  std::shared_ptr<SessionState> NewSession(int32_t timeout_minutes) override {
-    auto session = std::make_shared<SessionState>();
-    session->timeout_minutes = timeout_minutes;
+  std::shared_ptr<SessionState> OpenSession(std::string_view cookie, int32_t timeout_minutes,
+                                            bool& is_new) override {
+    std::shared_ptr<SessionState> session = Find(cookie);
+    is_new = !session;
+    if (!session) session = NewSession(timeout_minutes);
+    session->busy.lock();
     session->Touch();
-    std::lock_guard guard(mutex_);
-    do {
-      session->cookie = NewSessionCookie();
-    } while (sessions_.count(session->cookie));
-    session->id = next_id_++;
-    sessions_.emplace(session->cookie, session);
     return session;
   }
 
-  void RemoveSession(const SessionState& session) override {
+  void CloseSession(SessionState& session, bool) override {
+    session.Touch();
+    session.busy.unlock();
+  }
+
+  bool EndSession(SessionState& session) override {
     std::lock_guard guard(mutex_);
-    sessions_.erase(session.cookie);
+    return sessions_.erase(session.cookie) > 0;
   }
 
   std::vector<std::shared_ptr<SessionState>> TakeExpired(bool all) override {
@@ -223,10 +402,31 @@ class MemoryStateStore final : public StateStore {
   ApplicationState& Application() override { return application_; }
 
  private:
+  std::shared_ptr<SessionState> Find(std::string_view cookie) {
+    std::lock_guard guard(mutex_);
+    const auto it = sessions_.find(std::string(cookie));
+    if (it == sessions_.end()) return nullptr;
+    if (it->second->ExpiredAt(std::chrono::steady_clock::now())) return nullptr;
+    return it->second;
+  }
+
+  std::shared_ptr<SessionState> NewSession(int32_t timeout_minutes) {
+    auto session = std::make_shared<SessionState>();
+    session->timeout_minutes = timeout_minutes;
+    session->Touch();
+    std::lock_guard guard(mutex_);
+    do {
+      session->cookie = NewSessionCookie();
+    } while (sessions_.count(session->cookie));
+    session->id = next_id_++;
+    sessions_.emplace(session->cookie, session);
+    return session;
+  }
+
   std::mutex mutex_;
   std::unordered_map<std::string, std::shared_ptr<SessionState>> sessions_;
   int32_t next_id_;
-  ApplicationState application_;
+  MemoryApplication application_;
 };
 
 }  // namespace

@@ -1,6 +1,6 @@
-// Session and Application state behind one small interface. The store here keeps it in
-// memory; a store shared by several processes can take its place, which is why values are
-// kept as plain data rather than as the engine's own values.
+// Session and Application state behind one small interface, with two stores: in memory (one
+// process) and Redis (several processes, see redis_store.h). Values are kept as plain data
+// rather than as the engine's own values, so that either store can hold them.
 #pragma once
 
 #include <atomic>
@@ -9,7 +9,9 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -32,9 +34,16 @@ class StoredValue {
  public:
   StoredValue() = default;
   // Raises the ASP error for an object where `objects_allowed` is false, or a script instance.
-  static StoredValue From(const Variant& value, bool objects_allowed);
+  // `owner` names the object refusing it ("Application", or "Session" for a shared session).
+  static StoredValue From(const Variant& value, bool objects_allowed,
+                          std::string_view owner = "Application");
   Variant ToVariant() const;
   bool is_object() const { return kind_ == Kind::Object; }
+
+  // A byte image of a value without objects, for a store outside this process; Decode takes
+  // one value off the front of `in` and returns false on bytes it did not write.
+  void Encode(std::string& out) const;
+  static bool Decode(std::string_view& in, StoredValue& out);
 
  private:
   enum class Kind : uint8_t { Plain, Text, Array, Object };
@@ -63,10 +72,10 @@ class ValueTable {
   std::vector<std::pair<std::u16string, StoredValue>> entries_;
 };
 
-// One session. A request holds `busy` while it runs, so that the requests of a session run one
-// at a time, as on Windows.
+// One session as a request sees it. The store holds it for one request at a time between
+// OpenSession and CloseSession, as Windows runs the requests of a session one by one.
 struct SessionState {
-  std::mutex busy;
+  std::mutex busy;     // the memory store's hold; the sweep takes it too
   std::string cookie;  // the random text of the session cookie
   int32_t id = 0;      // Session.SessionID
   // Read by the store's sweep while the session's request may change them.
@@ -78,6 +87,10 @@ struct SessionState {
   bool started = false;  // Session_OnStart has run
   ValueTable contents;
   ValueTable static_objects;
+  // A shared store's own: the image the session was loaded as (empty for a new session), so
+  // that it writes back only a session that changed, and the token of its hold.
+  std::string loaded_image;
+  std::string hold_token;
 
   void Touch() { last_seen = std::chrono::steady_clock::now().time_since_epoch().count(); }
   bool ExpiredAt(std::chrono::steady_clock::time_point now) const {
@@ -86,48 +99,65 @@ struct SessionState {
   }
 };
 
-// Application state: values under a short internal guard, and the Lock/Unlock a script holds.
+// Application state: named values, and the Lock/Unlock a script holds. `requester` tells the
+// requests apart (a request's page context); a request that holds no lock waits to write
+// while another holds it.
 class ApplicationState {
  public:
+  virtual ~ApplicationState() = default;
   // The value of a name (Empty when there is none).
-  Variant Get(StringView name) const;
-  // Waits while another request holds the lock.
-  void Put(StringView name, const Variant& value, const void* requester);
-  void Remove(StringView name, const void* requester);
-  void RemoveAll(const void* requester);
-  size_t Count() const;
+  virtual Variant Get(StringView name) = 0;
+  virtual void Put(StringView name, const Variant& value, const void* requester) = 0;
+  virtual void Remove(StringView name, const void* requester) = 0;
+  virtual void RemoveAll(const void* requester) = 0;
+  virtual size_t Count() = 0;
   // The name at an index from 0, or nothing.
-  std::u16string NameAt(size_t index) const;
-  std::vector<std::u16string> Names() const;
+  virtual std::u16string NameAt(size_t index) = 0;
+  virtual std::vector<std::u16string> Names() = 0;
 
-  void Lock(const void* requester);
-  void Unlock(const void* requester);
+  virtual void Lock(const void* requester) = 0;
+  virtual void Unlock(const void* requester) = 0;
   // Ends every hold of a request that is over.
-  void ReleaseAll(const void* requester);
+  virtual void ReleaseAll(const void* requester) = 0;
 
+  // The application's <object> tags live in each process.
   ValueTable& static_objects() { return static_objects_; }
 
  private:
-  void WaitForLock(std::unique_lock<std::mutex>& guard, const void* requester);
-
-  mutable std::mutex mutex_;
-  std::condition_variable unlocked_;
-  const void* owner_ = nullptr;
-  int depth_ = 0;
-  ValueTable contents_;
   ValueTable static_objects_;
+};
+
+// Raised when a store outside this process cannot be reached: the request answers 503 and the
+// server carries on, so that it recovers when the store is back.
+class StateUnavailable : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
 };
 
 class StateStore {
  public:
   virtual ~StateStore() = default;
-  // The live session of a cookie, or null for a cookie that is unknown, forged or expired.
-  virtual std::shared_ptr<SessionState> FindSession(std::string_view cookie) = 0;
-  virtual std::shared_ptr<SessionState> NewSession(int32_t timeout_minutes) = 0;
-  virtual void RemoveSession(const SessionState& session) = 0;
-  // Takes the sessions whose time ran out (or every session with `all`) out of the store.
+  // The session of a cookie, held for this request until CloseSession (waiting while another
+  // request holds it); a new session, with `is_new` set, for a cookie that is unknown, forged
+  // or expired.
+  virtual std::shared_ptr<SessionState> OpenSession(std::string_view cookie,
+                                                    int32_t timeout_minutes, bool& is_new) = 0;
+  // Keeps what the request changed (unless the session was abandoned, or `keep` is false for
+  // a request that failed half way) and lets the next request of the session in.
+  virtual void CloseSession(SessionState& session, bool keep) = 0;
+  // Takes an abandoned session out of the store; false when it has ended already, so that
+  // Session_OnEnd runs once at most.
+  virtual bool EndSession(SessionState& session) = 0;
+  // Takes the sessions whose time ran out (or every session of this process with `all`) out
+  // of the store, for their Session_OnEnd.
   virtual std::vector<std::shared_ptr<SessionState>> TakeExpired(bool all) = 0;
   virtual ApplicationState& Application() = 0;
+
+  // True when other processes share the state: session objects cannot be kept, and the
+  // application starts once for all of them and never ends with one of them.
+  virtual bool shared() const { return false; }
+  // True for the one caller that is to run Application_OnStart.
+  virtual bool ClaimApplicationStart() { return true; }
 };
 
 std::unique_ptr<StateStore> NewMemoryStateStore();

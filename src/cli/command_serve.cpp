@@ -2,11 +2,13 @@
 #include <signal.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <thread>
 
 #include "asp/http_server.h"
+#include "asp/redis_store.h"
 #include "asp/site_runtime.h"
 #include "cli/commands.h"
 
@@ -24,7 +26,25 @@ struct ServeArgs {
   unsigned connections = 1024;
   unsigned timeout = 30;
   int32_t script_timeout = 90;
+  std::string state = "memory";
 };
+
+// The store of --state: memory, or redis://... with the password from the address or from
+// QUORVEX_REDIS_PASSWORD. Redis need not be up yet: pages answer 503 until it is.
+std::unique_ptr<asp::StateStore> StateStoreOf(const std::string& state) {
+  if (state == "memory") return nullptr;
+  asp::RedisAddress address;
+  try {
+    address = asp::RedisAddress::Parse(state);
+  } catch (const std::invalid_argument& e) {
+    std::fprintf(stderr, "quorvex serve: --state: %s\n", e.what());
+    throw CLI::RuntimeError(kExitFailure);
+  }
+  if (address.password.empty()) {
+    if (const char* password = std::getenv("QUORVEX_REDIS_PASSWORD")) address.password = password;
+  }
+  return asp::NewRedisStateStore(address);
+}
 
 void Serve(const ServeArgs& a) {
   std::error_code ec;
@@ -42,7 +62,7 @@ void Serve(const ServeArgs& a) {
   asp::RuntimeOptions options;
   options.dev = a.dev;
   options.script_timeout = a.script_timeout;
-  auto runtime = std::make_unique<asp::SiteRuntime>(a.site, options);
+  auto runtime = std::make_unique<asp::SiteRuntime>(a.site, options, StateStoreOf(a.state));
   asp::HttpOptions http;
   http.bind = a.bind;
   http.port = a.port;
@@ -60,9 +80,9 @@ void Serve(const ServeArgs& a) {
   }
   const unsigned workers =
       a.workers ? a.workers : std::max(1u, std::thread::hardware_concurrency());
-  std::fprintf(stderr, "Serving %s on http://%s:%u/ with %u workers%s (Ctrl-C stops)\n",
+  std::fprintf(stderr, "Serving %s on http://%s:%u/ with %u workers%s%s (Ctrl-C stops)\n",
                runtime->site().root().c_str(), a.bind.c_str(), server.port(), workers,
-               a.dev ? " in dev mode" : "");
+               a.dev ? " in dev mode" : "", a.state == "memory" ? "" : ", state in Redis");
   int signal = 0;
   sigwait(&stop, &signal);
   std::fprintf(stderr, "Stopping\n");
@@ -91,6 +111,10 @@ void AddServeCommand(CLI::App& app) {
                   "Default Server.ScriptTimeout in seconds")
       ->capture_default_str()
       ->check(CLI::PositiveNumber);
+  cmd->add_option("--state", args->state,
+                  "Where sessions and Application live: memory, or redis://host:port[/db] to "
+                  "share them between servers")
+      ->capture_default_str();
   cmd->add_flag("--no-access-log", args->quiet_log, "Do not log each request on stderr");
   cmd->callback([args] { Serve(*args); });
 }

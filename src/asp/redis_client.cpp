@@ -1,0 +1,261 @@
+// The Redis connection pool over hiredis (Debian's libhiredis), and the redis:// address.
+#include "asp/redis_client.h"
+
+#include <hiredis/hiredis.h>
+
+#include <cassert>
+#include <charconv>
+#include <stdexcept>
+
+#include "asp/state_store.h"
+
+namespace qv::asp {
+namespace {
+
+constexpr auto kConnectTimeout = std::chrono::milliseconds(1000);
+constexpr auto kCommandTimeout = std::chrono::milliseconds(3000);
+constexpr auto kQuietAfterFailure = std::chrono::milliseconds(250);
+constexpr size_t kMostIdle = 64;
+
+timeval TimeVal(std::chrono::milliseconds ms) {
+  return {static_cast<time_t>(ms.count() / 1000),
+          static_cast<suseconds_t>(ms.count() % 1000 * 1000)};
+}
+
+bool ParseNumber(std::string_view text, int low, int high, int& out) {
+  const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), out);
+  return ec == std::errc() && end == text.data() + text.size() && out >= low && out <= high;
+}
+
+// %XX escapes, for a password with ':' or '@' in it.
+std::string Unescape(std::string_view text) {
+  std::string out;
+  for (size_t i = 0; i < text.size(); ++i) {
+    int code = 0;
+    if (text[i] == '%' && i + 2 < text.size() &&
+        std::from_chars(text.data() + i + 1, text.data() + i + 3, code, 16).ptr ==
+            text.data() + i + 3) {
+      out += static_cast<char>(code);
+      i += 2;
+    } else {
+      out += text[i];
+    }
+  }
+  return out;
+}
+
+RedisReply Copy(const redisReply& r) {
+  RedisReply out;
+  switch (r.type) {
+    case REDIS_REPLY_INTEGER:
+      out.type = RedisReply::Type::Integer;
+      out.integer = r.integer;
+      break;
+    case REDIS_REPLY_STRING:
+      out.type = RedisReply::Type::Text;
+      out.text.assign(r.str, r.len);
+      break;
+    case REDIS_REPLY_STATUS:
+      out.type = RedisReply::Type::Status;
+      out.text.assign(r.str, r.len);
+      break;
+    case REDIS_REPLY_ARRAY:
+      out.type = RedisReply::Type::Array;
+      out.items.reserve(r.elements);
+      for (size_t i = 0; i < r.elements; ++i)
+        out.items.push_back(Copy(*r.element[i]));
+      break;
+    default:
+      break;
+  }
+  return out;
+}
+
+}  // namespace
+
+// --- the address -------------------------------------------------------------------------------
+
+RedisAddress RedisAddress::Parse(std::string_view url) {
+  constexpr std::string_view kScheme = "redis://";
+  if (url.starts_with("rediss://"))
+    throw std::invalid_argument("TLS to Redis (rediss://) is not supported");
+  if (!url.starts_with(kScheme))
+    throw std::invalid_argument("'" + std::string(url) +
+                                "' is no Redis address: use redis://host:port[/db]");
+  RedisAddress a;
+  std::string_view rest = url.substr(kScheme.size());
+  if (const size_t at = rest.rfind('@'); at != std::string_view::npos) {
+    const std::string_view credentials = rest.substr(0, at);
+    rest.remove_prefix(at + 1);
+    const size_t colon = credentials.find(':');
+    if (colon == std::string_view::npos) {
+      a.password = Unescape(credentials);  // redis://secret@host, as redis-cli reads it
+    } else {
+      a.user = Unescape(credentials.substr(0, colon));
+      a.password = Unescape(credentials.substr(colon + 1));
+    }
+  }
+  std::string_view host_port = rest;
+  if (const size_t slash = rest.find('/'); slash != std::string_view::npos) {
+    host_port = rest.substr(0, slash);
+    const std::string_view db = rest.substr(slash + 1);
+    if (!db.empty() && !ParseNumber(db, 0, 1 << 20, a.db))
+      throw std::invalid_argument("the Redis database '" + std::string(db) +
+                                  "' is no number from 0 up");
+  }
+  std::string_view host = host_port;
+  std::string_view port;
+  if (host.starts_with('[')) {  // [::1]:6379
+    const size_t close = host.find(']');
+    if (close == std::string_view::npos)
+      throw std::invalid_argument("the Redis host '" + std::string(host_port) + "' lacks its ']'");
+    port = host.substr(close + 1);
+    host = host.substr(1, close - 1);
+    if (!port.empty() && port.front() != ':')
+      throw std::invalid_argument("unexpected text after the Redis host: '" + std::string(port) +
+                                  "'");
+    if (!port.empty()) port.remove_prefix(1);
+  } else if (const size_t colon = host.rfind(':'); colon != std::string_view::npos) {
+    port = host.substr(colon + 1);
+    host = host.substr(0, colon);
+  }
+  if (host.empty()) throw std::invalid_argument("the Redis address names no host");
+  a.host = std::string(host);
+  if (!port.empty() && !ParseNumber(port, 1, 65535, a.port))
+    throw std::invalid_argument("the Redis port '" + std::string(port) +
+                                "' is no number from 1 to 65535");
+  return a;
+}
+
+std::string RedisAddress::Text() const {
+  const bool v6 = host.find(':') != std::string::npos;
+  return (v6 ? "[" + host + "]" : host) + ":" + std::to_string(port) + "/" + std::to_string(db);
+}
+
+// --- the pool ----------------------------------------------------------------------------------
+
+RedisClient::RedisClient(RedisAddress address) : address_(std::move(address)) {}
+
+RedisClient::~RedisClient() {
+  for (redisContext* c : idle_)
+    redisFree(c);
+}
+
+void RedisClient::Fail(const std::string& why) {
+  throw StateUnavailable("Redis at " + address_.Text() + ": " + why);
+}
+
+redisContext* RedisClient::Dial() {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+  if (now < quiet_until_) Fail("not reachable a moment ago");
+  redisContext* c =
+      redisConnectWithTimeout(address_.host.c_str(), address_.port, TimeVal(kConnectTimeout));
+  std::string why;
+  if (!c) {
+    why = "out of memory";
+  } else if (c->err) {
+    why = c->errstr;
+  } else {
+    redisSetTimeout(c, TimeVal(kCommandTimeout));
+    // AUTH and SELECT come with each new connection; their replies tell whether the
+    // address is right.
+    std::vector<std::string> steps;
+    if (!address_.password.empty()) {
+      std::vector<const char*> argv{"AUTH"};
+      std::vector<size_t> lens{4};
+      if (!address_.user.empty()) {
+        argv.push_back(address_.user.c_str());
+        lens.push_back(address_.user.size());
+      }
+      argv.push_back(address_.password.c_str());
+      lens.push_back(address_.password.size());
+      auto* r = static_cast<redisReply*>(
+          redisCommandArgv(c, static_cast<int>(argv.size()), argv.data(), lens.data()));
+      if (!r) {
+        why = c->errstr;
+      } else if (r->type == REDIS_REPLY_ERROR) {
+        why = std::string("AUTH: ") + r->str;
+      }
+      if (r) freeReplyObject(r);
+    }
+    if (why.empty() && address_.db != 0) {
+      auto* r = static_cast<redisReply*>(redisCommand(c, "SELECT %d", address_.db));
+      if (!r) {
+        why = c->errstr;
+      } else if (r->type == REDIS_REPLY_ERROR) {
+        why = std::string("SELECT: ") + r->str;
+      }
+      if (r) freeReplyObject(r);
+    }
+  }
+  if (why.empty()) return c;
+  if (c) redisFree(c);
+  quiet_until_ = (std::chrono::steady_clock::now() + kQuietAfterFailure).time_since_epoch().count();
+  Fail(why);
+}
+
+redisContext* RedisClient::Acquire(bool& pooled) {
+  {
+    std::lock_guard guard(mutex_);
+    pooled = !idle_.empty();
+    if (pooled) {
+      redisContext* c = idle_.back();
+      idle_.pop_back();
+      return c;
+    }
+  }
+  return Dial();
+}
+
+void RedisClient::Release(redisContext* context) {
+  std::lock_guard guard(mutex_);
+  if (idle_.size() < kMostIdle) {
+    idle_.push_back(context);
+    return;
+  }
+  redisFree(context);
+}
+
+RedisReply RedisClient::Run(const std::vector<std::string_view>& args) {
+  assert(!args.empty());
+  std::vector<const char*> argv;
+  std::vector<size_t> lens;
+  for (std::string_view a : args) {
+    argv.push_back(a.data());
+    lens.push_back(a.size());
+  }
+  // A pooled connection may have died with a Redis that went away since: such a call is
+  // tried once more on a new connection before it counts as a failure.
+  for (int attempt = 0;; ++attempt) {
+    bool pooled = false;
+    redisContext* c = Acquire(pooled);
+    auto* r = static_cast<redisReply*>(
+        redisCommandArgv(c, static_cast<int>(argv.size()), argv.data(), lens.data()));
+    if (!r) {
+      const std::string why = c->errstr;
+      redisFree(c);
+      if (pooled && attempt == 0) continue;
+      Fail(why);
+    }
+    Release(c);
+    if (r->type == REDIS_REPLY_ERROR) {
+      const std::string why(r->str, r->len);
+      freeReplyObject(r);
+      Fail(why);
+    }
+    RedisReply out = Copy(*r);
+    freeReplyObject(r);
+    return out;
+  }
+}
+
+RedisReply RedisClient::Eval(std::string_view script, const std::vector<std::string_view>& keys,
+                             const std::vector<std::string_view>& args) {
+  const std::string count = std::to_string(keys.size());
+  std::vector<std::string_view> all{"EVAL", script, count};
+  all.insert(all.end(), keys.begin(), keys.end());
+  all.insert(all.end(), args.begin(), args.end());
+  return Run(all);
+}
+
+}  // namespace qv::asp

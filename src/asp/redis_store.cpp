@@ -1,0 +1,445 @@
+// The Redis store. Each step that reads and writes several keys runs as one script on the
+// server, so it is atomic and costs one round trip: opening a session (take the hold, read the
+// image), closing it (write the image only when it changed, renew the expiry, drop the hold),
+// and each Application write (which waits while another request holds Application.Lock).
+//
+// Keys, all under "quorvex:":
+//   session:<cookie>       the session's image; expires with the session's time-out
+//   session-hold:<cookie>  the token of the request that holds the session, with a lease
+//   session-ends           sorted set of cookies by the time each session ends (ms)
+//   session-last           hash of the last image by cookie, for Session_OnEnd after expiry
+//   session-id             the last SessionID handed out
+//   application            hash of the values by name in lower case
+//   application-order      sorted set of those names by when they were first added
+//   application-lock       the token of the request in Application.Lock, with a lease
+//   application-started    set by the process that ran Application_OnStart
+#include "asp/redis_store.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cassert>
+#include <thread>
+#include <unordered_map>
+
+namespace qv::asp {
+namespace {
+
+const std::string kPrefix = "quorvex:";
+const std::string kSessionEnds = kPrefix + "session-ends";
+const std::string kSessionLast = kPrefix + "session-last";
+const std::string kSessionId = kPrefix + "session-id";
+const std::string kApplication = kPrefix + "application";
+const std::string kApplicationOrder = kPrefix + "application-order";
+const std::string kApplicationSeq = kPrefix + "application-seq";
+const std::string kApplicationLock = kPrefix + "application-lock";
+const std::string kApplicationStarted = kPrefix + "application-started";
+
+// KEYS: session, hold, id counter. ARGV: token, lease in ms.
+// {0, ms left on another's hold} | {1, image} | {2, new SessionID} for an unknown cookie.
+constexpr std::string_view kOpenScript = R"lua(
+if not redis.call('set', KEYS[2], ARGV[1], 'NX', 'PX', ARGV[2]) then
+  return {0, redis.call('pttl', KEYS[2])}
+end
+local image = redis.call('get', KEYS[1])
+if image then return {1, image} end
+redis.call('del', KEYS[2])
+return {2, redis.call('incr', KEYS[3])}
+)lua";
+
+// KEYS: session, hold, ends, last. ARGV: token, time-out in s, cookie, mode, image.
+// Mode s writes the image, t renews the expiry of an unchanged one, d deletes an abandoned
+// session, n leaves it as it is.
+constexpr std::string_view kCloseScript = R"lua(
+local mode = ARGV[4]
+if mode == 's' or mode == 't' then
+  if mode == 's' then
+    redis.call('set', KEYS[1], ARGV[5], 'EX', ARGV[2])
+    redis.call('hset', KEYS[4], ARGV[3], ARGV[5])
+  else
+    redis.call('expire', KEYS[1], ARGV[2])
+  end
+  local now = redis.call('time')
+  redis.call('zadd', KEYS[3], now[1] * 1000 + math.floor(now[2] / 1000) + ARGV[2] * 1000, ARGV[3])
+elseif mode == 'd' then
+  redis.call('del', KEYS[1])
+  redis.call('zrem', KEYS[3], ARGV[3])
+  redis.call('hdel', KEYS[4], ARGV[3])
+end
+if redis.call('get', KEYS[2]) == ARGV[1] then redis.call('del', KEYS[2]) end
+return 1
+)lua";
+
+// KEYS: ends, last. ARGV: cookie. 1 for the one caller that ends the session.
+constexpr std::string_view kEndScript = R"lua(
+local ended = redis.call('zrem', KEYS[1], ARGV[1])
+redis.call('hdel', KEYS[2], ARGV[1])
+return ended
+)lua";
+
+// KEYS: ends, last. {cookie, last image, ...} of sessions whose time ran out, each handed to
+// one caller only.
+constexpr std::string_view kSweepScript = R"lua(
+local now = redis.call('time')
+local due = redis.call('zrangebyscore', KEYS[1], '-inf', now[1] * 1000 + math.floor(now[2] / 1000),
+                       'LIMIT', 0, 100)
+local out = {}
+for _, cookie in ipairs(due) do
+  redis.call('zrem', KEYS[1], cookie)
+  out[#out + 1] = cookie
+  out[#out + 1] = redis.call('hget', KEYS[2], cookie) or ''
+  redis.call('hdel', KEYS[2], cookie)
+end
+return out
+)lua";
+
+// KEYS: lock, values, order, seq. ARGV: token, op (put, remove, clear), name, value.
+// 0 when done; more (the lock's ms left, plus one) while another request holds the lock.
+constexpr std::string_view kApplicationWriteScript = R"lua(
+local owner = redis.call('get', KEYS[1])
+if owner and owner ~= ARGV[1] then return redis.call('pttl', KEYS[1]) + 1 end
+if ARGV[2] == 'put' then
+  redis.call('hset', KEYS[2], ARGV[3], ARGV[4])
+  if not redis.call('zscore', KEYS[3], ARGV[3]) then
+    redis.call('zadd', KEYS[3], redis.call('incr', KEYS[4]), ARGV[3])
+  end
+elseif ARGV[2] == 'remove' then
+  redis.call('hdel', KEYS[2], ARGV[3])
+  redis.call('zrem', KEYS[3], ARGV[3])
+else
+  redis.call('del', KEYS[2], KEYS[3])
+end
+return 0
+)lua";
+
+// KEYS: values, order. The values in the order their names were first added.
+constexpr std::string_view kApplicationListScript = R"lua(
+local out = {}
+for _, name in ipairs(redis.call('zrange', KEYS[2], 0, -1)) do
+  local v = redis.call('hget', KEYS[1], name)
+  if v then out[#out + 1] = v end
+end
+return out
+)lua";
+
+// KEYS: lock. ARGV: token. Drops the lock only when it is still ours.
+constexpr std::string_view kReleaseScript = R"lua(
+if redis.call('get', KEYS[1]) == ARGV[1] then return redis.call('del', KEYS[1]) end
+return 0
+)lua";
+
+// Waits a little longer each time, never past what is left of a lease.
+class Backoff {
+ public:
+  void Wait(long long lease_left_ms) {
+    auto pause = step_;
+    if (lease_left_ms > 0) pause = std::min(pause, std::chrono::milliseconds(lease_left_ms));
+    std::this_thread::sleep_for(pause);
+    step_ = std::min(step_ * 2, std::chrono::milliseconds(8));
+  }
+
+ private:
+  std::chrono::milliseconds step_{1};
+};
+
+// --- images ------------------------------------------------------------------------------------
+
+// Both images are sequences of stored values: a session's is its id, time-out, LCID, code
+// page, whether it started, the count of values, then each name and value; an application
+// value's is its name as written and the value.
+void PutLong(std::string& out, int32_t v) {
+  StoredValue::From(Variant(v), false).Encode(out);
+}
+
+void PutText(std::string& out, StringView text) {
+  StoredValue::From(Variant(String(text)), false).Encode(out);
+}
+
+bool TakeLong(std::string_view& in, int32_t& v) {
+  StoredValue stored;
+  if (!StoredValue::Decode(in, stored)) return false;
+  const Variant value = stored.ToVariant();
+  if (value.type() != VarType::Long) return false;
+  v = value.as_long();
+  return true;
+}
+
+bool TakeText(std::string_view& in, std::u16string& text) {
+  StoredValue stored;
+  if (!StoredValue::Decode(in, stored)) return false;
+  const Variant value = stored.ToVariant();
+  if (!value.is_string()) return false;
+  text = std::u16string(value.as_string().view());
+  return true;
+}
+
+std::string SessionImage(const SessionState& s) {
+  std::string out;
+  PutLong(out, s.id);
+  PutLong(out, s.timeout_minutes);
+  PutLong(out, s.lcid);
+  PutLong(out, s.code_page);
+  PutLong(out, s.started ? 1 : 0);
+  PutLong(out, static_cast<int32_t>(s.contents.size()));
+  for (size_t i = 0; i < s.contents.size(); ++i) {
+    PutText(out, s.contents.NameAt(i));
+    s.contents.ValueAt(i).Encode(out);
+  }
+  return out;
+}
+
+bool ReadSessionImage(std::string_view in, SessionState& s) {
+  int32_t id = 0, timeout = 0, started = 0, count = 0;
+  if (!TakeLong(in, id) || !TakeLong(in, timeout) || !TakeLong(in, s.lcid) ||
+      !TakeLong(in, s.code_page) || !TakeLong(in, started) || !TakeLong(in, count) || count < 0)
+    return false;
+  s.id = id;
+  s.timeout_minutes = timeout;
+  s.started = started != 0;
+  for (int32_t i = 0; i < count; ++i) {
+    std::u16string name;
+    StoredValue value;
+    if (!TakeText(in, name) || !StoredValue::Decode(in, value)) return false;
+    s.contents.Put(name, std::move(value));
+  }
+  return in.empty();
+}
+
+std::string FieldOf(StringView name) {
+  return String::ToUtf8(ToLower(name).view());
+}
+
+// --- Application -------------------------------------------------------------------------------
+
+class RedisApplication final : public ApplicationState {
+ public:
+  RedisApplication(RedisClient& redis, std::string process_token, std::chrono::milliseconds lease)
+      : redis_(redis), process_token_(std::move(process_token)), lease_(lease) {}
+
+  Variant Get(StringView name) override {
+    const RedisReply r = redis_.Run({"HGET", kApplication, FieldOf(name)});
+    if (r.is_nil()) return {};
+    std::string_view in = r.text;
+    std::u16string stored_name;
+    StoredValue value;
+    if (!TakeText(in, stored_name) || !StoredValue::Decode(in, value)) return {};
+    return value.ToVariant();
+  }
+
+  void Put(StringView name, const Variant& value, const void* requester) override {
+    std::string image;
+    PutText(image, name);
+    StoredValue::From(value, false).Encode(image);
+    Write("put", FieldOf(name), image, requester);
+  }
+
+  void Remove(StringView name, const void* requester) override {
+    Write("remove", FieldOf(name), {}, requester);
+  }
+
+  void RemoveAll(const void* requester) override { Write("clear", {}, {}, requester); }
+
+  size_t Count() override {
+    return static_cast<size_t>(std::max(0LL, redis_.Run({"HLEN", kApplication}).integer));
+  }
+
+  std::u16string NameAt(size_t index) override {
+    const std::vector<std::u16string> names = Names();
+    return index < names.size() ? names[index] : std::u16string();
+  }
+
+  std::vector<std::u16string> Names() override {
+    const RedisReply r = redis_.Eval(kApplicationListScript, {kApplication, kApplicationOrder}, {});
+    std::vector<std::u16string> out;
+    for (const RedisReply& item : r.items) {
+      std::string_view in = item.text;
+      std::u16string name;
+      if (TakeText(in, name)) out.push_back(std::move(name));
+    }
+    return out;
+  }
+
+  void Lock(const void* requester) override {
+    {
+      std::lock_guard guard(mutex_);
+      if (auto it = depth_.find(requester); it != depth_.end()) {
+        ++it->second;
+        return;
+      }
+    }
+    const std::string token = TokenOf(requester);
+    const std::string lease = std::to_string(lease_.count());
+    Backoff backoff;
+    while (redis_.Run({"SET", kApplicationLock, token, "NX", "PX", lease}).is_nil())
+      backoff.Wait(0);
+    std::lock_guard guard(mutex_);
+    depth_[requester] = 1;
+  }
+
+  void Unlock(const void* requester) override {
+    {
+      std::lock_guard guard(mutex_);
+      const auto it = depth_.find(requester);
+      if (it == depth_.end()) return;  // Unlock without Lock is harmless, as on Windows
+      if (--it->second > 0) return;
+      depth_.erase(it);
+    }
+    redis_.Eval(kReleaseScript, {kApplicationLock}, {TokenOf(requester)});
+  }
+
+  void ReleaseAll(const void* requester) override {
+    {
+      std::lock_guard guard(mutex_);
+      if (depth_.erase(requester) == 0) return;
+    }
+    redis_.Eval(kReleaseScript, {kApplicationLock}, {TokenOf(requester)});
+  }
+
+ private:
+  std::string TokenOf(const void* requester) const {
+    return process_token_ + ":" + std::to_string(reinterpret_cast<uintptr_t>(requester));
+  }
+
+  void Write(std::string_view op, std::string_view field, std::string_view image,
+             const void* requester) {
+    const std::string token = TokenOf(requester);
+    Backoff backoff;
+    for (;;) {
+      const RedisReply r =
+          redis_.Eval(kApplicationWriteScript,
+                      {kApplicationLock, kApplication, kApplicationOrder, kApplicationSeq},
+                      {token, op, field, image});
+      if (r.integer == 0) return;
+      backoff.Wait(r.integer - 1);
+    }
+  }
+
+  RedisClient& redis_;
+  const std::string process_token_;
+  const std::chrono::milliseconds lease_;
+  std::mutex mutex_;
+  std::unordered_map<const void*, int> depth_;  // the requests of this process in Lock
+};
+
+// --- the store ---------------------------------------------------------------------------------
+
+class RedisStateStore final : public StateStore {
+ public:
+  RedisStateStore(const RedisAddress& address, RedisLeases leases)
+      : redis_(address),
+        process_token_(NewSessionCookie().substr(0, 16)),
+        leases_(leases),
+        application_(redis_, process_token_, leases.application) {}
+
+  std::shared_ptr<SessionState> OpenSession(std::string_view cookie, int32_t timeout_minutes,
+                                            bool& is_new) override {
+    auto session = std::make_shared<SessionState>();
+    session->hold_token = process_token_ + ":" + std::to_string(++requests_);
+    is_new = true;
+    if (IsCookie(cookie)) {
+      const std::string lease = std::to_string(leases_.session.count());
+      Backoff backoff;
+      for (;;) {
+        const RedisReply r =
+            redis_.Eval(kOpenScript, {SessionKey(cookie), HoldKey(cookie), kSessionId},
+                        {session->hold_token, lease});
+        if (r.items.size() != 2) throw StateUnavailable("Redis: unexpected reply");
+        const RedisReply& status = r.items[0];
+        const RedisReply& value = r.items[1];
+        if (status.integer == 0) {
+          backoff.Wait(value.integer);
+          continue;
+        }
+        if (status.integer == 1 && ReadSessionImage(value.text, *session)) {
+          session->cookie = std::string(cookie);
+          session->loaded_image = value.text;
+          is_new = false;
+          return session;
+        }
+        if (status.integer == 1) {  // an image of another version or damaged: start afresh
+          redis_.Eval(kReleaseScript, {HoldKey(cookie)}, {session->hold_token});
+          session->id = NewId();
+        } else {
+          session->id = static_cast<int32_t>(value.integer);
+        }
+        break;
+      }
+    } else {
+      session->id = NewId();
+    }
+    session->cookie = NewSessionCookie();
+    session->timeout_minutes = timeout_minutes;
+    return session;
+  }
+
+  void CloseSession(SessionState& session, bool keep) override {
+    std::string image;
+    std::string_view mode = "n";
+    if (session.abandoned) {
+      mode = "d";
+    } else if (keep) {
+      image = SessionImage(session);
+      mode = image == session.loaded_image ? "t" : "s";
+      if (mode == "t") image.clear();
+    }
+    const std::string timeout = std::to_string(int64_t{session.timeout_minutes} * 60);
+    redis_.Eval(kCloseScript,
+                {SessionKey(session.cookie), HoldKey(session.cookie), kSessionEnds, kSessionLast},
+                {session.hold_token, timeout, session.cookie, mode, image});
+  }
+
+  bool EndSession(SessionState& session) override {
+    // A session abandoned in its first request was never written: it ends here.
+    if (session.loaded_image.empty()) return true;
+    return redis_.Eval(kEndScript, {kSessionEnds, kSessionLast}, {session.cookie}).integer == 1;
+  }
+
+  std::vector<std::shared_ptr<SessionState>> TakeExpired(bool all) override {
+    std::vector<std::shared_ptr<SessionState>> out;
+    if (all) return out;  // the other servers carry on with the sessions
+    const RedisReply r = redis_.Eval(kSweepScript, {kSessionEnds, kSessionLast}, {});
+    for (size_t i = 0; i + 1 < r.items.size(); i += 2) {
+      auto session = std::make_shared<SessionState>();
+      session->cookie = r.items[i].text;
+      if (ReadSessionImage(r.items[i + 1].text, *session)) out.push_back(std::move(session));
+    }
+    return out;
+  }
+
+  ApplicationState& Application() override { return application_; }
+  bool shared() const override { return true; }
+
+  bool ClaimApplicationStart() override {
+    return !redis_.Run({"SET", kApplicationStarted, process_token_, "NX"}).is_nil();
+  }
+
+ private:
+  static bool IsCookie(std::string_view cookie) {
+    return cookie.size() == 24 &&
+           std::all_of(cookie.begin(), cookie.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+  }
+  static std::string SessionKey(std::string_view cookie) {
+    return kPrefix + "session:" + std::string(cookie);
+  }
+  static std::string HoldKey(std::string_view cookie) {
+    return kPrefix + "session-hold:" + std::string(cookie);
+  }
+  int32_t NewId() {
+    // SessionID is a Long: the counter wraps before it leaves one.
+    const long long n = redis_.Run({"INCR", kSessionId}).integer;
+    return static_cast<int32_t>(n % 2147483647);
+  }
+
+  RedisClient redis_;
+  const std::string process_token_;
+  const RedisLeases leases_;
+  std::atomic<uint64_t> requests_{0};
+  RedisApplication application_;
+};
+
+}  // namespace
+
+std::unique_ptr<StateStore> NewRedisStateStore(const RedisAddress& address, RedisLeases leases) {
+  return std::make_unique<RedisStateStore>(address, leases);
+}
+
+}  // namespace qv::asp
