@@ -118,7 +118,7 @@ TEST(GenerateCommand, ChinookTreeTwiceThenWithAChangedSetting) {
   EXPECT_EQ(first.at("Album_AlbumIdkey.inc"), "<% key = \"AlbumId\" %>\r\n");
   EXPECT_TRUE(Has(first.at("default.asp"), "</head><body>chin</body></html>"));
   EXPECT_EQ(first.at("chinook.sqlite"), Slurp(chinook));
-  EXPECT_TRUE(Has(first.at("chin.css"), "font-family: Verdana"));
+  EXPECT_TRUE(Has(first.at("chin.css"), "--qv-font: Verdana"));
 
   // The project asks before overwriting; with nobody to answer, existing files are kept.
   run = Quorvex(dir, generate);
