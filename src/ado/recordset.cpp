@@ -535,7 +535,9 @@ void RecordsetObject::SetValue(size_t column, const Variant& value) {
   const ColumnInfo& info = columns_[column];
   Variant converted;
   try {
-    converted = ConvertToType(value, info.type);
+    // Columns of a database keep exact numbers exact; a table in memory rounds to its scale.
+    converted = connection_ || !table_.empty() ? ConvertToColumn(value, info)
+                                               : ConvertToType(value, info.type);
   } catch (const Error&) {
     throw AdoError(kErrMultipleStep, u"ADODB.Field");
   }

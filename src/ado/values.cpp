@@ -2,6 +2,7 @@
 #include "ado/values.h"
 
 #include <cmath>
+#include <optional>
 
 #include "automation/convert.h"
 #include "automation/error.h"
@@ -75,6 +76,50 @@ Variant BytesFromText(StringView text) {
   return ByteArray(bytes);
 }
 
+namespace {
+
+// Text that Currency holds exactly: digits with at most four decimals, within its range.
+std::optional<Variant> ExactCurrencyText(StringView text) {
+  const StringView t = TrimBlanks(text);
+  size_t i = !t.empty() && (t[0] == u'-' || t[0] == u'+') ? 1 : 0;
+  size_t digits = 0, decimals = 0;
+  bool point = false;
+  for (; i < t.size(); ++i) {
+    if (t[i] == u'.' && !point) {
+      point = true;
+    } else if (t[i] >= u'0' && t[i] <= u'9') {
+      ++(point ? decimals : digits);
+    } else {
+      return std::nullopt;
+    }
+  }
+  if (digits + decimals == 0 || decimals > 4 || digits > 15) return std::nullopt;
+  return CurrencyFromText(t);
+}
+
+// An exact number as the exact subtype when that loses nothing, else as Double.
+Variant ExactNumber(const Variant& value) {
+  if (value.type() == VarType::Currency) return value;
+  if (value.is_string()) {
+    if (auto money = ExactCurrencyText(value.as_string())) return *money;
+  }
+  return Variant(ToDouble(value));
+}
+
+}  // namespace
+
+Variant ConvertToColumn(const Variant& given, const data::ColumnInfo& column) {
+  const bool exact = column.type == adNumeric || column.type == adDecimal;
+  if (!exact || column.numeric_scale > 4) return ConvertToType(given, column.type);
+  const Variant value = given.is_object() ? ValueOf(given) : given;
+  if (value.is_null() || value.is_empty()) return value;
+  try {
+    return Variant::Currency(ToCurrency(value));
+  } catch (const Error&) {
+    return ConvertToType(value, column.type);  // beyond Currency's range
+  }
+}
+
 Variant ConvertToType(const Variant& given, int32_t type) {
   const Variant value = given.is_object() ? ValueOf(given) : given;
   if (value.is_null() || value.is_empty()) return value;
@@ -99,10 +144,11 @@ Variant ConvertToType(const Variant& given, int32_t type) {
     case adSingle:
       return Variant(ToSingle(value));
     case adDouble:
+      return Variant(ToDouble(value));
     case adDecimal:
     case adNumeric:
     case adVarNumeric:
-      return Variant(ToDouble(value));
+      return ExactNumber(value);
     case adCurrency:
       return Variant::Currency(ToCurrency(value));
     case adDate:

@@ -166,7 +166,23 @@ std::optional<T> GetFixed(SQLHSTMT stmt, SQLUSMALLINT column, SQLSMALLINT c_type
   return value;
 }
 
-Variant ReadValue(SQLHSTMT stmt, SQLUSMALLINT column, int32_t type) {
+// An exact number of at most four decimals comes as Currency, which holds it without loss (a
+// Double would turn 0.10 + 0.20 money into 0.30000000000000004); wider scales and values
+// beyond Currency's range come as Double, the nearest VBScript has.
+Variant ReadExactNumber(SQLHSTMT stmt, SQLUSMALLINT column, const ColumnInfo& info) {
+  if (info.numeric_scale > 4) {
+    const auto v = GetFixed<double>(stmt, column, SQL_C_DOUBLE);
+    return v ? Variant(*v) : Variant::Null();
+  }
+  const auto text = GetText(stmt, column);
+  if (!text) return Variant::Null();
+  if (auto money = CurrencyFromText(*text)) return *money;
+  if (auto number = ParseNumberText(*text)) return Variant(*number);
+  return Variant(*text);
+}
+
+Variant ReadValue(SQLHSTMT stmt, SQLUSMALLINT column, const ColumnInfo& info) {
+  const int32_t type = info.type;
   switch (type) {
     case adBoolean: {
       const auto v = GetFixed<unsigned char>(stmt, column, SQL_C_BIT);
@@ -189,11 +205,13 @@ Variant ReadValue(SQLHSTMT stmt, SQLUSMALLINT column, int32_t type) {
       const auto v = GetFixed<float>(stmt, column, SQL_C_FLOAT);
       return v ? Variant(*v) : Variant::Null();
     }
-    case adDouble:
-    case adNumeric: {
+    case adDouble: {
       const auto v = GetFixed<double>(stmt, column, SQL_C_DOUBLE);
       return v ? Variant(*v) : Variant::Null();
     }
+    case adNumeric:
+    case adDecimal:
+      return ReadExactNumber(stmt, column, info);
     case adDBDate:
     case adDBTime:
     case adDBTimeStamp: {
@@ -420,7 +438,7 @@ class OdbcCursor final : public Cursor {
       if (!Succeeded(rc)) Fail(SQL_HANDLE_STMT, stmt_->get(), u"Fetching a row");
       std::vector<Variant> row(columns_.size());
       for (size_t i = 0; i < columns_.size(); ++i) {
-        row[i] = ReadValue(stmt_->get(), static_cast<SQLUSMALLINT>(i + 1), columns_[i].type);
+        row[i] = ReadValue(stmt_->get(), static_cast<SQLUSMALLINT>(i + 1), columns_[i]);
       }
       ahead_.push_back(std::move(row));
     } catch (...) {
@@ -614,7 +632,7 @@ class OdbcBackend final : public Backend {
     ForEachRow(stmt.get(), [&] {
       auto& row = rowset.rows.emplace_back();
       for (SQLUSMALLINT i = 1; i <= static_cast<SQLUSMALLINT>(count); ++i) {
-        row.push_back(ReadValue(stmt.get(), i, rowset.columns[i - 1].type));
+        row.push_back(ReadValue(stmt.get(), i, rowset.columns[i - 1]));
       }
     });
     return rowset;

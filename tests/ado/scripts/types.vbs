@@ -56,8 +56,8 @@ Check rs("num").Value, 42, "integer"
 CheckType rs("num").Value, "Long", "an INTEGER column gives Long"
 Check CDbl(rs("big").Value), 3000000000, "BIGINT beyond Long"
 Check rs("dbl").Value, 1.25, "Double"
-If DBKIND = "sqlite" Then CheckType rs("amount").Value, "Currency", "a MONEY column gives Currency"
-Check CDbl(rs("amount").Value), 1234.5678, "money amount"
+CheckType rs("amount").Value, "Currency", "a money column gives Currency"
+Check rs("amount").Value, CCur("1234.5678"), "money amount"
 Check rs("flag").Value, True, "Boolean"
 Check rs("stamp").Value, when, "Date"
 bytes = rs("data").Value
@@ -83,6 +83,15 @@ CheckErr 3421, "text in a numeric parameter"
 On Error GoTo 0
 Set rs = cn.Execute("SELECT COUNT(*) FROM " & t)
 Check CLng(rs(0)), 3, "nothing inserted by the failed Execute"
+
+' Money keeps every digit on its way in and out, where a Double would round the last one
+' (SQLite itself stores such numbers as doubles).
+Set rs = CreateObject("ADODB.Recordset")
+rs.Open "SELECT id, amount FROM " & t & " WHERE num = 42", cn, 3, 3
+rs("amount") = "922337203685.4477"
+rs.Update
+Set rs = cn.Execute("SELECT amount FROM " & t & " WHERE num = 42")
+If DBKIND <> "sqlite" Then Check rs("amount").Value, CCur("922337203685.4477"), "money read back whole"
 
 ' Field metadata.
 Set rs = CreateObject("ADODB.Recordset")
