@@ -1,0 +1,388 @@
+// Several servers sharing state: a real redis-server, two `quorvex serve` processes with
+// --state redis://..., and nginx balancing over them round robin, all started on loopback by
+// the project's scripts (scripts/scale/) for this test binary and stopped at its end.
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <sstream>
+#include <thread>
+
+#include "asp/redis_client.h"
+#include "asp/state_store.h"
+#include "http_client.h"
+
+extern char** environ;
+
+namespace qv::asp {
+namespace {
+namespace fs = std::filesystem;
+using test::Get;
+using test::Reply;
+
+const fs::path kSource = QV_SOURCE_DIR;
+const fs::path kScripts = kSource / "scripts/scale";
+
+// Runs a shell command and returns its output without the final line end.
+std::string Shell(const std::string& command, int* status = nullptr) {
+  std::string out;
+  FILE* p = popen(command.c_str(), "r");
+  if (!p) return out;
+  char buffer[4096];
+  size_t n = 0;
+  while ((n = fread(buffer, 1, sizeof buffer, p)) > 0)
+    out.append(buffer, n);
+  const int rc = pclose(p);
+  if (status) *status = WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
+  while (!out.empty() && (out.back() == '\n' || out.back() == '\r'))
+    out.pop_back();
+  return out;
+}
+
+struct Server {
+  pid_t pid = 0;
+  uint16_t port = 0;
+};
+
+// `quorvex serve` with its stderr in `log`; waits until it says where it listens.
+Server StartQuorvex(const std::vector<std::string>& args, const fs::path& log) {
+  std::vector<char*> argv;
+  std::vector<std::string> all{QV_QUORVEX, "serve"};
+  all.insert(all.end(), args.begin(), args.end());
+  for (std::string& a : all)
+    argv.push_back(a.data());
+  argv.push_back(nullptr);
+  posix_spawn_file_actions_t files;
+  posix_spawn_file_actions_init(&files);
+  posix_spawn_file_actions_addopen(&files, 1, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_addopen(&files, 2, log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  Server s;
+  const int rc = posix_spawn(&s.pid, argv[0], &files, nullptr, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&files);
+  if (rc != 0) return {};
+  const std::regex listening(R"(http://127\.0\.0\.1:(\d+)/)");
+  for (int i = 0; i < 200; ++i) {
+    std::ifstream in(log);
+    const std::string text((std::istreambuf_iterator<char>(in)), {});
+    std::smatch m;
+    if (std::regex_search(text, m, listening)) {
+      s.port = static_cast<uint16_t>(std::stoi(m[1]));
+      return s;
+    }
+    if (waitpid(s.pid, nullptr, WNOHANG) == s.pid) return {};
+    std::this_thread::sleep_for(std::chrono::milliseconds(25));
+  }
+  return s;
+}
+
+bool Alive(const Server& s) {
+  return s.pid > 0 && waitpid(s.pid, nullptr, WNOHANG) == 0;
+}
+
+void Stop(Server& s) {
+  if (s.pid <= 0) return;
+  kill(s.pid, SIGTERM);
+  waitpid(s.pid, nullptr, 0);
+  s.pid = 0;
+}
+
+std::string CookieOf(const Reply& r) {
+  for (const std::string& c : r.All("Set-Cookie")) {
+    if (c.rfind("ASPSESSIONID=", 0) == 0) return c.substr(0, c.find(';'));
+  }
+  return {};
+}
+
+std::string Header(const std::string& cookie) {
+  return "Cookie: " + cookie + "\r\n";
+}
+
+class ScaleTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    scratch_ = fs::current_path() / ("scale-" + std::to_string(getpid()));
+    fs::create_directories(scratch_);
+    redis_port_ = Shell(kScripts.string() + "/redis.sh start " + (scratch_ / "redis").string());
+    ASSERT_FALSE(redis_port_.empty()) << "redis-server did not start";
+    const std::string state = "redis://127.0.0.1:" + redis_port_;
+    const std::string site = (kSource / "tests/asp/site").string();
+    for (int i = 0; i < 2; ++i) {
+      servers_[i] =
+          StartQuorvex({site, "--port", "0", "--workers", "3", "--no-access-log", "--state", state},
+                       scratch_ / ("serve" + std::to_string(i) + ".log"));
+      ASSERT_NE(servers_[i].port, 0) << "quorvex serve did not start";
+    }
+    const std::string nginx =
+        Shell(kScripts.string() + "/nginx.sh start " + (scratch_ / "nginx").string() + " " +
+              std::to_string(servers_[0].port) + " " + std::to_string(servers_[1].port));
+    ASSERT_FALSE(nginx.empty()) << "nginx did not start";
+    nginx_port_ = static_cast<uint16_t>(std::stoi(nginx));
+  }
+
+  static void TearDownTestSuite() {
+    Shell(kScripts.string() + "/nginx.sh stop " + (scratch_ / "nginx").string());
+    for (Server& s : servers_)
+      Stop(s);
+    Shell(kScripts.string() + "/redis.sh stop " + (scratch_ / "redis").string());
+    std::error_code ec;
+    fs::remove_all(scratch_, ec);
+  }
+
+  static std::string Redis(const std::string& command) {
+    return Shell("redis-cli -p " + redis_port_ + " " + command);
+  }
+
+  // Calls of each Redis command so far, the commands scripts run included.
+  static std::map<std::string, long> CommandCalls() {
+    std::map<std::string, long> out;
+    std::istringstream in(Redis("info commandstats"));
+    const std::regex line(R"(cmdstat_(\w+):calls=(\d+))");
+    std::string text;
+    while (std::getline(in, text)) {
+      std::smatch m;
+      if (std::regex_search(text, m, line)) out[m[1]] = std::stol(m[2]);
+    }
+    return out;
+  }
+
+  static inline fs::path scratch_;
+  static inline std::string redis_port_;
+  static inline std::array<Server, 2> servers_;
+  static inline uint16_t nginx_port_ = 0;
+};
+
+TEST_F(ScaleTest, ASessionWrittenOnOneServerIsReadOnTheOtherWithEveryKindOfValue) {
+  const Reply set = Get(servers_[0].port, "/scale/values.asp?set=1");
+  ASSERT_EQ(set.status, 200) << set.body;
+  const std::string cookie = CookieOf(set);
+  ASSERT_FALSE(cookie.empty());
+  // An object is refused at the assignment, and the page goes on.
+  EXPECT_NE(
+      set.body.find("refused=80004005|Session object, ASP 0197 (0x80004005)|Disallowed object use"),
+      std::string::npos)
+      << set.body;
+
+  const Reply read = Get(servers_[1].port, "/scale/values.asp", Header(cookie));
+  ASSERT_EQ(read.status, 200) << read.body;
+  EXPECT_EQ(read.body,
+            "greeting=String welcome\r\n"
+            "int=Integer -7\r\n"
+            "long=Long 123456789\r\n"
+            "dbl=Double 1.5E+300\r\n"
+            "sng=Single 0.25\r\n"
+            "cur=Currency 12.3456\r\n"
+            "date=Date 11/25/2026 1:45:00 PM\r\n"
+            "text=String Grüße 𝄞\r\n"
+            "none=String \r\n"
+            "empty=Empty \r\n"
+            "null=Null (null)\r\n"
+            "bool=Boolean True\r\n"
+            "byte=Byte 200\r\n"
+            "matrix=Variant() 1x2:x:Empty:Variant():False:True\r\n"
+            "timeout=7\r\n"
+            "bag=Dictionary\r\n");
+  // One key per session, expiring with its time-out.
+  const std::string key = "quorvex:session:" + cookie.substr(cookie.find('=') + 1);
+  const int ttl = std::stoi(Redis("ttl " + key));
+  EXPECT_GT(ttl, 7 * 60 - 5);
+  EXPECT_LE(ttl, 7 * 60);
+
+  // A request that only reads the session opens it in one round trip and closes it in one,
+  // renewing the expiry without writing the image; one that changes it writes it.
+  auto before = CommandCalls();
+  ASSERT_EQ(Get(servers_[0].port, "/scale/values.asp", Header(cookie)).status, 200);
+  auto after = CommandCalls();
+  const auto delta = [&](const std::string& c) { return after[c] - before[c]; };
+  EXPECT_EQ(delta("eval") - delta("zrangebyscore"), 2);  // a sweep may come along
+  EXPECT_EQ(delta("set"), 1);                            // the hold only
+  EXPECT_EQ(delta("expire"), 1);
+  before = after;
+  ASSERT_EQ(Get(servers_[1].port, "/session.asp?case=count", Header(cookie)).status, 200);
+  after = CommandCalls();
+  EXPECT_EQ(delta("eval") - delta("zrangebyscore"), 2);
+  EXPECT_EQ(delta("set"), 2);  // the hold and the image
+  EXPECT_EQ(delta("expire"), 0);
+}
+
+TEST_F(ScaleTest, AbandonDeletesTheKeyAndEndsTheSessionOnce) {
+  const Reply first = Get(servers_[0].port, "/session.asp?case=count");
+  const std::string cookie = CookieOf(first);
+  ASSERT_FALSE(cookie.empty());
+  const std::string key = "quorvex:session:" + cookie.substr(cookie.find('=') + 1);
+  EXPECT_EQ(Redis("exists " + key), "1");
+  const std::string ended = Get(nginx_port_, "/scale/ended.asp").body;
+  const int ended_before = ended.empty() ? 0 : std::stoi(ended);
+
+  EXPECT_EQ(Get(servers_[1].port, "/session.asp?case=abandon", Header(cookie)).body, "abandoned");
+  EXPECT_EQ(Redis("exists " + key), "0");
+  EXPECT_EQ(Get(nginx_port_, "/scale/ended.asp").body, std::to_string(ended_before + 1));
+  // The old cookie starts a new session on either server, with a count from 1 again.
+  const Reply again = Get(servers_[0].port, "/session.asp?case=count", Header(cookie));
+  EXPECT_EQ(again.body.substr(0, 2), "1|");
+  EXPECT_NE(CookieOf(again), cookie);
+  EXPECT_EQ(Get(nginx_port_, "/scale/ended.asp").body, std::to_string(ended_before + 1));
+}
+
+TEST_F(ScaleTest, RequestsOfOneSessionRunOneAtATimeAcrossServers) {
+  const std::string cookie = CookieOf(Get(nginx_port_, "/scale/visit.asp"));
+  ASSERT_FALSE(cookie.empty());
+  std::vector<std::thread> threads;
+  std::atomic<int> failures{0};
+  for (int t = 0; t < 8; ++t) {
+    threads.emplace_back([&] {
+      for (int i = 0; i < 5; ++i) {
+        if (Get(nginx_port_, "/scale/visit.asp", Header(cookie)).status != 200) ++failures;
+      }
+    });
+  }
+  for (std::thread& t : threads)
+    t.join();
+  EXPECT_EQ(failures, 0);
+  EXPECT_EQ(Get(nginx_port_, "/scale/visit.asp", Header(cookie)).body, "42");
+}
+
+TEST_F(ScaleTest, AThousandConcurrentIncrementsUnderLockEndAtAThousand) {
+  std::atomic<int> next{0}, failures{0};
+  std::array<std::atomic<int>, 2> served{};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 16; ++t) {
+    threads.emplace_back([&] {
+      while (next++ < 1000) {
+        const Reply r = Get(nginx_port_, "/scale/counter.asp?name=hits");
+        if (r.status != 200) ++failures;
+        for (int i = 0; i < 2; ++i) {
+          if (r.body == std::to_string(servers_[i].port)) ++served[i];
+        }
+      }
+    });
+  }
+  for (std::thread& t : threads)
+    t.join();
+  EXPECT_EQ(failures, 0);
+  EXPECT_GT(served[0], 300);  // round robin: both servers took their share
+  EXPECT_GT(served[1], 300);
+  EXPECT_EQ(Get(servers_[0].port, "/scale/counter.asp?name=hits&read=1").body, "1000");
+
+  // A lock left by a process that died lasts only as long as its lease.
+  Redis("set quorvex:application-lock dead-process px 800");
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(Get(servers_[1].port, "/scale/counter.asp?name=hits").status, 200);
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(600));
+  EXPECT_EQ(Get(servers_[0].port, "/scale/counter.asp?name=hits&read=1").body, "1001");
+}
+
+TEST_F(ScaleTest, RedisStoppedAndRestartedUnderLoad) {
+  std::atomic<bool> stop{false};
+  std::atomic<int> ok_before{0}, unavailable{0}, ok_after{0}, other{0};
+  std::atomic<bool> restarted{false};
+  std::string unavailable_body;
+  std::mutex body_mutex;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&] {
+      while (!stop) {
+        const Reply r = Get(nginx_port_, "/scale/visit.asp");
+        if (r.status == 200) {
+          ++(restarted ? ok_after : ok_before);
+        } else if (r.status == 503) {
+          ++unavailable;
+          std::lock_guard guard(body_mutex);
+          unavailable_body = r.body;
+        } else {
+          ++other;
+        }
+      }
+    });
+  }
+  const auto wait_for = [](const std::atomic<int>& counter, int least) {
+    for (int i = 0; i < 400 && counter < least; ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  };
+  wait_for(ok_before, 20);
+  Shell(kScripts.string() + "/redis.sh stop " + (scratch_ / "redis").string());
+  wait_for(unavailable, 20);
+  EXPECT_EQ(Shell(kScripts.string() + "/redis.sh start " + (scratch_ / "redis").string() + " " +
+                  redis_port_),
+            redis_port_);
+  restarted = true;
+  wait_for(ok_after, 20);
+  stop = true;
+  for (std::thread& t : threads)
+    t.join();
+  EXPECT_GE(ok_before, 20);
+  EXPECT_GE(unavailable, 20);
+  EXPECT_GE(ok_after, 20);
+  EXPECT_EQ(other, 0);  // no 500, and no 502 from nginx for a server that went down
+  EXPECT_NE(unavailable_body.find("503 Service Unavailable"), std::string::npos);
+  EXPECT_TRUE(Alive(servers_[0]));
+  EXPECT_TRUE(Alive(servers_[1]));
+}
+
+TEST(ScaleState, RedisAddressesAndWhatServeSaysAboutWrongOnes) {
+  const RedisAddress a = RedisAddress::Parse("redis://:p%40ss@cache.example:6380/3");
+  EXPECT_EQ(a.host, "cache.example");
+  EXPECT_EQ(a.port, 6380);
+  EXPECT_EQ(a.db, 3);
+  EXPECT_EQ(a.password, "p@ss");
+  EXPECT_EQ(a.Text(), "cache.example:6380/3");  // never the password
+  const RedisAddress b = RedisAddress::Parse("redis://app:secret@[::1]");
+  EXPECT_EQ(b.host, "::1");
+  EXPECT_EQ(b.port, 6379);
+  EXPECT_EQ(b.user, "app");
+  EXPECT_EQ(b.password, "secret");
+
+  const std::string site = (kSource / "tests/asp/site").string();
+  const auto refused = [&](const std::string& state) {
+    int status = 0;
+    const std::string out =
+        Shell(std::string(QV_QUORVEX) + " serve " + site + " --port 0 --state '" + state + "' 2>&1",
+              &status);
+    EXPECT_NE(status, 0) << state;
+    return out;
+  };
+  EXPECT_EQ(refused("redis://127.0.0.1:99999"),
+            "quorvex serve: --state: the Redis port '99999' is no number from 1 to 65535");
+  EXPECT_EQ(refused("rediss://127.0.0.1"),
+            "quorvex serve: --state: TLS to Redis (rediss://) is not supported");
+  EXPECT_EQ(refused("redis://127.0.0.1/x"),
+            "quorvex serve: --state: the Redis database 'x' is no number from 0 up");
+  EXPECT_EQ(refused("memcached://x"),
+            "quorvex serve: --state: 'memcached://x' is no Redis address: use "
+            "redis://host:port[/db]");
+}
+
+TEST(ScaleState, DamagedImagesAreRefusedNotTrusted) {
+  auto array = MakeRef<SafeArray>(VarType::Variant, std::vector<ArrayBound>{{0, 3}});
+  (*array)[0] = Variant(String(u"text"));
+  (*array)[1] = Variant::Date(46000.5);
+  std::string image;
+  StoredValue::From(Variant(array), false).Encode(image);
+  std::string_view whole = image;
+  StoredValue back;
+  ASSERT_TRUE(StoredValue::Decode(whole, back));
+  EXPECT_TRUE(whole.empty());
+  EXPECT_EQ(back.ToVariant().as_array()->size(), 3u);
+  for (size_t cut = 0; cut < image.size(); ++cut) {
+    std::string_view part(image.data(), cut);
+    EXPECT_FALSE(StoredValue::Decode(part, back)) << cut;
+  }
+  std::string huge = image;
+  huge[1 + 8 + 8 + 8] = '\x7f';  // a count of items far beyond the bytes that follow
+  std::string_view damaged = huge;
+  EXPECT_FALSE(StoredValue::Decode(damaged, back));
+}
+
+}  // namespace
+}  // namespace qv::asp

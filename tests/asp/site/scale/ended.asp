@@ -1,0 +1,1 @@
+<%@ EnableSessionState=False %><% Response.ContentType = "text/plain" : Response.Write Application("ended") %>
