@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <exception>
 
 #include "ado/ado_errors.h"
 #include "ado/command.h"
@@ -117,7 +118,7 @@ void RecordsetObject::SetColumns(std::vector<ColumnInfo> columns) {
 void RecordsetObject::AppendColumn(ColumnInfo column) {
   // Columns of a recordset in memory may be added while it is closed; ADO also lets an open
   // one without rows grow, which pages use to build a table column by column.
-  if (open_ && (connection_ || !records_.empty())) {
+  if (open_ && (connection_ || !records().empty())) {
     throw AdoError(adErrIllegalOperation, u"ADODB.Fields");
   }
   column_index_.emplace(column.name, columns_.size());
@@ -142,7 +143,7 @@ void RecordsetObject::ResetState() {
   row_.clear();
   stream_eof_ = false;
   stream_position_ = 0;
-  records_.clear();
+  records_ = std::make_shared<Records>();
   view_.clear();
   pos_ = 0;
   edit_mode_ = adEditNone;
@@ -265,9 +266,9 @@ void RecordsetObject::OpenOnRowset(Ref<ConnectionObject> cn, Rowset rowset) {
 void RecordsetObject::Materialise(Cursor& cursor) {
   std::vector<Variant> row;
   try {
-    while ((max_records_ <= 0 || records_.size() < static_cast<size_t>(max_records_)) &&
+    while ((max_records_ <= 0 || records().size() < static_cast<size_t>(max_records_)) &&
            cursor.Fetch(row)) {
-      records_.push_back(Record{std::move(row), {}, false});
+      records().emplace_back().values = std::move(row);
       row = {};
     }
   } catch (const ProviderError& failure) {
@@ -383,12 +384,12 @@ bool RecordsetObject::Bof() {
 bool RecordsetObject::HasCurrent() const {
   if (Streaming()) return !stream_eof_;
   return pos_ >= 0 && pos_ < static_cast<int64_t>(view_.size()) &&
-         !records_[view_[static_cast<size_t>(pos_)]].deleted;
+         !records()[view_[static_cast<size_t>(pos_)]].deleted;
 }
 
 RecordsetObject::Record& RecordsetObject::Current() {
   assert(!Streaming() && pos_ >= 0 && pos_ < static_cast<int64_t>(view_.size()));
-  return records_[view_[static_cast<size_t>(pos_)]];
+  return records()[view_[static_cast<size_t>(pos_)]];
 }
 
 void RecordsetObject::RequireCurrent() {
@@ -403,7 +404,7 @@ void RecordsetObject::RequireScrollable() {
 // A deleted record stays current until the cursor leaves it; then it leaves the view.
 void RecordsetObject::DropDeletedAtCursor() {
   if (Streaming() || pos_ < 0 || pos_ >= static_cast<int64_t>(view_.size())) return;
-  if (!records_[view_[static_cast<size_t>(pos_)]].deleted) return;
+  if (!records()[view_[static_cast<size_t>(pos_)]].deleted) return;
   view_.erase(view_.begin() + pos_);
 }
 
@@ -416,7 +417,7 @@ void RecordsetObject::MoveNext() {
     return;
   }
   if (pos_ >= static_cast<int64_t>(view_.size())) throw AdoError(adErrNoCurrentRecord, kSource);
-  const bool was_deleted = pos_ >= 0 && records_[view_[static_cast<size_t>(pos_)]].deleted;
+  const bool was_deleted = pos_ >= 0 && records()[view_[static_cast<size_t>(pos_)]].deleted;
   DropDeletedAtCursor();
   if (!was_deleted) ++pos_;
 }
@@ -484,7 +485,7 @@ int32_t RecordsetObject::RecordCount() {
   }
   int32_t count = 0;
   for (const uint32_t index : view_) {
-    if (!records_[index].deleted) ++count;
+    if (!records()[index].deleted) ++count;
   }
   return count;
 }
@@ -586,10 +587,10 @@ void RecordsetObject::AddNew(Args args) {
   DropDeletedAtCursor();
   Record record;
   record.values.assign(columns_.size(), Variant::Null());
-  records_.push_back(std::move(record));
-  view_.push_back(static_cast<uint32_t>(records_.size() - 1));
+  records().push_back(std::move(record));
+  view_.push_back(static_cast<uint32_t>(records().size() - 1));
   pos_ = static_cast<int64_t>(view_.size()) - 1;
-  edit_values_ = records_.back().values;
+  edit_values_ = records().back().values;
   edit_changed_.assign(columns_.size(), false);
   edit_mode_ = adEditAdd;
   if (HasArg(args, 0)) Update(args);
@@ -616,15 +617,30 @@ void RecordsetObject::Update(Args args) {
   }
   if (edit_mode_ == adEditNone) return;
   Record& record = Current();
-  if (connection_) {
+  if (Batched()) {
+    // Marked only; the first change of a record keeps what the source holds, to find it by.
     if (edit_mode_ == adEditAdd) {
-      WriteInsert(record);
-    } else {
-      WriteUpdate(record);
+      record.pending = Pending::kNew;
+    } else if (record.pending == Pending::kNone) {
+      record.pending = Pending::kModified;
+      record.original = record.values;
     }
+    record.changed.resize(columns_.size(), false);
+    for (size_t i = 0; i < columns_.size(); ++i) {
+      if (edit_changed_[i]) record.changed[i] = true;
+    }
+    record.values = std::move(edit_values_);
+  } else {
+    if (connection_) {
+      if (edit_mode_ == adEditAdd) {
+        WriteInsert(edit_values_, edit_changed_);
+      } else {
+        WriteUpdate(record, edit_values_, edit_changed_);
+      }
+    }
+    record.values = std::move(edit_values_);
+    record.original.clear();
   }
-  record.values = std::move(edit_values_);
-  record.original.clear();
   edit_values_.clear();
   edit_changed_.clear();
   edit_mode_ = adEditNone;
@@ -634,7 +650,7 @@ void RecordsetObject::CancelUpdate() {
   RequireOpen();
   if (edit_mode_ == adEditAdd) {
     view_.erase(view_.begin() + pos_);
-    records_.pop_back();
+    records().pop_back();
     pos_ = view_.empty() ? 0 : static_cast<int64_t>(view_.size()) - 1;
   }
   edit_mode_ = adEditNone;
@@ -652,8 +668,119 @@ void RecordsetObject::Delete(int32_t affect) {
   edit_mode_ = adEditNone;
   RequireCurrent();
   Record& record = Current();
-  if (connection_) WriteDelete(record);
+  if (Batched()) {
+    // A record added in this batch never reaches the source.
+    record.pending = record.pending == Pending::kNew ? Pending::kNone : Pending::kDeleted;
+  } else if (connection_) {
+    WriteDelete(record);
+  }
   record.deleted = true;
+}
+
+bool RecordsetObject::Batched() const {
+  return lock_type_ == adLockBatchOptimistic && !table_.empty();
+}
+
+void RecordsetObject::WritePending(Record& record) {
+  switch (record.pending) {
+    case Pending::kNone:
+      return;
+    case Pending::kNew:
+      WriteInsert(record.values, record.changed);
+      break;
+    case Pending::kModified:
+      WriteUpdate(record, record.values, record.changed);
+      break;
+    case Pending::kDeleted:
+      WriteDelete(record);
+      break;
+  }
+  record.pending = Pending::kNone;
+  record.original.clear();
+  record.changed.clear();
+}
+
+void RecordsetObject::UpdateBatch() {
+  RequireOpen();
+  FinishEdit();
+  if (!Batched()) return;
+  if (!connection_) throw AdoError(adErrInvalidConnection, kSource);
+  // Every record is tried; one that fails stays marked, and the first failure is raised once
+  // the others are written.
+  std::exception_ptr first_failure;
+  for (Record& record : records()) {
+    try {
+      WritePending(record);
+    } catch (...) {
+      if (!first_failure) first_failure = std::current_exception();
+    }
+  }
+  if (first_failure) std::rethrow_exception(first_failure);
+}
+
+void RecordsetObject::CancelBatch() {
+  RequireOpen();
+  CancelUpdate();
+  for (Record& record : records()) {
+    switch (record.pending) {
+      case Pending::kNone:
+        continue;
+      case Pending::kNew:
+        record.deleted = true;
+        break;
+      case Pending::kModified:
+        record.values = std::move(record.original);
+        break;
+      case Pending::kDeleted:
+        record.deleted = false;
+        if (!record.original.empty()) record.values = std::move(record.original);
+        break;
+    }
+    record.pending = Pending::kNone;
+    record.original.clear();
+    record.changed.clear();
+  }
+  RebuildView();
+  pos_ = 0;
+}
+
+int32_t RecordsetObject::Status() {
+  RequireOpen();
+  constexpr int32_t adRecNew = 1, adRecModified = 2, adRecDeleted = 4, adRecUnmodified = 8;
+  if (Streaming() || pos_ < 0 || pos_ >= static_cast<int64_t>(view_.size())) return adRecUnmodified;
+  const Record& record = records()[view_[static_cast<size_t>(pos_)]];
+  if (record.deleted) return adRecDeleted;
+  switch (record.pending) {
+    case Pending::kNew:
+      return adRecNew;
+    case Pending::kModified:
+      return adRecModified;
+    default:
+      return adRecUnmodified;
+  }
+}
+
+Ref<RecordsetObject> RecordsetObject::Clone(int32_t lock_type) {
+  RequireOpen();
+  if (Streaming()) throw AdoError(adErrFeatureNotAvailable, kSource, kNotCapableText);
+  FinishEdit();
+  auto copy = MakeRef<RecordsetObject>();
+  copy->SetColumns(columns_);
+  copy->records_ = records_;
+  copy->connection_ = connection_;
+  copy->source_ = source_;
+  copy->cursor_type_ = cursor_type_;
+  copy->lock_type_ = lock_type == adLockReadOnly ? adLockReadOnly : lock_type_;
+  copy->cursor_location_ = cursor_location_;
+  copy->page_size_ = page_size_;
+  copy->table_ = table_;
+  copy->key_columns_ = key_columns_;
+  copy->command_text_ = command_text_;
+  copy->command_params_ = command_params_;
+  copy->command_options_ = command_options_;
+  copy->open_ = true;
+  copy->RebuildView();
+  return copy;
 }
 
 String RecordsetObject::QuotedName(StringView name) const {
@@ -692,18 +819,18 @@ std::vector<Variant> RecordsetObject::KeyParams(const Record& record, String& wh
   return params;
 }
 
-void RecordsetObject::WriteInsert(Record&) {
+void RecordsetObject::WriteInsert(std::vector<Variant>& values, const std::vector<bool>& changed) {
   String names, marks;
   std::vector<Variant> params;
   for (size_t i = 0; i < columns_.size(); ++i) {
-    if (!edit_changed_[i]) continue;
+    if (!changed[i]) continue;
     if (!names.empty()) {
       names.Append(u", ");
       marks.Append(u", ");
     }
     names.Append(QuotedName(columns_[i].name));
     marks.Append(u"?");
-    params.push_back(edit_values_[i]);
+    params.push_back(values[i]);
   }
   String sql = u"INSERT INTO " + QuotedName(table_);
   sql.Append(names.empty() ? String(u" DEFAULT VALUES")
@@ -718,20 +845,21 @@ void RecordsetObject::WriteInsert(Record&) {
     const int32_t type = columns_[key_columns_[0]].type;
     if (type == adInteger || type == adBigInt || type == adSmallInt) generated = key_columns_[0];
   }
-  if (generated && !edit_changed_[*generated]) {
+  if (generated && !changed[*generated]) {
     const Variant key = connection_->Require().LastInsertKey();
-    if (!key.is_empty()) edit_values_[*generated] = ConvertToType(key, columns_[*generated].type);
+    if (!key.is_empty()) values[*generated] = ConvertToType(key, columns_[*generated].type);
   }
 }
 
-void RecordsetObject::WriteUpdate(Record& record) {
+void RecordsetObject::WriteUpdate(const Record& record, const std::vector<Variant>& values,
+                                  const std::vector<bool>& changed) {
   String sets;
   std::vector<Variant> params;
   for (size_t i = 0; i < columns_.size(); ++i) {
-    if (!edit_changed_[i]) continue;
+    if (!changed[i]) continue;
     if (!sets.empty()) sets.Append(u", ");
     sets.Append(QuotedName(columns_[i].name) + u" = ?");
-    params.push_back(edit_values_[i]);
+    params.push_back(values[i]);
   }
   if (sets.empty()) return;
   String where;
@@ -742,7 +870,7 @@ void RecordsetObject::WriteUpdate(Record& record) {
   if (result.rows_affected == 0) throw AdoError(kErrRowNotFound, kSource);
 }
 
-void RecordsetObject::WriteDelete(Record& record) {
+void RecordsetObject::WriteDelete(const Record& record) {
   String where;
   const std::vector<Variant> params = KeyParams(record, where);
   const auto result =
@@ -759,27 +887,27 @@ void RecordsetObject::RebuildView() {
   for (const ColumnInfo& c : columns_)
     types.push_back(c.type);
   const ColumnLookup lookup = [this](StringView name) { return FindColumn(name); };
-  bool none = false;
   std::vector<uint32_t> chosen;
   if (filter_.is_string() && !TrimBlanks(filter_.as_string()).empty()) {
     criteria = Criteria::Parse(filter_.as_string(), lookup, types);
   } else if (filter_.is_array()) {
     for (const Variant& bookmark : filter_.as_array()->elements()) {
       const double id = ToDouble(bookmark);
-      if (id >= 1 && id <= static_cast<double>(records_.size()))
+      if (id >= 1 && id <= static_cast<double>(records().size()))
         chosen.push_back(static_cast<uint32_t>(id - 1));
     }
-  } else if (filter_.is_numeric_type() && ToLong(filter_) == 1) {
-    none = true;  // changes are written at once, so nothing is ever pending
   }
+  // adFilterPendingRecords: the records a batch has still to write.
+  const bool pending_only = filter_.is_numeric_type() && ToLong(filter_) == 1;
   if (filter_.is_array()) {
     for (const uint32_t index : chosen) {
-      if (!records_[index].deleted) view_.push_back(index);
+      if (!records()[index].deleted) view_.push_back(index);
     }
-  } else if (!none) {
-    for (uint32_t i = 0; i < records_.size(); ++i) {
-      if (records_[i].deleted) continue;
-      if (criteria && !criteria->Matches(records_[i].values)) continue;
+  } else {
+    for (uint32_t i = 0; i < records().size(); ++i) {
+      if (records()[i].deleted) continue;
+      if (pending_only && records()[i].pending == Pending::kNone) continue;
+      if (criteria && !criteria->Matches(records()[i].values)) continue;
       view_.push_back(i);
     }
   }
@@ -788,7 +916,7 @@ void RecordsetObject::RebuildView() {
     std::stable_sort(view_.begin(), view_.end(), [&](uint32_t a, uint32_t b) {
       for (const SortKey& key : keys) {
         const int c =
-            CompareForSort(records_[a].values[key.column], records_[b].values[key.column]);
+            CompareForSort(records()[a].values[key.column], records()[b].values[key.column]);
         if (c != 0) return key.descending ? c > 0 : c < 0;
       }
       return false;
@@ -868,12 +996,12 @@ void RecordsetObject::Find(Args args) {
   int64_t p = pos_ + (direction < 0 ? -skip : skip);
   if (direction < 0) {
     for (; p >= 0; --p) {
-      if (p < size && criteria.Matches(records_[view_[static_cast<size_t>(p)]].values)) break;
+      if (p < size && criteria.Matches(records()[view_[static_cast<size_t>(p)]].values)) break;
     }
     pos_ = std::max<int64_t>(p, -1);
   } else {
     for (; p < size; ++p) {
-      if (p >= 0 && criteria.Matches(records_[view_[static_cast<size_t>(p)]].values)) break;
+      if (p >= 0 && criteria.Matches(records()[view_[static_cast<size_t>(p)]].values)) break;
     }
     pos_ = std::min(p, size);
   }
@@ -1048,6 +1176,13 @@ void RecordsetObject::SetActiveConnection(const Variant& value) {
   if (value.is_nothing() && !Streaming()) {
     if (connection_) connection_->Detach(this);
     connection_ = nullptr;
+    return;
+  }
+  // A disconnected recordset of a table takes a connection again, to write its batch.
+  auto* cn = value.is_object() ? dynamic_cast<ConnectionObject*>(value.as_object()) : nullptr;
+  if (cn && !Streaming() && !connection_ && !table_.empty()) {
+    if (!cn->IsOpen()) throw AdoError(adErrInvalidConnection, kSource);
+    connection_ = Ref<ConnectionObject>(cn);
     return;
   }
   throw AdoError(adErrObjectOpen, kSource);

@@ -69,6 +69,14 @@ class RecordsetObject : public DispatchObject<RecordsetObject> {
   void Update(Args args);
   void CancelUpdate();
   void Delete(int32_t affect);
+  // Batch updating (adLockBatchOptimistic on a source table): Update and Delete only mark
+  // records, UpdateBatch writes what is marked and CancelBatch takes it back.
+  void UpdateBatch();
+  void CancelBatch();
+  // adRecNew, adRecModified, adRecDeleted or adRecUnmodified for the current record.
+  int32_t Status();
+  // A second recordset over the same records, with its own position, filter and order.
+  Ref<RecordsetObject> Clone(int32_t lock_type);
   Variant GetRows(Args args);
   String GetString(Args args);
   void Find(Args args);
@@ -100,11 +108,17 @@ class RecordsetObject : public DispatchObject<RecordsetObject> {
   Variant source_;
 
  private:
+  // What a batch still has to write of a record.
+  enum class Pending : uint8_t { kNone, kNew, kModified, kDeleted };
+
   struct Record {
     std::vector<Variant> values;
     std::vector<Variant> original;  // the values read from the source, once edited
     bool deleted = false;
+    Pending pending = Pending::kNone;
+    std::vector<bool> changed;  // the columns a pending change sets
   };
+  using Records = std::vector<Record>;
 
   bool Streaming() const { return cursor_ != nullptr || streamed_; }
   bool HasCurrent() const;
@@ -120,9 +134,12 @@ class RecordsetObject : public DispatchObject<RecordsetObject> {
   void DropDeletedAtCursor();
   void FinishEdit();
   void BeginEdit();
-  void WriteInsert(Record& record);
-  void WriteUpdate(Record& record);
-  void WriteDelete(Record& record);
+  bool Batched() const;
+  void WritePending(Record& record);
+  void WriteInsert(std::vector<Variant>& values, const std::vector<bool>& changed);
+  void WriteUpdate(const Record& record, const std::vector<Variant>& values,
+                   const std::vector<bool>& changed);
+  void WriteDelete(const Record& record);
   void FindSourceTable();
   String QuotedName(StringView name) const;
   std::vector<Variant> KeyParams(const Record& record, String& where) const;
@@ -142,9 +159,12 @@ class RecordsetObject : public DispatchObject<RecordsetObject> {
   bool stream_eof_ = false;
   int64_t stream_position_ = 0;
 
-  // A held recordset: every record, the records Filter and Sort let through in their order,
-  // and the position in that view (-1 before the first, view_.size() after the last).
-  std::vector<Record> records_;
+  // A held recordset: every record (shared with its clones), the records Filter and Sort let
+  // through in their order, and the position in that view (-1 before the first, view_.size()
+  // after the last).
+  Records& records() { return *records_; }
+  const Records& records() const { return *records_; }
+  std::shared_ptr<Records> records_ = std::make_shared<Records>();
   std::vector<uint32_t> view_;
   int64_t pos_ = 0;
 

@@ -122,8 +122,9 @@ const DispatchTable<RecordsetObject>& RecordsetObject::Table() {
                     return Variant::Nothing();
                   })
           .Method(u"UpdateBatch",
-                  [](Rs& rs, Args) {
-                    rs.Update({});
+                  [](Rs& rs, Args args) {
+                    CheckArgCount(args, 0, 1);
+                    rs.UpdateBatch();
                     return None();
                   })
           .Method(u"CancelUpdate",
@@ -132,9 +133,15 @@ const DispatchTable<RecordsetObject>& RecordsetObject::Table() {
                     return None();
                   })
           .Method(u"CancelBatch",
-                  [](Rs& rs, Args) {
-                    rs.CancelUpdate();
+                  [](Rs& rs, Args args) {
+                    CheckArgCount(args, 0, 1);
+                    rs.CancelBatch();
                     return None();
+                  })
+          .Method(u"Clone",
+                  [](Rs& rs, Args args) {
+                    CheckArgCount(args, 0, 1);
+                    return Variant(rs.Clone(HasArg(args, 0) ? ToLong(args[0]) : -1));
                   })
           .Method(u"Delete",
                   [](Rs& rs, Args args) {
@@ -232,11 +239,7 @@ const DispatchTable<RecordsetObject>& RecordsetObject::Table() {
               u"ActiveConnection", [](Rs& rs, Args) { return rs.ActiveConnection(); },
               [](Rs& rs, Args, const Variant& v) { rs.SetActiveConnection(v); },
               [](Rs& rs, Args, const Variant& v) { rs.SetActiveConnection(v); })
-          .Property(u"Status",
-                    [](Rs& rs, Args) {
-                      rs.RequireOpen();
-                      return Variant(int32_t{0});
-                    })
+          .Property(u"Status", [](Rs& rs, Args) { return Variant(rs.Status()); })
           .Property(u"MarshalOptions", [](Rs&, Args) { return Variant(int32_t{0}); })
           .Parameterless({u"ActiveConnection"})
           .Default(u"Fields");

@@ -40,7 +40,7 @@ Dialect Sqlite(const std::string& name) {
 
 TEST(AdoScripts, OnSqlite) {
   for (const char* script :
-       {"crud.vbs", "paging.vbs", "types.vbs", "transactions.vbs", "errors.vbs"}) {
+       {"crud.vbs", "batch.vbs", "paging.vbs", "types.vbs", "transactions.vbs", "errors.vbs"}) {
     EXPECT_EQ(RunAdoScript(script, Sqlite(script)), "") << script;
   }
 }

@@ -41,7 +41,7 @@ TEST_P(AdoServerTest, Scripts) {
   const Server server = std::string(GetParam()) == "pg" ? Postgres() : Maria();
   QV_SKIP_WITHOUT(server.server);
   for (const char* script :
-       {"crud.vbs", "paging.vbs", "types.vbs", "transactions.vbs", "errors.vbs"}) {
+       {"crud.vbs", "batch.vbs", "paging.vbs", "types.vbs", "transactions.vbs", "errors.vbs"}) {
     EXPECT_EQ(RunAdoScript(script, server.dialect), "") << script;
   }
 }
