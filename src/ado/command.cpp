@@ -230,6 +230,26 @@ String CommandObject::StatementText() {
          (marks.empty() ? String() : u"(" + marks + u")") + u"}";
 }
 
+// The command's own timeout holds for its statement; the connection's for everything else.
+data::StatementResult CommandObject::RunTimed(ConnectionObject& cn, const String& sql,
+                                              std::span<const Variant> values) {
+  class Timeout {
+   public:
+    Timeout(ConnectionObject& cn, int32_t seconds) : cn_(cn), before_(cn.CommandTimeout()) {
+      cn_.SetCommandTimeout(seconds);
+    }
+    ~Timeout() { cn_.SetCommandTimeout(before_); }
+    Timeout(const Timeout&) = delete;
+    Timeout& operator=(const Timeout&) = delete;
+
+   private:
+    ConnectionObject& cn_;
+    const int32_t before_;
+  };
+  const Timeout timeout(cn, command_timeout_);
+  return cn.Run(sql, values);
+}
+
 Variant CommandObject::Execute(Args args) {
   CheckArgCount(args, 0, 3);
   Ref<ConnectionObject> cn = RequireConnection();
@@ -262,7 +282,7 @@ Variant CommandObject::Execute(Args args) {
     values = ParameterValues();
   }
   const String sql = StatementText();
-  data::StatementResult result = cn->Run(sql, values);
+  data::StatementResult result = RunTimed(*cn, sql, values);
   if (args.size() > 0) args[0] = Variant(static_cast<int32_t>(result.rows_affected));
   if (options != -1 && (options & adExecuteNoRecords)) return Variant::Nothing();
   auto rs = MakeRef<RecordsetObject>();

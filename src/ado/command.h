@@ -2,9 +2,11 @@
 // placeholders whose values are bound by type at Execute, never pasted into the text.
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "automation/dispatch.h"
+#include "platform/data/backend.h"
 
 namespace qv::ado {
 
@@ -66,6 +68,9 @@ class CommandObject : public DispatchObject<CommandObject> {
   String name_;
 
  private:
+  data::StatementResult RunTimed(ConnectionObject& cn, const String& sql,
+                                 std::span<const Variant> values);
+
   Ref<ConnectionObject> connection_;
   Ref<ParametersObject> parameters_;
 };

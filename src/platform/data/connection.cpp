@@ -113,11 +113,13 @@ void Connection::Open(StringView connection_string, StringView user, StringView 
   const String text = ExpandShortUrl(connection_string);
   const OdbcTimeouts timeouts{login_timeout_seconds_, command_timeout_seconds_};
   backend_ = Guard([&] { return OpenBackend(text, user, password, timeouts); });
+  backend_->SetCommandTimeout(command_timeout_seconds_);
   connection_string_ = text;
 }
 
 void Connection::OpenWith(std::unique_ptr<Backend> backend, StringView connection_string) {
   backend_ = std::move(backend);
+  backend_->SetCommandTimeout(command_timeout_seconds_);
   connection_string_ = String(connection_string);
   errors_.Clear();
 }

@@ -3,6 +3,7 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <cstring>
 #include <map>
 
@@ -311,6 +312,7 @@ class SqliteBackend final : public Backend {
 
   StatementResult Run(StringView sql, std::span<const Variant> params) override {
     Revalidate();
+    const TimedWork timed(*this);
     const std::string text = String::ToUtf8(sql);
     const char* tail = text.c_str();
     const char* const end = tail + text.size();
@@ -340,16 +342,13 @@ class SqliteBackend final : public Backend {
         std::vector<ColumnInfo> columns;
         for (int i = 0; i < count; ++i)
           columns.push_back(Describe(raw, i));
-        const int step = sqlite3_step(raw);
-        if (step != SQLITE_ROW && step != SQLITE_DONE) FailOn(db_, step);
+        const int step = Step(raw);
         result.rows =
             std::make_unique<SqliteCursor>(stmt.release(), std::move(columns), step == SQLITE_ROW);
         break;
       }
-      int step;
-      while ((step = sqlite3_step(raw)) == SQLITE_ROW) {
+      while (Step(raw) == SQLITE_ROW) {
       }
-      if (step != SQLITE_DONE) FailOn(db_, step);
       result.rows_affected = ChangesRows(raw) ? sqlite3_changes(db_) : -1;
     }
     if (next_param < params.size()) {
@@ -366,6 +365,8 @@ class SqliteBackend final : public Backend {
   }
 
   Variant LastInsertKey() override { return IntegerValue(sqlite3_last_insert_rowid(db_)); }
+
+  void SetCommandTimeout(int32_t seconds) noexcept override { command_timeout_ = seconds; }
 
   void BeginTransaction() override { Exec("BEGIN"); }
   void CommitTransaction() override { Exec("COMMIT"); }
@@ -597,8 +598,45 @@ class SqliteBackend final : public Backend {
     return info;
   }
 
+  // The command timeout, as a server applies its own: a statement that is still working when
+  // it runs out is interrupted. It covers running a statement up to its first row; a
+  // forward-only reader may then take its time over the rows.
+  class TimedWork {
+   public:
+    explicit TimedWork(SqliteBackend& backend) : db_(backend.db_) {
+      if (backend.command_timeout_ <= 0) return;
+      deadline_ = std::chrono::steady_clock::now() + std::chrono::seconds(backend.command_timeout_);
+      sqlite3_progress_handler(db_, kOpsPerCheck, &TimedWork::Expired, this);
+    }
+    ~TimedWork() {
+      if (deadline_) sqlite3_progress_handler(db_, 0, nullptr, nullptr);
+    }
+    TimedWork(const TimedWork&) = delete;
+    TimedWork& operator=(const TimedWork&) = delete;
+
+   private:
+    static constexpr int kOpsPerCheck = 10000;
+    static int Expired(void* self) {
+      const auto& work = *static_cast<const TimedWork*>(self);
+      return std::chrono::steady_clock::now() > *work.deadline_ ? 1 : 0;
+    }
+    sqlite3* db_;
+    std::optional<std::chrono::steady_clock::time_point> deadline_;
+  };
+
+  // One step of a running statement: a row, or done.
+  int Step(sqlite3_stmt* stmt) {
+    const int rc = sqlite3_step(stmt);
+    if (rc == SQLITE_ROW || rc == SQLITE_DONE) return rc;
+    if (rc == SQLITE_INTERRUPT) {
+      throw ProviderError(kErrTimeout, u"Query timeout expired", String(kSource), {}, rc);
+    }
+    FailOn(db_, rc);
+  }
+
   sqlite3* db_;
   String path_;
+  int32_t command_timeout_ = 30;
   int64_t schema_version_ = -1;
   std::map<String, TableShape> shapes_;
 };

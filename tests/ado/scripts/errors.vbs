@@ -79,6 +79,25 @@ CheckErr 3706, "unknown provider"
 c2.Open "Provider=SQLite;Data Source=" & SCRATCH & "/no/such/folder/x.db"
 CheckTrue Err.Number <> 0, "a file that cannot be opened"
 Err.Clear
+' A statement still running when its timeout runs out is stopped: the connection's timeout,
+' and a command's own, which leaves the connection's as it was.
+Dim slow, cmd
+slow = ""
+If DBKIND = "sqlite" Then slow = "WITH RECURSIVE c(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM c LIMIT 300000000) SELECT COUNT(*) FROM c"
+If DBKIND = "pg" Then slow = "SELECT pg_sleep(3)"
+If slow <> "" Then
+  cn.CommandTimeout = 1
+  cn.Execute slow
+  CheckErr -2147217871, "a statement over the connection's CommandTimeout"
+  cn.CommandTimeout = 30
+  Set cmd = CreateObject("ADODB.Command")
+  Set cmd.ActiveConnection = cn
+  cmd.CommandText = slow
+  cmd.CommandTimeout = 1
+  cmd.Execute
+  CheckErr -2147217871, "a statement over the command's CommandTimeout"
+  Check cn.CommandTimeout, 30, "the connection's timeout kept"
+End If
 cn.Execute "DROP TABLE " & t
 cn.Close
 Set cn = Nothing

@@ -14,11 +14,3 @@ cn.Open "DSN=qv_down"
 CheckTrue Err.Number <> 0, "a server that is down"
 Err.Clear
 Check cn.State, 0, "still closed"
-If DBKIND = "pg" Then
-  cn.Open "DSN=qv_pg"
-  cn.CommandTimeout = 1
-  cn.Execute "SELECT pg_sleep(3)"
-  Check Err.Number, -2147217871, "a statement over CommandTimeout"
-  Err.Clear
-  cn.Close
-End If
