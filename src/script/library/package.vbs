@@ -254,8 +254,8 @@ Function qvDbFileName()
   qvDbFileName = Mid(src, InStrRev(src, "/") + 1)
 End Function
 
-' Where the copy lies, from the application's root: DBPath's folder (without its "~") and the
-' file's name.
+' Where the run put the copy, from the application's root: below the folder DBPath names
+' (without its "~" and leading slashes), as the database copy of the run places it.
 Function qvDbFileRelPath()
   Dim folder
   folder = Replace(Trim(DB.DBPath), "\", "/")
@@ -264,10 +264,6 @@ Function qvDbFileRelPath()
     folder = Mid(folder, 2)
   Loop
   If folder <> "" And Right(folder, 1) <> "/" Then folder = folder & "/"
-  ' A DBPath that names the file itself keeps just its folder part.
-  If LCase(Right(folder, Len(qvDbFileName()) + 1)) = LCase(qvDbFileName() & "/") Then
-    folder = Left(folder, Len(folder) - Len(qvDbFileName()) - 1)
-  End If
   qvDbFileRelPath = folder & qvDbFileName()
 End Function
 
