@@ -1,0 +1,139 @@
+// The default template package on Chinook (SQLite): the application it generates answers on
+// every page, lists page, sort and search, and one record goes through add, a refused save,
+// edit, copy and delete with the form token checked each time.
+#include <gtest/gtest.h>
+
+#include "package/served_app.h"
+
+namespace qv::package_testing {
+namespace {
+
+namespace sfs = std::filesystem;
+using cli_testing::Has;
+
+class ChinookApp : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    dir_ = new sfs::path(cli_testing::FreshDir("package-chinook"));
+    const cli_testing::Run run =
+        Generate(*dir_, "sqlite:" + std::string(QV_SHARED_DATA) + "/sqlite/chinook.sqlite");
+    ASSERT_EQ(run.status, 0) << run.err;
+    app_ = new ServedApp(*dir_ / "site");
+  }
+  static void TearDownTestSuite() {
+    delete app_;
+    delete dir_;
+  }
+  static inline sfs::path* dir_ = nullptr;
+  static inline ServedApp* app_ = nullptr;
+};
+
+TEST_F(ChinookApp, EveryPageAnswersAndListsPageSortAndSearch) {
+  for (const char* file : {"default.asp", "inc/db.inc", "inc/qvlib.inc", "app.css", "js/qv.js",
+                           "images/logo.svg", "chinook.sqlite", "Tracklist.asp",
+                           "InvoiceLineview.asp", "PlaylistTrackedit.asp", "Genredelete.asp"}) {
+    EXPECT_TRUE(sfs::exists(*dir_ / "site" / file)) << file;
+  }
+  // The application reaches its own copy of the database, by a path from its root.
+  EXPECT_TRUE(
+      Has(cli_testing::Slurp(*dir_ / "site/inc/db.inc"), "Server.MapPath(\"chinook.sqlite\")"));
+
+  size_t visited = 0;
+  const std::vector<std::string> failures = Crawl(*app_, visited);
+  EXPECT_TRUE(failures.empty()) << failures.size() << " failed, first: " << failures.front();
+  EXPECT_GT(visited, 120u);
+
+  Reply r = app_->Get("/Tracklist.asp");
+  EXPECT_TRUE(Has(r.body, "Records 1 to 20 of 3503")) << r.body;
+  EXPECT_TRUE(Has(r.body, "href=\"Trackadd.asp?copy=1\""));
+  r = app_->Get("/Tracklist.asp?start=3501&size=ALL");
+  EXPECT_TRUE(Has(r.body, "Records 1 to 3503 of 3503"));
+  r = app_->Get("/Tracklist.asp?start=3501");
+  EXPECT_TRUE(Has(r.body, "Records 3501 to 3503 of 3503"));
+  const std::regex first_name(R"re(data-label="Name">([^<]+)<)re");
+  std::smatch up, down;
+  const std::string ascending = app_->Get("/Tracklist.asp?order=x_Name&dir=ASC").body;
+  const std::string descending = app_->Get("/Tracklist.asp?order=x_Name&dir=DESC").body;
+  ASSERT_TRUE(std::regex_search(ascending, up, first_name));
+  ASSERT_TRUE(std::regex_search(descending, down, first_name));
+  EXPECT_LT(up[1].str(), down[1].str());
+  EXPECT_TRUE(Has(descending, "&#9660;"));
+  // The search text is a parameter: quotes and wildcards find nothing and break nothing.
+  r = app_->Get("/Artistlist.asp?q=AC%2FDC");
+  EXPECT_TRUE(Has(r.body, "Records 1 to 1 of 1"));
+  r = app_->Get("/Artistlist.asp?q=%27%20OR%201%3D1%20--");
+  EXPECT_TRUE(Has(r.body, "No records match your search.")) << r.body;
+  EXPECT_FALSE(Broken(r));
+  // Keys of two columns, and keys that fit no record.
+  EXPECT_TRUE(Has(app_->Get("/PlaylistTrackview.asp?key=1,3402").body, "3402"));
+  r = app_->Get("/Trackview.asp?key=abc");
+  EXPECT_EQ(r.status, 404);
+  EXPECT_TRUE(Has(r.body, "The record was not found."));
+  EXPECT_EQ(app_->Get("/PlaylistTrackview.asp?key=1").status, 404);
+}
+
+TEST_F(ChinookApp, AddRefuseEditCopyDeleteAGenre) {
+  Reply form = app_->Get("/Genreadd.asp");
+  const std::string token = TokenOf(form.body);
+  ASSERT_FALSE(token.empty());
+
+  // Without the session's token nothing is written.
+  Reply r = app_->Post("/Genreadd.asp", "qvtoken=forged&x_Name=Forged");
+  EXPECT_TRUE(Has(r.body, "The form has expired.")) << r.body;
+
+  // Script in a value is stored as typed and shown as text.
+  r = app_->Post("/Genreadd.asp", "qvtoken=" + token + "&x_Name=%3Cscript%3Ex%3C%2Fscript%3E+Jazz");
+  ASSERT_EQ(r.status, 302) << r.body;
+  EXPECT_EQ(r.Header("Location"), "Genrelist.asp");
+  r = app_->Get("/Genrelist.asp?q=jazz");
+  EXPECT_TRUE(Has(r.body, "The record was added."));
+  EXPECT_TRUE(Has(r.body, "&lt;script&gt;x&lt;/script&gt; Jazz"));
+  EXPECT_FALSE(Has(r.body, "<script>x"));
+  std::smatch m;
+  ASSERT_TRUE(std::regex_search(r.body, m, std::regex(R"(Genreedit\.asp\?key=(\d+))")));
+  const std::string key = m[1].str();
+
+  // A refused save keeps what was typed and says why beside the field.
+  r = app_->Post("/Genreedit.asp",
+                 "qvtoken=" + token + "&key=" + key + "&x_Name=" + std::string(121, 'x'));
+  EXPECT_EQ(r.status, 200);
+  EXPECT_TRUE(Has(r.body, "Please correct the marked fields."));
+  EXPECT_TRUE(Has(r.body, "Name may have at most 120 characters.")) << r.body;
+  r = app_->Post(
+      "/Trackedit.asp",
+      "qvtoken=" + token + "&key=5&x_Name=Kept&x_MediaTypeId=x&x_Milliseconds=1&x_UnitPrice=");
+  EXPECT_TRUE(Has(r.body, "value=\"Kept\""));
+  EXPECT_TRUE(Has(r.body, "Please enter Unit Price."));
+  EXPECT_TRUE(Has(r.body, "Media Type Id must be a whole number."));
+
+  r = app_->Post("/Genreedit.asp", "qvtoken=" + token + "&key=" + key + "&x_Name=Cool+Jazz");
+  EXPECT_EQ(r.status, 302);
+  EXPECT_TRUE(Has(app_->Get("/Genreview.asp?key=" + key).body, "Cool Jazz"));
+
+  // A copy starts from the record's values and becomes a record of its own.
+  EXPECT_TRUE(Has(app_->Get("/Genreadd.asp?copy=" + key).body, "value=\"Cool Jazz\""));
+  r = app_->Post("/Genreadd.asp?copy=" + key, "qvtoken=" + token + "&x_Name=Cool+Jazz+2");
+  EXPECT_EQ(r.status, 302);
+  r = app_->Get("/Genrelist.asp?q=cool");
+  EXPECT_TRUE(Has(r.body, "Records 1 to 2 of 2"));
+  std::vector<std::string> keys;
+  const std::regex delete_link(R"(Genredelete\.asp\?key=(\d+))");
+  for (auto it = std::sregex_iterator(r.body.begin(), r.body.end(), delete_link);
+       it != std::sregex_iterator(); ++it)
+    keys.push_back((*it)[1].str());
+  ASSERT_EQ(keys.size(), 2u);
+
+  // Delete asks first; a GET deletes nothing, the confirming POST deletes both.
+  r = app_->Get("/Genredelete.asp?key=" + keys[0] + "&key=" + keys[1]);
+  EXPECT_TRUE(Has(r.body, "Do you really want to delete the selected records?"));
+  EXPECT_TRUE(Has(app_->Get("/Genrelist.asp?q=cool").body, "of 2"));
+  r = app_->Post("/Genredelete.asp",
+                 "qvtoken=" + token + "&qvconfirm=1&key=" + keys[0] + "&key=" + keys[1]);
+  EXPECT_EQ(r.status, 302);
+  r = app_->Get("/Genrelist.asp?q=cool");
+  EXPECT_TRUE(Has(r.body, "2 records were deleted."));
+  EXPECT_TRUE(Has(r.body, "No records match your search."));
+}
+
+}  // namespace
+}  // namespace qv::package_testing
