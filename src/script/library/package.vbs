@@ -50,7 +50,7 @@ Function qvHasPage(tbl, page)
   Dim editable
   qvHasPage = False
   If Not tbl.TblGen Then Exit Function
-  If tbl.TblType = "REPORT" Then Exit Function
+  If tbl.TblType = "REPORT" Then qvHasPage = (page = "report") : Exit Function
   editable = tbl.TblUpdatable And DB.DBType <> "ACCESS" And tbl.TblKey <> ""
   Select Case page
     Case "list": qvHasPage = tbl.TblList
@@ -72,17 +72,20 @@ Function qvPageIf(tbl, page)
 End Function
 
 ' The menu of the home page and of the layout: one entry per generated table, view, custom
-' view and report, in the project's order, each pointing at its list page.
+' view and report, in the project's order, each pointing at its list page (a report at its
+' only page).
 Function qvMenuItems()
-  Dim i, t, s, kind
+  Dim i, t, s, kind, page
   s = ""
   For i = 1 To DB.Tables.Count
     Set t = DB.Tables.Seq(i)
     If Not t Is Nothing Then
-      If qvHasPage(t, "list") Then
+      page = "list"
+      If t.TblType = "REPORT" Then page = "report"
+      If qvHasPage(t, page) Then
         kind = LCase(t.TblType)
         s = s & "<li><a class=""qvMenu-" & qvHtmlEncode(kind) & """ href=""" & _
-            qvHtmlEncode(qvPageName(t, "list")) & """>" & qvHtmlEncode(t.TblCaption) & "</a></li>" & vbCrLf
+            qvHtmlEncode(qvPageName(t, page)) & """>" & qvHtmlEncode(t.TblCaption) & "</a></li>" & vbCrLf
       End If
     End If
   Next

@@ -39,12 +39,19 @@
       return "";
     }
     if (v === "") return el.required ? say(phrases.required || "Please enter %f.") : "";
+    if (type === "INTEGER" || type === "FLOAT") v = numberText(v, phrases.decimal || ".", phrases.group || ",");
     if (type === "INTEGER" && !/^[+-]?\d+$/.test(v)) return say(phrases.integer || "%f must be a whole number.");
     if (type === "FLOAT" && !/^[+-]?(\d+\.?\d*|\.\d+)([eE][+-]?\d+)?$/.test(v)) return say(phrases.number || "%f must be a number.");
     if (/DATE$/.test(type) && !parseDate(v, type)) return say(phrases.date || "%f must be a date.");
     if ((type === "INTEGER" || type === "FLOAT") && ((min !== null && +v < +min) || (max !== null && +v > +max)))
       return say((phrases.range || "%f must lie between %1 and %2.").replace("%1", min || "").replace("%2", max || ""));
     return "";
+  }
+
+  // A number typed the language's way, with "." before the decimals, as the server reads it.
+  function numberText(v, decimal, group) {
+    if (decimal !== "." && v.indexOf(decimal) >= 0) return v.split(group).join("").replace(decimal, ".");
+    return group !== "." ? v.split(group).join("") : v;
   }
 
   function show(el, message) {
