@@ -2,6 +2,23 @@
 ' project's settings into the small pieces of VBScript and HTML that the templates place; what
 ' the generated application does when it runs lives in the package's own include files.
 
+' Texts of the layout that a user's code file may replace: a function USER_qvBrand(text) or
+' USER_qvFooter(text) there gets the package's HTML and returns its own. They are variables,
+' not functions, because a tag is handed to a USER_ function only when the system has no
+' function of that name.
+Dim qvBrand, qvFooter
+
+' The phrase id of the current table's kind, for the "$" tags that look it up as the page is
+' made: "Tables", "Views", "CustomViews" or "Reports".
+Function qvKindPhrase()
+  Select Case TABLE.TblType
+    Case "VIEW": qvKindPhrase = "Views"
+    Case "CUSTOMVIEW": qvKindPhrase = "CustomViews"
+    Case "REPORT": qvKindPhrase = "Reports"
+    Case Else: qvKindPhrase = "Tables"
+  End Select
+End Function
+
 ' A language phrase as a VBScript string literal, for phrases that land inside page code.
 Function qvL(id)
   qvL = qvQuoteVBS(LANG.Phrase(id))
@@ -179,8 +196,8 @@ Function qvFieldDef(f)
   s = s & qvDefLine("qvFld", "ATarget", f.FldTagATarget, "")
   If f.FldTagAPrefix <> "None" Then s = s & qvDefLine("qvFld", "APrefix", f.FldTagAPrefix, "")
   s = s & qvDefLine("qvFld", "ASuffix", f.FldTagASuffix, "")
-  s = s & qvDefLine("qvFld", "ImgWidth", f.FldTagImgWidth, "")
-  s = s & qvDefLine("qvFld", "ImgHeight", f.FldTagImgHeight, "")
+  s = s & qvDefLine("qvFld", "ImgWidth", qvSizeText(f.FldTagImgWidth), "")
+  s = s & qvDefLine("qvFld", "ImgHeight", qvSizeText(f.FldTagImgHeight), "")
   s = s & qvDefLine("qvFld", "Align", LCase(f.FldAlign), "")
   s = s & qvDefLine("qvFld", "Bold", f.FldBold, False)
   s = s & qvDefLine("qvFld", "Italic", f.FldItalic, False)
