@@ -16,7 +16,9 @@ constexpr StringView kSource = u"ADODB.Command";
 constexpr int32_t adExecuteNoRecords = 0x80;
 constexpr int32_t adCmdStoredProc = 4;
 constexpr int32_t adParamInput = 1;
+constexpr int32_t adParamOutput = 2;
 constexpr int32_t adParamInputOutput = 3;
+constexpr int32_t adParamReturnValue = 4;
 
 Variant None() {
   return Variant();
@@ -221,33 +223,87 @@ String CommandObject::StatementText() {
     return RequireConnection()->CommandTextFor(command_text_, command_type_);
   }
   String marks;
+  bool returns = false;
   for (const auto& p : parameters_->items_) {
-    if (p->direction_ == 4) continue;  // a return value has no placeholder in the call
+    if (p->direction_ == adParamReturnValue) {
+      returns = true;  // its placeholder leads the call: {? = call name(...)}
+      continue;
+    }
     if (!marks.empty()) marks.Append(u", ");
     marks.Append(u"?");
   }
-  return u"{call " + String(TrimBlanks(command_text_)) +
+  return String(returns ? u"{? = call " : u"{call ") + String(TrimBlanks(command_text_)) +
          (marks.empty() ? String() : u"(" + marks + u")") + u"}";
 }
 
+namespace {
+
 // The command's own timeout holds for its statement; the connection's for everything else.
+class Timeout {
+ public:
+  Timeout(ConnectionObject& cn, int32_t seconds) : cn_(cn), before_(cn.CommandTimeout()) {
+    cn_.SetCommandTimeout(seconds);
+  }
+  ~Timeout() { cn_.SetCommandTimeout(before_); }
+  Timeout(const Timeout&) = delete;
+  Timeout& operator=(const Timeout&) = delete;
+
+ private:
+  ConnectionObject& cn_;
+  const int32_t before_;
+};
+
+}  // namespace
+
 data::StatementResult CommandObject::RunTimed(ConnectionObject& cn, const String& sql,
                                               std::span<const Variant> values) {
-  class Timeout {
-   public:
-    Timeout(ConnectionObject& cn, int32_t seconds) : cn_(cn), before_(cn.CommandTimeout()) {
-      cn_.SetCommandTimeout(seconds);
-    }
-    ~Timeout() { cn_.SetCommandTimeout(before_); }
-    Timeout(const Timeout&) = delete;
-    Timeout& operator=(const Timeout&) = delete;
-
-   private:
-    ConnectionObject& cn_;
-    const int32_t before_;
-  };
   const Timeout timeout(cn, command_timeout_);
   return cn.Run(sql, values);
+}
+
+bool CommandObject::Receives() const {
+  for (const auto& p : parameters_->items_) {
+    if (p->direction_ == adParamOutput || p->direction_ == adParamInputOutput ||
+        p->direction_ == adParamReturnValue) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// A call whose output, input-output and return-value parameters get their values back, in
+// the order of the placeholders: the return value's first.
+data::StatementResult CommandObject::CallTimed(ConnectionObject& cn, const String& sql) {
+  using data::CallParameter;
+  std::vector<Ref<ParameterObject>> order;
+  for (const auto& p : parameters_->items_) {
+    if (p->direction_ == adParamReturnValue) order.insert(order.begin(), p);
+  }
+  for (const auto& p : parameters_->items_) {
+    if (p->direction_ != adParamReturnValue) order.push_back(p);
+  }
+  std::vector<CallParameter> params;
+  for (const auto& p : order) {
+    CallParameter call;
+    call.direction = p->direction_ >= adParamOutput && p->direction_ <= adParamReturnValue
+                         ? static_cast<CallParameter::Direction>(p->direction_)
+                         : CallParameter::kInput;
+    if (call.direction != CallParameter::kOutput && call.direction != CallParameter::kReturnValue)
+      call.value = p->BoundValue();
+    call.size = p->size_;
+    params.push_back(std::move(call));
+  }
+  const Timeout timeout(cn, command_timeout_);
+  data::StatementResult result = cn.Call(sql, params);
+  for (size_t i = 0; i < order.size(); ++i) {
+    if (!params[i].Receives()) continue;
+    try {
+      order[i]->value_ = ConvertToType(params[i].value, order[i]->type_);
+    } catch (const Error&) {
+      order[i]->value_ = params[i].value;  // kept as the text the database gave
+    }
+  }
+  return result;
 }
 
 Variant CommandObject::Execute(Args args) {
@@ -282,7 +338,8 @@ Variant CommandObject::Execute(Args args) {
     values = ParameterValues();
   }
   const String sql = StatementText();
-  data::StatementResult result = RunTimed(*cn, sql, values);
+  data::StatementResult result =
+      Receives() && !HasArg(args, 1) ? CallTimed(*cn, sql) : RunTimed(*cn, sql, values);
   if (args.size() > 0) args[0] = Variant(static_cast<int32_t>(result.rows_affected));
   if (options != -1 && (options & adExecuteNoRecords)) return Variant::Nothing();
   auto rs = MakeRef<RecordsetObject>();

@@ -68,6 +68,8 @@ class CommandObject : public DispatchObject<CommandObject> {
   String name_;
 
  private:
+  bool Receives() const;
+  data::StatementResult CallTimed(ConnectionObject& cn, const String& sql);
   data::StatementResult RunTimed(ConnectionObject& cn, const String& sql,
                                  std::span<const Variant> values);
 

@@ -110,6 +110,16 @@ data::StatementResult ConnectionObject::Run(StringView sql, std::span<const Vari
   }
 }
 
+data::StatementResult ConnectionObject::Call(StringView sql,
+                                             std::span<data::CallParameter> params) {
+  data::Connection& cn = Require();
+  try {
+    return cn.Call(sql, params);
+  } catch (const Error& failure) {
+    Raise(failure);
+  }
+}
+
 String ConnectionObject::CommandTextFor(StringView text, int32_t command_type) {
   const int32_t kind = command_type < 0 ? 8 : (command_type & ~adExecuteNoRecords);
   const bool table =

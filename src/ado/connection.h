@@ -25,6 +25,7 @@ class ConnectionObject : public DispatchObject<ConnectionObject> {
   data::Connection& Require();
   // Runs a statement for Execute and Command.Execute, with the errors a script sees.
   data::StatementResult Run(StringView sql, std::span<const Variant> params);
+  data::StatementResult Call(StringView sql, std::span<data::CallParameter> params);
   // Opens a table by name or runs a statement as a command of `command_type`.
   String CommandTextFor(StringView text, int32_t command_type);
   int32_t CursorLocation() const { return cursor_location_; }

@@ -39,8 +39,8 @@ Dialect Sqlite(const std::string& name) {
 }
 
 TEST(AdoScripts, OnSqlite) {
-  for (const char* script :
-       {"crud.vbs", "batch.vbs", "paging.vbs", "types.vbs", "transactions.vbs", "errors.vbs"}) {
+  for (const char* script : {"crud.vbs", "batch.vbs", "paging.vbs", "types.vbs", "transactions.vbs",
+                             "errors.vbs", "procedures.vbs"}) {
     EXPECT_EQ(RunAdoScript(script, Sqlite(script)), "") << script;
   }
 }

@@ -40,8 +40,8 @@ class AdoServerTest : public ::testing::TestWithParam<const char*> {};
 TEST_P(AdoServerTest, Scripts) {
   const Server server = std::string(GetParam()) == "pg" ? Postgres() : Maria();
   QV_SKIP_WITHOUT(server.server);
-  for (const char* script :
-       {"crud.vbs", "batch.vbs", "paging.vbs", "types.vbs", "transactions.vbs", "errors.vbs"}) {
+  for (const char* script : {"crud.vbs", "batch.vbs", "paging.vbs", "types.vbs", "transactions.vbs",
+                             "errors.vbs", "procedures.vbs"}) {
     EXPECT_EQ(RunAdoScript(script, server.dialect), "") << script;
   }
 }

@@ -33,6 +33,15 @@ StatementResult Backend::Run(StringView sql, std::span<const Variant> params) {
   return result;
 }
 
+StatementResult Backend::Call(StringView sql, std::span<CallParameter> params) {
+  std::vector<Variant> values;
+  for (const CallParameter& p : params) {
+    if (p.Receives()) NotSupported(u"An output parameter");
+    values.push_back(p.value);
+  }
+  return Run(sql, values);
+}
+
 std::optional<int32_t> Backend::ParameterCount(StringView) {
   return std::nullopt;
 }

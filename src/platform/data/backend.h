@@ -36,6 +36,17 @@ struct StatementResult {
   int64_t rows_affected = -1;
 };
 
+// A parameter of a procedure call. Input parameters carry `value` in; output, input-output and
+// return-value parameters get what the statement leaves in them back in `value`, as text of
+// at most `size` characters (0 for the default) that the caller converts to its type.
+struct CallParameter {
+  enum Direction : uint8_t { kInput = 1, kOutput = 2, kInputOutput = 3, kReturnValue = 4 };
+  Variant value;
+  Direction direction = kInput;
+  int32_t size = 0;
+  bool Receives() const { return direction != kInput; }
+};
+
 // A cursor over rows already in memory.
 class RowsetCursor final : public Cursor {
  public:
@@ -68,6 +79,9 @@ class Backend {
   // its Variant (Null, Boolean, the numbers, Currency, Date, String, Byte arrays), never pasted
   // into the text. The default serves read-only backends: no parameters, rows from Execute.
   virtual StatementResult Run(StringView sql, std::span<const Variant> params);
+  // Runs a call whose placeholders take `params` in order and fills the values of those that
+  // receive one. The default serves backends without procedures: inputs only, through Run.
+  virtual StatementResult Call(StringView sql, std::span<CallParameter> params);
   // How many placeholders a statement has, when the backend can tell.
   virtual std::optional<int32_t> ParameterCount(StringView sql);
   // The key the last INSERT generated on this connection; Empty when there is none to tell.

@@ -177,6 +177,11 @@ StatementResult Connection::Run(StringView sql, std::span<const Variant> params)
   return Guard([&] { return backend.Run(sql, params); });
 }
 
+StatementResult Connection::Call(StringView sql, std::span<CallParameter> params) {
+  Backend& backend = RequireOpen();
+  return Guard([&] { return backend.Call(sql, params); });
+}
+
 std::optional<int32_t> Connection::ParameterCount(StringView sql) {
   Backend& backend = RequireOpen();
   return Guard([&] { return backend.ParameterCount(sql); });

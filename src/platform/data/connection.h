@@ -76,6 +76,8 @@ class Connection {
 
   // Runs a statement with `?` placeholders bound to `params`; rows stream through the cursor.
   StatementResult Run(StringView sql, std::span<const Variant> params = {});
+  // A procedure call with output and return-value parameters (Backend::Call).
+  StatementResult Call(StringView sql, std::span<CallParameter> params);
   // Placeholders of a statement, when the backend can tell.
   std::optional<int32_t> ParameterCount(StringView sql);
   // The key the last INSERT generated (Empty when unknown).

@@ -386,6 +386,57 @@ void BindParameter(SQLHSTMT stmt, SQLUSMALLINT index, const Variant& value, Boun
   if (!Succeeded(rc)) Fail(SQL_HANDLE_STMT, stmt, u"Binding a parameter");
 }
 
+// `{? = call f(...)}` as `SELECT f(...)`, the form in which PostgreSQL and MariaDB give a
+// function's value: neither driver takes the return-value call (psqlODBC only when it pastes
+// the parameters into the text itself).
+std::optional<String> ReturnCallAsSelect(StringView sql) {
+  StringView t = TrimBlanks(sql);
+  if (t.size() < 2 || t.front() != u'{' || t.back() != u'}') return std::nullopt;
+  t = TrimBlanks(t.substr(1, t.size() - 2));
+  if (t.empty() || t.front() != u'?') return std::nullopt;
+  t = TrimBlanks(t.substr(1));
+  if (t.empty() || t.front() != u'=') return std::nullopt;
+  t = TrimBlanks(t.substr(1));
+  if (t.size() < 5 || !EqualsNoCase(t.substr(0, 4), u"call") || t[4] != u' ') return std::nullopt;
+  return u"SELECT " + String(TrimBlanks(t.substr(5)));
+}
+
+// A parameter that gets a value back: bound as wide text, which every driver converts its
+// types to; an input-output parameter starts with its value's text.
+void BindReceiver(SQLHSTMT stmt, SQLUSMALLINT index, const CallParameter& param,
+                  BoundValue& bound) {
+  const size_t chars = param.size > 0 ? static_cast<size_t>(param.size) : 4000;
+  bound.data.assign((chars + 1) * sizeof(SQLWCHAR), 0);
+  bound.indicator = SQL_NULL_DATA;
+  if (param.direction == CallParameter::kInputOutput && !param.value.is_null() &&
+      !param.value.is_empty()) {
+    const String text = ToString(param.value);
+    const size_t n = std::min(text.size(), chars);
+    std::memcpy(bound.data.data(), text.data(), n * sizeof(SQLWCHAR));
+    bound.indicator = static_cast<SQLLEN>(n * sizeof(SQLWCHAR));
+  }
+  const SQLSMALLINT io =
+      param.direction == CallParameter::kInputOutput ? SQL_PARAM_INPUT_OUTPUT : SQL_PARAM_OUTPUT;
+  const SQLRETURN rc =
+      SQLBindParameter(stmt, index, io, SQL_C_WCHAR, SQL_WVARCHAR, chars, 0, bound.data.data(),
+                       static_cast<SQLLEN>(bound.data.size()), &bound.indicator);
+  if (!Succeeded(rc)) Fail(SQL_HANDLE_STMT, stmt, u"Binding a parameter");
+}
+
+// `narrow`: MariaDB's driver copies an output value in the connection's character set (UTF-8)
+// whatever C type it was bound with.
+Variant ReceivedValue(const BoundValue& bound, bool narrow) {
+  if (bound.indicator == SQL_NULL_DATA || bound.indicator < 0) return Variant::Null();
+  if (narrow) {
+    const size_t bytes = std::min(static_cast<size_t>(bound.indicator), bound.data.size());
+    return Variant(String::FromUtf8(
+        std::string_view(reinterpret_cast<const char*>(bound.data.data()), bytes)));
+  }
+  const size_t capacity = bound.data.size() / sizeof(SQLWCHAR) - 1;
+  const size_t chars = std::min(static_cast<size_t>(bound.indicator) / sizeof(SQLWCHAR), capacity);
+  return Variant(FromW(reinterpret_cast<const SQLWCHAR*>(bound.data.data()), chars));
+}
+
 // The rows of one statement, fetched from the driver as they are read.
 //
 // PostgreSQL's driver reads through a server-side cursor that holds a transaction, and with
@@ -574,6 +625,78 @@ class OdbcBackend final : public Backend {
     }
     result.rows = std::make_unique<OdbcCursor>(link_, std::move(stmt), std::move(columns));
     return result;
+  }
+
+  StatementResult Call(StringView sql, std::span<CallParameter> params) override {
+    const bool mysql = IsMysql();
+    if (!params.empty() && params[0].direction == CallParameter::kReturnValue &&
+        (mysql || IsPostgres())) {
+      if (auto select = ReturnCallAsSelect(sql)) return CallForValue(*select, params);
+    }
+    last_key_.reset();
+    auto stmt = std::make_unique<Handle>(SQL_HANDLE_STMT, link_->dbc->get());
+    SQLSetStmtAttr(stmt->get(), SQL_ATTR_QUERY_TIMEOUT,
+                   reinterpret_cast<SQLPOINTER>(static_cast<intptr_t>(command_timeout_)), 0);
+    const String text(sql);
+    stmt->Check(SQLPrepareW(stmt->get(), W(text), SQL_NTS), u"Preparing the statement");
+    std::vector<BoundValue> bound(params.size());
+    for (size_t i = 0; i < params.size(); ++i) {
+      const auto index = static_cast<SQLUSMALLINT>(i + 1);
+      if (params[i].Receives()) {
+        BindReceiver(stmt->get(), index, params[i], bound[i]);
+      } else {
+        BindParameter(stmt->get(), index, params[i].value, bound[i]);
+      }
+    }
+    const SQLRETURN rc = SQLExecute(stmt->get());
+    if (rc != SQL_NO_DATA) stmt->Check(rc, u"Running the statement");
+    StatementResult result;
+    SQLSMALLINT count = 0;
+    stmt->Check(SQLNumResultCols(stmt->get(), &count), u"Reading the columns");
+    if (count == 0) {
+      SQLLEN changed = -1;
+      if (Succeeded(SQLRowCount(stmt->get(), &changed))) result.rows_affected = changed;
+      // Some drivers hand the output values over only once every result of the call is read.
+      while (Succeeded(SQLMoreResults(stmt->get()))) {
+      }
+    }
+    for (size_t i = 0; i < params.size(); ++i) {
+      if (params[i].Receives()) params[i].value = ReceivedValue(bound[i], mysql);
+    }
+    if (count == 0) return result;
+    // The buffers go with this call; the rows outlive it.
+    SQLFreeStmt(stmt->get(), SQL_RESET_PARAMS);
+    std::vector<ColumnInfo> columns;
+    for (SQLUSMALLINT i = 1; i <= static_cast<SQLUSMALLINT>(count); ++i) {
+      columns.push_back(Describe(stmt->get(), i));
+    }
+    result.rows = std::make_unique<OdbcCursor>(link_, std::move(stmt), std::move(columns));
+    return result;
+  }
+
+  bool IsMysql() const {
+    return dbms_.view().find(u"mysql") != StringView::npos ||
+           dbms_.view().find(u"maria") != StringView::npos;
+  }
+  bool IsPostgres() const { return dbms_.view().find(u"postgres") != StringView::npos; }
+
+  // A function's value as the one value of a SELECT; the other parameters are inputs.
+  StatementResult CallForValue(const String& select, std::span<CallParameter> params) {
+    std::vector<Variant> inputs;
+    for (const CallParameter& p : params.subspan(1)) {
+      if (p.Receives()) {
+        throw ProviderError(kErrNotSupported,
+                            u"A function call with output parameters besides its value is not "
+                            u"supported by this provider.",
+                            String(kSource));
+      }
+      inputs.push_back(p.value);
+    }
+    StatementResult called = Run(select, inputs);
+    std::vector<Variant> row;
+    params[0].value =
+        called.rows && called.rows->Fetch(row) && !row.empty() ? row[0] : Variant::Null();
+    return StatementResult();
   }
 
   std::optional<int32_t> ParameterCount(StringView sql) override {
