@@ -6,6 +6,7 @@
 #include "generation/output_test_support.h"
 #include "model/database.h"
 #include "support/common.h"
+#include "support/registry.h"
 
 namespace qv {
 namespace {
@@ -98,6 +99,13 @@ TEST_F(CopyActionsTest, StylesheetComesFromTheTemplateAndTheProject) {
 
   WriteRegValue(u"HKCU", Vars().SettingsKey, u"CssFile", 1, Variant(String(u"styles/x.css")));
   EXPECT_TRUE(StylesheetTemplatePath().view().ends_with(u"/styles/x.css"));
+
+  // A settings store seeded before the option existed lacks it: the shipped default holds.
+  cRegistry reg;
+  reg.SectionKey = Vars().SettingsKey;
+  reg.ValueKey = u"CssFile";
+  reg.DeleteValue();
+  EXPECT_TRUE(StylesheetTemplatePath().view().ends_with(u"/styles/default.css"));
 }
 
 }  // namespace
