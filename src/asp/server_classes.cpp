@@ -1,13 +1,58 @@
-// The ADODB objects and constants come from the ado library.
+// The ADODB objects and constants come from the ado library; Quorvex.Random is ours.
 #include "asp/server_classes.h"
+
+#include <sys/random.h>
+
+#include <string>
 
 #include "ado/classes.h"
 #include "ado/constants.h"
+#include "automation/convert.h"
+#include "automation/dispatch.h"
 
 namespace qv::asp {
 
+namespace {
+
+// Quorvex.Random: secrets for pages, such as the token a form carries against cross-site
+// requests. VBScript's Rnd is a 24-bit generator that anyone can replay, so the text comes
+// from the kernel's random source instead.
+//   Token(length)  letters and digits, 1 to 256 of them
+class RandomObject : public DispatchObject<RandomObject> {
+ public:
+  static const DispatchTable<RandomObject>& Table() {
+    static const auto table =
+        DispatchTable<RandomObject>(u"Random").Method(u"Token", [](RandomObject&, Args args) {
+          CheckArgCount(args, 1, 1);
+          const int32_t length = ToLong(args[0]);
+          if (length < 1 || length > 256) throw Error(kErrInvalidCall);
+          return Variant(Token(static_cast<size_t>(length)));
+        });
+    return table;
+  }
+
+ private:
+  static String Token(size_t length) {
+    static constexpr char16_t kAlphabet[] =
+        u"abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+    unsigned char bytes[256];
+    size_t got = 0;
+    while (got < length) {
+      const ssize_t n = getrandom(bytes + got, length - got, 0);
+      if (n > 0) got += static_cast<size_t>(n);
+    }
+    std::u16string out(length, u'a');
+    for (size_t i = 0; i < length; ++i)
+      out[i] = kAlphabet[bytes[i] % 62];  // 62 of 256 values: a slight lean that costs no secrecy
+    return String(StringView(out));
+  }
+};
+
+}  // namespace
+
 void RegisterServerClasses(vbs::ClassRegistry& registry) {
   ado::RegisterAdoClasses(registry);
+  registry.Register(u"Quorvex.Random", [] { return Ref<Object>(MakeRef<RandomObject>()); });
 }
 
 namespace {

@@ -75,7 +75,8 @@ TEST_F(ChinookApp, EveryPageAnswersAndListsPageSortAndSearch) {
 TEST_F(ChinookApp, AddRefuseEditCopyDeleteAGenre) {
   Reply form = app_->Get("/Genreadd.asp");
   const std::string token = TokenOf(form.body);
-  ASSERT_FALSE(token.empty());
+  ASSERT_EQ(token.size(), 32u);
+  EXPECT_TRUE(std::regex_match(token, std::regex("[A-Za-z0-9]+")));
 
   // Without the session's token nothing is written.
   Reply r = app_->Post("/Genreadd.asp", "qvtoken=forged&x_Name=Forged");
