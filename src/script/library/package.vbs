@@ -90,23 +90,31 @@ End Function
 
 ' The menu of the home page and of the layout: one entry per generated table, view, custom
 ' view and report, in the project's order, each pointing at its list page (a report at its
-' only page).
+' only page). Every page of a run shows the same menu, and with hundreds of tables making it
+' was most of a page's work, so a run makes it once: the script engine is new for each run.
+Dim qvMenuText, qvMenuTables
+qvMenuTables = -1
+
 Function qvMenuItems()
   Dim i, t, s, kind, page
-  s = ""
-  For i = 1 To DB.Tables.Count
-    Set t = DB.Tables.Seq(i)
-    If Not t Is Nothing Then
-      page = "list"
-      If t.TblType = "REPORT" Then page = "report"
-      If qvHasPage(t, page) Then
-        kind = LCase(t.TblType)
-        s = s & "<li><a class=""qvMenu-" & qvHtmlEncode(kind) & """ href=""" & _
-            qvHtmlEncode(qvPageName(t, page)) & """>" & qvHtmlEncode(t.TblCaption) & "</a></li>" & vbCrLf
+  If qvMenuTables <> DB.Tables.Count Then
+    s = ""
+    For i = 1 To DB.Tables.Count
+      Set t = DB.Tables.Seq(i)
+      If Not t Is Nothing Then
+        page = "list"
+        If t.TblType = "REPORT" Then page = "report"
+        If qvHasPage(t, page) Then
+          kind = LCase(t.TblType)
+          s = s & "<li><a class=""qvMenu-" & qvHtmlEncode(kind) & """ href=""" & _
+              qvHtmlEncode(qvPageName(t, page)) & """>" & qvHtmlEncode(t.TblCaption) & "</a></li>" & vbCrLf
+        End If
       End If
-    End If
-  Next
-  qvMenuItems = qvIndentLines(s)
+    Next
+    qvMenuText = s
+    qvMenuTables = DB.Tables.Count
+  End If
+  qvMenuItems = qvIndentLines(qvMenuText)
 End Function
 
 ' One assignment of the table definition, left out when the value is the run-time default.
