@@ -223,9 +223,15 @@ void Worker::RunPage(PageContext& c, bool new_session) {
   AddObjects(c, true);
   c.execute = [this, &c](std::string_view url) { Execute(c, url); };
   const CompiledPage& page = *c.pages.front();
-  // A shared session keeps no objects, so its <object> tags are made anew for each request.
-  const bool fresh_objects = new_session || (c.session && runtime_.store_->shared());
-  std::shared_ptr<const GlobalAsa> global = fresh_objects ? runtime_.CurrentGlobalAsa() : nullptr;
+  // A shared session keeps no objects, so its <object> tags are made anew for each request,
+  // from global.asa as last read (looking for it on disk on every request would cost a folder
+  // scan where there is none).
+  std::shared_ptr<const GlobalAsa> global;
+  if (new_session) {
+    global = runtime_.CurrentGlobalAsa();
+  } else if (c.session && runtime_.store_->shared()) {
+    global = runtime_.LastGlobalAsa();
+  }
   if (global && c.session) {
     for (const StaticObjectDecl& decl : global->objects) {
       if (decl.application_scope) continue;
@@ -347,6 +353,11 @@ std::shared_ptr<const GlobalAsa> SiteRuntime::CurrentGlobalAsa() {
     std::cerr << "global.asa, line " << e.line() << ": " << e.description() << "\n";
     global_asa_.reset();
   }
+  return global_asa_;
+}
+
+std::shared_ptr<const GlobalAsa> SiteRuntime::LastGlobalAsa() {
+  std::lock_guard guard(global_mutex_);
   return global_asa_;
 }
 

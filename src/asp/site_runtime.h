@@ -50,6 +50,8 @@ class SiteRuntime {
   void ReleaseWorker(std::unique_ptr<Worker> worker);
   // global.asa as it is on disk now, or null when the site has none.
   std::shared_ptr<const GlobalAsa> CurrentGlobalAsa();
+  // global.asa as it was when last read.
+  std::shared_ptr<const GlobalAsa> LastGlobalAsa();
   void StartApplication(Worker& worker);
   // Ends the sessions whose time ran out, every few seconds.
   void SweepSessions(Worker& worker);

@@ -1,0 +1,116 @@
+#!/usr/bin/env bash
+# Sessions in memory against sessions in Redis, same run: wrk on loopback against the 20-row
+# list page of bench/asp/site with its session read and written on every request, one
+# `quorvex serve` (2 workers) with each store, Redis from scripts/scale/redis.sh. Each wrk
+# connection goes round a pool of 256 sessions made beforehand, so that requests of one
+# session seldom wait for each other. Prints requests per second and latency, and, since a
+# shared machine's other work moves those, the requests per CPU second of the processes that
+# serve them (quorvex, and redis-server for the Redis run); then the ratios.
+#
+#   bench/scale/run.sh BUILD_DIR [seconds per run]
+set -euo pipefail
+build=${1:?usage: run.sh BUILD_DIR [seconds]}
+seconds=${2:-10}
+here=$(cd "$(dirname "$0")" && pwd)
+root=$(cd "$here/../.." && pwd)
+quorvex=$build/src/cli/quorvex
+work=$(mktemp -d)
+pids=()
+cleanup() {
+  for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done
+  "$root/scripts/scale/redis.sh" stop "$work/redis" || true
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+cp -r "$root/bench/asp/site" "$work/site"
+{
+  echo "CREATE TABLE product (id INTEGER PRIMARY KEY, name TEXT, price REAL, note TEXT);"
+  echo "BEGIN;"
+  for i in $(seq 1 1000); do
+    echo "INSERT INTO product VALUES ($i, 'Product <$i> & co', $((i * 3)).25, 'Note \"$i\" for the list');"
+  done
+  echo "COMMIT;"
+} | sqlite3 "$work/site/products.db"
+
+redis_port=$("$root/scripts/scale/redis.sh" start "$work/redis")
+
+# Starts `quorvex serve` with the options given and sets `port` to where it listens.
+serve() {
+  local log=$work/serve${#pids[@]}.log
+  "$quorvex" serve "$work/site" --port 0 --workers 2 --no-access-log "$@" >/dev/null 2>"$log" &
+  pids+=($!)
+  port=
+  for _ in $(seq 1 100); do
+    port=$(grep -o "http://127.0.0.1:[0-9]*" "$log" 2>/dev/null | head -n 1 | cut -d: -f3 || true)
+    [ -n "$port" ] && return
+    sleep 0.05
+  done
+  echo "quorvex serve did not start: $(cat "$log")" >&2
+  exit 1
+}
+
+# A wrk script going round 256 sessions of a server, each thread from its own place.
+sessions() {
+  local port=$1 file=$2
+  {
+    echo "local cookies = {"
+    for _ in $(seq 1 256); do
+      curl -si "http://127.0.0.1:$port/list_session.asp" | tr -d '\r' |
+        sed -n 's/^Set-Cookie: \(ASPSESSIONID=[A-Z]*\).*/  "\1",/p'
+    done
+    cat <<'LUA'
+}
+local counter = 0
+function setup(thread) counter = counter + 1; thread:set("offset", counter * 97) end
+local n = 0
+function request()
+  n = n + 1
+  local cookie = cookies[(n + offset) % #cookies + 1]
+  return wrk.format("GET", "/list_session.asp?page=" .. (n % 50), { Cookie = cookie })
+end
+LUA
+  } >"$file"
+}
+
+# CPU time of processes in clock ticks (user + system).
+ticks() {
+  local total=0 p
+  for p in "$@"; do total=$((total + $(awk '{print $14 + $15}' "/proc/$p/stat"))); done
+  echo "$total"
+}
+
+# Prints wrk's figures and sets `rps` and `per_cpu` (requests per CPU second of the
+# processes given after the script).
+measure() {
+  local label=$1 port=$2 script=$3
+  shift 3
+  local out p50 p99 before after requests
+  before=$(ticks "$@")
+  out=$(wrk -t2 -c32 -d"${seconds}s" --latency -s "$script" "http://127.0.0.1:$port/")
+  after=$(ticks "$@")
+  rps=$(awk '/Requests\/sec/ {print $2}' <<<"$out")
+  requests=$(awk '/requests in/ {print $1}' <<<"$out")
+  per_cpu=$(awk -v r="$requests" -v t=$((after - before)) -v hz="$(getconf CLK_TCK)" \
+    'BEGIN { printf "%.0f", (t > 0) ? r * hz / t : 0 }')
+  p50=$(awk '$1 == "50%" {print $2}' <<<"$out")
+  p99=$(awk '$1 == "99%" {print $2}' <<<"$out")
+  printf '%-40s %10s req/s %8s req/CPU s   p50 %8s   p99 %8s\n' "$label" "$rps" "$per_cpu" "$p50" "$p99"
+  if grep -q "Non-2xx" <<<"$out"; then echo "  ($(grep Non-2xx <<<"$out" | xargs))"; fi
+}
+
+serve
+memory_port=$port
+memory_pid=${pids[-1]}
+serve --state "redis://127.0.0.1:$redis_port"
+redis_port_q=$port
+redis_pids=("${pids[-1]}" "$(cat "$work/redis/redis.pid")")
+sessions "$memory_port" "$work/memory.lua"
+sessions "$redis_port_q" "$work/redis.lua"
+[ "$(grep -c ASPSESSIONID "$work/redis.lua")" -eq 256 ] || { echo "sessions were not made" >&2; exit 1; }
+
+measure "list_session.asp, sessions in memory" "$memory_port" "$work/memory.lua" "$memory_pid"
+memory=$rps memory_cpu=$per_cpu
+measure "list_session.asp, sessions in Redis" "$redis_port_q" "$work/redis.lua" "${redis_pids[@]}"
+awk -v m="$memory" -v r="$rps" -v mc="$memory_cpu" -v rc="$per_cpu" \
+  'BEGIN { printf "Redis / memory: %.0f %% of the requests per second, %.0f %% per CPU second\n", 100 * r / m, 100 * rc / mc }'
