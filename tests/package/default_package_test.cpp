@@ -15,8 +15,27 @@ class ChinookApp : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     dir_ = new sfs::path(cli_testing::FreshDir("package-chinook"));
+    const sfs::path& dir = *dir_;
+    using cli_testing::Quorvex;
+    const std::string chinook = std::string(QV_SHARED_DATA) + "/sqlite/chinook.sqlite";
+    ASSERT_EQ(Quorvex(dir, {"new", "app.qvp", "--db", "sqlite:" + chinook}).status, 0);
+    // A lookup, a field's own values, a money format and editing in the list.
+    ASSERT_EQ(Quorvex(dir, {"set", "app.qvp", "--table", "Track", "--field", "AlbumId",
+                            "FldHtmlTag=SELECT", "FldTagLnkTbl=Album", "FldTagLnkFld=AlbumId",
+                            "FldTagLnkDisplay=Title"})
+                  .status,
+              0);
+    ASSERT_EQ(Quorvex(dir, {"set", "app.qvp", "--table", "Track", "--field", "MediaTypeId",
+                            "FldHtmlTag=RADIO", "FldTagValues=\"1\",\"MPEG\"\r\n\"2\",\"AAC\""})
+                  .status,
+              0);
+    ASSERT_EQ(Quorvex(dir, {"set", "app.qvp", "--table", "Track", "--field", "UnitPrice",
+                            "FldFmtType=Currency", "FldNumDigits=2"})
+                  .status,
+              0);
+    ASSERT_EQ(Quorvex(dir, {"set", "app.qvp", "--table", "Track", "TblInlineEdit=True"}).status, 0);
     const cli_testing::Run run =
-        Generate(*dir_, "sqlite:" + std::string(QV_SHARED_DATA) + "/sqlite/chinook.sqlite");
+        Quorvex(dir, {"generate", "app.qvp", "--dest", "site", "--overwrite", "all"});
     ASSERT_EQ(run.status, 0) << run.err;
     app_ = new ServedApp(*dir_ / "site");
   }
@@ -45,6 +64,17 @@ TEST_F(ChinookApp, EveryPageAnswersAndListsPageSortAndSearch) {
 
   Reply r = app_->Get("/Tracklist.asp");
   EXPECT_TRUE(Has(r.body, "Records 1 to 20 of 3503")) << r.body;
+  // The lookup's display through one join, the values' labels, the money format.
+  EXPECT_TRUE(Has(r.body, "data-label=\"Album Id\">Balls to the Wall<"));
+  EXPECT_TRUE(Has(r.body, "data-label=\"Media Type Id\">AAC<"));
+  EXPECT_TRUE(Has(r.body, "data-label=\"Unit Price\">$0.99<"));
+  r = app_->Get("/Trackedit.asp?key=2");
+  EXPECT_TRUE(Has(r.body, "<option value=\"2\" selected>Balls to the Wall</option>"));
+  EXPECT_TRUE(Has(r.body, "value=\"2\" checked required> AAC"));
+  // Editing in place: the row's controls belong to the form that posts to the edit page.
+  r = app_->Get("/Tracklist.asp?edit=2");
+  EXPECT_TRUE(Has(r.body, "<input form=\"qvInline\" type=\"text\" id=\"qv_x_Name\""));
+  EXPECT_TRUE(Has(r.body, "<form id=\"qvInline\" method=\"post\" action=\"Trackedit.asp\">"));
   EXPECT_TRUE(Has(r.body, "href=\"Trackadd.asp?copy=1\""));
   r = app_->Get("/Tracklist.asp?start=3501&size=ALL");
   EXPECT_TRUE(Has(r.body, "Records 1 to 3503 of 3503"));
