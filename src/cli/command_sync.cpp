@@ -21,7 +21,9 @@
 #include "persistence/project_file.h"
 #include "platform/prompter.h"
 #include "support/status.h"
+#include "support/tyx_vars.h"
 #include "sync/difference_check.h"
+#include "sync/live_schema.h"
 #include "sync/table_sync.h"
 
 namespace qv::cli {
@@ -111,11 +113,38 @@ String TypeListed(const DifferenceList& found, SchemaDifference::Kind kind, Stri
   return String();
 }
 
+// Whether the project has a field `name` in its table `table` that the database has lost.
+bool LostField(const DifferenceList& found, StringView table, StringView name) {
+  return Listed(found, SchemaDifference::kFieldRemoved, table, name);
+}
+
+// Whether the schema's table or view `table` has a column `name`.
+bool HasColumn(const TyxSchema& schema, StringView table, StringView name) {
+  for (const TySchemaTable& record : schema.db().tables.Tbl) {
+    if (record.TblName != table) continue;
+    for (int16_t i = 0; i < record.TblFldCnt; ++i) {
+      if (record.TblFields.fld[static_cast<size_t>(i)].FldName == name) return true;
+    }
+  }
+  return false;
+}
+
+// Whether the project's table or view `table` has a field `name`.
+bool HasField(Tyx& tyx, StringView table, StringView name) {
+  TyxDatabase* db = CurrentDatabase(tyx);
+  TyxTable* t = db ? db->Tables().list().ByName(table) : nullptr;
+  return t && t->Fields().list().ByName(name);
+}
+
 // Reads --map against what the check found: NEW must be a table or view the database added
 // and OLD one of the same kind it lost, or NEW is TABLE.FIELD for a field added to a table
-// both still have and OLD (or TABLE.OLD) a field that table lost.
-RenameMap ParseMaps(const std::vector<std::string>& maps, const DifferenceList& found) {
+// both still have and OLD (or TABLE.OLD) a field that table lost. Inside a table renamed by
+// another --map, TABLE is the new name, FIELD one of its columns and OLD a field of the old
+// table.
+RenameMap ParseMaps(const std::vector<std::string>& maps, const DifferenceList& found,
+                    const TyxSchema& schema, Tyx& tyx) {
   RenameMap renames;
+  std::vector<std::pair<std::string, std::pair<String, String>>> fields;  // entry, NEW, OLD
   for (const std::string& entry : maps) {
     const size_t eq = entry.find('=');
     if (eq == std::string::npos || eq == 0 || eq + 1 == entry.size()) {
@@ -126,33 +155,44 @@ RenameMap ParseMaps(const std::vector<std::string>& maps, const DifferenceList& 
     const String new_name = String::FromUtf8(entry.substr(0, eq));
     const String old_name = String::FromUtf8(entry.substr(eq + 1));
     const String new_type = TypeListed(found, SchemaDifference::kTableAdded, new_name);
-    if (!new_type.empty()) {
-      if (TypeListed(found, SchemaDifference::kTableRemoved, old_name) != new_type) {
-        FailWith(ProductMessage(u"--map " + String::FromUtf8(entry) + u": the project has no " +
-                                (new_type == u"VIEW" ? u"view " : u"table ") + old_name +
-                                u" that the database has lost"));
-      }
-      renames[{String(), new_name}] = old_name;
+    if (new_type.empty()) {
+      fields.push_back({entry, {new_name, old_name}});
       continue;
     }
+    if (TypeListed(found, SchemaDifference::kTableRemoved, old_name) != new_type) {
+      FailWith(ProductMessage(u"--map " + String::FromUtf8(entry) + u": the project has no " +
+                              (new_type == u"VIEW" ? u"view " : u"table ") + old_name +
+                              u" that the database has lost"));
+    }
+    renames[{String(), new_name}] = old_name;
+  }
+  // Fields after tables, so that a field map may name a table renamed by a later --map.
+  for (const auto& [entry, names] : fields) {
+    const auto& [new_name, old_name] = names;
     const size_t dot = new_name.view().rfind(u'.');
     const String table =
         dot == StringView::npos ? String() : String(new_name.view().substr(0, dot));
     const String field =
         dot == StringView::npos ? String() : String(new_name.view().substr(dot + 1));
-    if (table.empty() || !Listed(found, SchemaDifference::kFieldAdded, table, field)) {
+    const auto renamed = renames.find({String(), table});
+    const bool added = renamed != renames.end()
+                           ? HasColumn(schema, table, field)
+                           : Listed(found, SchemaDifference::kFieldAdded, table, field);
+    if (table.empty() || !added) {
       FailWith(ProductMessage(u"--map " + String::FromUtf8(entry) +
-                              u": the database has no new "
-                              u"table or view " +
-                              new_name + u", and no table with a new field " + u"of that name"));
+                              u": the database has no new table or view " + new_name +
+                              u", and no table with a new field of that name"));
     }
     String old_field = old_name;
     if (old_field.view().starts_with(table.view()) && old_field.size() > table.size() &&
         old_field.view()[table.size()] == u'.') {
       old_field = String(old_field.view().substr(table.size() + 1));
     }
-    if (!Listed(found, SchemaDifference::kFieldRemoved, table, old_field)) {
-      FailWith(ProductMessage(u"--map " + String::FromUtf8(entry) + u": table " + table +
+    const bool lost = renamed != renames.end() ? HasField(tyx, renamed->second, old_field)
+                                               : LostField(found, table, old_field);
+    if (!lost) {
+      const String old_table = renamed != renames.end() ? renamed->second : table;
+      FailWith(ProductMessage(u"--map " + String::FromUtf8(entry) + u": table " + old_table +
                               u" has no field " + old_field + u" that the database has lost"));
     }
     renames[{table, field}] = old_field;
@@ -191,17 +231,21 @@ void RunSync(const SyncOptions& o) {
   Ref<Tyx> tyx = OpenProject(o.project_file);
   DifferenceList found;
   try {
-    if (CheckDB(*tyx, &found) < 0) {
+    // One read of the schema: the check lists it, the options are judged against it, and the
+    // synchronisation applies it.
+    TyxSchema schema;
+    if (!ReadLiveSchema(*tyx, schema, Vars().ProductName + u" - Database Synchronization...") ||
+        CheckDB(*tyx, schema, &found) < 0) {
       std::fflush(stdout);
       std::fprintf(stderr, "%s\n", tyx->ProjErr().ToUtf8().c_str());
       throw CLI::RuntimeError(kExitSchemaUnreadable);
     }
-    RenameMap renames = ParseMaps(o.maps, found);
+    RenameMap renames = ParseMaps(o.maps, found, schema, *tyx);
     std::optional<bool> keep_keys;
     if (o.keep_keys || o.update_keys) keep_keys = o.keep_keys;
     SetCurrentPrompter(
         std::make_unique<SyncPrompter>(TakeCurrentPrompter(), std::move(renames), keep_keys));
-    SynchronizeDB(*tyx);
+    SynchronizeDB(*tyx, schema);
   } catch (const Error& e) {
     FailWith(e.description());
   }

@@ -36,6 +36,7 @@ void ApplyToRecord(const std::vector<ColumnFacts>& columns, TySchemaTable& table
     table.TblFldCnt = kept;  // FindField looks only at the columns kept so far
     if (table.FindField(column.name)) {
       table.TblGen = false;
+      table.read_error = u"two of its columns are named " + column.name;
       continue;
     }
     TySchemaField& field = table.TblFields.fld[static_cast<size_t>(kept)];

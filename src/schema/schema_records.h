@@ -46,6 +46,8 @@ struct TySchemaTable {
   bool TblGen = false;    // False when the columns could not be read or a name repeats
   int16_t TblFldCnt = 0;  // kept columns; smaller than TblFields.fld.size() after duplicates
   TySchemaFields TblFields;
+  // Why TblGen is False, in the database's own words where it gave any; for a host's listing.
+  String read_error;
 
   // The kept field of that exact name among the first TblFldCnt, or nullptr.
   TySchemaField* FindField(StringView name);

@@ -193,8 +193,9 @@ void TyxSchema::ReadColumns(data::Connection& cn, TySchemaTable& table, StringVi
   data::Recordset probe;
   try {
     probe.Open(ProbeStatement(owner, table.TblName), cn);
-  } catch (const Error&) {
+  } catch (const Error& e) {
     table.TblGen = false;
+    table.read_error = e.description();
     return;
   }
   ApplyToRecord(ReadColumnFacts(probe), table);

@@ -183,6 +183,10 @@ int16_t CheckDB(Tyx& tyx, DifferenceList* details) {
   if (!ReadLiveSchema(tyx, schema, Vars().ProductName + u" - Database Synchronization check...")) {
     return -1;
   }
+  return CheckDB(tyx, schema, details);
+}
+
+int16_t CheckDB(Tyx& tyx, const TyxSchema& schema, DifferenceList* details) {
   if (details) {
     const DifferenceList unreadable = UnreadableTables(schema);
     details->insert(details->end(), unreadable.begin(), unreadable.end());
@@ -243,14 +247,24 @@ int32_t CheckTables(Tyx& tyx, const TyxSchema& schema, DifferenceList* details) 
          modified_fields + unmatched_fields;
 }
 
-int32_t CheckCustomViews(Tyx& tyx, DifferenceList* details) {
+namespace {
+
+// Runs `check` on every table of one TblType under its progress window and sums the counts.
+int32_t CheckEach(Tyx& tyx, StringView type, StringView progress_suffix,
+                  int32_t (*check)(Tyx&, StringView, DifferenceList*), DifferenceList* details) {
   TyxDatabase* db = CurrentDatabase(tyx);
   if (!db) return 0;
-  ProgressWindow progress(tyx, u" - Checking Custom View...");
+  ProgressWindow progress(tyx, progress_suffix);
   int32_t sum = 0;
-  for (const String& name : TableNamesOfType(*db, u"CUSTOMVIEW"))
-    sum += CheckCustomView(tyx, name, details);
+  for (const String& name : TableNamesOfType(*db, type))
+    sum += check(tyx, name, details);
   return sum;
+}
+
+}  // namespace
+
+int32_t CheckCustomViews(Tyx& tyx, DifferenceList* details) {
+  return CheckEach(tyx, u"CUSTOMVIEW", u" - Checking Custom View...", &CheckCustomView, details);
 }
 
 int32_t CheckCustomView(Tyx& tyx, StringView name, DifferenceList* details) {
@@ -278,13 +292,7 @@ int32_t CheckCustomView(Tyx& tyx, StringView name, DifferenceList* details) {
 }
 
 int32_t CheckReports(Tyx& tyx, DifferenceList* details) {
-  TyxDatabase* db = CurrentDatabase(tyx);
-  if (!db) return 0;
-  ProgressWindow progress(tyx, u" - Checking Report...");
-  int32_t sum = 0;
-  for (const String& name : TableNamesOfType(*db, u"REPORT"))
-    sum += CheckReport(tyx, name, details);
-  return sum;
+  return CheckEach(tyx, u"REPORT", u" - Checking Report...", &CheckReport, details);
 }
 
 int32_t CheckReport(Tyx& tyx, StringView name, DifferenceList* details) {
@@ -328,11 +336,8 @@ DifferenceList UnreadableTables(const TyxSchema& schema) {
   for (int16_t t = 0; t < schema.tblcnt(); ++t) {
     const TySchemaTable& record = schema.db().tables.Tbl[static_cast<size_t>(t)];
     if (record.TblGen) continue;
-    const String why = record.TblFldCnt > 0
-                           ? String(u"it has two columns of one name")
-                           : String(
-                                 u"its columns could not be read; the name may need quotes "
-                                 u"(the project's SQLQuote)");
+    const String why =
+        !record.read_error.empty() ? record.read_error : String(u"its columns could not be read");
     list.push_back({SchemaDifference::kUnreadable, record.TblName, record.TblType, {}, {}, why});
   }
   return list;

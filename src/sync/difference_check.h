@@ -45,6 +45,9 @@ using DifferenceList = std::vector<SchemaDifference>;
 // The number of differences (at most 32767), 0 when the project agrees with the schema, -1
 // when the schema could not be read. `details`, when given, receives each difference.
 int16_t CheckDB(Tyx& tyx, DifferenceList* details = nullptr);
+// The same against a schema already read (ReadLiveSchema), so that a synchronisation that
+// follows works from the very snapshot that was checked.
+int16_t CheckDB(Tyx& tyx, const TyxSchema& schema, DifferenceList* details);
 
 // The steps of CheckDB, each the sum of its counters.
 int32_t CheckTables(Tyx& tyx, const TyxSchema& schema, DifferenceList* details);

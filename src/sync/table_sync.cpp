@@ -277,6 +277,10 @@ void SynchronizeDB(Tyx& tyx) {
   if (!ReadLiveSchema(tyx, schema, Vars().ProductName + u" - Database Synchronization...")) {
     return;
   }
+  SynchronizeDB(tyx, schema);
+}
+
+void SynchronizeDB(Tyx& tyx, const TyxSchema& schema) {
   MapRenames(tyx, schema);
   SyncTables(tyx, schema);
   SyncCustomViews(tyx);

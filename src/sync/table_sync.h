@@ -15,6 +15,8 @@ namespace qv {
 // RebuildTableKeys. A schema that can't be read leaves its words in ProjErr and the project
 // untouched.
 void SynchronizeDB(Tyx& tyx);
+// The same from a schema already read, the one a CheckDB before it compared.
+void SynchronizeDB(Tyx& tyx, const TyxSchema& schema);
 
 // The steps, for the load-time comparison that has its schema read already.
 void MapRenames(Tyx& tyx, const TyxSchema& schema);

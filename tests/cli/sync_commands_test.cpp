@@ -46,9 +46,14 @@ TEST(SyncCommands, CheckListsAndSyncMerges) {
                           "FldCaption=Full name"})
                 .status,
             0);
+  ASSERT_EQ(Quorvex(dir, {"set", "shop.qvp", "--table", "old_orders", "--field", "total",
+                          "FldCaption=Sum due"})
+                .status,
+            0);
 
   Exec(dir / "shop.db",
        "ALTER TABLE customers ADD COLUMN email TEXT; ALTER TABLE customers DROP COLUMN city;"
+       "ALTER TABLE old_orders RENAME COLUMN total TO amount;"
        "ALTER TABLE old_orders RENAME TO orders");
   const auto check = Quorvex(dir, {"check", "shop.qvp"});
   EXPECT_EQ(check.status, 1) << check.err;
@@ -66,10 +71,17 @@ TEST(SyncCommands, CheckListsAndSyncMerges) {
   EXPECT_EQ(dry.status, 0) << dry.err;
   EXPECT_EQ(Slurp(dir / "shop.qvp"), before);
 
-  const auto sync = Quorvex(dir, {"sync", "shop.qvp", "--map", "orders=old_orders"});
+  // A field of a renamed table maps by the table's new name (given before or after it).
+  const auto no_field = Quorvex(dir, {"sync", "shop.qvp", "--map", "orders.amount=sum", "--map",
+                                      "orders=old_orders", "--dry-run"});
+  EXPECT_EQ(no_field.status, 1);
+  EXPECT_TRUE(Has(no_field.err, "table old_orders has no field sum")) << no_field.err;
+  const auto sync = Quorvex(
+      dir, {"sync", "shop.qvp", "--map", "orders.amount=total", "--map", "orders=old_orders"});
   ASSERT_EQ(sync.status, 0) << sync.err;
   EXPECT_EQ(Quorvex(dir, {"check", "shop.qvp"}).status, 0);
   EXPECT_TRUE(Has(Quorvex(dir, {"show", "shop.qvp", "orders"}).out, "Orders"));
+  EXPECT_TRUE(Has(Quorvex(dir, {"show", "shop.qvp", "orders", "amount"}).out, "Sum due"));
   EXPECT_TRUE(Has(Quorvex(dir, {"show", "shop.qvp", "customers", "name"}).out, "Full name"));
   EXPECT_FALSE(std::filesystem::exists(dir / "shop.qvp.sync-tmp"));
 
@@ -99,6 +111,10 @@ TEST(SyncCommands, CheckListsAndSyncMerges) {
   ASSERT_EQ(bare.status, 0) << bare.err;
   EXPECT_TRUE(Has(bare.out, "could not read table select")) << bare.out;
   EXPECT_FALSE(Has(bare.out, "plain")) << bare.out;
+  // The check gives the database's own words for it.
+  const auto unread = Quorvex(dir, {"check", "bare.qvp"});
+  EXPECT_TRUE(Has(unread.out, "table select could not be read: near \"select\": syntax error"))
+      << unread.out;
   EXPECT_EQ(Quorvex(dir, {"new", "x.qvp", "--db", "sqlite:other.db", "--quote", "Curly"}).status,
             1);
 }
