@@ -55,7 +55,8 @@ inline std::string RunAdoScript(const std::string& name, const Dialect& d) {
       "\r\nConst TBL = " + Quoted(d.table_prefix) +
       "\r\nConst TABLEOPTS = " + Quoted(d.table_options) + "\r\nConst SCRATCH = " +
       Quoted(std::getenv("QV_TEST_SCRATCH") ? std::getenv("QV_TEST_SCRATCH") : "/tmp") + "\r\n";
-  code += ReadText(dir + "check.vbs") + "\r\n" + ReadText(dir + name);
+  code += ReadText(std::string(QV_SOURCE_DIR) + "/tests/vbscript/conformance/support/prelude.vbs") +
+          "\r\nqvWholeNumbersAlike = True\r\n" + ReadText(dir + name);
   vbs::Engine engine;
   RegisterAdoClasses(engine.Registry());
   try {
