@@ -155,6 +155,8 @@ Function qvTableDef()
   s = s & qvDefLine("qvTbl", "LinkOnLeft", t.TblLinkOnLeft, False)
   s = s & qvDefLine("qvTbl", "Filter", t.TblFilter, "")
   s = s & qvDefLine("qvTbl", "SearchType", t.TblSrchType, "")
+  s = s & qvDefLine("qvTbl", "TopPageLink", t.TblTopPageLink, False)
+  s = s & qvDefLine("qvTbl", "ExportCsv", t.TblExportCsv, False)
   For i = 1 To t.Fields.Count
     Set f = t.Fields.Seq(i)
     If Not f Is Nothing Then
@@ -186,6 +188,7 @@ Function qvFieldDef(f)
   s = s & qvDefLine("qvFld", "TagValues", f.FldTagValues, "")
   s = s & qvDefLine("qvFld", "HiddenValue", f.FldTagHiddenValue, "")
   s = s & qvDefLine("qvFld", "SelectMultiple", f.FldSelectMultiple, False)
+  If tag = "RADIO" Or tag = "CHECKBOX" Then s = s & qvDefLine("qvFld", "RepeatColumns", qvNum(f.FldRepeatColumns), 0)
   If Trim(f.FldTagLnkTbl) <> "" And Trim(f.FldTagLnkFld) <> "" Then
     s = s & "qvFld.SetLookup " & qvQuoteVBS(f.FldTagLnkTbl) & ", " & qvQuoteVBS(f.FldTagLnkFld) & ", " & _
         qvQuoteVBS(f.FldTagLnkDisplay) & ", " & qvQuoteVBS(f.FldTagLnkDisp2) & ", " & _
@@ -333,4 +336,17 @@ Function qvConnValue(connstr, key)
       End If
     End If
   Next
+End Function
+
+' The stylesheet's base font size for BodySize, the seven sizes of HTML's old <font size>.
+Function qvBodyFontSize()
+  Select Case qvNum(PROJ.BodySize)
+    Case 1: qvBodyFontSize = "13px"
+    Case 3: qvBodyFontSize = "17px"
+    Case 4: qvBodyFontSize = "19px"
+    Case 5: qvBodyFontSize = "23px"
+    Case 6: qvBodyFontSize = "28px"
+    Case 7: qvBodyFontSize = "36px"
+    Case Else: qvBodyFontSize = "15px"
+  End Select
 End Function
