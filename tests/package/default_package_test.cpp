@@ -64,6 +64,7 @@ TEST_F(ChinookApp, EveryPageAnswersAndListsPageSortAndSearch) {
 
   Reply r = app_->Get("/Tracklist.asp");
   EXPECT_TRUE(Has(r.body, "Records 1 to 20 of 3503")) << r.body;
+  EXPECT_TRUE(Has(r.body, "<small class=\"qvKind\">Tables</small>"));
   // The lookup's display through one join, the values' labels, the money format.
   EXPECT_TRUE(Has(r.body, "data-label=\"Album Id\">Balls to the Wall<"));
   EXPECT_TRUE(Has(r.body, "data-label=\"Media Type Id\">AAC<"));
