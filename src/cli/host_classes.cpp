@@ -19,6 +19,7 @@
 #include "script/script_host.h"
 #include "script/user_script.h"
 #include "support/status.h"
+#include "sync/sync_forms_object.h"
 #include "templates/block_parser.h"
 #include "templates/control.h"
 #include "templates/controls.h"
@@ -62,6 +63,7 @@ const HostClass kHostClasses[] = {
     {u"TyxClass.TyxCache", Make<TyxCache>},
     {u"TyxClass.TyScript", Make<TyScript>},
     {u"TyxClass.TyUserScript", Make<TyUserScript>},
+    {u"TyxClass.TyxSyncForms", Make<TyxSyncForms>},
 };
 
 }  // namespace

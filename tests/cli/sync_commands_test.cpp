@@ -6,6 +6,7 @@
 #include <sqlite3.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "cli/run_quorvex.h"
 
@@ -117,6 +118,31 @@ TEST(SyncCommands, CheckListsAndSyncMerges) {
       << unread.out;
   EXPECT_EQ(Quorvex(dir, {"new", "x.qvp", "--db", "sqlite:other.db", "--quote", "Curly"}).status,
             1);
+}
+
+// The forms of synchronisation from a host script, answered from the command line or, with
+// nobody to answer, taking their safe choice.
+TEST(SyncCommands, FormsFromAHostScript) {
+  const auto dir = FreshDir("sync-forms");
+  {
+    std::ofstream script(dir / "forms.vbs");
+    script << "Set f = CreateObject(\"TyxClass.TyxSyncForms\")\n"
+              "WScript.Echo \"[\" & f.frmSyncSelectTable(\"Orders\", \"Old1,Old2\") & \"]\"\n"
+              "WScript.Echo \"[\" & f.frmSyncSelectField(\"Orders\", \"Total\", \"Sum,Amount\") & "
+              "\"]\"\n"
+              "WScript.Echo \"[\" & f.frmSyncRenameTable(\"Old1\", \"Orders,Invoices\") & \"]\"\n"
+              "WScript.Echo f.frmSync(\"Keep it?\")\n"
+              "WScript.Echo \"[\" & f.ShowMapDialog(\"T\", \"x\", \"New\", \"Old\", \"a,b\", "
+              "\"c,d\") & \"]\"\n";
+  }
+  const auto answered =
+      Quorvex(dir, {"--quiet", "--answer", "Old2", "--answer", "2", "--answer", "skip", "--answer",
+                    "Keep", "--answer", "d,c", "script", "forms.vbs"});
+  ASSERT_EQ(answered.status, 0) << answered.err;
+  EXPECT_EQ(answered.out, "[Old2]\n[Amount]\n[]\nTrue\n[d,c]\n");
+  const auto alone = Quorvex(dir, {"--quiet", "--no-input", "script", "forms.vbs"});
+  ASSERT_EQ(alone.status, 0) << alone.err;
+  EXPECT_EQ(alone.out, "[]\n[]\n[]\nFalse\n[c,d]\n");
 }
 
 }  // namespace
