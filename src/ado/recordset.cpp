@@ -760,6 +760,122 @@ int32_t RecordsetObject::Status() {
   }
 }
 
+void RecordsetObject::Resync(int32_t affect, int32_t resync_values) {
+  constexpr int32_t adAffectCurrent = 1, adResyncUnderlyingValues = 1;
+  RequireOpen();
+  if (Streaming() || !connection_ || table_.empty() || key_columns_.empty())
+    throw AdoError(adErrFeatureNotAvailable, kSource, kNotCapableText);
+  if (edit_mode_ != adEditNone) throw AdoError(adErrFeatureNotAvailable, kSource);
+  String names;
+  for (const ColumnInfo& c : columns_) {
+    if (!names.empty()) names.Append(u", ");
+    names.Append(QuotedName(c.name));
+  }
+  std::vector<uint32_t> targets;
+  if (affect == adAffectCurrent) {
+    RequireCurrent();
+    targets.push_back(view_[static_cast<size_t>(pos_)]);
+  } else {
+    targets = view_;
+  }
+  for (const uint32_t index : targets) {
+    Record& record = records()[index];
+    if (record.deleted || record.pending == Pending::kNew) continue;
+    String where;
+    const std::vector<Variant> params = KeyParams(record, where);
+    data::StatementResult result = connection_->Run(
+        u"SELECT " + names + u" FROM " + QuotedName(table_) + u" WHERE " + where, params);
+    std::vector<Variant> row;
+    // A row the source no longer has cannot be read again; ADO reports it as gone.
+    if (!result.rows || !result.rows->Fetch(row) || row.size() != columns_.size())
+      throw AdoError(kErrRowNotFound, kSource);
+    if (resync_values == adResyncUnderlyingValues && record.pending == Pending::kModified) {
+      record.original = std::move(row);
+    } else {
+      record.values = std::move(row);
+      if (record.pending == Pending::kModified) {
+        record.pending = Pending::kNone;
+        record.original.clear();
+        record.changed.clear();
+      }
+    }
+  }
+}
+
+void RecordsetObject::Seek(const Variant& key_values, int32_t option) {
+  constexpr int32_t adSeekFirstEQ = 1, adSeekLastEQ = 2, adSeekAfterEQ = 4, adSeekAfter = 8,
+                    adSeekBeforeEQ = 16, adSeekBefore = 32;
+  RequireOpen();
+  if (Streaming() || key_columns_.empty() || index_.empty())
+    throw AdoError(adErrFeatureNotAvailable, kSource, kNotCapableText);
+  FinishEdit();
+  std::vector<Variant> wanted;
+  if (key_values.is_array()) {
+    for (const Variant& v : key_values.as_array()->elements())
+      wanted.push_back(v);
+  } else {
+    wanted.push_back(key_values);
+  }
+  if (wanted.empty() || wanted.size() > key_columns_.size())
+    throw AdoError(adErrInvalidArgument, kSource);
+  // The record's key against the values sought, on the columns given.
+  const auto compare = [&](uint32_t index) {
+    const Record& record = records()[index];
+    for (size_t k = 0; k < wanted.size(); ++k) {
+      const int c = CompareForSort(record.values[key_columns_[k]], wanted[k]);
+      if (c != 0) return c;
+    }
+    return 0;
+  };
+  const auto key_less = [&](uint32_t a, uint32_t b) {
+    for (const size_t column : key_columns_) {
+      const int c = CompareForSort(records()[a].values[column], records()[b].values[column]);
+      if (c != 0) return c < 0;
+    }
+    return false;
+  };
+  std::optional<size_t> found;  // a position in view_
+  for (size_t p = 0; p < view_.size(); ++p) {
+    const uint32_t index = view_[p];
+    if (records()[index].deleted) continue;
+    const int c = compare(index);
+    bool fits = false;
+    bool prefer_later = false;  // among fitting records, the one latest in key order
+    switch (option) {
+      case adSeekFirstEQ:
+        fits = c == 0;
+        break;
+      case adSeekLastEQ:
+        fits = c == 0;
+        prefer_later = true;
+        break;
+      case adSeekAfterEQ:
+        fits = c >= 0;
+        break;
+      case adSeekAfter:
+        fits = c > 0;
+        break;
+      case adSeekBeforeEQ:
+        fits = c <= 0;
+        prefer_later = true;
+        break;
+      case adSeekBefore:
+        fits = c < 0;
+        prefer_later = true;
+        break;
+      default:
+        throw AdoError(adErrInvalidArgument, kSource);
+    }
+    if (!fits) continue;
+    if (!found) {
+      found = p;
+    } else if (prefer_later ? key_less(view_[*found], index) : key_less(index, view_[*found])) {
+      found = p;
+    }
+  }
+  pos_ = found ? static_cast<int64_t>(*found) : static_cast<int64_t>(view_.size());
+}
+
 Ref<RecordsetObject> RecordsetObject::Clone(int32_t lock_type) {
   RequireOpen();
   if (Streaming()) throw AdoError(adErrFeatureNotAvailable, kSource, kNotCapableText);
@@ -773,6 +889,7 @@ Ref<RecordsetObject> RecordsetObject::Clone(int32_t lock_type) {
   copy->lock_type_ = lock_type == adLockReadOnly ? adLockReadOnly : lock_type_;
   copy->cursor_location_ = cursor_location_;
   copy->page_size_ = page_size_;
+  copy->index_ = index_;
   copy->table_ = table_;
   copy->key_columns_ = key_columns_;
   copy->command_text_ = command_text_;
@@ -1148,8 +1265,13 @@ String RecordsetObject::GetString(Args args) {
 bool RecordsetObject::Supports(int32_t options) {
   constexpr int32_t adHoldRecords = 0x100, adMovePrevious = 0x200, adAddNew = 0x1000400,
                     adDelete = 0x1000800, adUpdate = 0x1008000, adBookmark = 0x2000,
-                    adApproxPosition = 0x4000, adUpdateBatch = 0x10000, adFind = 0x80000;
+                    adApproxPosition = 0x4000, adUpdateBatch = 0x10000, adFind = 0x80000,
+                    adResync = 0x20000, adIndex = 0x100000, adSeek = 0x400000;
   int32_t mask = adFind;
+  if (open_ && !Streaming() && !key_columns_.empty()) {
+    mask |= adIndex | adSeek;
+    if (connection_ && !table_.empty()) mask |= adResync;
+  }
   if (open_ && !Streaming() && cursor_type_ != adOpenForwardOnly) {
     mask |= adHoldRecords | adMovePrevious | adBookmark | adApproxPosition;
   }

@@ -77,6 +77,13 @@ class RecordsetObject : public DispatchObject<RecordsetObject> {
   int32_t Status();
   // A second recordset over the same records, with its own position, filter and order.
   Ref<RecordsetObject> Clone(int32_t lock_type);
+  // Reads the records (adAffectCurrent: the current one) again from the source table by
+  // their key; adResyncUnderlyingValues renews only what pending changes started from.
+  void Resync(int32_t affect, int32_t resync_values);
+  // Moves to the record whose primary key is `key_values` (one value or an array, in key
+  // order) as `option` says: adSeekFirstEQ, adSeekLastEQ, adSeekAfterEQ, adSeekAfter,
+  // adSeekBeforeEQ, adSeekBefore. No such record leaves EOF.
+  void Seek(const Variant& key_values, int32_t option);
   Variant GetRows(Args args);
   String GetString(Args args);
   void Find(Args args);
@@ -103,6 +110,7 @@ class RecordsetObject : public DispatchObject<RecordsetObject> {
   int32_t page_size_ = 10;
   int32_t cache_size_ = 1;
   int32_t max_records_ = 0;
+  String index_;  // the Index that Seek searches: the primary key is the one it knows
   Variant filter_ = Variant(int32_t{0});
   String sort_;
   Variant source_;

@@ -65,10 +65,21 @@ const DispatchTable<RecordsetObject>& RecordsetObject::Table() {
                     return None();
                   })
           .Method(u"Resync",
-                  [](Rs& rs, Args) {
-                    rs.RequireOpen();
+                  [](Rs& rs, Args args) {
+                    CheckArgCount(args, 0, 2);
+                    rs.Resync(HasArg(args, 0) ? ToLong(args[0]) : 3,
+                              HasArg(args, 1) ? ToLong(args[1]) : 2);
                     return None();
                   })
+          .Method(u"Seek",
+                  [](Rs& rs, Args args) {
+                    CheckArgCount(args, 1, 2);
+                    rs.Seek(args[0], HasArg(args, 1) ? ToLong(args[1]) : 1);
+                    return None();
+                  })
+          .Property(
+              u"Index", [](Rs& rs, Args) { return Variant(rs.index_); },
+              [](Rs& rs, Args, const Variant& v) { rs.index_ = ToString(v); })
           .Method(u"MoveNext",
                   [](Rs& rs, Args args) {
                     CheckArgCount(args, 0, 0);

@@ -1,6 +1,6 @@
 ' Batch updates: changes wait in the recordset until UpdateBatch writes them (or CancelBatch
 ' takes them back), also after the recordset was cut off from its connection and given it
-' again; Clone shares the records with its own position.
+' again; Clone shares the records with its own position; Resync and Seek.
 Dim cn, rs, rs2, t, n
 t = TBL & "batch"
 Set cn = CreateObject("ADODB.Connection")
@@ -103,6 +103,31 @@ Set rs2 = cn.Execute("SELECT name FROM " & t).Clone
 CheckErr 3251, "a forward-only recordset cannot be cloned"
 On Error GoTo 0
 
+rs.Close
+
+' Resync reads the records again from the source; Seek finds one by its primary key.
+Set rs = CreateObject("ADODB.Recordset")
+rs.CursorLocation = 3
+rs.Open "SELECT id, name, qty FROM " & t & " ORDER BY id", cn, 3, 4
+cn.Execute "UPDATE " & t & " SET qty = 99"
+rs.Resync
+Check rs("qty").Value, 99, "Resync reads what the source holds now"
+CheckTrue rs.Supports(&H400000), "Supports(adSeek)"
+rs.Index = "PrimaryKey"
+rs.MoveFirst
+n = rs("id").Value
+rs.MoveLast
+rs.Seek n
+Check rs("id").Value, n, "Seek finds the key"
+rs.Seek n, 8
+CheckTrue rs("id").Value > n, "adSeekAfter: the next key"
+rs.Seek -1
+CheckTrue rs.EOF, "a key that is not there leaves EOF"
+cn.Execute "DELETE FROM " & t
+On Error Resume Next
+rs.Resync
+CheckErr -2147217864, "Resync of rows that have gone"
+On Error GoTo 0
 rs.Close
 cn.Execute "DROP TABLE " & t
 cn.Close
