@@ -3,6 +3,8 @@
 // edit, copy and delete with the form token checked each time.
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include "package/served_app.h"
 
 namespace qv::package_testing {
@@ -34,6 +36,17 @@ class ChinookApp : public ::testing::Test {
                   .status,
               0);
     ASSERT_EQ(Quorvex(dir, {"set", "app.qvp", "--table", "Track", "TblInlineEdit=True"}).status, 0);
+    // The user's code file replaces the footer of the layout.
+    std::ofstream(dir / "user.vbs") << "Function USER_qvFooter(text)\r\n"
+                                       "  USER_qvFooter = \"Chinook &amp; \" & text\r\n"
+                                       "End Function\r\n";
+    const sfs::path settings = dir / "home/.config/quorvex/settings";
+    std::string tree = cli_testing::Slurp(settings);
+    const size_t at = tree.find("USERCODE = ");
+    ASSERT_NE(at, std::string::npos);
+    tree.replace(at, tree.find('\n', at) - at,
+                 "USERCODE = \"" + (dir / "user.vbs").string() + "\"");
+    std::ofstream(settings) << tree;
     const cli_testing::Run run =
         Quorvex(dir, {"generate", "app.qvp", "--dest", "site", "--overwrite", "all"});
     ASSERT_EQ(run.status, 0) << run.err;
@@ -65,6 +78,7 @@ TEST_F(ChinookApp, EveryPageAnswersAndListsPageSortAndSearch) {
   Reply r = app_->Get("/Tracklist.asp");
   EXPECT_TRUE(Has(r.body, "Records 1 to 20 of 3503")) << r.body;
   EXPECT_TRUE(Has(r.body, "<small class=\"qvKind\">Tables</small>"));
+  EXPECT_TRUE(Has(r.body, "<footer class=\"qvFooter\">Chinook &amp; Made with Quorvex</footer>"));
   // The lookup's display through one join, the values' labels, the money format.
   EXPECT_TRUE(Has(r.body, "data-label=\"Album Id\">Balls to the Wall<"));
   EXPECT_TRUE(Has(r.body, "data-label=\"Media Type Id\">AAC<"));
