@@ -196,6 +196,7 @@ Function qvFieldDef(f)
         CStr(CBool(f.FldTagLnkDistinct)) & vbCrLf
   End If
   s = s & qvDefLine("qvFld", "DefaultValue", f.FldDefault, "")
+  s = s & qvDefLine("qvFld", "PopCalendar", f.FldPopCalendar, False)
   s = s & qvDefLine("qvFld", "ViewTag", UCase(f.FldViewTag), "FORMATTED TEXT")
   s = s & qvDefLine("qvFld", "FmtType", f.FldFmtType, "None")
   s = s & qvDefLine("qvFld", "DtFormat", f.FldDtFormat, "")
