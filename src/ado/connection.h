@@ -8,6 +8,7 @@
 
 #include "automation/dispatch.h"
 #include "platform/data/connection.h"
+#include "platform/data/connection_pool.h"
 #include "platform/data/data_types.h"
 
 namespace qv::ado {
@@ -21,6 +22,8 @@ class ConnectionObject : public DispatchObject<ConnectionObject> {
   ~ConnectionObject() override;
 
   bool IsOpen() const { return cn_.State() == data::adStateOpen; }
+  // Opens and closes through a pool of open connections that outlives this object.
+  void UsePool(data::ConnectionPool* pool) { cn_.SetPool(pool); }
   // The data layer connection; raises 3704 when closed.
   data::Connection& Require();
   // Runs a statement for Execute and Command.Execute, with the errors a script sees.

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "ado/classes.h"
+#include "ado/connection.h"
 #include "ado/constants.h"
 #include "automation/convert.h"
 #include "automation/dispatch.h"
@@ -50,8 +51,17 @@ class RandomObject : public DispatchObject<RandomObject> {
 
 }  // namespace
 
-void RegisterServerClasses(vbs::ClassRegistry& registry) {
+void RegisterServerClasses(vbs::ClassRegistry& registry, data::ConnectionPool& pool) {
   ado::RegisterAdoClasses(registry);
+  // Pages open their connection on every request; the pool keeps that from reopening it.
+  const auto pooled = [&pool] {
+    auto connection = MakeRef<ado::ConnectionObject>();
+    connection->UsePool(&pool);
+    return Ref<Object>(std::move(connection));
+  };
+  for (const char16_t* prog_id :
+       {u"ADODB.Connection", u"ADODB.Connection.2.8", u"ADODB.Connection.6.0"})
+    registry.Register(prog_id, pooled);
   registry.Register(u"Quorvex.Random", [] { return Ref<Object>(MakeRef<RandomObject>()); });
 }
 

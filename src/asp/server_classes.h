@@ -4,11 +4,14 @@
 
 #include <string_view>
 
+#include "platform/data/connection_pool.h"
 #include "vbscript/runtime.h"
 
 namespace qv::asp {
 
-void RegisterServerClasses(vbs::ClassRegistry& registry);
+// ADODB.Connection objects open and close through `pool`, which outlives the registry's
+// objects.
+void RegisterServerClasses(vbs::ClassRegistry& registry, data::ConnectionPool& pool);
 // An object whose members are the ADO constants; added with its members as global names, it
 // makes them known to a page without compiling a Const statement per request.
 Ref<Object> AdoConstantsObject();

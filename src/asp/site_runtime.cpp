@@ -103,7 +103,7 @@ HttpResponse UnavailableResponse() {
 class Worker {
  public:
   explicit Worker(SiteRuntime& runtime) : runtime_(runtime) {
-    RegisterServerClasses(engine_.Registry());
+    RegisterServerClasses(engine_.Registry(), runtime.connections_);
   }
 
   // Runs a page: global.asa's Session_OnStart first when `new_session`.
@@ -195,7 +195,7 @@ void Worker::Execute(PageContext& c, std::string_view url) {
   c.pages.push_back(page);
   // The other page gets a namespace of its own but the same objects.
   vbs::Engine inner;
-  RegisterServerClasses(inner.Registry());
+  RegisterServerClasses(inner.Registry(), runtime_.connections_);
   inner.SetTimeout(engine_.Timeout());
   inner.AddObject(u"Request", NewRequestObject(c));
   inner.AddObject(u"Response", NewResponseObject(c));

@@ -15,6 +15,7 @@
 #include "asp/page_cache.h"
 #include "asp/site.h"
 #include "asp/state_store.h"
+#include "platform/data/connection_pool.h"
 
 namespace qv::asp {
 
@@ -59,6 +60,8 @@ class SiteRuntime {
 
   Site site_;
   RuntimeOptions options_;
+  // Before everything that may hold a connection object: sessions, application, workers.
+  data::ConnectionPool connections_;
   PageCache pages_;
   std::unique_ptr<StateStore> store_;
   std::mutex global_mutex_;

@@ -92,6 +92,10 @@ class Backend {
   virtual void BeginTransaction();
   virtual void CommitTransaction();
   virtual void RollbackTransaction();
+  // True when the next user could take this open connection over as if freshly opened: no
+  // statement or transaction left open, and the data source still the one it opened. Only such
+  // connections go back to a ConnectionPool.
+  virtual bool Reusable() { return false; }
 };
 
 }  // namespace qv::data

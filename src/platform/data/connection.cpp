@@ -5,6 +5,7 @@
 #include "automation/error.h"
 #include "platform/data/access_backend.h"
 #include "platform/data/backend.h"
+#include "platform/data/connection_pool.h"
 #include "platform/data/connection_string.h"
 #include "platform/data/data_types.h"
 #include "platform/data/odbc_backend.h"
@@ -86,7 +87,9 @@ std::unique_ptr<Backend> OpenBackend(StringView text, StringView user, StringVie
 }  // namespace
 
 Connection::Connection() = default;
-Connection::~Connection() = default;
+Connection::~Connection() {
+  Close();
+}
 
 template <class F>
 auto Connection::Guard(F&& call) -> decltype(call()) {
@@ -111,6 +114,17 @@ void Connection::Open(StringView connection_string, StringView user, StringView 
                 u"Operation is not allowed when the object is open.", u"ADODB.Connection");
   }
   const String text = ExpandShortUrl(connection_string);
+  if (pool_) {
+    // NUL cannot occur in any of the three, so the key is unambiguous.
+    pool_key_.assign(text.view());
+    pool_key_.append(1, u'\0').append(user).append(1, u'\0').append(password);
+    if ((backend_ = pool_->Take(pool_key_))) {
+      backend_->SetCommandTimeout(command_timeout_seconds_);
+      connection_string_ = text;
+      errors_.Clear();
+      return;
+    }
+  }
   const OdbcTimeouts timeouts{login_timeout_seconds_, command_timeout_seconds_};
   backend_ = Guard([&] { return OpenBackend(text, user, password, timeouts); });
   backend_->SetCommandTimeout(command_timeout_seconds_);
@@ -125,6 +139,7 @@ void Connection::OpenWith(std::unique_ptr<Backend> backend, StringView connectio
 }
 
 void Connection::Close() noexcept {
+  if (pool_ && backend_) pool_->Give(pool_key_, std::move(backend_));
   backend_.reset();
 }
 

@@ -19,6 +19,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "automation/string.h"
@@ -29,6 +30,7 @@
 namespace qv::data {
 
 class Backend;
+class ConnectionPool;
 class Recordset;
 
 class Connection {
@@ -45,6 +47,9 @@ class Connection {
   // Opens on a backend made elsewhere (the scripted backend of tests, for instance).
   void OpenWith(std::unique_ptr<Backend> backend, StringView connection_string = {});
   void Close() noexcept;
+  // Opens take an idle backend of the same string from `pool` and closes give it back there;
+  // null (the default) opens and closes for real. The pool must outlive the connection.
+  void SetPool(ConnectionPool* pool) noexcept { pool_ = pool; }
   // adStateOpen (1) when open, adStateClosed (0) otherwise.
   int32_t State() const noexcept;
   // The ADO revision whose interface this layer offers.
@@ -97,6 +102,8 @@ class Connection {
   auto Guard(F&& call) -> decltype(call());
 
   std::unique_ptr<Backend> backend_;
+  ConnectionPool* pool_ = nullptr;
+  std::u16string pool_key_;  // the string, user and password the backend was opened with
   String connection_string_;
   int32_t login_timeout_seconds_ = 15;
   int32_t command_timeout_seconds_ = 30;

@@ -2,6 +2,7 @@
 #include "platform/data/sqlite_backend.h"
 
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 #include <chrono>
 #include <cstring>
@@ -276,8 +277,16 @@ bool ChangesRows(sqlite3_stmt* stmt) {
 
 class SqliteBackend final : public Backend {
  public:
-  SqliteBackend(sqlite3* db, String path) : db_(db), path_(std::move(path)) {}
+  SqliteBackend(sqlite3* db, String path) : db_(db), path_(std::move(path)) {
+    identity_ = FileIdentity();
+  }
   ~SqliteBackend() override { sqlite3_close_v2(db_); }
+
+  bool Reusable() override {
+    // A file replaced on disk (a restored backup) must be opened again to be seen.
+    return identity_.second != 0 && sqlite3_get_autocommit(db_) != 0 &&
+           !sqlite3_next_stmt(db_, nullptr) && FileIdentity() == identity_;
+  }
 
   std::optional<Variant> Property(StringView name) override {
     if (EqualsNoCase(name, u"DBMS Name")) return Variant(String(u"SQLite"));
@@ -634,9 +643,19 @@ class SqliteBackend final : public Backend {
     FailOn(db_, rc);
   }
 
+  // The device and inode of the open file; zeros for a database in memory, which starts empty
+  // on every open and so is never reused.
+  std::pair<dev_t, ino_t> FileIdentity() const {
+    const char* file = sqlite3_db_filename(db_, "main");
+    struct stat st {};
+    if (!file || !*file || ::stat(file, &st) != 0) return {0, 0};
+    return {st.st_dev, st.st_ino};
+  }
+
   sqlite3* db_;
   String path_;
   int32_t command_timeout_ = 30;
+  std::pair<dev_t, ino_t> identity_;
   int64_t schema_version_ = -1;
   std::map<String, TableShape> shapes_;
 };

@@ -7,6 +7,7 @@
 #include "automation/safe_array.h"
 #include "data_test_support.h"
 #include "platform/data/connection.h"
+#include "platform/data/connection_pool.h"
 #include "platform/data/data_types.h"
 #include "platform/data/recordset.h"
 
@@ -282,6 +283,60 @@ TEST(SqliteOpenTest, ShortUrlAndChinookSample) {
   EXPECT_EQ(rs.Fields(u"InvoiceDate").Type(), adDBTimeStamp);
   rs.Open(u"SELECT InvoiceDate, Total FROM Invoice WHERE InvoiceId = 1", cn);
   EXPECT_EQ(rs.Fields(u"InvoiceDate").Value().type(), VarType::Date);
+}
+
+TEST(SqlitePoolTest, OnlyConnectionsBackInTheirOpeningStateAreReused) {
+  const auto dir = ScratchDir("pool");
+  const auto file =
+      MakeSqliteFile(dir / "a.db", "CREATE TABLE t (v TEXT); INSERT INTO t VALUES ('a');");
+  const String source = SqliteConnectionString(file);
+  ConnectionPool pool;
+  auto value = [&](Connection& cn) {
+    auto rs = cn.Execute(u"SELECT v FROM t");
+    return ToString(rs->Fields(u"v").Value());
+  };
+  {
+    Connection cn;  // closed by its destructor: back to the pool as well
+    cn.SetPool(&pool);
+    cn.Open(source);
+    EXPECT_EQ(value(cn), u"a");
+  }
+  EXPECT_EQ(pool.IdleCount(), 1u);
+
+  // Left inside a transaction or with a statement still streaming: closed for real.
+  Connection cn;
+  cn.SetPool(&pool);
+  cn.Open(source);
+  EXPECT_EQ(pool.IdleCount(), 0u);
+  cn.BeginTransaction();
+  cn.Close();
+  EXPECT_EQ(pool.IdleCount(), 0u);
+  cn.Open(source);
+  StatementResult streaming = cn.Run(u"SELECT v FROM t");
+  cn.Close();
+  EXPECT_EQ(pool.IdleCount(), 0u);
+  streaming = {};
+
+  // Another login is another key.
+  cn.Open(source, u"someone", u"secret");
+  cn.Close();
+  cn.Open(source);
+  EXPECT_EQ(pool.IdleCount(), 1u);
+  cn.Close();
+  EXPECT_EQ(pool.IdleCount(), 2u);
+
+  // A file replaced on disk is opened afresh; a database in memory starts empty every time.
+  MakeSqliteFile(dir / "b.db", "CREATE TABLE t (v TEXT); INSERT INTO t VALUES ('b');");
+  std::filesystem::rename(dir / "b.db", file);
+  cn.Open(source);
+  EXPECT_EQ(value(cn), u"b");
+  cn.Close();
+  const String memory = u"Provider=SQLite;Data Source=:memory:";
+  cn.Open(memory);
+  cn.Execute(u"CREATE TABLE t (v TEXT)");
+  cn.Close();
+  cn.Open(memory);
+  EXPECT_THROW(cn.Execute(u"SELECT v FROM t"), Error);
 }
 
 }  // namespace
