@@ -15,9 +15,12 @@ work=${QV_DEMO_DIR:-"$(mktemp -d "${TMPDIR:-/tmp}/quorvex-demo.XXXXXX")"}
 mkdir -p "$work"
 cd "$work"
 
-step() { printf '\n\033[1m== %s\033[0m\n' "$*"; }
+# Bold headings on a terminal only: in a pipe or a log they would be noise.
+bold='' red='' plain=''
+if [ -t 1 ]; then bold=$'\033[1m' red=$'\033[1;31m' plain=$'\033[0m'; fi
+step() { printf '\n%s== %s%s\n' "$bold" "$*" "$plain"; }
 fail() {
-  printf '\033[1;31mThe demo failed: %s\033[0m\n' "$*" >&2
+  printf '%sThe demo failed: %s%s\n' "$red" "$*" "$plain" >&2
   exit 1
 }
 
@@ -72,7 +75,7 @@ curl -sSf -o list.html "$address${list#/}" || fail "the list page $address${list
 echo "home page: $(wc -c <<<"$home") bytes; list page ${list#/}: $(wc -c <list.html) bytes"
 
 echo
-printf '\033[1mThe shop application runs at %s\033[0m\n' "$address"
+printf '%sThe shop application runs at %s%s\n' "$bold" "$address" "$plain"
 echo "(project: $work/shop.qvp, pages: $work/app)"
 if [ -t 1 ]; then
   echo "Ctrl-C stops it."
