@@ -10,7 +10,8 @@ set -euo pipefail
 cd "$(dirname "$0")"
 ROOT=$(pwd)
 
-# Debian packages the build, the tests and the demo need.
+# Debian packages the build, the tests and the benchmarks need. A library the build needs goes
+# into DEMO_PACKAGES too.
 PACKAGES=(
   cmake ninja-build g++ clang clang-format pkg-config
   libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev
@@ -21,6 +22,15 @@ PACKAGES=(
   libmicrohttpd-dev chromium wrk nginx-light curl
   libhiredis-dev redis-server
 )
+# The demo's share: what configuring and building the programs need (the test and benchmark
+# libraries too, since configuring looks for them), sqlite3 for the sample and curl for the
+# check. No servers and no browser: on a fresh machine they would be most of the download.
+DEMO_PACKAGES=(
+  cmake ninja-build g++ pkg-config
+  libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev
+  libxml2-dev libzip-dev libsqlite3-dev sqlite3 unixodbc unixodbc-dev libpcre2-dev
+  mdbtools mdbtools-dev libmicrohttpd-dev libhiredis-dev curl
+)
 
 log() { printf '\033[1m== %s\033[0m\n' "$*" >&2; }
 
@@ -28,9 +38,12 @@ as_root() {
   if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
 
+# ensure_packages [NAME...]: installs those of the packages (default: all of PACKAGES) that
+# are missing.
 ensure_packages() {
-  local missing=()
-  for p in "${PACKAGES[@]}"; do
+  local missing=() wanted=("$@")
+  [ ${#wanted[@]} -eq 0 ] && wanted=("${PACKAGES[@]}")
+  for p in "${wanted[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
   done
   [ ${#missing[@]} -eq 0 ] && return 0
@@ -97,7 +110,7 @@ case "$cmd" in
     run_tests asan
     ;;
   demo)
-    ensure_packages
+    ensure_packages "${DEMO_PACKAGES[@]}"
     build_programs
     exec "$ROOT/examples/demo.sh" "$ROOT/build"
     ;;
@@ -125,7 +138,7 @@ case "$cmd" in
     done
     ;;
   help | -h | --help)
-    sed -n '2,9p' "$0" | sed 's/^# \{0,1\}//'
+    sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0"
     ;;
   *)
     echo "unknown command: $cmd (try: $0 help)" >&2
