@@ -5,6 +5,7 @@
 #include <cassert>
 #include <cmath>
 #include <exception>
+#include <filesystem>
 
 #include "ado/ado_errors.h"
 #include "ado/command.h"
@@ -31,6 +32,7 @@ constexpr int32_t adOpenStatic = 3;
 constexpr int32_t adLockReadOnly = 1;
 constexpr int32_t adLockBatchOptimistic = 4;
 constexpr int32_t adUseClient = 3;
+constexpr int32_t adCmdFile = 256;
 constexpr int32_t adEditNone = 0;
 constexpr int32_t adEditInProgress = 1;
 constexpr int32_t adEditAdd = 2;
@@ -175,6 +177,14 @@ void RecordsetObject::Open(Args args) {
     source = Variant(command->command_text_);
   }
 
+  // A saved recordset: named as a file (adCmdFile), or a file path given without a connection.
+  if (source.is_string() && !source.as_string().empty() &&
+      ((options != -1 && (options & adCmdFile)) ||
+       (IsMissingOrEmpty(connection) &&
+        std::filesystem::is_regular_file(std::filesystem::path(source.as_string().ToUtf8()))))) {
+    OpenPersisted(source.as_string());
+    return;
+  }
   if (IsMissingOrEmpty(source) && IsMissingOrEmpty(connection)) {
     // A recordset in memory: its columns come from Fields.Append.
     if (columns_.empty()) throw AdoError(adErrInvalidConnection, kSource);

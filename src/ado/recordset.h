@@ -84,6 +84,8 @@ class RecordsetObject : public DispatchObject<RecordsetObject> {
   // order) as `option` says: adSeekFirstEQ, adSeekLastEQ, adSeekAfterEQ, adSeekAfter,
   // adSeekBeforeEQ, adSeekBefore. No such record leaves EOF.
   void Seek(const Variant& key_values, int32_t option);
+  // Writes the records Filter lets through to a new file in ADO's XML form (adPersistXML).
+  void Save(const Variant& destination, int32_t format);
   Variant GetRows(Args args);
   String GetString(Args args);
   void Find(Args args);
@@ -152,6 +154,8 @@ class RecordsetObject : public DispatchObject<RecordsetObject> {
   String QuotedName(StringView name) const;
   std::vector<Variant> KeyParams(const Record& record, String& where) const;
   void OpenSource(const String& text, std::span<const Variant> params, int32_t options);
+  // Opens a file that Save wrote: a recordset of its own, without a connection.
+  void OpenPersisted(const String& path);
 
   bool open_ = false;
   Ref<ConnectionObject> connection_;

@@ -71,6 +71,13 @@ const DispatchTable<RecordsetObject>& RecordsetObject::Table() {
                               HasArg(args, 1) ? ToLong(args[1]) : 2);
                     return None();
                   })
+          .Method(u"Save",
+                  [](Rs& rs, Args args) {
+                    CheckArgCount(args, 0, 2);
+                    rs.Save(HasArg(args, 0) ? args[0] : rs.source_,
+                            HasArg(args, 1) ? ToLong(args[1]) : 1);
+                    return None();
+                  })
           .Method(u"Seek",
                   [](Rs& rs, Args args) {
                     CheckArgCount(args, 1, 2);

@@ -1,6 +1,6 @@
 ' Batch updates: changes wait in the recordset until UpdateBatch writes them (or CancelBatch
 ' takes them back), also after the recordset was cut off from its connection and given it
-' again; Clone shares the records with its own position; Resync and Seek.
+' again; Clone shares the records with its own position; Resync and Seek; Save and Open.
 Dim cn, rs, rs2, t, n
 t = TBL & "batch"
 Set cn = CreateObject("ADODB.Connection")
@@ -123,6 +123,45 @@ rs.Seek n, 8
 CheckTrue rs("id").Value > n, "adSeekAfter: the next key"
 rs.Seek -1
 CheckTrue rs.EOF, "a key that is not there leaves EOF"
+' Saved to a file in ADO's XML form and opened again without a connection: the values in
+' their types, Null, a name that is no XML name; reconnected, its batch writes back.
+Dim fso, saved, r1, r2
+Set fso = CreateObject("Scripting.FileSystemObject")
+saved = SCRATCH & "/" & TBL & DBKIND & "-saved.xml"
+If fso.FileExists(saved) Then fso.DeleteFile saved
+cn.Execute "UPDATE " & t & " SET name = 'a & <b> ''c''' WHERE name = 'delta'"
+Set r1 = CreateObject("ADODB.Recordset")
+r1.CursorLocation = 3
+r1.Open "SELECT id, name AS ""the name"", qty FROM " & t & " ORDER BY id", cn, 3, 4
+r1.MoveLast
+r1("qty") = Null
+r1.Update
+r1.UpdateBatch
+r1.Save saved, 1
+On Error Resume Next
+r1.Save saved, 1
+CheckErr -2147286960, "Save over a file that exists"
+On Error GoTo 0
+Set r2 = CreateObject("ADODB.Recordset")
+r2.Open saved
+Check r2.RecordCount, r1.RecordCount, "every record saved"
+Check r2.Fields(1).Name, "the name", "a column name that is no XML name"
+r2.Find "[the name] = 'a & <b> ''c'''"
+CheckTrue Not r2.EOF, "text with markup characters"
+r1.MoveFirst
+r2.MoveFirst
+Check r2("id").Value, r1("id").Value, "a key in its type"
+r2.MoveLast
+Check r2("qty").Value, Null, "Null"
+r2.MoveFirst
+r2("qty") = 7
+r2.Update
+Set r2.ActiveConnection = cn
+r2.UpdateBatch
+Check CLng(cn.Execute("SELECT qty FROM " & t & " WHERE id = " & r1("id").Value)(0)), 7, _
+  "a reopened file writes its batch back"
+fso.DeleteFile saved
+
 cn.Execute "DELETE FROM " & t
 On Error Resume Next
 rs.Resync
