@@ -75,9 +75,10 @@ inline bool Broken(const Reply& r) {
          r.body.find("ADODB") != std::string::npos;
 }
 
-// Follows every link of the application from its home page; a page's variants (another page
-// of a list, another sort, another record) are taken a few times each, not all. Gives the
-// pages that failed with the start of their text, and how many were requested.
+// Follows every link of the application from its home page; a link to a page that is not
+// there fails too. A page's variants (another page of a list, another sort, another record)
+// are taken a few times each, not all. Gives the pages that failed with the start of their
+// text, and how many were requested.
 inline std::vector<std::string> Crawl(ServedApp& app, size_t& visited, size_t limit = 400) {
   std::vector<std::string> failures;
   std::deque<std::string> queue = {"/"};
@@ -91,7 +92,7 @@ inline std::vector<std::string> Crawl(ServedApp& app, size_t& visited, size_t li
     if (!seen.insert(target).second) continue;
     ++visited;
     const Reply r = app.Get(target);
-    if (Broken(r)) failures.push_back(target + ": " + r.body.substr(0, 400));
+    if (Broken(r) || r.status == 404) failures.push_back(target + ": " + r.body.substr(0, 400));
     for (auto it = std::sregex_iterator(r.body.begin(), r.body.end(), href);
          it != std::sregex_iterator(); ++it) {
       std::string link = HtmlDecode((*it)[1].str());
