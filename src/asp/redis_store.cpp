@@ -408,6 +408,8 @@ class RedisStateStore final : public StateStore {
   ApplicationState& Application() override { return application_; }
   bool shared() const override { return true; }
 
+  void Check() override { redis_.Run({"PING"}); }
+
   bool ClaimApplicationStart() override {
     return !redis_.Run({"SET", kApplicationStarted, process_token_, "NX"}).is_nil();
   }

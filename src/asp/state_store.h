@@ -158,6 +158,8 @@ class StateStore {
   virtual bool shared() const { return false; }
   // True for the one caller that is to run Application_OnStart.
   virtual bool ClaimApplicationStart() { return true; }
+  // Raises StateUnavailable when the store cannot be reached now.
+  virtual void Check() {}
 };
 
 std::unique_ptr<StateStore> NewMemoryStateStore();

@@ -43,7 +43,14 @@ std::unique_ptr<asp::StateStore> StateStoreOf(const std::string& state) {
   if (address.password.empty()) {
     if (const char* password = std::getenv("QUORVEX_REDIS_PASSWORD")) address.password = password;
   }
-  return asp::NewRedisStateStore(address);
+  std::unique_ptr<asp::StateStore> store = asp::NewRedisStateStore(address);
+  try {
+    store->Check();
+  } catch (const asp::StateUnavailable& e) {
+    std::fprintf(stderr, "quorvex serve: %s; pages with state answer 503 until it can be reached\n",
+                 e.what());
+  }
+  return store;
 }
 
 void Serve(const ServeArgs& a) {

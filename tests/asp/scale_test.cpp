@@ -34,6 +34,7 @@ using test::Reply;
 
 const fs::path kSource = QV_SOURCE_DIR;
 const fs::path kScripts = kSource / "scripts/scale";
+const std::string kSite = (kSource / "tests/asp/site").string();
 
 // Runs a shell command and returns its output without the final line end.
 std::string Shell(const std::string& command, int* status = nullptr) {
@@ -116,12 +117,11 @@ class ScaleTest : public ::testing::Test {
     fs::create_directories(scratch_);
     redis_port_ = Shell(kScripts.string() + "/redis.sh start " + (scratch_ / "redis").string());
     ASSERT_FALSE(redis_port_.empty()) << "redis-server did not start";
-    const std::string state = "redis://127.0.0.1:" + redis_port_;
-    const std::string site = (kSource / "tests/asp/site").string();
+    state_ = "redis://127.0.0.1:" + redis_port_;
     for (int i = 0; i < 2; ++i) {
-      servers_[i] =
-          StartQuorvex({site, "--port", "0", "--workers", "3", "--no-access-log", "--state", state},
-                       scratch_ / ("serve" + std::to_string(i) + ".log"));
+      servers_[i] = StartQuorvex(
+          {kSite, "--port", "0", "--workers", "3", "--no-access-log", "--state", state_},
+          scratch_ / ("serve" + std::to_string(i) + ".log"));
       ASSERT_NE(servers_[i].port, 0) << "quorvex serve did not start";
     }
     const std::string nginx =
@@ -159,6 +159,7 @@ class ScaleTest : public ::testing::Test {
 
   static inline fs::path scratch_;
   static inline std::string redis_port_;
+  static inline std::string state_;
   static inline std::array<Server, 2> servers_;
   static inline uint16_t nginx_port_ = 0;
 };
@@ -233,6 +234,17 @@ TEST_F(ScaleTest, AbandonDeletesTheKeyAndEndsTheSessionOnce) {
   EXPECT_EQ(again.body.substr(0, 2), "1|");
   EXPECT_NE(CookieOf(again), cookie);
   EXPECT_EQ(Get(nginx_port_, "/scale/ended.asp").body, std::to_string(ended_before + 1));
+
+  // A session whose time ran out ends on the first server that looks, and only there: here a
+  // third one, which looks at its first request.
+  const std::string due = CookieOf(again).substr(cookie.find('=') + 1);
+  Redis("zadd quorvex:session-ends 0 " + due);
+  Server third = StartQuorvex({kSite, "--port", "0", "--no-access-log", "--state", state_},
+                              scratch_ / "serve2.log");
+  EXPECT_EQ(Get(third.port, "/scale/ended.asp").body, std::to_string(ended_before + 2));
+  Stop(third);
+  EXPECT_EQ(Redis("zscore quorvex:session-ends " + due), "");
+  EXPECT_EQ(Get(nginx_port_, "/scale/ended.asp").body, std::to_string(ended_before + 2));
 }
 
 TEST_F(ScaleTest, RequestsOfOneSessionRunOneAtATimeAcrossServers) {
@@ -343,12 +355,11 @@ TEST(ScaleState, RedisAddressesAndWhatServeSaysAboutWrongOnes) {
   EXPECT_EQ(b.user, "app");
   EXPECT_EQ(b.password, "secret");
 
-  const std::string site = (kSource / "tests/asp/site").string();
   const auto refused = [&](const std::string& state) {
     int status = 0;
-    const std::string out =
-        Shell(std::string(QV_QUORVEX) + " serve " + site + " --port 0 --state '" + state + "' 2>&1",
-              &status);
+    const std::string out = Shell(
+        std::string(QV_QUORVEX) + " serve " + kSite + " --port 0 --state '" + state + "' 2>&1",
+        &status);
     EXPECT_NE(status, 0) << state;
     return out;
   };
