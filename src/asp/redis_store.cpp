@@ -10,7 +10,8 @@
 //   session-last           hash of the last image by cookie, for Session_OnEnd after expiry
 //   session-id             the last SessionID handed out
 //   application            hash of the values by name in lower case
-//   application-order      sorted set of those names by when they were first added
+//   application-names      hash of each name as it was first written, by name in lower case
+//   application-order      sorted set of the names in lower case by when they were added
 //   application-lock       the token of the request in Application.Lock, with a lease
 //   application-started    set by the process that ran Application_OnStart
 #include "asp/redis_store.h"
@@ -29,6 +30,7 @@ const std::string kSessionEnds = kPrefix + "session-ends";
 const std::string kSessionLast = kPrefix + "session-last";
 const std::string kSessionId = kPrefix + "session-id";
 const std::string kApplication = kPrefix + "application";
+const std::string kApplicationNames = kPrefix + "application-names";
 const std::string kApplicationOrder = kPrefix + "application-order";
 const std::string kApplicationSeq = kPrefix + "application-seq";
 const std::string kApplicationLock = kPrefix + "application-lock";
@@ -92,33 +94,32 @@ end
 return out
 )lua";
 
-// KEYS: lock, values, order, seq. ARGV: token, op (put, remove, clear), name, value.
-// 0 when done; more (the lock's ms left, plus one) while another request holds the lock.
+// KEYS: lock, values, names, order, seq. ARGV: token, op (put, remove, clear), key, name,
+// value. 0 when done; more (the lock's ms left, plus one) while another request holds the
+// lock.
 constexpr std::string_view kApplicationWriteScript = R"lua(
 local owner = redis.call('get', KEYS[1])
 if owner and owner ~= ARGV[1] then return redis.call('pttl', KEYS[1]) + 1 end
 if ARGV[2] == 'put' then
-  redis.call('hset', KEYS[2], ARGV[3], ARGV[4])
-  if not redis.call('zscore', KEYS[3], ARGV[3]) then
-    redis.call('zadd', KEYS[3], redis.call('incr', KEYS[4]), ARGV[3])
+  redis.call('hset', KEYS[2], ARGV[3], ARGV[5])
+  if redis.call('hsetnx', KEYS[3], ARGV[3], ARGV[4]) == 1 then
+    redis.call('zadd', KEYS[4], redis.call('incr', KEYS[5]), ARGV[3])
   end
 elseif ARGV[2] == 'remove' then
   redis.call('hdel', KEYS[2], ARGV[3])
-  redis.call('zrem', KEYS[3], ARGV[3])
+  redis.call('hdel', KEYS[3], ARGV[3])
+  redis.call('zrem', KEYS[4], ARGV[3])
 else
-  redis.call('del', KEYS[2], KEYS[3])
+  redis.call('del', KEYS[2], KEYS[3], KEYS[4])
 end
 return 0
 )lua";
 
-// KEYS: values, order. The values in the order their names were first added.
+// KEYS: names, order. The names as first written, in the order they were added.
 constexpr std::string_view kApplicationListScript = R"lua(
-local out = {}
-for _, name in ipairs(redis.call('zrange', KEYS[2], 0, -1)) do
-  local v = redis.call('hget', KEYS[1], name)
-  if v then out[#out + 1] = v end
-end
-return out
+local order = redis.call('zrange', KEYS[2], 0, -1)
+if #order == 0 then return {} end
+return redis.call('hmget', KEYS[1], unpack(order))
 )lua";
 
 // KEYS: lock. ARGV: token. Drops the lock only when it is still ours.
@@ -143,9 +144,8 @@ class Backoff {
 
 // --- images ------------------------------------------------------------------------------------
 
-// Both images are sequences of stored values: a session's is its id, time-out, LCID, code
-// page, whether it started, the count of values, then each name and value; an application
-// value's is its name as written and the value.
+// A session's image is a sequence of stored values: its id, time-out, LCID, code page,
+// whether it started, the count of values, then each name and value.
 void PutLong(std::string& out, int32_t v) {
   StoredValue::From(Variant(v), false).Encode(out);
 }
@@ -219,24 +219,22 @@ class RedisApplication final : public ApplicationState {
     const RedisReply r = redis_.Run({"HGET", kApplication, FieldOf(name)});
     if (r.is_nil()) return {};
     std::string_view in = r.text;
-    std::u16string stored_name;
     StoredValue value;
-    if (!TakeText(in, stored_name) || !StoredValue::Decode(in, value)) return {};
+    if (!StoredValue::Decode(in, value)) return {};
     return value.ToVariant();
   }
 
   void Put(StringView name, const Variant& value, const void* requester) override {
     std::string image;
-    PutText(image, name);
     StoredValue::From(value, false).Encode(image);
-    Write("put", FieldOf(name), image, requester);
+    Write("put", FieldOf(name), String::ToUtf8(name), image, requester);
   }
 
   void Remove(StringView name, const void* requester) override {
-    Write("remove", FieldOf(name), {}, requester);
+    Write("remove", FieldOf(name), {}, {}, requester);
   }
 
-  void RemoveAll(const void* requester) override { Write("clear", {}, {}, requester); }
+  void RemoveAll(const void* requester) override { Write("clear", {}, {}, {}, requester); }
 
   size_t Count() override {
     return static_cast<size_t>(std::max(0LL, redis_.Run({"HLEN", kApplication}).integer));
@@ -248,12 +246,11 @@ class RedisApplication final : public ApplicationState {
   }
 
   std::vector<std::u16string> Names() override {
-    const RedisReply r = redis_.Eval(kApplicationListScript, {kApplication, kApplicationOrder}, {});
+    const RedisReply r =
+        redis_.Eval(kApplicationListScript, {kApplicationNames, kApplicationOrder}, {});
     std::vector<std::u16string> out;
     for (const RedisReply& item : r.items) {
-      std::string_view in = item.text;
-      std::u16string name;
-      if (TakeText(in, name)) out.push_back(std::move(name));
+      if (!item.is_nil()) out.emplace_back(String::FromUtf8(item.text).view());
     }
     return out;
   }
@@ -299,15 +296,15 @@ class RedisApplication final : public ApplicationState {
     return process_token_ + ":" + std::to_string(reinterpret_cast<uintptr_t>(requester));
   }
 
-  void Write(std::string_view op, std::string_view field, std::string_view image,
-             const void* requester) {
+  void Write(std::string_view op, std::string_view field, std::string_view name,
+             std::string_view image, const void* requester) {
     const std::string token = TokenOf(requester);
     Backoff backoff;
     for (;;) {
-      const RedisReply r =
-          redis_.Eval(kApplicationWriteScript,
-                      {kApplicationLock, kApplication, kApplicationOrder, kApplicationSeq},
-                      {token, op, field, image});
+      const RedisReply r = redis_.Eval(
+          kApplicationWriteScript,
+          {kApplicationLock, kApplication, kApplicationNames, kApplicationOrder, kApplicationSeq},
+          {token, op, field, name, image});
       if (r.integer == 0) return;
       backoff.Wait(r.integer - 1);
     }

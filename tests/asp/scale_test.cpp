@@ -217,6 +217,13 @@ TEST_F(ScaleTest, ASessionWrittenOnOneServerIsReadOnTheOtherWithEveryKindOfValue
   EXPECT_EQ(delta("expire"), 0);
 }
 
+TEST_F(ScaleTest, ApplicationContentsKeepNamesAndOrderAcrossServers) {
+  ASSERT_EQ(Get(servers_[0].port, "/scale/contents.asp?write=1").status, 200);
+  // Names keep the case they were first written in; a removed name comes back last.
+  EXPECT_EQ(Get(servers_[1].port, "/scale/contents.asp").body,
+            "Zeta=Integer;list=Variant();alpha=String;3;Zeta;3;x");
+}
+
 TEST_F(ScaleTest, AbandonDeletesTheKeyAndEndsTheSessionOnce) {
   const Reply first = Get(servers_[0].port, "/session.asp?case=count");
   const std::string cookie = CookieOf(first);
