@@ -531,8 +531,8 @@ Variant RecordsetObject::UnderlyingValue(size_t column) {
   // What the source holds now, read again by the record's key.
   String where;
   std::vector<Variant> params = KeyParams(Current(), where);
-  const String sql = u"SELECT " + QuotedName(columns_[column].name) + u" FROM " +
-                     QuotedName(table_) + u" WHERE " + where;
+  const String sql = u"SELECT " + QuotedName(SourceName(column)) + u" FROM " + QuotedName(table_) +
+                     u" WHERE " + where;
   data::StatementResult result = connection_->Run(sql, params);
   std::vector<Variant> row;
   if (result.rows && result.rows->Fetch(row) && !row.empty()) return row[0];
@@ -777,9 +777,9 @@ void RecordsetObject::Resync(int32_t affect, int32_t resync_values) {
     throw AdoError(adErrFeatureNotAvailable, kSource, kNotCapableText);
   if (edit_mode_ != adEditNone) throw AdoError(adErrFeatureNotAvailable, kSource);
   String names;
-  for (const ColumnInfo& c : columns_) {
+  for (size_t i = 0; i < columns_.size(); ++i) {
     if (!names.empty()) names.Append(u", ");
-    names.Append(QuotedName(c.name));
+    names.Append(QuotedName(SourceName(i)));
   }
   std::vector<uint32_t> targets;
   if (affect == adAffectCurrent) {
@@ -910,6 +910,11 @@ Ref<RecordsetObject> RecordsetObject::Clone(int32_t lock_type) {
   return copy;
 }
 
+const String& RecordsetObject::SourceName(size_t column) const {
+  const ColumnInfo& c = columns_[column];
+  return c.base_column.empty() ? c.name : c.base_column;
+}
+
 String RecordsetObject::QuotedName(StringView name) const {
   const auto [open, close] = connection_->Require().NameQuotes();
   if (name.find_first_of(u"[\"`.") != StringView::npos) return String(name);
@@ -935,7 +940,7 @@ std::vector<Variant> RecordsetObject::KeyParams(const Record& record, String& wh
   const std::vector<Variant>& values = record.original.empty() ? record.values : record.original;
   for (const size_t column : columns) {
     if (!where.empty()) where.Append(u" AND ");
-    where.Append(QuotedName(columns_[column].name));
+    where.Append(QuotedName(SourceName(column)));
     if (values[column].is_null() || values[column].is_empty()) {
       where.Append(u" IS NULL");
     } else {
@@ -955,7 +960,7 @@ void RecordsetObject::WriteInsert(std::vector<Variant>& values, const std::vecto
       names.Append(u", ");
       marks.Append(u", ");
     }
-    names.Append(QuotedName(columns_[i].name));
+    names.Append(QuotedName(SourceName(i)));
     marks.Append(u"?");
     params.push_back(values[i]);
   }
@@ -985,7 +990,7 @@ void RecordsetObject::WriteUpdate(const Record& record, const std::vector<Varian
   for (size_t i = 0; i < columns_.size(); ++i) {
     if (!changed[i]) continue;
     if (!sets.empty()) sets.Append(u", ");
-    sets.Append(QuotedName(columns_[i].name) + u" = ?");
+    sets.Append(QuotedName(SourceName(i)) + u" = ?");
     params.push_back(values[i]);
   }
   if (sets.empty()) return;

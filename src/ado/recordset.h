@@ -152,6 +152,8 @@ class RecordsetObject : public DispatchObject<RecordsetObject> {
   void WriteDelete(const Record& record);
   void FindSourceTable();
   String QuotedName(StringView name) const;
+  // A column's name in the source table, which AS may have hidden.
+  const String& SourceName(size_t column) const;
   std::vector<Variant> KeyParams(const Record& record, String& where) const;
   void OpenSource(const String& text, std::span<const Variant> params, int32_t options);
   // Opens a file that Save wrote: a recordset of its own, without a connection.

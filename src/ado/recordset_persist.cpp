@@ -185,7 +185,7 @@ void RecordsetObject::Save(const Variant& destination, int32_t format) {
     w.Attribute(u"rs:number", NumberText(static_cast<int32_t>(i + 1)));
     if (!table_.empty()) {
       w.Attribute(u"rs:basetable", table_);
-      w.Attribute(u"rs:basecolumn", c.name);
+      w.Attribute(u"rs:basecolumn", SourceName(i));
     }
     if (c.attributes & adFldKeyColumn) w.Attribute(u"rs:keycolumn", u"true");
     if (c.auto_increment.value_or(false)) w.Attribute(u"rs:autoincrement", u"true");
@@ -248,6 +248,7 @@ void RecordsetObject::OpenPersisted(const String& path) {
         const String attribute = child.getAttribute(u"name").value_or(String());
         c.name = child.getAttribute(u"rs:name").value_or(attribute);
         base_table = child.getAttribute(u"rs:basetable").value_or(base_table);
+        c.base_column = child.getAttribute(u"rs:basecolumn").value_or(String());
         if (child.getAttribute(u"rs:keycolumn").value_or(String()) == u"true")
           keys.push_back(columns.size());
         if (child.getAttribute(u"rs:autoincrement").value_or(String()) == u"true")

@@ -1011,6 +1011,15 @@ class OdbcBackend final : public Backend {
                      static_cast<size_t>(std::max<SQLSMALLINT>(table_length, 0)) / sizeof(SQLWCHAR),
                      std::size(table) - 1));
     }
+    SQLWCHAR base[256] = {};
+    SQLSMALLINT base_length = 0;
+    if (Succeeded(SQLColAttributeW(stmt, column, SQL_DESC_BASE_COLUMN_NAME, base, sizeof base,
+                                   &base_length, nullptr))) {
+      info.base_column =
+          FromW(base, std::min<size_t>(static_cast<size_t>(std::max<SQLSMALLINT>(base_length, 0)) /
+                                           sizeof(SQLWCHAR),
+                                       std::size(base) - 1));
+    }
     if (info.type == adLongVarWChar || info.type == adLongVarChar || info.type == adLongVarBinary) {
       info.attributes |= adFldLong;
     } else if (info.type != adVarWChar && info.type != adVarChar && info.type != adVarBinary) {

@@ -19,7 +19,8 @@ struct ColumnInfo {
   int32_t attributes = 0;    // AdoFieldAttribute bits
   uint8_t precision = 255;   // digits of a number; 255 where the notion does not apply
   uint8_t numeric_scale = 255;
-  String base_table;  // the table a column comes from, when the backend knows it
+  String base_table;   // the table a column comes from, when the backend knows it
+  String base_column;  // its name in that table (a column given another name by AS), likewise
   // ISAUTOINCREMENT; empty when the backend cannot tell, and then the property is missing.
   std::optional<bool> auto_increment;
 };

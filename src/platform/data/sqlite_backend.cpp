@@ -594,6 +594,7 @@ class SqliteBackend final : public Backend {
       return info;
     }
     info.base_table = FromUtf8(table);
+    info.base_column = FromUtf8(origin);
     const TableShape& shape = Shape(info.base_table);
     const String column_name = FromUtf8(origin);
     const auto rowid = shape.RowidColumn();

@@ -155,11 +155,14 @@ r2.MoveLast
 Check r2("qty").Value, Null, "Null"
 r2.MoveFirst
 r2("qty") = 7
+r2("the name") = "renamed"
 r2.Update
 Set r2.ActiveConnection = cn
 r2.UpdateBatch
 Check CLng(cn.Execute("SELECT qty FROM " & t & " WHERE id = " & r1("id").Value)(0)), 7, _
   "a reopened file writes its batch back"
+Check cn.Execute("SELECT name FROM " & t & " WHERE id = " & r1("id").Value)(0).Value, "renamed", _
+  "to the column a name given by AS stands for"
 fso.DeleteFile saved
 
 cn.Execute "DELETE FROM " & t
