@@ -45,6 +45,7 @@ enum ErrorNumber : int32_t {
   kErrKeyExists = 457,
   kErrVariableUndefined = 500,
   kErrIllegalAssignment = 501,
+  kErrUnqualifiedReference = 505,
   kErrClassNotDefined = 506,
   kErrRegExpSyntax = 5017,
   kErrElementNotFound = 32811,

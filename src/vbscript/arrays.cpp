@@ -20,19 +20,24 @@ const SafeArray& ArrayArg(const Variant& v) {
   return *v.as_array();
 }
 
-const ArrayBound& BoundOf(Args a) {
-  const SafeArray& array = ArrayArg(a[0]);
+const ArrayBound& BoundOf(Args a, Variant& held) {
+  // An object stands for its default value: Nothing, no default member or one that needs
+  // arguments fail as reading that value does; a default member returning an array works.
+  held = a[0].is_object() ? ValueOf(a[0]) : a[0];
+  const SafeArray& array = ArrayArg(held);
   const int32_t dimension = OptionalLong(a, 1, 1);
   if (dimension < 1 || dimension > array.dimensions()) Raise(kErrSubscript);
   return array.bound(dimension);
 }
 
 Variant UBound(RuntimeState&, Args a) {
-  return Variant(static_cast<int32_t>(BoundOf(a).upper()));
+  Variant held;
+  return Variant(static_cast<int32_t>(BoundOf(a, held).upper()));
 }
 
 Variant LBound(RuntimeState&, Args a) {
-  return Variant(BoundOf(a).lower);
+  Variant held;
+  return Variant(BoundOf(a, held).lower);
 }
 
 Variant StringArray(std::vector<Variant> items) {
@@ -91,6 +96,7 @@ Variant Join(RuntimeState&, Args a) {
 }
 
 Variant Filter(RuntimeState&, Args a) {
+  if (a[0].is_null()) Raise(kErrInvalidUseOfNull);
   const SafeArray& array = ArrayArg(a[0]);
   if (array.dimensions() != 1) Raise(kErrTypeMismatch);
   const Variant match_arg = ValueOf(a[1]);

@@ -52,7 +52,11 @@ Variant ScriptObject::InvokeMember(int32_t member, uint16_t flags, Args args) {
   if (m.field >= 0) {
     Variant& field = fields_[m.field];
     if (!put) {
-      if (args.empty()) return field;
+      if (args.empty()) {
+        // A variable is read, not called: `obj.Field()` or `obj.Field` as a statement.
+        if (!(flags & kInvokeGet)) throw Error(kErrInvalidCall);
+        return field;
+      }
       if (field.is_array() || field.is_object()) {
         const Variant target = field;
         if (target.is_object()) {

@@ -57,9 +57,10 @@ Variant ConstantValue(const Expr& e) {
   Fail(kCeExpectedLiteral, e.line, e.column);
 }
 
+// Only a literal as written counts for the comparison rules: `-5` is the negation of one, an
+// expression like any other, so "abc" = -5 compares as text instead of converting "abc".
 bool IsLiteral(const Expr& e) {
-  return e.kind == ExprKind::Literal || (e.kind == ExprKind::Unary && e.un == UnOp::Neg &&
-                                         e.object && e.object->kind == ExprKind::Literal);
+  return e.kind == ExprKind::Literal;
 }
 
 // Names the module-level code of this unit declares or assigns.
@@ -666,8 +667,13 @@ class ProcCompiler {
          static_cast<uint8_t>(kind | want_flag), static_cast<int32_t>(mask));
   }
 
-  void WithObject(const Expr& e) {
-    if (with_slots_.empty()) Fail(kCeSyntax, e.line, e.column);
+  // Outside any With a leading dot still compiles: the statement fails only when it runs.
+  void WithObject(const Expr&) {
+    if (with_slots_.empty()) {
+      Emit(Op::Raise, 0, kErrUnqualifiedReference);
+      Emit(Op::PushEmpty, 1);
+      return;
+    }
     Emit(Op::LoadLocal, 1, with_slots_.back());
   }
 
@@ -701,8 +707,10 @@ class ProcCompiler {
     uint32_t mask = 0;
     Arguments(e.args, mask);
     const auto argc = static_cast<uint32_t>(e.args.size());
+    const uint8_t flags =
+        (want ? kWantResult : 0) | (e.has_args && e.args.empty() ? kEmptyParens : 0);
     Emit(Op::CallMember, -static_cast<int>(argc) - 1 + (want ? 1 : 0), Site(e.name, e.object.get()),
-         argc, want ? kWantResult : 0, static_cast<int32_t>(mask));
+         argc, flags, static_cast<int32_t>(mask));
   }
 
   // --- statements ---------------------------------------------------------------------------
@@ -911,17 +919,15 @@ class ProcCompiler {
         }
         continue;
       }
+      // A name that an earlier piece of code already declared (a later ExecuteGlobal) may not
+      // be declared as an array over the array it holds.
+      const int32_t again = v.is_array && ExistsInModule(v.name) ? 1 : 0;
       module_variables.push_back(v.name);
-      if (!v.is_array || v.bounds.empty()) {
-        if (v.is_array) {
-          Emit(Op::DimArray, 0, LinkSlot(v.name), 0, kVarGlobal);
-        }
-        continue;
-      }
+      if (!v.is_array) continue;
       for (const auto& b : v.bounds)
         Emit(Op::PushConst, 1, Constant(ConstantValue(*b)));
       Emit(Op::DimArray, -static_cast<int>(v.bounds.size()), LinkSlot(v.name),
-           static_cast<uint32_t>(v.bounds.size()), kVarGlobal);
+           static_cast<uint32_t>(v.bounds.size()), kVarGlobal, again);
     }
     if (!proc_.is_top_level) {
       // Dynamic arrays of a procedure (`Dim a()`) start as empty arrays.
@@ -1097,7 +1103,13 @@ class ProcCompiler {
     const Resolved r = LoopVariable(*s.target);
     const int32_t hidden = Hidden();
     Hidden();
+    // The group passes through the loop's own slot, where the loop starts as a statement of
+    // its own: when the expression fails under On Error Resume Next the loop still starts, on
+    // Empty, and reports that it has no collection.
     Expression(*s.value);
+    Emit(Op::StoreLocal, -1, hidden, 0, kRawStore);
+    MarkResumePoint();
+    Emit(Op::LoadLocal, 1, hidden);
     Emit(Op::ForEachInit, -1, 0, static_cast<uint32_t>(hidden));
     const size_t next =
         Emit(Op::ForEachNext, 0, r.index, static_cast<uint32_t>(hidden), VarKindOf(r.kind));

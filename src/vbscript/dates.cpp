@@ -359,15 +359,21 @@ Variant TimeSerial(RuntimeState&, Args a) {
   return Variant::Date(CheckedDate(t));
 }
 
+// DateValue and TimeValue read a date from text or take a date as it is; a number is no date
+// text, and Null is refused rather than passed through.
+double DateTextArg(const Variant& raw) {
+  const Variant v = ValueOf(raw);
+  if (v.is_null()) Raise(kErrInvalidUseOfNull);
+  if (v.is_numeric_type() && v.type() != VarType::Date) Raise(kErrTypeMismatch);
+  return ToDate(v);
+}
+
 Variant DateValue(RuntimeState&, Args a) {
-  const auto d = DateArg(a[0]);
-  if (!d) return Variant::Null();
-  return Variant::Date(std::trunc(*d));
+  return Variant::Date(std::trunc(DateTextArg(a[0])));
 }
 
 Variant TimeValue(RuntimeState&, Args a) {
-  const auto d = DateArg(a[0]);
-  if (!d) return Variant::Null();
+  const std::optional<double> d = DateTextArg(a[0]);
   // Rebuilt from whole seconds: the fraction of a date far from the epoch carries the rounding
   // of the date part, and the time must compare equal to the same time written alone.
   double seconds = std::round(std::fabs(*d - std::trunc(*d)) * 86400.0);

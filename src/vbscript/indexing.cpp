@@ -17,9 +17,10 @@ Variant Vm::ApplyIndex(const Variant& target, Args args, bool want) {
       if (offset < 0 || offset >= b.count) Raise(kErrSubscript);
       return (*array)[static_cast<size_t>(offset)];
     }
-    if (args.empty()) return target;
+    // `a()` names no element: an array has no element without indexes.
+    if (args.empty() || args.size() > static_cast<size_t>(kMaxArrayDimensions))
+      Raise(kErrSubscript);
     int32_t idx[kMaxArrayDimensions];
-    if (args.size() > static_cast<size_t>(kMaxArrayDimensions)) Raise(kErrSubscript);
     for (size_t i = 0; i < args.size(); ++i)
       idx[i] = IndexValue(args[i]);
     return array->At(std::span<const int32_t>(idx, args.size()));
@@ -29,7 +30,8 @@ Variant Vm::ApplyIndex(const Variant& target, Args args, bool want) {
     if (!object) Raise(kErrObjectNotSet);
     return object->Invoke(kDispIdValue, want ? (kInvokeMethod | kInvokeGet) : kInvokeMethod, args);
   }
-  if (args.empty()) return target;
+  // A value that is neither an array nor an object cannot be called: `x()`, or `x` alone as a
+  // statement, is a type mismatch, as calling a name that was never defined is.
   Raise(kErrTypeMismatch);
 }
 
@@ -50,7 +52,8 @@ void Vm::StoreIndexed(Variant& target, Args indexes, Variant value, bool is_set)
   }
   if (target.is_object()) {
     Object* object = target.as_object();
-    if (!object) Raise(kErrObjectNotSet);
+    // Nothing has no element to store into: the store finds the wrong type of value.
+    if (!object) Raise(kErrTypeMismatch);
     std::vector<Variant> args(indexes.begin(), indexes.end());
     args.push_back(std::move(value));
     object->Invoke(kDispIdValue, is_set ? kInvokeSet : kInvokeLet, args);

@@ -65,6 +65,7 @@ class Lexer {
   std::vector<Token> Run() {
     std::vector<Token> out;
     bool space = false;
+    bool joined = false;  // a continuation came since the last token
     while (pos_ < src_.size()) {
       const Char c = src_[pos_];
       if (IsBlank(c)) {
@@ -84,10 +85,15 @@ class Lexer {
       }
       if (c == '_' && ContinuesLine()) {
         space = true;
+        joined = true;
         continue;
       }
       const bool bracketed = c == '[';
       Token t = Next(space);
+      // `obj _` then `.Method` on the next line continues the member chain, as if written on
+      // one line; a blank before a dot otherwise marks a With member passed as an argument.
+      if (joined && t.kind == Tok::Dot) t.space_before = false;
+      joined = false;
       const bool after_dot = !out.empty() && out.back().kind == Tok::Dot;
       if (t.kind == Tok::Ident && !after_dot && !bracketed && EqualsNoCase(t.text, u"Rem")) {
         SkipComment();
@@ -234,8 +240,7 @@ class Lexer {
     return false;
   }
 
-  // &Hxxxx, &Oxxx and &xxx (octal); four hex digits or fewer make an Integer (&hFFFF is -1), a
-  // trailing '&' reads the digits as a Long.
+  // &Hxxxx, &Oxxx and &xxx (octal); a trailing '&' reads the digits as 32 bits.
   void ReadRadixNumber(Token& t) {
     const size_t start = pos_;
     ++pos_;
@@ -267,13 +272,13 @@ class Lexer {
       ++pos_;
     }
     t.kind = Tok::Number;
-    if (!force_long && value <= 0xFFFF) {
-      t.value = Variant(static_cast<int16_t>(static_cast<uint16_t>(value)));
-      return;
-    }
-    // As a Long the digits may still name an Integer: &h10& and &hFFFFFFFF& (-1) are Integers.
-    const auto as_long = static_cast<int32_t>(static_cast<uint32_t>(value));
-    if (as_long >= -32768 && as_long <= 32767) {
+    // Four digits or fewer read as 16 bits, sign and all; the value then picks the type, so
+    // &h10& and &hFFFFFFFF& (-1) are Integers too. -32768 alone is typed Long: the literal
+    // rule takes an Integer only where its negation is one as well (&h8000 is a Long).
+    const auto as_long = !force_long && value <= 0xFFFF
+                             ? int32_t{static_cast<int16_t>(static_cast<uint16_t>(value))}
+                             : static_cast<int32_t>(static_cast<uint32_t>(value));
+    if (as_long > -32768 && as_long <= 32767) {
       t.value = Variant(static_cast<int16_t>(as_long));
     } else {
       t.value = Variant(as_long);

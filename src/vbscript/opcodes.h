@@ -184,6 +184,9 @@ inline constexpr uint8_t kWantResult = 8;
 // A store that keeps an object as it is, neither Let's default value nor Set's check: Eval's
 // result, which its caller's own assignment judges.
 inline constexpr uint8_t kRawStore = 16;
+// A member call written with empty parentheses, `obj.Name()`: a call of the member as a method,
+// never a read of it.
+inline constexpr uint8_t kEmptyParens = 32;
 // Flags of the fused instructions: the loaded variable is a ByRef parameter; the operand is
 // a local rather than a constant; the operand is an Integer constant held in b itself; the
 // operand is a module variable; the variable stored to is a module variable.

@@ -325,7 +325,7 @@ class Parser {
         ArgList(*e);
         continue;
       }
-      if (At(Tok::LParen) && !(e->kind == ExprKind::Paren || e->kind == ExprKind::Me)) {
+      if (At(Tok::LParen) && e->kind != ExprKind::Paren) {
         if (stop_at_paren) return e;
         if (statement_head && head_paren_ == 0) head_paren_ = pos_;
         if (last_paren) *last_paren = pos_;

@@ -291,7 +291,7 @@ Variant Asc(RuntimeState&, Args a) {
 }
 
 Variant AscB(RuntimeState&, Args a) {
-  return Variant(static_cast<int16_t>(FirstChar(a[0]) & 0xFF));
+  return Variant(static_cast<uint8_t>(FirstChar(a[0]) & 0xFF));
 }
 
 Variant AscW(RuntimeState&, Args a) {
@@ -313,7 +313,8 @@ Variant Chr(RuntimeState&, Args a) {
 // A script sees no half characters; ChrB gives the character whose code is the byte.
 Variant ChrB(RuntimeState&, Args a) {
   const int32_t code = CodeArg(a[0]);
-  if (code < 0 || code > 255) Raise(kErrInvalidCall);
+  // The code becomes a Byte first, so a code past 255 overflows rather than being refused.
+  if (code < 0 || code > 255) Raise(kErrOverflow);
   return String(1, static_cast<Char>(code));
 }
 
@@ -332,7 +333,7 @@ bool KeptByEscape(Char c) {
 
 Variant Escape(RuntimeState&, Args a) {
   const Variant v = ValueOf(a[0]);
-  if (v.is_null()) return Variant::Null();
+  if (v.is_null()) Raise(kErrInvalidUseOfNull);
   const String s = ToString(v);
   String out;
   out.Reserve(s.size());
@@ -372,7 +373,7 @@ int HexRun(StringView s, size_t at, size_t count) {
 
 Variant Unescape(RuntimeState&, Args a) {
   const Variant v = ValueOf(a[0]);
-  if (v.is_null()) return Variant::Null();
+  if (v.is_null()) Raise(kErrInvalidUseOfNull);
   const String s = ToString(v);
   const StringView t = s.view();
   String out;

@@ -490,9 +490,9 @@ Variant Vm::CallMember(Frame& f, const Instr& in, Variant* base) {
     site.key = key;
     site.id = id;
   }
-  const bool want = in.flags & kWantResult;
+  const bool get = (in.flags & kWantResult) && !(in.flags & kEmptyParens);
   Variant r =
-      object->Invoke(id, want ? (kInvokeMethod | kInvokeGet) : kInvokeMethod, Args(base + 1, in.n));
+      object->Invoke(id, get ? (kInvokeMethod | kInvokeGet) : kInvokeMethod, Args(base + 1, in.n));
   WriteBack(base + 1, in.n, static_cast<uint32_t>(in.b));
   return r;
 }
@@ -502,7 +502,8 @@ Variant Vm::NewObject(Frame& f, GlobalSlot& slot) {
   // New RegExp makes the built-in object even where the script declares a class of that name.
   if (EqualsNoCase(s.name, u"RegExp")) return Variant(NewRegExp());
   if (s.kind == SlotKind::Class) return Variant(NewInstance(*s.cls));
-  RaiseNamed(kErrClassNotDefined, s.name);
+  // Under Option Explicit the unknown name is first of all an undeclared one.
+  RaiseNamed(f.proc->option_explicit ? kErrVariableUndefined : kErrClassNotDefined, s.name);
 }
 
 Variant Vm::CallIntrinsic(Frame& f, Intrinsic which, Args args, bool want) {
@@ -1157,7 +1158,9 @@ void Vm::Execute(Frame& f) {
       }
       case Op::DimArray: {
         Variant* base = sp - ip[-1].n;
-        DimArray(VarRef(f, ip[-1].flags, ip[-1].a), Args(base, ip[-1].n));
+        Variant& target = VarRef(f, ip[-1].flags, ip[-1].a);
+        if (ip[-1].b && target.is_array()) Raise(kErrTypeMismatch);
+        DimArray(target, Args(base, ip[-1].n));
         while (sp > base)
           (--sp)->Clear();
         break;

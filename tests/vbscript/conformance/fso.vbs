@@ -1,4 +1,6 @@
-' FileSystemObject details scripts written for Windows rely on: the path functions keep the
+' Scripting.FileSystemObject: path functions, files, folders and text streams.
+
+' --- FileSystemObject details scripts written for Windows rely on: the path functions keep the
 ' separators they are given, text streams split lines at line feeds only, Unicode files stay
 ' Unicode when appended to, and the error numbers of the file operations.
 Dim fso, root, ts, i, t
@@ -151,3 +153,57 @@ Check fso.GetFile(root & "/lines.xyz").Type, "XYZ File", "the type of an unknown
 Check fso.GetFileVersion(root & "/lines.xyz"), "", "a file without a version"
 fso.DeleteFolder root
 Check fso.FolderExists(root), False, "DeleteFolder"
+
+' --- Scripting.FileSystemObject on real files in a fresh temporary folder: text streams in UTF-8
+' and Unicode, folders, copying and deleting, and the error numbers.
+Dim fso_2, root_2, ts_2, f
+Set fso_2 = CreateObject("Scripting.FileSystemObject")
+root_2 = fso_2.BuildPath(fso_2.GetSpecialFolder(2).Path, "runtime_fso_" & fso_2.GetTempName())
+fso_2.CreateFolder root_2
+Check fso_2.FolderExists(root_2), True, "CreateFolder"
+
+Set ts_2 = fso_2.CreateTextFile(root_2 & "\a.txt")
+ts_2.WriteLine "héllo"
+ts_2.Write "x"
+ts_2.Close
+Set ts_2 = fso_2.OpenTextFile(root_2 & "/a.txt")
+Check ts_2.ReadLine, "héllo", "ReadLine"
+Check ts_2.Line, CLng(2), "Line"
+Check ts_2.ReadAll, "x", "ReadAll"
+Check ts_2.AtEndOfStream, True, "AtEndOfStream"
+ts_2.Close
+Set ts_2 = fso_2.OpenTextFile(root_2 & "/a.txt", 8)
+ts_2.Write "y"
+ts_2.Close
+Check fso_2.GetFile(root_2 & "/a.txt").Size, CLng(10), "UTF-8 size after appending"
+
+Set ts_2 = fso_2.CreateTextFile(root_2 & "/u.txt", True, True)
+ts_2.Write "€"
+ts_2.Close
+Check fso_2.GetFile(root_2 & "/u.txt").Size, CLng(4), "Unicode with its BOM"
+Check fso_2.OpenTextFile(root_2 & "/u.txt").ReadAll, "€", "BOM honoured on reading"
+
+Check fso_2.GetFileName(root_2 & "\a.txt"), "a.txt", "GetFileName"
+Check fso_2.GetBaseName("x/y.tar.gz"), "y.tar", "GetBaseName"
+Check fso_2.GetExtensionName("x\y.TXT"), "TXT", "GetExtensionName"
+Check fso_2.GetParentFolderName("a\b\c.txt"), "a\b", "GetParentFolderName"
+Check fso_2.BuildPath("a", "b"), "a/b", "BuildPath"
+
+fso_2.CreateFolder root_2 & "/sub"
+fso_2.CopyFile root_2 & "/*.txt", root_2 & "/sub/"
+Set f = fso_2.GetFolder(root_2 & "/sub")
+Check f.Files.Count, CLng(2), "CopyFile with wildcards"
+Check f.Name, "sub", "Folder.Name"
+fso_2.MoveFile root_2 & "/sub/a.txt", root_2 & "/sub/b.txt"
+Check fso_2.FileExists(root_2 & "/sub/b.txt"), True, "MoveFile"
+fso_2.DeleteFile root_2 & "/sub/*.txt"
+Check fso_2.GetFolder(root_2 & "/sub").Files.Count, CLng(0), "DeleteFile with wildcards"
+
+CheckError "Set x = fso_2.OpenTextFile(root_2 & ""/none.txt"")", 53, "open a missing file"
+CheckError "fso_2.CreateFolder root_2 & ""/sub""", 58, "CreateFolder twice"
+CheckError "Set x = fso_2.GetFolder(root_2 & ""/none"")", 76, "GetFolder missing"
+CheckError "Set x = fso_2.CreateTextFile(root_2 & ""/a.txt"", False)", 58, "CreateTextFile without overwrite"
+CheckError "x = fso_2.OpenTextFile(root_2 & ""/a.txt"", 2).ReadLine", 54, "reading a stream for writing"
+
+fso_2.DeleteFolder root_2
+Check fso_2.FolderExists(root_2), False, "DeleteFolder"

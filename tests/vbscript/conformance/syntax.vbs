@@ -1,4 +1,6 @@
-' Lexical and statement syntax that Windows accepts: comparison operator spellings, '&' next
+' Lexical and statement syntax, and the literal forms with the types VBScript gives them.
+
+' --- Lexical and statement syntax that Windows accepts: comparison operator spellings, '&' next
 ' to names that start with h or o, separators and continuations in odd places, statements on
 ' the same line as the words that open or close a block, reserved-looking names.
 Option Explicit : : Dim opt
@@ -246,3 +248,73 @@ Check OneLineInIf(), "one line", "a one-line Function inside a skipped If"
 Set obj = New ClassInIf
 obj.v = 1
 Check obj.v, 1, "a Class inside a skipped If"
+
+' --- Literal forms and the types VBScript gives them.
+Dim x, y
+Check 1, CInt(1), "small whole number is Integer"
+Check TypeName(32767), "Integer", "32767"
+Check TypeName(32768), "Long", "32768"
+Check TypeName(-32768), "Long", "negated 32768 stays Long"
+Check TypeName(2147483647), "Long", "largest Long"
+Check TypeName(2147483648), "Double", "beyond Long"
+Check TypeName(1.5), "Double", "decimal"
+Check TypeName(1E3), "Double", "exponent"
+Check 1E3, CDbl(1000), "exponent value"
+Check .5, 0.5, "leading point"
+Check &HFF, 255, "hex"
+Check &HFFFF, -1, "four hex digits are an Integer"
+Check TypeName(&HFFFF), "Integer", "hex Integer"
+Check &HFFFF&, CLng(65535), "trailing & asks for Long"
+Check TypeName(&H10000), "Long", "five hex digits"
+Check &HFFFFFFFF, -1, "eight hex digits are -1, small enough for an Integer"
+Check &O17, 15, "octal"
+Check &17, 15, "octal without O"
+Check "a""b", "a" & Chr(34) & "b", "doubled quote"
+Check Len(""""), CLng(1), "a lone quote"
+Check TypeName(#1/2/2003#), "Date", "date literal"
+Check Year(#1/2/2003#), 2003, "date literal year"
+Check Month(#1/2/2003#), 1, "month/day order"
+Check TypeName(True), "Boolean", "True"
+Check CInt(True), -1, "True is -1"
+Check TypeName(Empty), "Empty", "Empty"
+Check TypeName(Null), "Null", "Null"
+Check TypeName(Nothing), "Nothing", "Nothing"
+Rem a comment with Rem
+x = 1 ' a trailing comment
+Check x, 1, "after comments"
+y = 1 + _
+    2
+Check y, 3, "line continuation"
+a = 1: b = 2: c = a + b
+Check c, 3, "colon separators"
+Dim [my var]
+[my var] = 5
+Check [my var], 5, "bracketed name"
+
+' --- Code that compiles and fails, if at all, only when it runs.
+CheckError "x = .Name", 505, "a member with a leading dot outside any With"
+CheckError "If False Then .Name = 1", 0, "which compiles, and does nothing where it does not run"
+Dim dotted, meIdx
+Set dotted = CreateObject("Scripting.Dictionary")
+dotted _
+  .Add "k", 1
+Check dotted("k"), 1, "a call statement continued onto a line that starts with a dot"
+Check dotted _
+  .Count, CLng(1), "an argument continued the same way"
+Class MeIndexed
+  Public Default Function Item(i)
+    Item = i * 2
+  End Function
+  Public Function Twice(i)
+    Twice = Me(i)
+  End Function
+End Class
+Set meIdx = New MeIndexed
+Check meIdx.Twice(21), 42, "Me(i) calls the default member"
+' Hexadecimal and octal literals take the type of their value; -32768 alone is typed Long.
+Check &H8000, CLng(-32768), "&H8000"
+Check &O100000, CLng(-32768), "&O100000"
+Check &HFFFF8000&, CLng(-32768), "&HFFFF8000&"
+Check &H7FFF, 32767, "&H7FFF"
+Check &HFFFF, -1, "&HFFFF"
+Check &H8001, CInt(-32767), "&H8001"

@@ -1,4 +1,6 @@
-' VBScript.RegExp reads its patterns by its own rules, not PCRE's: what those rules lack is
+' VBScript.RegExp: its pattern rules, Execute, Matches, SubMatches and Replace.
+
+' --- VBScript.RegExp reads its patterns by its own rules, not PCRE's: what those rules lack is
 ' refused with the pattern errors or read literally, and IgnoreCase folds letters beyond ASCII.
 Dim re, p, ms, m, t
 Set re = New RegExp
@@ -128,3 +130,104 @@ Check re.Replace("abcb", GetRef("qvUpper")), "aB1$1cb", "only the first without 
 re.Pattern = "c"
 re.Global = True
 Check re.Replace("abcbc", New qvBracket), "ab[c@2/5]b[c@4/5]", "a class's default method replaces"
+
+' --- VBScript.RegExp with JavaScript's pattern rules: Execute, Matches, SubMatches, Replace with
+' the dollar forms, the options, and the error of a bad pattern.
+Dim re_2, ms_2, m_2, total
+Set re_2 = New RegExp
+re_2.Pattern = "(\w+)@(\w+)\.com"
+re_2.Global = True
+Set ms_2 = re_2.Execute("mail ann@site.com, bob@web.com")
+Check ms_2.Count, CLng(2), "Count"
+Set m_2 = ms_2(0)
+Check m_2.FirstIndex, CLng(5), "FirstIndex"
+Check m_2.Length, CLng(12), "Length"
+Check m_2.Value, "ann@site.com", "Value"
+Check m_2.SubMatches(1), "site", "SubMatches"
+Check m_2.SubMatches.Count, CLng(2), "SubMatches.Count"
+total = ""
+For Each m_2 In ms_2
+  total = total & m_2 & ";"
+Next
+Check total, "ann@site.com;bob@web.com;", "For Each over matches"
+Check re_2.Replace("ann@site.com", "$2 <$1>"), "site <ann>", "Replace with groups"
+re_2.Pattern = "b"
+Check re_2.Replace("abc", "[$&|$`|$']"), "a[b|a|c]c", "Replace with $& $` $'"
+Check re_2.Replace("abc", "$$"), "a$c", "Replace with $$"
+re_2.Pattern = "o"
+re_2.Global = False
+Check re_2.Replace("foo", "0"), "f0o", "Replace the first only"
+re_2.Pattern = "^abc$"
+Check re_2.Test("ABC"), False, "case matters"
+re_2.IgnoreCase = True
+Check re_2.Test("ABC"), True, "IgnoreCase"
+re_2.Pattern = "^\d+$"
+re_2.Global = True
+re_2.Multiline = True
+Check re_2.Execute("12" & vbLf & "ab" & vbLf & "345").Count, CLng(2), "Multiline"
+re_2.Pattern = "\u0041"
+Check re_2.Test("A"), True, "\u escapes"
+Set re2 = CreateObject("VBScript.RegExp")
+Check TypeName(re2), "IRegExp2", "CreateObject"
+re2.Pattern = "("
+CheckError "x = re2.Test(""a"")", 5020, "unclosed group"
+' Bad patterns name their fault where the engine has a word for it.
+Set reBad = New RegExp
+For Each badCase In Array(Array("*abc", 5018), Array("[a", 5019), Array("(a", 5020), _
+                          Array("[z-a]", 5021), Array("a{3,1}", 5017))
+  reBad.Pattern = badCase(0)
+  CheckError "x = reBad.Test(""a"")", badCase(1), "bad pattern " & badCase(0)
+Next
+On Error Resume Next
+reBad.Pattern = "*abc"
+x = reBad.Test("a")
+Check Err.Description, "Unexpected quantifier", "text of a misplaced quantifier"
+On Error GoTo 0
+reBad.Pattern = "a+"
+Check reBad.Test("caa"), True, "a good pattern after bad ones"
+
+' --- RegExp details that scripts depend on.
+Set re = New RegExp
+Check TypeName(re), "IRegExp2", "RegExp TypeName"
+Check re.Global, False, "Global starts False"
+Check re.IgnoreCase, False, "IgnoreCase starts False"
+re.Pattern = "(\d+)-(\d+)"
+Set ms = re.Execute("x 12-34 and 56-78")
+Check ms.Count, CLng(1), "one match without Global"
+Set m = ms(0)
+Check m.Value, "12-34", "Value"
+Check m.FirstIndex, CLng(2), "FirstIndex counts from 0"
+Check m.Length, CLng(5), "Length"
+Check m.SubMatches(1), "34", "SubMatches"
+Check m.SubMatches.Count, CLng(2), "SubMatches count"
+Check m & "", "12-34", "a match's default member is Value"
+Check TypeName(ms), "IMatchCollection2", "match collection TypeName"
+Check TypeName(m), "IMatch2", "match TypeName"
+re.Global = True
+Set ms = re.Execute("x 12-34 and 56-78")
+Check ms.Count, CLng(2), "Global finds all"
+t = ""
+For Each m In ms
+  t = t & m.FirstIndex & ","
+Next
+Check t, "2,12,", "For Each over matches"
+Check re.Replace("1-2 3-4", "$2-$1"), "2-1 4-3", "Replace with groups"
+re.Global = False
+Check re.Replace("1-2 3-4", "x"), "x 3-4", "Replace without Global changes the first"
+re.Pattern = "abc"
+Check re.Test("xABCx"), False, "case counts"
+re.IgnoreCase = True
+Check re.Test("xABCx"), True, "IgnoreCase"
+re.Pattern = "^b"
+Check re.Test("a" & vbLf & "b"), False, "^ anchors at the start"
+re.Multiline = True
+Check re.Test("a" & vbLf & "b"), True, "Multiline"
+re.Pattern = "a.c"
+Check re.Test("a" & vbLf & "c"), False, ". does not match a line feed"
+re.Pattern = "\bis\b"
+re.Global = True
+Check re.Execute("this is it").Count, CLng(1), "word boundaries"
+re.Pattern = "x*"
+Check re.Replace("abc", "-"), "-a-b-c-", "empty matches"
+re.Pattern = ""
+Check re.Test("anything"), True, "empty pattern matches"

@@ -1,4 +1,6 @@
-' Engine and locale information, and what TypeName and VarType say of each kind of value.
+' Engine and locale information, TypeName and VarType of each kind of value.
+
+' --- Engine and locale information, and what TypeName and VarType say of each kind of value.
 Option Explicit
 Dim x, previous
 

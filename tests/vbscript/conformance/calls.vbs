@@ -1,0 +1,321 @@
+' Sub and Function calls: the forms of a call, ByRef and ByVal, results and recursion.
+
+' --- Sub and Function calls, ByRef (the default) and ByVal, results and recursion.
+Sub AddOne(n)
+  n = n + 1
+End Sub
+Sub AddOneByVal(ByVal n)
+  n = n + 1
+End Sub
+Function Twice(n)
+  Twice = n * 2
+End Function
+Function NoResult()
+End Function
+Function Fact(n)
+  If n <= 1 Then Fact = 1 Else Fact = n * Fact(n - 1)
+End Function
+Function UsesOwnName(n)
+  UsesOwnName = n
+  UsesOwnName = UsesOwnName + 1
+End Function
+
+a = 1
+AddOne a
+Check a, 2, "ByRef by default"
+Call AddOne(a)
+Check a, 3, "Call passes ByRef too"
+AddOne (a)
+Check a, 3, "parentheses pass by value"
+AddOneByVal a
+Check a, 3, "ByVal"
+AddOne a + 0
+Check a, 3, "an expression is a temporary"
+Dim arr(2)
+arr(1) = 10
+AddOne arr(1)
+Check arr(1), 11, "array elements are passed by reference"
+Check Twice(21), 42, "Function result"
+Check TypeName(NoResult()), "Empty", "no result is Empty"
+Check Fact(10), CLng(3628800), "recursion"
+Check UsesOwnName(5), 6, "the function's name is its result variable"
+Check Twice(Twice(2)), 8, "nested calls"
+' Locals and globals.
+g = "global"
+Sub Shadow()
+  Dim g
+  g = "local"
+End Sub
+Shadow
+Check g, "global", "a Dim'd local hides the global"
+Sub SetsGlobal()
+  g = "changed"
+End Sub
+SetsGlobal
+Check g, "changed", "an undeclared name that is global assigns the global"
+Sub ImplicitLocal()
+  brandNewName = 5
+End Sub
+ImplicitLocal
+Check IsEmpty(brandNewName), True, "an undeclared unknown name becomes a local"
+Function Counter()
+  Static_ = Static_ + 1
+  Counter = Static_
+End Function
+Check Counter(), 1, "locals start Empty each call"
+Check Counter(), 1, "locals start Empty each call again"
+' Exit.
+Function EarlyExit(n)
+  EarlyExit = "start"
+  If n > 0 Then Exit Function
+  EarlyExit = "end"
+End Function
+Check EarlyExit(1), "start", "Exit Function keeps the result"
+Check EarlyExit(0), "end", "no exit"
+Sub ExitSub(ByRef out)
+  out = 1
+  Exit Sub
+  out = 2
+End Sub
+ExitSub z
+Check z, 1, "Exit Sub"
+' Argument errors.
+CheckError "Twice 1, 2", 450, "too many arguments"
+CheckError "x = Twice()", 450, "too few arguments"
+CheckError "x = NotDefinedAnywhere(1)", 13, "calling an unknown name"
+' Definitions later in the code are callable earlier.
+Check Later(), "later", "forward reference"
+Function Later()
+  Later = "later"
+End Function
+' A later definition replaces the earlier one.
+ExecuteGlobal "Function Later() : Later = ""replaced"" : End Function"
+Check Later(), "replaced", "redefinition"
+' GetRef.
+Set f = GetRef("Twice")
+Check f(5), 10, "GetRef calls the function"
+Dim dyn()
+ReDim dyn(2)
+Sub Grow(x)
+  ReDim Preserve dyn(5)
+  x = 1
+End Sub
+CheckError "Grow dyn(0)", 10, "the array is locked while an element is passed"
+Check UBound(dyn), CLng(2), "the locked array kept its size"
+Sub SetSeven(x)
+  x = 7
+End Sub
+SetSeven dyn(0)
+ReDim Preserve dyn(4)
+Check dyn(0), 7, "the lock is released after the call"
+Set dict = CreateObject("Scripting.Dictionary")
+dict("k") = 1
+AddOne dict("k")
+Check dict("k"), 1, "an object's default member is passed by value"
+
+' --- Argument passing, return values and recursion.
+Sub AddOne_2(n)
+  n = n + 1
+End Sub
+Sub AddOneByVal_2(ByVal n)
+  n = n + 1
+End Sub
+x = 1
+AddOne_2 x
+Check x, 2, "ByRef is the default"
+AddOneByVal_2 x
+Check x, 2, "ByVal leaves the caller's variable"
+AddOne_2 (x)
+Check x, 2, "parentheses pass a copy"
+Call AddOne_2(x)
+Check x, 3, "Call passes ByRef"
+Call AddOne_2((x))
+Check x, 3, "Call with doubled parentheses passes a copy"
+AddOne_2 x + 0
+Check x, 3, "an expression is a copy"
+Dim arr_2(1)
+arr_2(0) = 10
+AddOne_2 arr_2(0)
+Check arr_2(0), 11, "an array element passes ByRef"
+Function Twice_2(ByRef n)
+  n = n * 2
+  Twice_2 = n
+End Function
+y = 4
+z = Twice_2(y)
+Check y, 8, "function argument ByRef"
+Check z, 8, "and its result"
+Function Nothing1()
+End Function
+Check TypeName(Nothing1()), "Empty", "a function that sets nothing returns Empty"
+Function EarlyExit_2(v)
+  EarlyExit_2 = "before"
+  If v Then Exit Function
+  EarlyExit_2 = "after"
+End Function
+Check EarlyExit_2(True), "before", "Exit Function keeps the value so far"
+Check EarlyExit_2(False), "after", "no exit"
+Function Factorial(n)
+  If n <= 1 Then
+    Factorial = 1
+  Else
+    Factorial = n * Factorial(n - 1)
+  End If
+End Function
+Check Factorial(10), CLng(3628800), "recursion"
+Function Fib(n)
+  If n < 2 Then Fib = n : Exit Function
+  Fib = Fib(n - 1) + Fib(n - 2)
+End Function
+Check Fib(15), 610, "double recursion"
+Function Accumulate()
+  Accumulate = 1
+  Accumulate = Accumulate + 1
+End Function
+Check Accumulate(), 2, "the function name reads back as a variable"
+Function GetDict()
+  Set GetDict = CreateObject("Scripting.Dictionary")
+  GetDict.Add "k", "v"
+End Function
+Check GetDict()("k"), "v", "function returning an object"
+Check TypeName(GetDict), "Dictionary", "object result type"
+calls = 0
+Sub Bump()
+  calls = calls + 1
+End Sub
+Bump
+Bump()
+Call Bump
+Check calls, 3, "three ways to call a Sub"
+Sub Swap(a, b)
+  Dim t
+  t = a : a = b : b = t
+End Sub
+p = "first" : q = "second"
+Swap p, q
+Check p & q, "secondfirst", "two ByRef arguments"
+Sub SetLocal()
+  Dim calls
+  calls = 100
+End Sub
+SetLocal
+Check calls, 3, "Dim inside a procedure hides the global"
+Sub MakeImplicit()
+  implicitVar = 5
+End Sub
+MakeImplicit
+Check TypeName(implicitVar), "Empty", "an undeclared name in a procedure is local"
+Function WithExitSub()
+  WithExitSub = 1
+End Function
+CheckError "Sub Two(a, b) : End Sub : Two 1", 450, "too few arguments"
+CheckError "Sub Three(a) : End Sub : Three 1, 2", 450, "too many arguments"
+CheckError "x = NoSuchFunction(1)", 13, "call of an unknown name"
+Sub ChangeObj(o)
+  Set o = Nothing
+End Sub
+Set obj = CreateObject("Scripting.Dictionary")
+ChangeObj obj
+Check TypeName(obj), "Nothing", "object reference ByRef"
+Set obj = CreateObject("Scripting.Dictionary")
+Sub ChangeObjVal(ByVal o)
+  o.Add "a", 1
+  Set o = Nothing
+End Sub
+ChangeObjVal obj
+Check obj.Count, CLng(1), "ByVal object still shares the object"
+
+' --- The forms of a call: with and without Call, parentheses around the name, around the only
+' argument (a copy) or around the first of several, and calls through GetRef.
+Dim x, y, log
+
+Function SetFirst(a)
+  a(0) = "set"
+  SetFirst = 1
+End Function
+Sub Bump_3(n)
+  n = n + 1
+End Sub
+
+x = Array(0)
+Call (((SetFirst))) (x)
+Check x(0), "set", "Call with the name in parentheses passes by reference"
+x = Array(0)
+Call (SetFirst) ((x))
+Check x(0), 0, "and doubled parentheses pass a copy"
+x = Array(0)
+y = (SetFirst)(x)
+Check y, 1, "a parenthesised function name called in an expression"
+Check x(0), "set", "with its argument by reference"
+y = ((x))(0)
+Check y, "set", "indexing a parenthesised array name"
+
+y = 1
+Bump_3 (y)
+Check y, 1, "one argument in parentheses without Call is a copy"
+Call Bump_3(y)
+Check y, 2, "with Call it is by reference"
+Bump_3 y
+Check y, 3, "without parentheses by reference"
+
+' After the name, a parenthesised first argument may go on with members and more arguments.
+Class Box
+  Public v
+  Public Function Self()
+    Set Self = Me
+  End Function
+End Class
+Sub Note(a, b)
+  log = a & "," & b
+End Sub
+Set x = New Box
+x.v = "inner"
+Note (x).Self().v, "second"
+Check log, "inner,second", "first argument starting with a parenthesis"
+Note (1 + 2) * 2, 3
+Check log, "6,3", "parenthesised part of the first argument"
+Class Shower
+  Public Sub Show(a, b)
+    log = a & ";" & b
+  End Sub
+End Class
+Dim holder(0)
+Set holder(0) = New Shower
+holder(0).Show (2), 3
+Check log, "2;3", "a method of an element called with a parenthesised first argument"
+
+' GetRef with parameters, called with and without Call.
+Function Join3(a, b, c)
+  Join3 = a & b & c
+End Function
+Set y = GetRef("Join3")
+Check y(1, 2, 3), "123", "a GetRef reference takes the arguments"
+Set y = GetRef("Bump_3")
+x = 5
+y x
+Check x, 6, "a GetRef Sub passes by reference"
+
+' New RegExp is the built-in object even when the script has a class of that name.
+Class RegExp
+  Public Property Get Global()
+    Global = "script class"
+  End Property
+End Class
+Set x = New RegExp
+Check x.Global, False, "New RegExp"
+
+' --- Calls of what cannot be called: empty parentheses read nothing.
+Class PublicField
+  Public V
+End Class
+Set withField = New PublicField
+withField.V = 3
+Check withField.V, 3, "a public variable read"
+CheckError "x = withField.V()", 5, "a public variable with empty parentheses"
+CheckError "withField.V()", 5, "and as a statement"
+CheckError "Dim n : n = 5 : x = n()", 13, "an Integer variable called"
+CheckError "Dim s : s = ""s"" : x = s()", 13, "a String variable called"
+CheckError "Dim e : x = e()", 13, "an Empty variable called"
+CheckError "Dim a : a = Array(1) : x = a()", 9, "an array with empty parentheses"
+CheckError "Dim n : n = 5 : n", 13, "a plain variable as a statement"
+CheckError "NeverDefinedAnywhere", 13, "an unknown name as a statement"
