@@ -31,6 +31,8 @@ String::Rep* String::Allocate(size_t capacity) {
   rep->refs = 1;
   rep->size = 0;
   rep->capacity = static_cast<uint32_t>(capacity);
+  rep->odd = 0;
+  rep->half = 0;
   rep->data[0] = 0;
   return rep;
 }
@@ -85,12 +87,20 @@ void String::Reserve(size_t capacity) {
   if (n) std::memcpy(fresh->data, rep_->data, n * sizeof(Char));
   fresh->size = static_cast<uint32_t>(n);
   fresh->data[n] = 0;
+  if (rep_) {
+    fresh->odd = rep_->odd;
+    fresh->half = rep_->half;
+  }
   Release();
   rep_ = fresh;
 }
 
 void String::Append(StringView text) {
   if (text.empty()) return;
+  if (odd_byte()) {
+    AppendBytes(String(text));
+    return;
+  }
   const size_t n = size();
   if (text.size() > kMaxLength - n) ThrowOutOfMemory();
   const size_t needed = n + text.size();
@@ -111,6 +121,45 @@ void String::Append(StringView text) {
   std::memmove(rep_->data + n, text.data(), text.size() * sizeof(Char));
   rep_->size = static_cast<uint32_t>(needed);
   rep_->data[needed] = 0;
+}
+
+String String::FromBytes(const uint8_t* bytes, size_t count) {
+  String out;
+  if (count == 0) return out;
+  const size_t units = count / 2;
+  out.rep_ = Allocate(units);
+  for (size_t i = 0; i < units; ++i)
+    out.rep_->data[i] = static_cast<Char>(bytes[2 * i] | (bytes[2 * i + 1] << 8));
+  out.rep_->size = static_cast<uint32_t>(units);
+  out.rep_->data[units] = 0;
+  if (count % 2) {
+    out.rep_->odd = 1;
+    out.rep_->half = bytes[count - 1];
+  }
+  return out;
+}
+
+void String::AppendBytes(const String& other) {
+  if (!odd_byte()) {
+    Append(other.view());
+    if (other.odd_byte()) {
+      if (!rep_ || rep_->refs != 1) Reserve(size());
+      rep_->odd = 1;
+      rep_->half = other.rep_->half;
+    }
+    return;
+  }
+  // Joining after an odd byte shifts every following byte by one: rare, so done plainly.
+  std::vector<uint8_t> bytes;
+  bytes.reserve(byte_size() + other.byte_size());
+  for (const String* s : {static_cast<const String*>(this), &other}) {
+    for (const Char c : s->view()) {
+      bytes.push_back(static_cast<uint8_t>(c & 0xFF));
+      bytes.push_back(static_cast<uint8_t>(c >> 8));
+    }
+    if (s->odd_byte()) bytes.push_back(s->rep_->half);
+  }
+  *this = FromBytes(bytes.data(), bytes.size());
 }
 
 String operator+(StringView a, StringView b) {

@@ -46,6 +46,16 @@ class String {
   void Reserve(size_t capacity);
   void Clear() noexcept { Release(); }
 
+  // Text of an odd number of bytes, which the byte functions of scripts can make (LeftB,
+  // ChrB), keeps its last byte apart from the characters: every character operation sees the
+  // whole characters only; the byte functions and joining texts see the byte too.
+  static String FromBytes(const uint8_t* bytes, size_t count);
+  bool odd_byte() const noexcept { return rep_ && rep_->odd; }
+  uint8_t last_byte() const noexcept { return odd_byte() ? rep_->half : 0; }
+  size_t byte_size() const noexcept { return size() * 2 + (odd_byte() ? 1 : 0); }
+  // Appends `other` byte for byte: an odd byte here pairs with the first byte of `other`.
+  void AppendBytes(const String& other);
+
   // True when no other String shares this buffer (the empty string counts as unique).
   bool IsUnique() const noexcept { return !rep_ || rep_->refs == 1; }
   // Identity of the buffer, for tests that prove copies share storage.
@@ -70,6 +80,8 @@ class String {
     uint32_t refs;
     uint32_t size;
     uint32_t capacity;
+    uint8_t odd;  // 1 when `half` holds a byte past the last whole character
+    uint8_t half;
     Char data[1];
   };
   static constexpr Char kEmpty[1] = {0};

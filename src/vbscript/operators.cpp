@@ -333,19 +333,19 @@ Variant OpConcat(const Variant& a, const Variant& b) {
   if (x.is_null() && y.is_null()) return Variant::Null();
   String text = ConcatText(x);
   const String right = ConcatText(y);
-  if (text.empty()) return Variant(right);
-  text.Append(right.view());
+  if (text.byte_size() == 0) return Variant(right);
+  text.AppendBytes(right);
   return Variant(std::move(text));
 }
 
 void AppendInPlace(Variant& target, const Variant& value) {
   if (target.is_string() && !value.is_object() && !value.is_array()) {
     if (value.is_string()) {
-      if (target.as_string().empty()) {
+      if (target.as_string().byte_size() == 0) {
         target = value;
         return;
       }
-      target.mutable_string().Append(value.as_string().view());
+      target.mutable_string().AppendBytes(value.as_string());
       return;
     }
     if (value.is_null() || value.is_empty()) return;

@@ -3,6 +3,7 @@
 // Windows lets it and raises 94 where Windows refuses it.
 #include <algorithm>
 #include <cmath>
+#include <vector>
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -58,7 +59,7 @@ Variant Len(RuntimeState&, Args a) {
 Variant LenB(RuntimeState&, Args a) {
   const Variant v = ValueOf(a[0]);
   if (v.is_null()) return Variant::Null();
-  return Variant(static_cast<int32_t>(ToString(v).size() * 2));
+  return Variant(static_cast<int32_t>(ToString(v).byte_size()));
 }
 
 Variant Left(RuntimeState&, Args a) {
@@ -121,33 +122,49 @@ Variant InStr(RuntimeState&, Args a) {
   return Variant(FindForward(ToString(s1), ToString(s2), start, text));
 }
 
-// The byte forms count two bytes to a character. A script here never holds half a character,
-// so an odd count or a start inside a character goes to the character boundary below it.
+// The byte forms cut the text as the bytes of its characters, two to a character, low byte
+// first; a cut may leave an odd byte, which the result keeps.
+std::vector<uint8_t> BytesOf(const String& s) {
+  std::vector<uint8_t> bytes;
+  bytes.reserve(s.byte_size());
+  for (const Char c : s) {
+    bytes.push_back(static_cast<uint8_t>(c & 0xFF));
+    bytes.push_back(static_cast<uint8_t>(c >> 8));
+  }
+  if (s.odd_byte()) bytes.push_back(s.last_byte());
+  return bytes;
+}
+
+String ByteSlice(const String& s, size_t first, size_t count) {
+  const std::vector<uint8_t> bytes = BytesOf(s);
+  if (first >= bytes.size()) return String();
+  count = std::min(count, bytes.size() - first);
+  return String::FromBytes(bytes.data() + first, count);
+}
+
 Variant LeftB(RuntimeState&, Args a) {
   const Variant v = ValueOf(a[0]);
-  const size_t n = static_cast<size_t>(CountArg(a[1])) / 2;
+  const size_t n = static_cast<size_t>(CountArg(a[1]));
   if (v.is_null()) return Variant::Null();
   const String s = ToString(v);
-  return n >= s.size() ? s : String(s.view().substr(0, n));
+  return n >= s.byte_size() ? s : ByteSlice(s, 0, n);
 }
 
 Variant RightB(RuntimeState&, Args a) {
   const Variant v = ValueOf(a[0]);
-  const size_t n = static_cast<size_t>(CountArg(a[1])) / 2;
+  const size_t n = static_cast<size_t>(CountArg(a[1]));
   if (v.is_null()) return Variant::Null();
   const String s = ToString(v);
-  return n >= s.size() ? s : String(s.view().substr(s.size() - n));
+  return n >= s.byte_size() ? s : ByteSlice(s, s.byte_size() - n, n);
 }
 
 Variant MidB(RuntimeState&, Args a) {
   const Variant v = ValueOf(a[0]);
   if (Given(a, 2) && ValueOf(a[2]).is_null()) Raise(kErrInvalidUseOfNull);
-  const size_t first = (static_cast<size_t>(StartArg(a[1])) - 1) / 2;
-  const size_t length = Given(a, 2) ? static_cast<size_t>(CountArg(a[2])) / 2 : SIZE_MAX;
+  const size_t first = static_cast<size_t>(StartArg(a[1])) - 1;
+  const size_t length = Given(a, 2) ? static_cast<size_t>(CountArg(a[2])) : SIZE_MAX;
   if (v.is_null()) return Variant::Null();
-  const String s = ToString(v);
-  if (first >= s.size()) return String();
-  return String(s.view().substr(first, length));
+  return ByteSlice(ToString(v), first, length);
 }
 
 Variant InStrB(RuntimeState&, Args a) {
@@ -291,7 +308,11 @@ Variant Asc(RuntimeState&, Args a) {
 }
 
 Variant AscB(RuntimeState&, Args a) {
-  return Variant(static_cast<uint8_t>(FirstChar(a[0]) & 0xFF));
+  const Variant v = ValueOf(a[0]);
+  if (v.is_null()) Raise(kErrInvalidUseOfNull);
+  const String s = ToString(v);
+  if (s.byte_size() == 0) Raise(kErrInvalidCall);
+  return Variant(static_cast<uint8_t>(s.empty() ? s.last_byte() : s[0] & 0xFF));
 }
 
 Variant AscW(RuntimeState&, Args a) {
@@ -310,12 +331,13 @@ Variant Chr(RuntimeState&, Args a) {
   return String(1, AnsiToChar(static_cast<uint8_t>(code)));
 }
 
-// A script sees no half characters; ChrB gives the character whose code is the byte.
+// ChrB makes text of one byte.
 Variant ChrB(RuntimeState&, Args a) {
   const int32_t code = CodeArg(a[0]);
   // The code becomes a Byte first, so a code past 255 overflows rather than being refused.
   if (code < 0 || code > 255) Raise(kErrOverflow);
-  return String(1, static_cast<Char>(code));
+  const auto byte = static_cast<uint8_t>(code);
+  return String::FromBytes(&byte, 1);
 }
 
 Variant ChrW(RuntimeState&, Args a) {

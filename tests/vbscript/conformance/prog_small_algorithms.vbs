@@ -67,7 +67,6 @@ Check CInt("&HFFFF"), -1, "hex text that fills an Integer is negative"
 Check CLng("&HFFFF"), CLng(65535), "but read as a Long it is positive"
 Check &HFFFF, -1, "a four-digit hex literal is an Integer"
 Check &HFFFF&, CLng(65535), "the & suffix makes it a Long"
-Check &H8000, CLng(-32768), "the sign bit of an Integer, typed Long"
 Check &O777, 511, "an octal literal"
 
 ' Rounding and the printed form of common results.
