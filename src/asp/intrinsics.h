@@ -80,6 +80,10 @@ Ref<Object> NewServerObject(PageContext& context);
 Ref<Object> NewSessionObject(PageContext& context);
 Ref<Object> NewApplicationObject(PageContext& context);
 
+// Sets the locale of the page's engine (Session.LCID, @LCID) through the engine's own
+// SetLocale, so that the same ids are taken and refused as in a script. False when refused.
+bool SetPageLocale(vbs::Engine& engine, int32_t lcid);
+
 // The Set-Cookie value of a response cookie.
 std::string CookieHeader(const ResponseCookie& cookie);
 // A VBScript date as an HTTP date ("Wed, 25 Nov 2026 13:45:00 GMT").

@@ -1,11 +1,14 @@
 // Session and Application as scripts see them: named values (Contents, the default member),
 // StaticObjects, and each one's own members. Values go through StoredValue both ways, so a
 // page always works on its own copy of text and arrays.
+#include <cassert>
+
 #include "asp/asp_error.h"
 #include "asp/collections.h"
 #include "asp/intrinsics.h"
 #include "asp/text_codec.h"
 #include "automation/convert.h"
+#include "vbscript/vm.h"
 
 namespace qv::asp {
 namespace {
@@ -82,6 +85,22 @@ const DispatchTable<SessionValues>& SessionValues::Table() {
   return table;
 }
 
+}  // namespace
+
+bool SetPageLocale(vbs::Engine& engine, int32_t lcid) {
+  const vbs::BuiltinFunction* set_locale = vbs::FindBuiltin(u"SetLocale");
+  assert(set_locale);
+  Variant id(lcid);
+  try {
+    set_locale->fn(engine.vm().runtime(), Args(&id, 1));
+  } catch (const qv::Error&) {
+    return false;
+  }
+  return true;
+}
+
+namespace {
+
 void RequireSession(const PageContext& c) {
   if (!c.session) {
     RaiseAspError("Session", "0164",
@@ -153,7 +172,8 @@ const DispatchTable<Session>& Session::Table() {
               [](S& s, Args, const Variant& v) {
                 RequireSession(s.c_);
                 const int32_t lcid = ToLong(v);
-                if (lcid <= 0) RaiseAspError("Session", "0204", "The specified LCID is invalid.");
+                if (lcid <= 0 || (s.c_.engine && !SetPageLocale(*s.c_.engine, lcid)))
+                  RaiseAspError("Session", "0204", "The specified LCID is invalid.");
                 s.c_.session->lcid = lcid;
               })
           .Property(

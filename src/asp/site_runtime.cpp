@@ -15,6 +15,7 @@
 #include "asp/text_codec.h"
 #include "automation/convert.h"
 #include "vbscript/errors.h"
+#include "vbscript/vm.h"
 
 namespace qv::asp {
 namespace fs = std::filesystem;
@@ -197,6 +198,7 @@ void Worker::Execute(PageContext& c, std::string_view url) {
   vbs::Engine inner;
   RegisterServerClasses(inner.Registry(), runtime_.connections_);
   inner.SetTimeout(engine_.Timeout());
+  inner.vm().runtime().locale = engine_.vm().runtime().locale;
   inner.AddObject(u"Request", NewRequestObject(c));
   inner.AddObject(u"Response", NewResponseObject(c));
   inner.AddObject(u"Server", NewServerObject(c));
@@ -223,6 +225,12 @@ void Worker::RunPage(PageContext& c, bool new_session) {
   AddObjects(c, true);
   c.execute = [this, &c](std::string_view url) { Execute(c, url); };
   const CompiledPage& page = *c.pages.front();
+  // The page's own @LCID wins over the session's; the compiler has checked the directive.
+  if (page.directives.lcid) {
+    SetPageLocale(engine_, page.directives.lcid);
+  } else if (c.session && c.session->lcid) {
+    SetPageLocale(engine_, c.session->lcid);
+  }
   // A shared session keeps no objects, so its <object> tags are made anew for each request,
   // from global.asa as last read (looking for it on disk on every request would cost a folder
   // scan where there is none).

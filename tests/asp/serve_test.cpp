@@ -233,7 +233,12 @@ TEST_F(ServeTest, SessionsApplicationAndGlobalAsa) {
   EXPECT_NE(SessionCookie(forged), "ASPSESSIONID=FORGEDFORGEDFORGEDFORGED");
 
   const std::string with = "Cookie: " + cookie + "\r\n";
-  EXPECT_EQ(Get(port(), "/session.asp?case=props", with).body, "5|2057|65001|Dictionary");
+  EXPECT_EQ(Get(port(), "/session.asp?case=props", with).body, "5|2057|65001|Dictionary|2057");
+  // The session's locale holds for its later pages, a page's @LCID for that page; others keep
+  // the default.
+  EXPECT_EQ(Get(port(), "/session.asp?case=locale", with).body, "2057");
+  EXPECT_EQ(Get(port(), "/lcid.asp", with).body, "1031");
+  EXPECT_EQ(Get(port(), "/session.asp?case=locale").body, "1033");
   EXPECT_EQ(Get(port(), "/session.asp?case=contents", with).body, "greeting;count;b;a;|3|two");
   EXPECT_EQ(Get(port(), "/session.asp?case=store-class", with).body, "True");
   EXPECT_EQ(Get(port(), "/session.asp?case=abandon", with).body, "abandoned");

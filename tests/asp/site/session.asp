@@ -7,7 +7,9 @@ Case "count"
 Case "props"
   Session.Timeout = 5
   Session.LCID = 2057
-  Response.Write Session.Timeout & "|" & Session.LCID & "|" & Session.CodePage & "|" & TypeName(Session.StaticObjects("Bag"))
+  Response.Write Session.Timeout & "|" & Session.LCID & "|" & Session.CodePage & "|" & TypeName(Session.StaticObjects("Bag")) & "|" & GetLocale()
+Case "locale"
+  Response.Write GetLocale()
 Case "contents"
   Session("b") = Array(1, "two", 3)
   Session.Contents("a") = "x"
