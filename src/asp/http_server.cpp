@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <microhttpd.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -72,6 +73,16 @@ MHD_Result CollectPost(void* cls, MHD_ValueKind, const char* key, const char* fi
     request.form.back().second.append(data, size);
   }
   return MHD_YES;
+}
+
+// A peer that closed its end shows as a hang-up or as a readable socket with nothing to read;
+// a next request already sent (keep-alive) is data, so the client is still there.
+bool ClientConnected(int fd) {
+  pollfd p{fd, POLLIN | POLLRDHUP, 0};
+  if (poll(&p, 1, 0) <= 0) return true;
+  if (p.revents & (POLLRDHUP | POLLHUP | POLLERR | POLLNVAL)) return false;
+  char byte;
+  return recv(fd, &byte, 1, MSG_PEEK | MSG_DONTWAIT) != 0;
 }
 
 std::string LogTime() {
@@ -144,6 +155,8 @@ struct HttpServer::Impl {
     if (const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS))
       r.remote_addr = AddressText(info->client_addr, r.remote_port);
     if (const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD)) {
+      const int fd = info->connect_fd;
+      r.client_connected = [fd] { return ClientConnected(fd); };
       sockaddr_storage local{};
       socklen_t length = sizeof local;
       if (getsockname(info->connect_fd, reinterpret_cast<sockaddr*>(&local), &length) == 0)

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -34,6 +35,8 @@ struct HttpRequest {
   uint16_t remote_port = 0;
   std::string local_addr;
   uint16_t local_port = 0;
+  // Whether the client is still there to take the response; null when nobody can tell.
+  std::function<bool()> client_connected;
 
   // The value of a header (name without regard to case), or null.
   const std::string* Header(std::string_view name) const;

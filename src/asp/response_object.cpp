@@ -322,7 +322,12 @@ const DispatchTable<Response>& Response::Table() {
                       CheckHeadersOpen(r.c_);
                       r.c_.headers.emplace_back("PICS-Label", Utf8(v));
                     })
-          .Property(u"IsClientConnected", [](R&, Args) { return Variant(true); })
+          .Property(u"IsClientConnected",
+                    [](R& r, Args) {
+                      const HttpRequest* request = r.c_.request;
+                      return Variant(!request || !request->client_connected ||
+                                     request->client_connected());
+                    })
           .Property(
               u"Cookies",
               [](R& r, Args a) {

@@ -376,6 +376,17 @@ TEST_F(ServeTest, RunawayPageTimesOutWhileOthersGoOn) {
   EXPECT_NE(r.body.find("ASP 0113"), std::string::npos) << r.body;
 }
 
+TEST_F(ServeTest, APageSeesItsClientGo) {
+  // The client hangs up right after asking; the page notices well before its own limit.
+  test::Exchange(port(), "GET /gone.asp?case=wait HTTP/1.1\r\nHost: x\r\n\r\n", 1);
+  std::string seen;
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+  while ((seen = Get(port(), "/gone.asp?case=seen").body) != "True|True" &&
+         std::chrono::steady_clock::now() < deadline)
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  EXPECT_EQ(seen, "True|True");
+}
+
 TEST_F(ServeTest, HostileRequestsGetCleanErrors) {
   Served small(kSite, false, 1024);
   EXPECT_EQ(Post(small.port, "/request.asp", "text/plain", std::string(4096, 'x')).status, 413);
