@@ -301,7 +301,7 @@ async function injections(browser, d, base) {
   const script = [`<script>window.qvOwned=1</script>`, `"><img src=x onerror="window.qvOwned=1">`, `'><svg onload=window.qvOwned=1>`, `javascript:window.qvOwned=1`, `</textarea><script>window.qvOwned=1</script>`];
   const owned = () => page.evaluate(() => window.qvOwned === 1);
   const pages = {
-    [`${d.table}list.asp`]: ['q', 'order', 'dir', 'size', 'start', 'edit'],
+    [`${d.table}list.asp`]: ['q', 'order', 'dir', 'size', 'start', 'edit', 'export'],
     [`${d.table}view.asp`]: ['key'],
     [`${d.table}edit.asp`]: ['key'],
     [`${d.table}add.asp`]: ['copy'],
@@ -362,8 +362,15 @@ async function injections(browser, d, base) {
     check(label(`the edit form holds ${id}`), await page.$eval(`#${id}`, (e) => e.value), value);
   }
 
-  // The same record through the edit form, then a delete without the token: refused.
+  // The same record through the edit form, told to go back to another site: it stays here.
+  // Then a delete without the token: refused.
+  await page.$eval('form.qvForm', (f) => {
+    const back = document.createElement('input');
+    Object.assign(back, { type: 'hidden', name: 'qvreturn', value: 'https://example.invalid/' });
+    f.appendChild(back);
+  });
   await submit(page, 'form.qvForm button[type=submit]');
+  check(label('the way back stays in the application'), new URL(page.url()).origin, new URL(base).origin);
   await go(page, `${base}${d.table}list.asp?order=x_${d.key}&dir=DESC`);
   const key = await page.$eval('table.qvGrid tbody tr td.qvActions a[href*="edit.asp"]', (a) => new URL(a.href).searchParams.get('key'));
   const forged = await page.evaluate(async (url, key) => {
