@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "automation/collation.h"
 #include "automation/date_time.h"
@@ -413,6 +414,25 @@ String CurrencyText(int64_t scaled) {
   return negative ? u"-" + out : out;
 }
 
+namespace {
+
+// A one-dimensional Byte array (what Request.BinaryRead and a binary Stream give) is its bytes
+// as a byte string, as the conversion to text treats it on Windows: upload pages find and
+// cut the parts of a multipart body with InStrB and MidB on it. Other arrays are no text.
+String ByteArrayText(const Variant& v) {
+  const SafeArray* array = v.as_array();
+  if (!array || array->element_type() != VarType::Byte || array->dimensions() != 1) Mismatch();
+  std::vector<uint8_t> bytes;
+  bytes.reserve(array->size());
+  for (size_t i = 0; i < array->size(); ++i) {
+    const Variant& element = (*array)[i];
+    bytes.push_back(element.type() == VarType::Byte ? element.as_byte() : 0);
+  }
+  return String::FromBytes(bytes.data(), bytes.size());
+}
+
+}  // namespace
+
 String ToString(const Variant& v) {
   switch (v.type()) {
     case VarType::Empty:
@@ -441,6 +461,8 @@ String ToString(const Variant& v) {
       return ToString(ValueOf(v));
     case VarType::Error:
       return u"Error " + NumberText(v.as_error() & 0xFFFF);
+    case VarType::Array:
+      return ByteArrayText(v);
     default:
       Mismatch();
   }

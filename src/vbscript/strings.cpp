@@ -171,15 +171,25 @@ Variant InStrB(RuntimeState&, Args a) {
   size_t start = 1;
   size_t first = 0;
   if (a.size() >= 3) {
-    start = static_cast<size_t>(StartArg(a[0])) / 2 + 1;
+    start = static_cast<size_t>(StartArg(a[0]));
     first = 1;
   }
   const bool text = a.size() >= 4 && TextCompareArg(a, 3);
   const Variant s1 = ValueOf(a[first]);
   const Variant s2 = ValueOf(a[first + 1]);
   if (s1.is_null() || s2.is_null()) return Variant::Null();
-  const int32_t at = FindForward(ToString(s1), ToString(s2), start, text);
-  return Variant(at == 0 ? 0 : at * 2 - 1);
+  if (text) {
+    const int32_t at = FindForward(ToString(s1), ToString(s2), start / 2 + 1, text);
+    return Variant(at == 0 ? 0 : at * 2 - 1);
+  }
+  // A binary search goes byte by byte, at any offset: an upload page looks for a boundary in
+  // a body of bytes, where nothing lines up with characters.
+  const std::vector<uint8_t> hay = BytesOf(ToString(s1)), needle = BytesOf(ToString(s2));
+  if (start > hay.size()) return Variant(int32_t{0});
+  if (needle.empty()) return Variant(static_cast<int32_t>(start));
+  const auto at = std::search(hay.begin() + static_cast<ptrdiff_t>(start - 1), hay.end(),
+                              needle.begin(), needle.end());
+  return Variant(at == hay.end() ? 0 : static_cast<int32_t>(at - hay.begin() + 1));
 }
 
 Variant InStrRev(RuntimeState&, Args a) {

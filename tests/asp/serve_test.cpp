@@ -158,6 +158,14 @@ TEST_F(ServeTest, RequestCollections) {
   EXPECT_EQ(Field(m.body, "f.name"), "Åsa");
   EXPECT_EQ(Field(m.body, "f.keys"), "name;file;");
   EXPECT_EQ(Field(m.body, "total"), std::to_string(body.size()));
+  // The file's own bytes, cut out of the raw body as upload pages do: NUL, high bytes, a line
+  // break and an odd length.
+  const std::string upload =
+      "--XyZ\r\nContent-Disposition: form-data; name=\"t\"\r\n\r\nx\r\n--XyZ\r\n"
+      "Content-Disposition: form-data; name=\"f\"; filename=\"a.bin\"\r\n\r\n" +
+      std::string("a\0\xff\r\nbc", 7) + "\r\n--XyZ--\r\n";
+  EXPECT_EQ(Post(port(), "/upload_bytes.asp", "multipart/form-data; boundary=XyZ", upload).body,
+            "7|6100FF0D0A6263");
 
   // BinaryRead in pieces, and Form refused after it.
   Reply raw = Post(port(), "/binary.asp", "application/octet-stream", std::string("ab\0cdef", 7));
