@@ -106,7 +106,7 @@ double NumberOf(const Variant& v) {
     case VarType::Null:
       NullUse();
     case VarType::String: {
-      const auto n = ParseNumberText(v.as_string());
+      const auto n = ParseNumberText(v.as_string(), CurrentLocale());
       if (!n) Mismatch();
       return *n;
     }
@@ -143,9 +143,15 @@ double RoundHalfEven(double value) {
 
 namespace {
 
+// Whether `c` separates groups of digits: the locale's separator, and a plain space where
+// that is a no-break space, since nobody types one.
+bool IsGroupSeparator(Char c, const Locale& locale) {
+  return c == locale.group || (c == u' ' && locale.group == 0x00A0);
+}
+
 // Decimal text as VBScript reads it, reduced to "digits[.digits][e[sign]digits]" in `clean`.
 // False for text that is no decimal number (hex and octal text included).
-bool ReadDecimalText(StringView text, std::string& clean, bool& negative) {
+bool ReadDecimalText(StringView text, std::string& clean, bool& negative, const Locale& locale) {
   StringView s = TrimWhite(text);
   bool parens = false;
   negative = false;
@@ -153,8 +159,14 @@ bool ReadDecimalText(StringView text, std::string& clean, bool& negative) {
     parens = true;
     s = TrimWhite(s.substr(1, s.size() - 2));
   }
+  // The symbol may lead, and may follow where the locale writes it after the amount.
+  const StringView currency = locale.currency;
+  const bool symbol_after = locale.currency_positive % 2 == 1;
   auto skip_currency = [&] {
-    if (!s.empty() && s[0] == u'$') s = TrimWhite(s.substr(1));
+    if (currency.empty()) return;
+    if (s.starts_with(currency)) s = TrimWhite(s.substr(currency.size()));
+    if (symbol_after && s.ends_with(currency))
+      s = TrimWhite(s.substr(0, s.size() - currency.size()));
   };
   skip_currency();
   bool signed_ = false;
@@ -176,14 +188,15 @@ bool ReadDecimalText(StringView text, std::string& clean, bool& negative) {
   clean.reserve(s.size());
   size_t i = 0;
   int digits = 0;
-  while (i < s.size() && ((s[i] >= u'0' && s[i] <= u'9') || (s[i] == u',' && digits > 0))) {
-    if (s[i] != u',') {
+  while (i < s.size() &&
+         ((s[i] >= u'0' && s[i] <= u'9') || (digits > 0 && IsGroupSeparator(s[i], locale)))) {
+    if (s[i] >= u'0' && s[i] <= u'9') {
       clean.push_back(static_cast<char>(s[i]));
       ++digits;
     }
     ++i;
   }
-  if (i < s.size() && s[i] == u'.') {
+  if (i < s.size() && s[i] == locale.decimal) {
     clean.push_back('.');
     ++i;
     while (i < s.size() && s[i] >= u'0' && s[i] <= u'9') {
@@ -257,7 +270,7 @@ std::optional<int64_t> ScaledDecimal(const std::string& clean, bool negative) {
 
 }  // namespace
 
-std::optional<double> ParseNumberText(StringView text) {
+std::optional<double> ParseNumberText(StringView text, const Locale& locale) {
   const StringView s = TrimWhite(text);
   if (!s.empty() && s[0] == u'&') {
     // Unlike a literal, hex text is read as 32 bits: "&HFFFF" is 65535, "&HFFFFFFFF" is -1.
@@ -267,18 +280,18 @@ std::optional<double> ParseNumberText(StringView text) {
   }
   std::string clean;
   bool negative = false;
-  if (!ReadDecimalText(s, clean, negative)) return std::nullopt;
+  if (!ReadDecimalText(s, clean, negative, locale)) return std::nullopt;
   double value = std::strtod(clean.c_str(), nullptr);
   if (!std::isfinite(value)) return std::nullopt;
   return negative ? -value : value;
 }
 
-std::optional<bool> ParseBoolText(StringView text) {
+std::optional<bool> ParseBoolText(StringView text, const Locale& locale) {
   const StringView s = TrimWhite(text);
   // The names in any case, also in the #...# form a Boolean literal takes in other languages.
   if (EqualsNoCase(s, u"true") || EqualsNoCase(s, u"#true#")) return true;
   if (EqualsNoCase(s, u"false") || EqualsNoCase(s, u"#false#")) return false;
-  const auto n = ParseNumberText(s);
+  const auto n = ParseNumberText(s, locale);
   if (!n) return std::nullopt;
   return *n != 0;
 }
@@ -300,7 +313,7 @@ bool ToBool(const Variant& v) {
     case VarType::Boolean:
       return v.as_bool();
     case VarType::String: {
-      const auto b = ParseBoolText(v.as_string());
+      const auto b = ParseBoolText(v.as_string(), CurrentLocale());
       if (!b) Mismatch();
       return *b;
     }
@@ -348,7 +361,7 @@ int64_t ToCurrency(const Variant& v) {
     // Text converts digit by digit: "922337203685477.5807" is exact, as no Double can be.
     std::string clean;
     bool negative = false;
-    if (!ReadDecimalText(v.as_string(), clean, negative)) Mismatch();
+    if (!ReadDecimalText(v.as_string(), clean, negative, CurrentLocale())) Mismatch();
     const auto scaled = ScaledDecimal(clean, negative);
     if (!scaled) Overflow();
     return *scaled;
@@ -364,9 +377,10 @@ double ToDate(const Variant& v) {
     case VarType::Date:
       return v.as_date();
     case VarType::String: {
-      if (const auto parsed = ParseDateText(v.as_string())) return *parsed;
+      const Locale& locale = CurrentLocale();
+      if (const auto parsed = ParseDateText(v.as_string(), locale)) return *parsed;
       // Text that is no date but a number ("1", "-2.5") counts days, as a number would.
-      const auto n = ParseNumberText(v.as_string());
+      const auto n = ParseNumberText(v.as_string(), locale);
       if (!n) Mismatch();
       d = *n;
       break;
@@ -381,27 +395,42 @@ double ToDate(const Variant& v) {
   return d;
 }
 
-String DoubleText(double value) {
+namespace {
+
+// printf's text of a number with the locale's decimal separator; its own locale stays "C".
+String NumberWithDecimal(const char* text, const Locale& locale) {
+  String out = String::FromUtf8(text);
+  if (locale.decimal == u'.') return out;
+  std::u16string local(out.view());
+  for (Char& c : local) {
+    if (c == u'.') c = locale.decimal;
+  }
+  return String(StringView(local));
+}
+
+}  // namespace
+
+String DoubleText(double value, const Locale& locale) {
   if (value == 0) return u"0";
   char buf[40];
   std::snprintf(buf, sizeof buf, "%.15G", value);
-  return String::FromUtf8(buf);
+  return NumberWithDecimal(buf, locale);
 }
 
-String SingleText(float value) {
+String SingleText(float value, const Locale& locale) {
   if (value == 0) return u"0";
   char buf[40];
   std::snprintf(buf, sizeof buf, "%.7G", static_cast<double>(value));
-  return String::FromUtf8(buf);
+  return NumberWithDecimal(buf, locale);
 }
 
-String CurrencyText(int64_t scaled) {
+String CurrencyText(int64_t scaled, const Locale& locale) {
   const bool negative = scaled < 0;
   const uint64_t magnitude = negative ? 0 - static_cast<uint64_t>(scaled) : scaled;
   String out = NumberText(static_cast<int64_t>(magnitude / 10000));
   uint64_t fraction = magnitude % 10000;
   if (fraction) {
-    Char digits[5] = {u'.', 0, 0, 0, 0};
+    Char digits[5] = {locale.decimal, 0, 0, 0, 0};
     for (int i = 4; i >= 1; --i) {
       digits[i] = static_cast<Char>(u'0' + fraction % 10);
       fraction /= 10;
@@ -448,13 +477,13 @@ String ToString(const Variant& v) {
     case VarType::Long:
       return NumberText(v.as_long());
     case VarType::Single:
-      return SingleText(v.as_single());
+      return SingleText(v.as_single(), CurrentLocale());
     case VarType::Double:
-      return DoubleText(v.as_double());
+      return DoubleText(v.as_double(), CurrentLocale());
     case VarType::Currency:
-      return CurrencyText(v.as_currency());
+      return CurrencyText(v.as_currency(), CurrentLocale());
     case VarType::Date:
-      return DateText(v.as_date());
+      return DateText(v.as_date(), CurrentLocale());
     case VarType::String:
       return v.as_string();
     case VarType::Object:
@@ -524,7 +553,7 @@ Comparison Compare(const Variant& left, const Variant& right, bool text_compare,
     // The text turns into the literal's type: for a date, it is read as a date.
     c = CompareNumbers(number, Variant(ToDate(text)));
   } else if (number_literal) {
-    const auto n = ParseNumberText(text.as_string());
+    const auto n = ParseNumberText(text.as_string(), CurrentLocale());
     if (!n) Mismatch();
     c = CompareNumbers(number, Variant(*n));
   } else if (text_literal) {

@@ -1,11 +1,14 @@
-// VBScript's conversions between Variant types and its comparison of two values, under locale
-// 1033 (English, United States). The script engine, the model's accessors and the project file
-// all convert through these, so a value reads the same everywhere.
+// VBScript's conversions between Variant types and its comparison of two values. The script
+// engine, the model's accessors and the project file all convert through these, so a value
+// reads the same everywhere. Conversions of Variants follow the thread's current locale (1033
+// unless a running engine chose another); the text functions below take theirs as an argument
+// and default to 1033, the fixed form of files and queries.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 
+#include "automation/locale.h"
 #include "automation/string.h"
 #include "automation/variant.h"
 
@@ -30,16 +33,17 @@ Variant ValueOf(const Variant& v);
 
 // Numbers as VBScript's CStr writes them: 15 significant digits for Double, 7 for Single,
 // exponents as "1E+20" / "1E-05", "True"/"False" for Booleans.
-String DoubleText(double value);
-String SingleText(float value);
-String CurrencyText(int64_t scaled);
+String DoubleText(double value, const Locale& locale = DefaultLocale());
+String SingleText(float value, const Locale& locale = DefaultLocale());
+String CurrencyText(int64_t scaled, const Locale& locale = DefaultLocale());
 
-// Text as VBScript reads numbers: blanks around, a sign, "$", "," between digits of the whole
-// part, a decimal point, an exponent, parentheses for a negative value, and the &H / &O forms.
-// Returns nothing for text that is no number.
-std::optional<double> ParseNumberText(StringView text);
+// Text as VBScript reads numbers: blanks around, a sign, the currency symbol ("$"), group
+// separators (",") between digits of the whole part, a decimal point ("."), an exponent,
+// parentheses for a negative value, and the &H / &O forms. Returns nothing for text that is
+// no number.
+std::optional<double> ParseNumberText(StringView text, const Locale& locale = DefaultLocale());
 // "True"/"False" in any case, or any number (non-zero is True).
-std::optional<bool> ParseBoolText(StringView text);
+std::optional<bool> ParseBoolText(StringView text, const Locale& locale = DefaultLocale());
 
 // Rounds half to even, as every VBScript conversion to a whole number does.
 double RoundHalfEven(double value);

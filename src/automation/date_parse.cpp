@@ -1,7 +1,8 @@
-// Reading dates and times from text as CDate, IsDate and date literals do under locale 1033.
+// Reading dates and times from text as CDate, IsDate and date literals do under a locale.
 // The text splits into a time (h:m[:s] with ':' or '.', or an hour with AM/PM) and a date of
-// one to three numbers with an optional month name; ambiguous numbers are tried as
-// month/day/year first, then year/month/day, then day/month/year.
+// one to three numbers with an optional month name; ambiguous numbers are tried in the
+// locale's order first, then as month/day/year, year/month/day and day/month/year.
+#include <array>
 #include <ctime>
 #include <vector>
 
@@ -17,8 +18,10 @@ struct Token {
   int digits = 0;  // how many digits a number was written with
 };
 
+// Letters of month and day names, in any script; separators and blanks are no letters.
 bool IsLetter(Char c) {
-  return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
+  return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') ||
+         (c >= 0x00C0 && c != 0x00D7 && c != 0x00F7 && c != 0x3000);
 }
 
 bool IsDigit(Char c) {
@@ -29,35 +32,38 @@ bool IsBlank(Char c) {
   return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n' || c == 0x00A0 || c == 0x3000;
 }
 
-// The full names then the abbreviations, built once.
-std::vector<String> NameTable(String (*name_of)(int, bool), int count) {
-  std::vector<String> names;
-  for (const bool abbreviate : {false, true}) {
-    for (int i = 1; i <= count; ++i)
-      names.push_back(name_of(i, abbreviate));
-  }
-  return names;
+// A name, compared without case and without an abbreviation's closing dot ("janv.").
+bool SameName(StringView word, StringView name) {
+  if (!name.empty() && name.back() == u'.') name.remove_suffix(1);
+  return !name.empty() && EqualsNoCase(word, name);
 }
 
-// A month or weekday by its full English name or its three-letter abbreviation.
-int MatchName(StringView word, const std::vector<String>& names) {
-  const int count = static_cast<int>(names.size() / 2);
-  for (int i = 0; i < 2 * count; ++i) {
-    if (EqualsNoCase(word, names[i])) return i % count + 1;
+// A month or weekday (1-based) by its full name or its abbreviation.
+template <size_t N>
+int MatchName(StringView word, const std::array<std::u16string, N>& names,
+              const std::array<std::u16string, N>& abbreviations) {
+  for (size_t i = 0; i < N; ++i) {
+    if (SameName(word, names[i]) || SameName(word, abbreviations[i]))
+      return static_cast<int>(i) + 1;
   }
   return 0;
 }
 
-bool ReadWord(StringView word, std::vector<Token>& out) {
-  static const std::vector<String> months = NameTable(MonthNameText, 12);
-  static const std::vector<String> weekdays = NameTable(WeekdayNameText, 7);
-  if (EqualsNoCase(word, u"am") || EqualsNoCase(word, u"a")) {
+// The names of the locale, then the English ones, which every locale also reads.
+bool ReadWord(StringView word, const Locale& locale, std::vector<Token>& out) {
+  const Locale& english = DefaultLocale();
+  if (EqualsNoCase(word, u"am") || EqualsNoCase(word, u"a") || SameName(word, locale.am)) {
     out.push_back({Token::Meridiem, 0});
-  } else if (EqualsNoCase(word, u"pm") || EqualsNoCase(word, u"p")) {
+  } else if (EqualsNoCase(word, u"pm") || EqualsNoCase(word, u"p") || SameName(word, locale.pm)) {
     out.push_back({Token::Meridiem, 1});
-  } else if (const int m = MatchName(word, months)) {
+  } else if (int m = MatchName(word, locale.months, locale.month_abbreviations)) {
     out.push_back({Token::Month, m});
-  } else if (MatchName(word, weekdays)) {
+  } else if ((m = MatchName(word, locale.months_in_dates, locale.month_abbreviations))) {
+    out.push_back({Token::Month, m});
+  } else if ((m = MatchName(word, english.months, english.month_abbreviations))) {
+    out.push_back({Token::Month, m});
+  } else if (MatchName(word, locale.days, locale.day_abbreviations) ||
+             MatchName(word, english.days, english.day_abbreviations)) {
     out.push_back({Token::Weekday, 0});
   } else {
     return false;
@@ -65,10 +71,34 @@ bool ReadWord(StringView word, std::vector<Token>& out) {
   return true;
 }
 
-bool Tokenize(StringView text, std::vector<Token>& out) {
+// Characters a long date picture quotes alone ("yyyy'年'M'月'd'日'") part the numbers of a
+// date; the last of them only closes it.
+enum class Marker { None, Separator, Closing };
+
+Marker DateMarker(Char c, const Locale& locale) {
+  const std::u16string& picture = locale.long_date;
+  const size_t last = picture.size() >= 3 ? picture.size() - 3 : StringView::npos;
+  for (size_t i = 0; i + 2 < picture.size(); ++i) {
+    if (picture[i] == u'\'' && picture[i + 1] == c && picture[i + 2] == u'\'')
+      return i == last ? Marker::Closing : Marker::Separator;
+  }
+  return Marker::None;
+}
+
+bool Tokenize(StringView text, const Locale& locale, std::vector<Token>& out) {
+  // Where the locale writes dates with dots ("15.03.2026"), a dot parts a date, not a time.
+  const bool dotted_dates = locale.date_separator == u'.';
   size_t i = 0;
   while (i < text.size()) {
     const Char c = text[i];
+    if (c > 0x7F) {
+      const Marker marker = DateMarker(c, locale);
+      if (marker != Marker::None) {
+        if (marker == Marker::Separator) out.push_back({Token::DateSep});
+        ++i;
+        continue;
+      }
+    }
     if (IsDigit(c)) {
       Token t{Token::Number};
       for (; i < text.size() && IsDigit(text[i]); ++i) {
@@ -82,15 +112,17 @@ bool Tokenize(StringView text, std::vector<Token>& out) {
       size_t j = i;
       while (j < text.size() && IsLetter(text[j]))
         ++j;
-      if (!ReadWord(text.substr(i, j - i), out)) return false;
+      if (!ReadWord(text.substr(i, j - i), locale, out)) return false;
       i = j;
       // "Mar." and "Tue." carry an abbreviation's dot, which is no time separator.
       if (i < text.size() && text[i] == u'.' && out.back().kind != Token::Meridiem) ++i;
       continue;
     }
-    if (c == u':' || c == u'.') {
+    if (c == u'.' && dotted_dates) {
+      out.push_back({Token::DateSep});
+    } else if (c == u':' || c == u'.') {
       out.push_back({Token::TimeSep});
-    } else if (c == u'/' || c == u'-') {
+    } else if (c == u'/' || c == u'-' || c == locale.date_separator) {
       out.push_back({Token::DateSep});
     } else if (c != u',' && !IsBlank(c)) {
       return false;
@@ -212,11 +244,13 @@ bool DateWithMonthName(int month, const std::vector<Token>& n, Ymd& out) {
   return Try(ExpandedYear(n[1]), month, n[0].value, out);
 }
 
-bool DateFromNumbers(const std::vector<Token>& n, Ymd& out) {
+bool DateFromNumbers(const std::vector<Token>& n, DateOrder order, Ymd& out) {
   if (n.size() == 2) {
     const Token &a = n[0], &b = n[1];
     const int year = ThisYear();
     if (SmallPart(a) && SmallPart(b)) {
+      // Day and month in the locale's order first: "15.03" and "3/15" are both March 15th.
+      if (order == DateOrder::DayMonthYear && Try(year, b.value, a.value, out)) return true;
       if (Try(year, a.value, b.value, out) || Try(year, b.value, a.value, out)) return true;
     }
     // Two numbers that are no day and month are a month and a year, in either order.
@@ -225,6 +259,12 @@ bool DateFromNumbers(const std::vector<Token>& n, Ymd& out) {
   }
   if (n.size() != 3) return false;
   const Token &a = n[0], &b = n[1], &c = n[2];
+  if (order == DateOrder::DayMonthYear && SmallPart(a) && SmallPart(b) &&
+      Try(ExpandedYear(c), b.value, a.value, out))
+    return true;
+  if (order == DateOrder::YearMonthDay && SmallPart(b) && SmallPart(c) &&
+      Try(ExpandedYear(a), b.value, c.value, out))
+    return true;
   if (SmallPart(a) && SmallPart(b) && Try(ExpandedYear(c), a.value, b.value, out)) return true;
   if (SmallPart(b) && SmallPart(c) && Try(ExpandedYear(a), b.value, c.value, out)) return true;
   return SmallPart(a) && SmallPart(b) && Try(ExpandedYear(c), b.value, a.value, out);
@@ -232,9 +272,9 @@ bool DateFromNumbers(const std::vector<Token>& n, Ymd& out) {
 
 }  // namespace
 
-std::optional<double> ParseDateText(StringView text) {
+std::optional<double> ParseDateText(StringView text, const Locale& locale) {
   std::vector<Token> tokens;
-  if (!Tokenize(text, tokens) || tokens.empty() || !SeparatorsWellPlaced(tokens)) {
+  if (!Tokenize(text, locale, tokens) || tokens.empty() || !SeparatorsWellPlaced(tokens)) {
     return std::nullopt;
   }
   TimeOfDay time;
@@ -257,8 +297,8 @@ std::optional<double> ParseDateText(StringView text) {
     return time_part;
   }
   Ymd ymd;
-  const bool ok =
-      month_name ? DateWithMonthName(month_name, numbers, ymd) : DateFromNumbers(numbers, ymd);
+  const bool ok = month_name ? DateWithMonthName(month_name, numbers, ymd)
+                             : DateFromNumbers(numbers, locale.date_order, ymd);
   if (!ok) return std::nullopt;
   const auto day = DateFromParts(ymd.year, ymd.month, ymd.day);
   if (!day) return std::nullopt;

@@ -1,6 +1,7 @@
-// Date arithmetic on the OLE day count, and the 1033 texts of dates and times.
+// Date arithmetic on the OLE day count, and the texts of dates and times under a locale.
 #include "automation/date_time.h"
 
+#include <algorithm>
 #include <cmath>
 #include <ctime>
 
@@ -37,12 +38,6 @@ int ExpandYear(int year) {
   if (year >= 30 && year < 100) return year + 1900;
   return year;
 }
-
-constexpr const char16_t* kMonths[] = {u"January",   u"February", u"March",    u"April",
-                                       u"May",       u"June",     u"July",     u"August",
-                                       u"September", u"October",  u"November", u"December"};
-constexpr const char16_t* kWeekdays[] = {u"Sunday",   u"Monday", u"Tuesday", u"Wednesday",
-                                         u"Thursday", u"Friday", u"Saturday"};
 
 void AppendNumber(String& out, int value, int width) {
   String digits = NumberText(value);
@@ -98,7 +93,8 @@ double CombineDateTime(double day_number, double time_fraction) {
   return day_number >= 0 ? day_number + time_fraction : day_number - time_fraction;
 }
 
-String ShortDateText(double date) {
+String ShortDateText(double date, const Locale& locale) {
+  if (&locale != &DefaultLocale()) return PictureText(date, locale.short_date, locale);
   const auto p = SplitDate(date);
   if (!p) return {};
   String out;
@@ -110,7 +106,12 @@ String ShortDateText(double date) {
   return out;
 }
 
-String LongTimeText(double date) {
+String LongDateText(double date, const Locale& locale) {
+  return PictureText(date, locale.long_date, locale);
+}
+
+String LongTimeText(double date, const Locale& locale) {
+  if (&locale != &DefaultLocale()) return PictureText(date, locale.long_time, locale);
   const auto p = SplitDate(date);
   if (!p) return {};
   String out;
@@ -124,26 +125,92 @@ String LongTimeText(double date) {
   return out;
 }
 
-String DateText(double date) {
+String DateText(double date, const Locale& locale) {
   const auto p = SplitDate(date);
   if (!p) return {};
   const bool midnight = p->hour == 0 && p->minute == 0 && p->second == 0;
   const bool day_zero = p->year == 1899 && p->month == 12 && p->day == 30;
-  if (day_zero) return LongTimeText(date);
-  if (midnight) return ShortDateText(date);
-  return ShortDateText(date) + u" " + LongTimeText(date);
+  if (day_zero) return LongTimeText(date, locale);
+  if (midnight) return ShortDateText(date, locale);
+  return ShortDateText(date, locale) + u" " + LongTimeText(date, locale);
 }
 
-String MonthNameText(int month, bool abbreviate) {
+String PictureText(double date, StringView picture, const Locale& locale) {
+  const auto p = SplitDate(date);
+  if (!p) return {};
+  String out;
+  size_t i = 0;
+  while (i < picture.size()) {
+    const Char c = picture[i];
+    if (c == u'\'') {
+      size_t end = picture.find(u'\'', i + 1);
+      if (end == StringView::npos) end = picture.size();
+      out.Append(picture.substr(i + 1, end - i - 1));
+      i = end + 1;
+      continue;
+    }
+    size_t n = 1;
+    while (i + n < picture.size() && picture[i + n] == c)
+      ++n;
+    i += n;
+    const int width = static_cast<int>(n);
+    switch (c) {
+      case u'd':
+        if (n <= 2) {
+          AppendNumber(out, p->day, width);
+        } else {
+          out.Append(n == 3 ? locale.day_abbreviations[p->weekday - 1]
+                            : locale.days[p->weekday - 1]);
+        }
+        break;
+      case u'M':
+        if (n <= 2) {
+          AppendNumber(out, p->month, width);
+        } else {
+          out.Append(n == 3 ? locale.month_abbreviations[p->month - 1]
+                            : locale.months_in_dates[p->month - 1]);
+        }
+        break;
+      case u'y':
+        if (n <= 2) {
+          AppendNumber(out, p->year % 100, width);
+        } else {
+          AppendNumber(out, p->year, 1);
+        }
+        break;
+      case u'h':
+        AppendNumber(out, p->hour % 12 == 0 ? 12 : p->hour % 12, std::min(width, 2));
+        break;
+      case u'H':
+        AppendNumber(out, p->hour, std::min(width, 2));
+        break;
+      case u'm':
+        AppendNumber(out, p->minute, std::min(width, 2));
+        break;
+      case u's':
+        AppendNumber(out, p->second, std::min(width, 2));
+        break;
+      case u't': {
+        const std::u16string& mark = p->hour < 12 ? locale.am : locale.pm;
+        out.Append(n == 1 ? StringView(mark).substr(0, 1) : StringView(mark));
+        break;
+      }
+      default:
+        for (size_t k = 0; k < n; ++k)
+          out.Append(c);
+    }
+  }
+  return out;
+}
+
+String MonthNameText(int month, bool abbreviate, const Locale& locale) {
   if (month < 1 || month > 12) return {};
-  StringView name(kMonths[month - 1]);
-  return String(abbreviate ? name.substr(0, 3) : name);
+  return String(abbreviate ? locale.month_abbreviations[month - 1] : locale.months[month - 1]);
 }
 
-String WeekdayNameText(int weekday, bool abbreviate) {
+String WeekdayNameText(int weekday, bool abbreviate, const Locale& locale) {
   if (weekday < 1 || weekday > 7) return {};
-  StringView name(kWeekdays[weekday - 1]);
-  return String(abbreviate ? name.substr(0, 3) : name);
+  return String(abbreviate ? locale.day_abbreviations[weekday - 1] : locale.days[weekday - 1]);
 }
 
 double NowAsDate() {

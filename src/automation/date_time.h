@@ -1,11 +1,12 @@
 // Dates as VBScript holds them: a double counting days from 1899-12-30, the time of day as the
 // fraction (for days before that date the fraction still counts forward from midnight). Splitting,
-// building, printing and reading them under locale 1033.
+// building, printing and reading them under a locale (1033 unless told otherwise).
 #pragma once
 
 #include <cstdint>
 #include <optional>
 
+#include "automation/locale.h"
 #include "automation/string.h"
 
 namespace qv {
@@ -45,20 +46,27 @@ double CombineDateTime(double day_number, double time_fraction);
 
 // VBScript's CStr of a date: "3/7/2006 9:05:01 AM"; the date alone at midnight, the time alone
 // on day 0.
-String DateText(double date);
-String ShortDateText(double date);  // "3/7/2006"
-String LongTimeText(double date);   // "9:05:01 AM"
+String DateText(double date, const Locale& locale = DefaultLocale());
+String ShortDateText(double date, const Locale& locale = DefaultLocale());  // "3/7/2006"
+String LongDateText(double date,
+                    const Locale& locale = DefaultLocale());  // "Tuesday, March 7, 2006"
+String LongTimeText(double date, const Locale& locale = DefaultLocale());  // "9:05:01 AM"
+// A date written by a Windows picture: d, dd, ddd, dddd, M, MM, MMM, MMMM, y, yy, yyyy, h, hh,
+// H, HH, m, mm, s, ss, t, tt, and text in single quotes.
+String PictureText(double date, StringView picture, const Locale& locale);
 
-// Reads a date or time the way VBScript's CDate and IsDate do under 1033: numbers separated by
-// "/", "-", spaces or commas (month/day/year first, then year/month/day, then day/month/year;
-// two numbers are month and day of this year, or month and year), month names and their
-// abbreviations, weekday names (ignored), times with ":" or "." and AM/PM. Two-digit years
-// 00-29 are 2000-2029, 30-99 are 1930-1999. Returns nothing for text that is no date.
-std::optional<double> ParseDateText(StringView text);
+// Reads a date or time the way VBScript's CDate and IsDate do: numbers separated by "/", "-",
+// spaces, commas or the locale's date separator (the locale's order first, here
+// month/day/year, then year/month/day, then day/month/year; two numbers are month and day of
+// this year, or month and year), month names and their abbreviations (the locale's and
+// English), weekday names (ignored), times with ":" (or "." where dates do not use it) and
+// AM/PM. Two-digit years 00-29 are 2000-2029, 30-99 are 1930-1999. Returns nothing for text
+// that is no date.
+std::optional<double> ParseDateText(StringView text, const Locale& locale = DefaultLocale());
 
-// English month and weekday names (1-based); abbreviations are the first three letters.
-String MonthNameText(int month, bool abbreviate);
-String WeekdayNameText(int weekday, bool abbreviate);
+// Month and weekday names (1-based, Sunday first) as MonthName and WeekdayName give them.
+String MonthNameText(int month, bool abbreviate, const Locale& locale = DefaultLocale());
+String WeekdayNameText(int weekday, bool abbreviate, const Locale& locale = DefaultLocale());
 
 // The current local date and time as a date value.
 double NowAsDate();

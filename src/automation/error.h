@@ -39,6 +39,7 @@ enum ErrorNumber : int32_t {
   kErrCannotCreateObject = 429,
   kErrNotSupported = 438,
   kErrNamedArgs = 446,
+  kErrLocaleNotSupported = 447,
   kErrArgumentNotOptional = 449,
   kErrWrongArgCount = 450,
   kErrNotACollection = 451,

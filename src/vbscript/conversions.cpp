@@ -89,7 +89,7 @@ Variant IsArray(RuntimeState&, Args a) {
 Variant IsDate(RuntimeState&, Args a) {
   const Variant& v = a[0];
   if (v.type() == VarType::Date) return Variant(true);
-  if (v.is_string()) return Variant(ParseDateText(v.as_string()).has_value());
+  if (v.is_string()) return Variant(ParseDateText(v.as_string(), CurrentLocale()).has_value());
   return Variant(false);
 }
 
@@ -132,7 +132,7 @@ Variant IsNumeric(RuntimeState&, Args a) {
     case VarType::Byte:
       return Variant(true);
     case VarType::String:
-      return Variant(ParseNumberText(v.as_string()).has_value());
+      return Variant(ParseNumberText(v.as_string(), CurrentLocale()).has_value());
     default:
       return Variant(false);
   }

@@ -74,17 +74,19 @@ Variant Second(RuntimeState&, Args a) {
   return DatePartOf(a[0], [](const DateParts& p) { return p.second; });
 }
 
-// vbUseSystemDayOfWeek (0) is Sunday under 1033; anything outside 0..7 raises 5.
+// vbUseSystemDayOfWeek (0) is the locale's first day (Sunday under 1033, Monday under
+// 1031); anything outside 0..7 raises 5.
 int FirstDayArg(Args a, size_t i) {
   const int32_t n = OptionalLong(a, i, 1);
   if (n < 0 || n > 7) Raise(kErrInvalidCall);
-  return n == 0 ? 1 : n;
+  return n == 0 ? CurrentLocale().first_day : n;
 }
 
+// vbUseSystem (0) is the locale's rule for the first week of the year.
 int FirstWeekArg(Args a, size_t i) {
   const int32_t n = OptionalLong(a, i, 1);
   if (n < 0 || n > 3) Raise(kErrInvalidCall);
-  return n == 0 ? 1 : n;
+  return n == 0 ? CurrentLocale().first_week : n;
 }
 
 int WeekdayFrom(int weekday, int first_day) {
@@ -110,14 +112,14 @@ Variant WeekdayName(RuntimeState&, Args a) {
   const bool abbreviate = AbbreviateArg(a, 1);
   const int32_t n = OptionalLong(a, 0, 0);
   if (n < 1 || n > 7) Raise(kErrInvalidCall);
-  return WeekdayNameText((n + first - 2) % 7 + 1, abbreviate);
+  return WeekdayNameText((n + first - 2) % 7 + 1, abbreviate, CurrentLocale());
 }
 
 Variant MonthName(RuntimeState&, Args a) {
   const bool abbreviate = AbbreviateArg(a, 1);
   const int32_t n = OptionalLong(a, 0, 0);
   if (n < 1 || n > 12) Raise(kErrInvalidCall);
-  return MonthNameText(n, abbreviate);
+  return MonthNameText(n, abbreviate, CurrentLocale());
 }
 
 enum class Interval { Year, Quarter, Month, DayOfYear, Day, Weekday, Week, Hour, Minute, Second };

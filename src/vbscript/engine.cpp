@@ -202,9 +202,19 @@ void Engine::Stop() {
 }
 
 void Engine::Reset() {
+  const int32_t locale = LocaleId();
   Stop();
   error_.Clear();
   Start();
+  SetLocaleId(locale);
+}
+
+int32_t Engine::LocaleId() const {
+  return vm_->runtime().locale;
+}
+
+void Engine::SetLocaleId(int32_t lcid) {
+  ChangeLocale(vm_->runtime(), lcid);
 }
 
 void Engine::Recycle() {

@@ -129,6 +129,13 @@ class Engine {
 
   ScriptError& Error() { return error_; }
 
+  // The Windows locale id the engine formats and reads numbers and dates under, as the
+  // script's GetLocale and SetLocale see it (1033 at the start). A host sets it before running
+  // code (a page's Session.LCID); an id that is no country's locale raises 447 and changes
+  // nothing. Reset keeps it.
+  int32_t LocaleId() const;
+  void SetLocaleId(int32_t lcid);
+
   // The global module's operations.
   void AddCode(StringView code) { GlobalModule().AddCode(code); }
   Variant Run(StringView procedure, std::span<Variant> args = {}) {

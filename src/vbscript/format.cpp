@@ -1,6 +1,7 @@
 // The formatting family of the runtime library: FormatNumber, FormatCurrency, FormatPercent
-// and FormatDateTime under 1033 ("1,234.57", "($1,234.57)", "12.50%", "Tuesday, March 7,
-// 2006"), with their tri-state arguments (-2 the locale's default, -1 true, 0 false).
+// and FormatDateTime under the engine's locale (under 1033: "1,234.57", "($1,234.57)",
+// "12.50%", "Tuesday, March 7, 2006"), with their tri-state arguments (-2 the locale's
+// default, -1 true, 0 false).
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -110,30 +111,83 @@ Decimal DecimalOf(const Variant& v) {
   return DecimalOfDouble(d, v.type() == VarType::Single ? 7 : 15);
 }
 
-int32_t PlacesArg(Args a, size_t i) {
+int32_t PlacesArg(Args a, size_t i, int locale_default) {
   const int32_t places = OptionalLong(a, i, -1);
   if (places < -1 || places > 255) Raise(kErrInvalidCall);
-  return places == -1 ? 2 : places;
+  return places == -1 ? locale_default : places;
 }
 
 enum class Style { Number, Currency, Percent };
 
+// Windows' currency patterns: "$" stands for the symbol, "n" for the amount.
+constexpr std::u16string_view kPositiveCurrency[] = {u"$n", u"n$", u"$ n", u"n $"};
+constexpr std::u16string_view kNegativeCurrency[] = {
+    u"($n)", u"-$n",  u"$-n",  u"$n-",  u"(n$)", u"-n$",  u"n-$",   u"n$-",
+    u"-n $", u"-$ n", u"n $-", u"$ n-", u"$ -n", u"n- $", u"($ n)", u"(n $)"};
+
+bool PatternHasParentheses(int negative_pattern) {
+  return kNegativeCurrency[negative_pattern][0] == u'(';
+}
+
+String FillCurrency(std::u16string_view pattern, StringView symbol, StringView amount) {
+  std::u16string out;
+  out.reserve(pattern.size() + symbol.size() + amount.size());
+  for (const Char c : pattern) {
+    if (c == u'$') {
+      out.append(symbol);
+    } else if (c == u'n') {
+      out.append(amount);
+    } else {
+      out.push_back(c);
+    }
+  }
+  return String(StringView(out));
+}
+
+// An amount laid out by the locale's currency patterns. Parentheses asked for where the
+// pattern has none wrap the positive form; refused where it has them, a minus sign leads.
+String CurrencyText(const Decimal& d, NumberStyle style, const Locale& locale) {
+  const bool parentheses = style.parentheses;
+  style.parentheses = false;
+  const String amount = FormatDecimal(false, d.digits, d.whole, style, u"", u"");
+  const int positive = locale.currency_positive & 3;
+  const int negative = locale.currency_negative & 15;
+  const String plain = FillCurrency(kPositiveCurrency[positive], locale.currency, amount);
+  if (!d.negative) return plain;
+  if (parentheses) {
+    if (PatternHasParentheses(negative))
+      return FillCurrency(kNegativeCurrency[negative], locale.currency, amount);
+    return u"(" + plain + u")";
+  }
+  if (PatternHasParentheses(negative)) return u"-" + plain;
+  return FillCurrency(kNegativeCurrency[negative], locale.currency, amount);
+}
+
 Variant FormatWith(Args a, Style style) {
+  const Locale& locale = CurrentLocale();
   const Variant v = ValueOf(a[0]);
-  const int32_t places = PlacesArg(a, 1);
-  const NumberStyle ns{places, TriState(a, 2, true), TriState(a, 3, style == Style::Currency),
-                       TriState(a, 4, true)};
+  const int32_t places = PlacesArg(a, 1, style == Style::Currency ? locale.currency_digits : 2);
+  const bool parentheses_default =
+      style == Style::Currency && PatternHasParentheses(locale.currency_negative & 15);
+  const NumberStyle ns{places,
+                       TriState(a, 2, true),
+                       TriState(a, 3, parentheses_default),
+                       TriState(a, 4, true),
+                       locale.decimal,
+                       locale.group};
   // Unlike most of the library these do not pass Null through: a Null value is a type
   // mismatch, and a Null among the options (read first) is an invalid use of Null.
   if (v.is_null()) Raise(kErrTypeMismatch);
-  if (style == Style::Percent) {
-    Decimal d = DecimalOf(v);
-    d.whole += 2;  // times 100, exactly, on the digits
-    return FormatDecimal(d.negative, d.digits, d.whole, ns, u"", u"%");
+  Decimal d = DecimalOf(v);
+  switch (style) {
+    case Style::Percent:
+      d.whole += 2;  // times 100, exactly, on the digits
+      return FormatDecimal(d.negative, d.digits, d.whole, ns, u"", u"%");
+    case Style::Currency:
+      return CurrencyText(d, ns, locale);
+    default:
+      return FormatDecimal(d.negative, d.digits, d.whole, ns, u"", u"");
   }
-  const Decimal d = DecimalOf(v);
-  return FormatDecimal(d.negative, d.digits, d.whole, ns, style == Style::Currency ? u"$" : u"",
-                       u"");
 }
 
 Variant FormatNumber(RuntimeState&, Args a) {
@@ -155,30 +209,24 @@ String ShortTimeText(double date) {
   return String(StringView(text, 5));
 }
 
-String LongDateText(double date) {
-  const auto p = SplitDate(date);
-  if (!p) return {};
-  return WeekdayNameText(p->weekday, false) + u", " + MonthNameText(p->month, false) + u" " +
-         NumberText(p->day) + u", " + NumberText(p->year);
-}
-
 Variant FormatDateTime(RuntimeState&, Args a) {
   const Variant v = ValueOf(a[0]);
   const int32_t kind = OptionalLong(a, 1, 0);
   if (kind < 0 || kind > 4) Raise(kErrInvalidCall);
   if (v.is_null()) Raise(kErrTypeMismatch);
   const double d = ToDate(v);
+  const Locale& locale = CurrentLocale();
   switch (kind) {
     case 1:
-      return LongDateText(d);
+      return LongDateText(d, locale);
     case 2:
-      return ShortDateText(d);
+      return ShortDateText(d, locale);
     case 3:
-      return LongTimeText(d);
+      return LongTimeText(d, locale);
     case 4:
       return ShortTimeText(d);
     default:
-      return DateText(d);
+      return DateText(d, locale);
   }
 }
 
@@ -208,12 +256,12 @@ String FormatDecimal(bool negative, const std::string& digits, int whole_digits,
   } else {
     const size_t n = whole.size();
     for (size_t i = 0; i < n; ++i) {
-      if (style.group_digits && i > 0 && (n - i) % 3 == 0) out.push_back(u',');
+      if (style.group_digits && i > 0 && (n - i) % 3 == 0) out.push_back(style.group);
       out.push_back(static_cast<Char>(whole[i]));
     }
   }
   if (style.places > 0) {
-    out.push_back(u'.');
+    out.push_back(style.decimal);
     out.append(fraction.begin(), fraction.end());
   }
   out.append(suffix);

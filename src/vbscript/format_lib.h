@@ -13,6 +13,8 @@ struct NumberStyle {
   bool leading_digit = true;
   bool parentheses = false;
   bool group_digits = true;
+  Char decimal = u'.';
+  Char group = u',';
 };
 
 // Lays out a decimal number given as its digits, of which `whole_digits` stand before the

@@ -66,7 +66,7 @@ bool Reduce(const Variant& in, Num& out) {
       out = {kDate, v.as_date(), 0};
       return true;
     case VarType::String: {
-      const auto n = ParseNumberText(v.as_string());
+      const auto n = ParseNumberText(v.as_string(), CurrentLocale());
       if (!n) Raise(kErrTypeMismatch);
       out = {kDouble, *n, 0};
       return true;
@@ -379,7 +379,8 @@ Variant OpNot(const Variant& a) {
   const Variant v = a.is_object() ? ValueOf(a) : a;
   if (v.is_null()) return v;
   if (v.is_string()) {
-    if (const auto b = ParseBoolText(v.as_string()); b && !ParseNumberText(v.as_string()))
+    if (const auto b = ParseBoolText(v.as_string(), CurrentLocale());
+        b && !ParseNumberText(v.as_string(), CurrentLocale()))
       return Variant(!*b);
   }
   Whole x;

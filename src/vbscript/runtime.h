@@ -12,6 +12,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "automation/locale.h"
 #include "automation/object.h"
 #include "automation/variant.h"
 
@@ -21,7 +22,8 @@ namespace qv::vbs {
 // VBScript's random number generator (Rnd and Randomize).
 struct RuntimeState {
   int32_t locale = 1033;
-  uint32_t rnd_seed = 0x50000;  // VBScript's generator starts from this seed
+  const Locale* locale_data = nullptr;  // the data of `locale`; nullptr for 1033
+  uint32_t rnd_seed = 0x50000;          // VBScript's generator starts from this seed
   float last_rnd = 0;
 };
 
@@ -66,6 +68,11 @@ class ClassRegistry {
  private:
   std::unordered_map<String, Factory, NoCaseHash, NoCaseEqual> factories_;
 };
+
+// Makes `id`, a Windows locale id of a country's locale, the locale of `state`; the engine
+// converts under it from its next entry on. Returns the id it replaced; raises 447 for an id
+// that is no such locale.
+int32_t ChangeLocale(RuntimeState& state, int32_t id);
 
 // The statement `Mid(target, start[, length]) = value`: the target's text with `value` written
 // over it from `start`, never longer than before. Pass Variant::Missing() for a left-out

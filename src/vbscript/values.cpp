@@ -40,7 +40,7 @@ Variant ForOperand(Variant v) {
   if (v.is_object()) v = ValueOf(v);
   if (v.is_null()) Raise(kErrInvalidUseOfNull);
   if (v.is_string()) {
-    const auto n = ParseNumberText(v.as_string());
+    const auto n = ParseNumberText(v.as_string(), CurrentLocale());
     if (!n) Raise(kErrTypeMismatch);
     return Variant(*n);
   }

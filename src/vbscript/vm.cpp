@@ -147,7 +147,7 @@ void Vm::ReleaseLocks(Variant* from, Variant* to) {
   }
 }
 
-Vm::Entry::Entry(Vm& vm) : vm_(vm) {
+Vm::Entry::Entry(Vm& vm) : vm_(vm), locale_(vm.runtime_.locale_data) {
   if (vm.entries_++ > 0) return;
   vm.site_ = ErrorSite();
   vm.stack_limit_ = StackLimit();

@@ -48,7 +48,7 @@ class Vm : public RefCounted {
   void ExecuteIn(Module& module, StringView code, bool global);
 
   // Brackets an entry from the host: starts the clock for the time limit on the outermost
-  // entry and clears the error site.
+  // entry, clears the error site, and makes the engine's locale the thread's until it ends.
   class Entry {
    public:
     explicit Entry(Vm& vm);
@@ -56,6 +56,7 @@ class Vm : public RefCounted {
 
    private:
     Vm& vm_;
+    LocaleScope locale_;
   };
 
   ErrState& err() { return err_; }
@@ -63,6 +64,7 @@ class Vm : public RefCounted {
   Object* err_object();
   ErrorSite& error_site() { return site_; }
   RuntimeState& runtime() { return runtime_; }
+  const RuntimeState& runtime() const { return runtime_; }
   // A new limit while a call runs counts from the start of the outermost entry, as a page's
   // Server.ScriptTimeout counts from the start of the page.
   void set_timeout(int32_t ms) {

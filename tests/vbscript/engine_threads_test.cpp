@@ -1,6 +1,7 @@
 // Several engines on several threads at once, as the ASP runtime's workers run pages: each
 // engine must give the result it gives alone. Run in the ThreadSanitizer build (preset `tsan`),
-// this is also the check that the engine keeps no unguarded state shared between engines.
+// this is also the check that the engine keeps no unguarded state shared between engines. Each
+// thread's engine runs under its own locale.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -23,7 +24,6 @@ Class Counter
 End Class
 Function Work(seed)
   Dim d, re, c, i, s, m
-  SetLocale 1033
   Rnd -1 : Randomize seed
   Set d = CreateObject("Scripting.Dictionary")
   Set re = New RegExp
@@ -40,13 +40,17 @@ Function Work(seed)
   On Error Resume Next
   Err.Raise 5
   s = s & Err.Number & Err.Description & FormatNumber(1234.5, 2) & FormatDateTime(#2024-02-29#, 1)
+  s = s & "|" & CStr(1.5) & "|" & CDbl("1,5") & "|" & Month("3/4/2026") & "|" & MonthName(5)
   On Error GoTo 0
   Work = s & c.N & UCase("straße") & Replace("a.b.c", ".", vbNullString)
 End Function
 )vbs";
 
+constexpr int32_t kLocales[] = {1033, 1031, 1036, 1041};
+
 std::string RunOnce(int seed) {
   Engine engine;
+  engine.SetLocaleId(kLocales[seed % 4]);
   engine.AddCode(kScript);
   Variant arg(seed);
   return ToString(engine.Run(u"Work", std::span<Variant>(&arg, 1))).ToUtf8();
@@ -59,6 +63,13 @@ TEST(EngineThreadsTest, EnginesOnSeveralThreadsShareNothing) {
   for (int t = 0; t < kThreads; ++t)
     expected.push_back(RunOnce(t));
   ASSERT_NE(expected[0], expected[1]);  // the seed shows in the result
+  EXPECT_NE(expected[0].find("1,234.50Thursday, February 29, 2024|1.5|15|3|May"), std::string::npos)
+      << expected[0];
+  EXPECT_NE(expected[1].find("1.234,50Donnerstag, 29. Februar 2024|1,5|1,5|4|Mai"),
+            std::string::npos)
+      << expected[1];
+  // The engines' locales never reach the thread that called them.
+  EXPECT_EQ(ToString(Variant(1.5)), u"1.5");
 
   std::vector<int> mismatches(kThreads, 0);
   std::vector<std::thread> threads;

@@ -107,8 +107,21 @@ TEST(RuntimeInfo, LocaleAndEngine) {
   EXPECT_EQ(Call(state, u"SetLocale", {L(1033)}).as_long(), 1031);
   EXPECT_EQ(Call(state, u"SetLocale", {u"en-gb"}).as_long(), 1033);
   EXPECT_EQ(Call(state, u"SetLocale", {u" Fr-FR "}).as_long(), 2057);
-  EXPECT_EQ(Call(state, u"SetLocale", {u"no-such-place"}).as_long(), 1036);
+  EXPECT_EQ(Call(state, u"SetLocale", {u"de"}).as_long(), 1036);  // a language alone
+  // Unknown names and ids, and a bare language's id, raise 447 and change nothing.
+  for (const Variant& unknown : {Variant(u"no-such-place"), L(12345), L(7)}) {
+    try {
+      Call(state, u"SetLocale", {unknown});
+      ADD_FAILURE() << "no error";
+    } catch (const Error& e) {
+      EXPECT_EQ(e.number(), 447);
+    }
+  }
+  EXPECT_EQ(Call(state, u"SetLocale", {L(0)}).as_long(), 1031);
   EXPECT_EQ(Call(state, u"GetLocale", {}).as_long(), 1033);
+  // Outside a running engine the thread keeps converting under 1033.
+  EXPECT_EQ(Call(state, u"SetLocale", {L(1031)}).as_long(), 1033);
+  EXPECT_EQ(ToString(Variant(1.5)), u"1.5");
   EXPECT_EQ(Show(u"ScriptEngine", {}), "VBScript");
   EXPECT_EQ(Show(u"ScriptEngineMajorVersion", {}), "5");
   EXPECT_EQ(Show(u"ScriptEngineMinorVersion", {}), "8");
