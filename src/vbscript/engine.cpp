@@ -202,11 +202,9 @@ void Engine::Stop() {
 }
 
 void Engine::Reset() {
-  const int32_t locale = LocaleId();
   Stop();
   error_.Clear();
   Start();
-  SetLocaleId(locale);
 }
 
 int32_t Engine::LocaleId() const {

@@ -132,7 +132,7 @@ class Engine {
   // The Windows locale id the engine formats and reads numbers and dates under, as the
   // script's GetLocale and SetLocale see it (1033 at the start). A host sets it before running
   // code (a page's Session.LCID); an id that is no country's locale raises 447 and changes
-  // nothing. Reset keeps it.
+  // nothing. Reset and Recycle return it to 1033.
   int32_t LocaleId() const;
   void SetLocaleId(int32_t lcid);
 
