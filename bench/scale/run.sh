@@ -81,21 +81,30 @@ ticks() {
 }
 
 # Prints wrk's figures and sets `rps` and `per_cpu` (requests per CPU second of the
-# processes given after the script).
+# processes given after the script), with each process's CPU time per request.
 measure() {
   local label=$1 port=$2 script=$3
   shift 3
-  local out p50 p99 before after requests
-  before=$(ticks "$@")
+  local out p50 p99 requests p split="" total=0
+  local -a before=()
+  for p in "$@"; do before+=("$(ticks "$p")"); done
   out=$(wrk -t2 -c32 -d"${seconds}s" --latency -s "$script" "http://127.0.0.1:$port/")
-  after=$(ticks "$@")
-  rps=$(awk '/Requests\/sec/ {print $2}' <<<"$out")
   requests=$(awk '/requests in/ {print $1}' <<<"$out")
-  per_cpu=$(awk -v r="$requests" -v t=$((after - before)) -v hz="$(getconf CLK_TCK)" \
-    'BEGIN { printf "%.0f", (t > 0) ? r * hz / t : 0 }')
+  local i=0 hz
+  hz=$(getconf CLK_TCK)
+  for p in "$@"; do
+    local used=$(($(ticks "$p") - before[i]))
+    total=$((total + used))
+    split+=$(awk -v t="$used" -v r="$requests" -v hz="$hz" -v n="$(cat "/proc/$p/comm")" \
+      'BEGIN { printf " %s %.0f", n, t * 1e6 / hz / r }')
+    i=$((i + 1))
+  done
+  rps=$(awk '/Requests\/sec/ {print $2}' <<<"$out")
+  per_cpu=$(awk -v r="$requests" -v t="$total" -v hz="$hz" 'BEGIN { printf "%.0f", (t > 0) ? r * hz / t : 0 }')
   p50=$(awk '$1 == "50%" {print $2}' <<<"$out")
   p99=$(awk '$1 == "99%" {print $2}' <<<"$out")
-  printf '%-40s %10s req/s %8s req/CPU s   p50 %8s   p99 %8s\n' "$label" "$rps" "$per_cpu" "$p50" "$p99"
+  printf '%-40s %8s req/s %6s req/CPU s   p50 %8s   p99 %8s   CPU us/req:%s\n' \
+    "$label" "$rps" "$per_cpu" "$p50" "$p99" "$split"
   if grep -q "Non-2xx" <<<"$out"; then echo "  ($(grep Non-2xx <<<"$out" | xargs))"; fi
 }
 

@@ -65,6 +65,9 @@ void Serve(const ServeArgs& a) {
   sigaddset(&stop, SIGINT);
   sigaddset(&stop, SIGTERM);
   pthread_sigmask(SIG_BLOCK, &stop, nullptr);
+  // A peer that went away (a browser, or Redis restarting) is an error to handle on that
+  // connection, never a reason for the server to die.
+  signal(SIGPIPE, SIG_IGN);
 
   asp::RuntimeOptions options;
   options.dev = a.dev;
