@@ -52,4 +52,7 @@ echo "pages: $pages, size: $(du -sh out2 | cut -f1)"
 echo "generate: ${gen_s} s, $(echo "$pages / $gen_s" | bc) pages/s, peak memory $((gen_kb / 1024)) MB"
 # On a shared machine the wall time waits for other work; the CPU time is what one core spends.
 echo "generate CPU: ${gen_cpu} s, $(echo "$pages / $gen_cpu" | bc) pages per CPU second"
+# The system part is mostly the file system making 5,000 inodes, which cp -r pays as well; on
+# a disk busy with deletions it swings by seconds between runs.
+echo "generate CPU: user ${gen_user} s, system ${gen_sys} s"
 echo "cp -r: $(printf '%.3f' "$cp_s") s, generate/cp ratio $(echo "$gen_s / $cp_s" | bc -l | xargs printf '%.1f')"

@@ -2,6 +2,8 @@
 #include "automation/string.h"
 
 #include <locale.h>
+#include <algorithm>
+#include <cassert>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
@@ -37,11 +39,6 @@ String::Rep* String::Allocate(size_t capacity) {
   return rep;
 }
 
-void String::Release() noexcept {
-  if (rep_ && --rep_->refs == 0) std::free(rep_);
-  rep_ = nullptr;
-}
-
 String::String(StringView text) {
   if (text.empty()) return;
   rep_ = Allocate(text.size());
@@ -57,26 +54,6 @@ String::String(size_t count, Char fill) {
     rep_->data[i] = fill;
   rep_->size = static_cast<uint32_t>(count);
   rep_->data[count] = 0;
-}
-
-String::String(const String& other) noexcept : rep_(other.rep_) {
-  if (rep_) ++rep_->refs;
-}
-
-String& String::operator=(const String& other) noexcept {
-  if (other.rep_) ++other.rep_->refs;
-  Release();
-  rep_ = other.rep_;
-  return *this;
-}
-
-String& String::operator=(String&& other) noexcept {
-  if (this != &other) {
-    Release();
-    rep_ = other.rep_;
-    other.rep_ = nullptr;
-  }
-  return *this;
 }
 
 void String::Reserve(size_t capacity) {
@@ -106,7 +83,9 @@ void String::Append(StringView text) {
   const size_t needed = n + text.size();
   if (!rep_ || rep_->refs != 1 || rep_->capacity < needed) {
     // The text may point into our own buffer, which stays alive until the copy is done.
-    size_t grown = n < 16 ? needed : n + n / 2;
+    // A first append takes the exact size (most strings are built once); a string that is
+    // appended to again is being built piece by piece and gets room to grow.
+    size_t grown = n == 0 ? needed : std::max(needed, n + n / 2 + 16);
     if (grown < needed) grown = needed;
     if (grown > kMaxLength) grown = needed;
     Rep* fresh = Allocate(grown);
@@ -173,29 +152,23 @@ String operator+(StringView a, StringView b) {
 String String::FromUtf8(std::string_view utf8) {
   String out;
   if (utf8.empty()) return out;
-  out.Reserve(utf8.size());
-  Char buffer[256];
-  size_t used = 0;
-  auto put = [&](Char c) {
-    if (used == std::size(buffer)) {
-      out.Append(StringView(buffer, used));
-      used = 0;
-    }
-    buffer[used++] = c;
-  };
+  // One UTF-16 unit per byte at most, so the buffer is sized once and written in place:
+  // templates and generated pages pass through here whole.
+  out.rep_ = Allocate(utf8.size());
+  Char* put = out.rep_->data;
   const auto* p = reinterpret_cast<const unsigned char*>(utf8.data());
   const auto* end = p + utf8.size();
   while (p < end) {
     unsigned c = *p;
     if (c < 0x80) {
-      put(static_cast<Char>(c));
+      *put++ = static_cast<Char>(c);
       ++p;
       continue;
     }
     int extra = c >= 0xF0 && c < 0xF8 ? 3 : c >= 0xE0 ? 2 : c >= 0xC2 && c < 0xE0 ? 1 : -1;
     if (c >= 0xF8) extra = -1;
     if (extra < 0 || end - p <= extra) {
-      put(0xFFFD);
+      *put++ = 0xFFFD;
       ++p;
       continue;
     }
@@ -210,28 +183,40 @@ String String::FromUtf8(std::string_view utf8) {
     }
     const bool overlong = (extra == 2 && cp < 0x800) || (extra == 3 && cp < 0x10000);
     if (!ok || overlong || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
-      put(0xFFFD);
+      *put++ = 0xFFFD;
       ++p;
       continue;
     }
     p += extra + 1;
     if (cp >= 0x10000) {
       cp -= 0x10000;
-      put(static_cast<Char>(0xD800 + (cp >> 10)));
-      put(static_cast<Char>(0xDC00 + (cp & 0x3FF)));
+      *put++ = static_cast<Char>(0xD800 + (cp >> 10));
+      *put++ = static_cast<Char>(0xDC00 + (cp & 0x3FF));
     } else {
-      put(static_cast<Char>(cp));
+      *put++ = static_cast<Char>(cp);
     }
   }
-  out.Append(StringView(buffer, used));
+  const size_t n = static_cast<size_t>(put - out.rep_->data);
+  assert(n <= out.rep_->capacity);
+  out.rep_->size = static_cast<uint32_t>(n);
+  out.rep_->data[n] = 0;
   return out;
 }
 
 std::string String::ToUtf8(StringView text) {
-  std::string out;
-  out.reserve(text.size());
+  // Size once from an upper bound (a surrogate pair counts six for its four bytes), write
+  // through a pointer, trim at the end.
+  size_t bound = 0;
+  for (const Char c : text)
+    bound += c < 0x80 ? 1 : c < 0x800 ? 2 : 3;
+  std::string out(bound, '\0');
+  char* put = out.data();
   for (size_t i = 0; i < text.size(); ++i) {
     uint32_t cp = text[i];
+    if (cp < 0x80) {
+      *put++ = static_cast<char>(cp);
+      continue;
+    }
     if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
         text[i + 1] <= 0xDFFF) {
       cp = 0x10000 + ((cp - 0xD800) << 10) + (text[i + 1] - 0xDC00);
@@ -239,22 +224,21 @@ std::string String::ToUtf8(StringView text) {
     } else if (cp >= 0xD800 && cp <= 0xDFFF) {
       cp = 0xFFFD;  // a lone surrogate has no UTF-8 form
     }
-    if (cp < 0x80) {
-      out.push_back(static_cast<char>(cp));
-    } else if (cp < 0x800) {
-      out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
-      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+    if (cp < 0x800) {
+      *put++ = static_cast<char>(0xC0 | (cp >> 6));
+      *put++ = static_cast<char>(0x80 | (cp & 0x3F));
     } else if (cp < 0x10000) {
-      out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
-      out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+      *put++ = static_cast<char>(0xE0 | (cp >> 12));
+      *put++ = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+      *put++ = static_cast<char>(0x80 | (cp & 0x3F));
     } else {
-      out.push_back(static_cast<char>(0xF0 | (cp >> 18)));
-      out.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
+      *put++ = static_cast<char>(0xF0 | (cp >> 18));
+      *put++ = static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
+      *put++ = static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
+      *put++ = static_cast<char>(0x80 | (cp & 0x3F));
     }
   }
+  out.resize(static_cast<size_t>(put - out.data()));
   return out;
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -19,10 +20,25 @@ class String {
   String(StringView text);  // NOLINT(google-explicit-constructor): text literals convert freely
   String(const Char* text) : String(StringView(text)) {}  // NOLINT(google-explicit-constructor)
   String(size_t count, Char fill);
-  String(const String& other) noexcept;
+  // Copies and releases are inline: the script engine makes them on every value it moves.
+  String(const String& other) noexcept : rep_(other.rep_) {
+    if (rep_) ++rep_->refs;
+  }
   String(String&& other) noexcept : rep_(other.rep_) { other.rep_ = nullptr; }
-  String& operator=(const String& other) noexcept;
-  String& operator=(String&& other) noexcept;
+  String& operator=(const String& other) noexcept {
+    if (other.rep_) ++other.rep_->refs;
+    Release();
+    rep_ = other.rep_;
+    return *this;
+  }
+  String& operator=(String&& other) noexcept {
+    if (this != &other) {
+      Release();
+      rep_ = other.rep_;
+      other.rep_ = nullptr;
+    }
+    return *this;
+  }
   ~String() { Release(); }
 
   // Conversions at the edges of the engine. Invalid UTF-8 bytes become U+FFFD.
@@ -86,7 +102,10 @@ class String {
   };
   static constexpr Char kEmpty[1] = {0};
   static Rep* Allocate(size_t capacity);
-  void Release() noexcept;
+  void Release() noexcept {
+    if (rep_ && --rep_->refs == 0) std::free(rep_);
+    rep_ = nullptr;
+  }
 
   Rep* rep_ = nullptr;
 };

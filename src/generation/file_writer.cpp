@@ -98,14 +98,14 @@ bool PrepareOverwrite(Tyx& tyx, StringView path, bool overwrite, bool prompt, bo
 
 // Runs the stored function through the script host of the run. Without one there is nothing
 // that could make the page.
-String BuildPage(const String& code, int16_t init_type) {
+String BuildPage(StringView temp_file, int16_t init_type) {
   TyxVars& vars = Vars();
   TyScript* script = CurrentScript();
   if (!script) {
     vars.ProjErr = vars.ProductTitle + u": Script engine not started! Generation aborted!";
     return String();
   }
-  return script->BuildNewCode(code, init_type, vars.ScriptEngineTimeout);
+  return script->BuildNewCode(script->StoredCode(temp_file), init_type, vars.ScriptEngineTimeout);
 }
 
 void WritePageFile(StringView path, const String& page) {
@@ -131,7 +131,6 @@ void WritePage(Tyx& tyx, PageKind kind, TyxTable* table, TyxField* field, String
                                                : u" not found. Generation aborted.");
       RaiseGenError();
     }
-    const String code = ReadSourceFile(temp_file);
     // The system code reads the table and field of the moment from the lists.
     if (kind == PageKind::kTable) {
       FirstDatabase(tyx)->Tables().Item(Variant(table->TblName()));
@@ -140,7 +139,7 @@ void WritePage(Tyx& tyx, PageKind kind, TyxTable* table, TyxField* field, String
       if (Ref<TyxTable> current = tables.Item(Variant(tables.curName())))
         current->Fields().Item(Variant(field->FldName()));
     }
-    String page = BuildPage(code, kind == PageKind::kOther ? 1 : 2);
+    String page = BuildPage(temp_file, kind == PageKind::kOther ? 1 : 2);
     page = control.CtrlSpace ? StripBlankLines(page) : TrimLeadingLines(page);
     WritePageFile(path, page);
   }

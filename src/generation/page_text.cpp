@@ -9,25 +9,49 @@ namespace qv {
 
 namespace {
 
-// Each "</head>" (any case) becomes the tag and "</head>" in lower case.
-String InsertGeneratorTag(const String& text) {
+// The next "</head>" at or after `from`, in any case. The tag is ASCII and no other letter
+// folds to its letters, so comparing ASCII case alone finds what lowering the page would,
+// without a lowered copy of every page.
+size_t FindHeadEnd(StringView text, size_t from) {
   static constexpr StringView kHead = u"</head>";
-  const String lower = ToLower(text);
-  size_t at = lower.view().find(kHead);
+  for (size_t at = text.find(u"</", from); at != StringView::npos; at = text.find(u"</", at + 1)) {
+    if (text.size() - at < kHead.size()) return StringView::npos;
+    size_t i = 2;
+    while (i < kHead.size() && (text[at + i] | 0x20) == kHead[i])
+      ++i;
+    if (i == kHead.size()) return at;
+  }
+  return StringView::npos;
+}
+
+// Each "</head>" (any case) becomes the tag and "</head>" in lower case.
+String InsertGeneratorTag(String text) {
+  static constexpr StringView kHead = u"</head>";
+  const StringView view = text.view();
+  size_t at = FindHeadEnd(view, 0);
   if (at == StringView::npos) return text;
   const String tag = GeneratorTag();
   String out;
-  out.Reserve(text.size() + tag.size() + 16);
+  out.Reserve(view.size() + tag.size() + 16);
   size_t from = 0;
   while (at != StringView::npos) {
-    out.Append(text.view().substr(from, at - from));
+    out.Append(view.substr(from, at - from));
     out.Append(tag);
     out.Append(kHead);
     from = at + kHead.size();
-    at = lower.view().find(kHead, from);
+    at = FindHeadEnd(view, from);
   }
-  out.Append(text.view().substr(from));
+  out.Append(view.substr(from));
   return out;
+}
+
+// Appends a line without its carriage returns, wherever they stand in it.
+void AppendWithoutCr(String& out, StringView line) {
+  for (size_t cr = line.find(u'\r'); cr != StringView::npos; cr = line.find(u'\r')) {
+    out.Append(line.substr(0, cr));
+    line.remove_prefix(cr + 1);
+  }
+  out.Append(line);
 }
 
 }  // namespace
@@ -39,42 +63,31 @@ String GeneratorTag() {
 
 String StripBlankLines(StringView text) {
   String out;
-  out.Reserve(text.size());
-  String line;
-  bool has_text = false;
-  bool has_comment = false;
+  out.Reserve(text.size() + 64);
+  // A run of comment lines (a first non-blank "'") keeps a blank line before it, and a
+  // run of more than one keeps a blank line after it too; other blank lines go.
   int comments = 0;
-  for (const Char c : text) {
-    if (c == u'\n') {
-      if (has_comment) {
-        if (comments == 1) out.Append(u"\r\n");
-        out.Append(line);
-        out.Append(u"\r\n");
-      } else if (has_text) {
-        if (comments > 1) out.Append(u"\r\n");
-        out.Append(line);
-        out.Append(u"\r\n");
-        comments = 0;
-      }
-      line.Clear();
-      has_text = false;
-      has_comment = false;
-      continue;
-    }
-    if (c == u'\r') continue;
-    line.Append(c);
-    if (c == u' ' || c == u'\t') continue;
-    if (c == u'\'' && !has_text) {
-      has_comment = true;
+  size_t from = 0;
+  while (from < text.size()) {
+    size_t end = text.find(u'\n', from);
+    const bool last = end == StringView::npos;
+    if (last) end = text.size();
+    const StringView line = text.substr(from, end - from);
+    from = end + 1;
+    const size_t first = line.find_first_not_of(u" \t\r");
+    if (first == StringView::npos) continue;
+    const bool is_comment = line[first] == u'\'';
+    if (is_comment) {
       ++comments;
+      if (comments == 1 && !last) out.Append(u"\r\n");
+    } else {
+      if (comments > 1 && !last) out.Append(u"\r\n");
+      if (!last) comments = 0;
     }
-    has_text = true;
-  }
-  if (has_text) {
-    out.Append(line);
+    AppendWithoutCr(out, line);
     out.Append(u"\r\n");
   }
-  return InsertGeneratorTag(out);
+  return InsertGeneratorTag(std::move(out));
 }
 
 String TrimLeadingLines(StringView text) {

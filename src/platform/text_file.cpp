@@ -81,13 +81,15 @@ bool StartsWith(std::string_view bytes, std::string_view mark) {
   return bytes.substr(0, mark.size()) == mark;
 }
 
-String WithCrLf(String text) {
-  const StringView view = text.view();
+size_t CountLoneLf(StringView text) {
   size_t lone = 0;
-  for (size_t i = 0; i < view.size(); ++i) {
-    if (view[i] == u'\n' && (i == 0 || view[i - 1] != u'\r')) ++lone;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == u'\n' && (i == 0 || text[i - 1] != u'\r')) ++lone;
   }
-  if (lone == 0) return text;
+  return lone;
+}
+
+String WithCrLf(StringView view, size_t lone) {
   String out;
   out.Reserve(view.size() + lone);
   size_t from = 0;
@@ -99,6 +101,11 @@ String WithCrLf(String text) {
   }
   out.Append(view.substr(from));
   return out;
+}
+
+String WithCrLf(String text) {
+  const size_t lone = CountLoneLf(text);
+  return lone == 0 ? text : WithCrLf(text.view(), lone);
 }
 
 struct FileCloser {
@@ -140,8 +147,15 @@ String DecodeText(std::string_view bytes, LineEnds line_ends) {
 }
 
 std::string EncodeText(StringView text, LineEnds line_ends) {
-  if (line_ends == LineEnds::kCrLf) return String::ToUtf8(WithCrLf(String(text)).view());
+  // Pages come here already in CR LF: they are encoded straight from the caller's text.
+  const size_t lone = line_ends == LineEnds::kCrLf ? CountLoneLf(text) : 0;
+  if (lone != 0) return String::ToUtf8(WithCrLf(text, lone).view());
   return String::ToUtf8(text);
+}
+
+String WithCrLfLineEnds(StringView text) {
+  const size_t lone = CountLoneLf(text);
+  return lone == 0 ? String(text) : WithCrLf(text, lone);
 }
 
 String ReadTextFile(StringView path, LineEnds line_ends) {

@@ -19,6 +19,9 @@ enum class LineEnds {
 
 // Bytes of a file to text. A lone CR is left alone either way.
 String DecodeText(std::string_view bytes, LineEnds line_ends = LineEnds::kAsIs);
+// The text with every lone LF as CR LF, as the engine's line rules expect of text typed or
+// edited on Linux.
+String WithCrLfLineEnds(StringView text);
 // Text to UTF-8 bytes, optionally with every lone LF written as CR LF.
 std::string EncodeText(StringView text, LineEnds line_ends = LineEnds::kAsIs);
 

@@ -3,6 +3,8 @@
 // the three modules live in script_loaders.cpp.
 #include "script/script_host.h"
 
+#include <sys/stat.h>
+
 #include <cassert>
 
 #include "automation/convert.h"
@@ -291,6 +293,21 @@ bool TyScript::Validate() {
 }
 
 // ---- BuildNewCode ----------------------------------------------------------------------------
+
+const String& TyScript::StoredCode(StringView path) {
+  StoredText& stored = stored_[String(path)];
+  struct stat info {};
+  if (::stat(fs::ToNative(path).c_str(), &info) == 0) {
+    const int64_t mtime_ns = int64_t{info.st_mtim.tv_sec} * 1000000000 + info.st_mtim.tv_nsec;
+    if (stored.size == info.st_size && stored.mtime_ns == mtime_ns) return stored.text;
+    stored.size = info.st_size;
+    stored.mtime_ns = mtime_ns;
+  } else {
+    stored.size = -1;  // let the read below say what is wrong with the file
+  }
+  stored.text = ReadSourceFile(path);
+  return stored.text;
+}
 
 String TyScript::BuildNewCode(const String& code, int16_t init_type, int32_t timeout_ms) {
   TyxVars& vars = Vars();

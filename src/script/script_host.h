@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "automation/dispatch.h"
@@ -73,6 +74,13 @@ class TyScript : public DispatchObject<TyScript> {
   // qvScriptEngine returns. `timeout_ms` bounds the run. A failure sets ProjErr and gives "".
   String BuildNewCode(const String& code, int16_t init_type, int32_t timeout_ms);
 
+  // The text of a stored page function (a translated control in the temp folder). Pages of
+  // one control come back to the same file thousands of times in a run: the text is read
+  // once and kept while the file keeps its size and time, and the same buffer each time lets
+  // the engine find its compiled form without hashing the text again. Raises as
+  // ReadSourceFile does.
+  const String& StoredCode(StringView path);
+
   // Sets the system library's four database-kind flags (qvDbAccess, qvDbSqlServer, qvDbMySql,
   // qvDbOracle) for a kind of DatabaseKind: 1 to 4 switch their one flag on, 5 leaves all off.
   void SetDatabaseKind(int32_t kind);
@@ -92,7 +100,14 @@ class TyScript : public DispatchObject<TyScript> {
   String RuntimeErrorText() const;
   String CurrentTableAndField();
 
+  struct StoredText {
+    String text;
+    int64_t size = -1;
+    int64_t mtime_ns = 0;
+  };
+
   Ref<TyUserScript> user_script_;
+  std::unordered_map<String, StoredText> stored_;
   std::unique_ptr<vbs::Engine> engine_;
   vbs::ScriptModule* system_ = nullptr;
   vbs::ScriptModule* user_ = nullptr;

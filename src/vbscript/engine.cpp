@@ -47,6 +47,11 @@ struct ScriptModule::CachedCode {
                               // module-level code that is still running
   std::vector<String> unbound_locals;
   String text;
+  // A few other buffers of the same text (several controls of a package may share one
+  // template), kept alive so that by_buffer_ can know them too; few, since a host that
+  // hands in a fresh buffer every time would otherwise grow the list without end.
+  std::vector<String> copies;
+  static constexpr size_t kMaxCopies = 8;
 };
 
 ScriptModule::ScriptModule(Engine& engine, Ref<Module> module)
@@ -96,6 +101,10 @@ void ScriptModule::AddCodeCached(const String& code) {
       hit = it->second;
     } else if (const auto found = cache_.find(code.view()); found != cache_.end()) {
       hit = found->second.get();
+      if (!code.empty() && hit->copies.size() < CachedCode::kMaxCopies) {
+        hit->copies.push_back(code);
+        by_buffer_[code.data()] = hit;
+      }
     }
     if (hit && hit->text.size() == code.size() && StillValid(*hit)) {
       Relink(hit->linked, *module_);
@@ -126,6 +135,8 @@ void ScriptModule::AddCodeCached(const String& code) {
     }
     if (const auto stale = cache_.find(code.view()); stale != cache_.end()) {
       by_buffer_.erase(stale->first.data());
+      for (const String& copy : stale->second->copies)
+        by_buffer_.erase(copy.data());
       cache_.erase(stale);
     }
     by_buffer_[code.data()] = cached.get();

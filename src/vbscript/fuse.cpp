@@ -204,8 +204,9 @@ void FuseInstructions(Proc& proc) {
           continue;
         }
       }
-      if (IsPlainStore(next)) {
-        in = Instr{Op::LoadStore, static_cast<uint8_t>(in.op == Op::LoadRef ? kFusedRef : 0),
+      if (IsPlainStore(next) || IsPlainGlobalStore(next)) {
+        in = Instr{Op::LoadStore,
+                   static_cast<uint8_t>((in.op == Op::LoadRef ? kFusedRef : 0) | StoreFlags(next)),
                    static_cast<uint16_t>(next.a), in.a, 0};
         i += 2;
         continue;

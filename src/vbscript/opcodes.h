@@ -135,7 +135,7 @@ namespace qv::vbs {
   HOT(SubStore)                                                                                   \
   HOT(MulStore)                                                                                   \
   HOT(AddPopStore) /* Add, StoreLocal (n: the local) */                                           \
-  HOT(LoadStore) /* LoadLocal|LoadRef, StoreLocal (n: the local) */                               \
+  HOT(LoadStore) /* LoadLocal|LoadRef, StoreLocal|StoreGlobal (n: the local or link slot) */                               \
   /* The same for module variables, each one read or written only while its slot holds a          \
      variable (a constant too, for reads): a: the link slot of the loaded variable, b: the        \
      operand as above or, with kFusedGlobal, the link slot of a module variable whose             \

@@ -813,10 +813,28 @@ void Vm::Execute(Frame& f) {
         Drop(*--sp);
         QV_NEXT();
       }
-      case Op::Div:
+      case Op::Div: {
+        // Integer, Long and Double always divide to a Double; zero divisors, Singles and
+        // everything else take the general rules with their errors.
+        Number x{}, y{};
+        if (NumberOf(sp[-2], x) && NumberOf(sp[-1], y)) {
+          const double n = x.type == static_cast<unsigned>(VarType::Double)
+                               ? x.real
+                               : static_cast<double>(x.whole);
+          const double d = y.type == static_cast<unsigned>(VarType::Double)
+                               ? y.real
+                               : static_cast<double>(y.whole);
+          const double q = n / d;
+          if (d != 0 && std::isfinite(q)) {
+            new (&sp[-2]) Variant(q);
+            Drop(*--sp);
+            break;
+          }
+        }
         sp[-2] = OpDiv(sp[-2], sp[-1]);
-        (--sp)->Clear();
+        Drop(*--sp);
         break;
+      }
       case Op::IntDiv:
         sp[-2] = OpIntDiv(sp[-2], sp[-1]);
         (--sp)->Clear();
@@ -831,8 +849,14 @@ void Vm::Execute(Frame& f) {
         break;
       case Op::Concat:
       L_Concat:
-        sp[-2] = OpConcat(sp[-2], sp[-1]);
-        (--sp)->Clear();
+        // a & b & c: the text made by the first & is the stack's alone, so the next ones
+        // append to it instead of copying it again, which keeps a long chain linear.
+        if (sp[-2].is_string() && sp[-2].as_string().IsUnique()) {
+          AppendInPlace(sp[-2], sp[-1]);
+        } else {
+          sp[-2] = OpConcat(sp[-2], sp[-1]);
+        }
+        Drop(*--sp);
         break;
       case Op::Eq:
       L_Eq:
@@ -1607,9 +1631,15 @@ void Vm::Execute(Frame& f) {
       case Op::LoadStore:
       L_LoadStore : {
         const Variant& x = (ip[-1].flags & kFusedRef) ? *f.refs[ip[-1].a] : locals[ip[-1].a];
-        Variant& dst = locals[ip[-1].n];
-        if (IsPlain(x) && IsPlain(dst)) {
-          CopyPlain(dst, x);
+        Variant* dst = &locals[ip[-1].n];
+        if (ip[-1].flags & kFusedStoreGlobal) {
+          // A procedure's result handed to a module variable: only a plain variable slot
+          // takes the short way; anything else runs the StoreGlobal that follows.
+          GlobalSlot& slot = *globals[ip[-1].n];
+          dst = slot.kind == SlotKind::Variable ? &slot.value : nullptr;
+        }
+        if (dst && IsPlain(x) && IsPlain(*dst)) {
+          CopyPlain(*dst, x);
           ++ip;
           QV_NEXT();
         }
