@@ -17,7 +17,6 @@
 #include "cli/commands.h"
 #include "cli/host_project.h"
 #include "platform/prompter.h"
-#include "script/script_host.h"
 #include "support/data_folder.h"
 #include "support/status.h"
 #include "support/tyx_vars.h"
@@ -106,14 +105,6 @@ Ref<Tyx> PrepareProject(const GenerateOptions& options) {
   return tyx;
 }
 
-// A run that ends by an exception leaves its script host alive for a next run. This host
-// makes none, and the host must go while the project it holds is still there, not among the
-// process's last destructors.
-void DropScriptHost() {
-  if (TyScript* script = CurrentScript()) script->Reset();
-  Vars().TheScript = nullptr;
-}
-
 std::string Seconds(std::chrono::steady_clock::duration elapsed) {
   char text[32];
   std::snprintf(text, sizeof text, "%.2f s", std::chrono::duration<double>(elapsed).count());
@@ -135,7 +126,6 @@ void RunGenerate(const GenerateOptions& options) {
     tyx->Services().GenScript(*tyx);
   } catch (const Error& e) {
     SharedStatus().CloseStatus();
-    DropScriptHost();
     FailWith(tyx->ProjErr().empty() ? e.description() : tyx->ProjErr());
   }
   SharedStatus().CloseStatus();

@@ -12,6 +12,7 @@
 #include "automation/error.h"
 #include "cli/commands.h"
 #include "cli/host_classes.h"
+#include "cli/host_options.h"
 #include "cli/wscript.h"
 #include "vbscript/engine.h"
 
@@ -95,6 +96,7 @@ void AddScriptCommand(CLI::App& app) {
   cmd->fallthrough(false);
   cmd->callback([cmd] {
     std::vector<std::string> rest = cmd->remaining();
+    if (!TakeLeadingHostOptions(*cmd, rest)) throw CLI::RuntimeError(kExitFailure);
     if (rest.empty()) {
       std::fputs("quorvex script: the script file is missing\n", stderr);
       throw CLI::RuntimeError(kExitFailure);

@@ -184,7 +184,6 @@ bool LoadSources(Tyx& tyx, RunFlags& run) {
     return false;
   }
   run.anything_changed |= lang_code != 0;
-  // A host left over from a broken run keeps the phrases its LANG object holds.
   if (!vars.TheScript) SetRunLanguage(MakeRef<TyxLanguage>());
   if (!RunLanguage().Load(vars.LangFile)) {
     Abort(u": Load Language File \"" + vars.LangFile + u"\" failed! Generation aborted!");
@@ -214,10 +213,10 @@ void StartScriptHost(Tyx& tyx) {
   TyxVars& vars = Vars();
   OpenStatus(tyx, u" - Initializing VBScript Engine...", false);
   if (!vars.TheScript) {
-    Ref<TyScript> script = MakeRef<TyScript>();
-    vars.TheScript = script;
-    script->Initialize(Ref<Object>(&tyx), Ref<Object>(FirstDatabase(tyx)),
-                       Ref<Object>(&RunControlList()), Ref<Object>(&RunLanguage()));
+    Ref<TyScript> host = MakeRef<TyScript>();
+    vars.TheScript = host;
+    host->Initialize(Ref<Object>(&tyx), Ref<Object>(FirstDatabase(tyx)),
+                     Ref<Object>(&RunControlList()), Ref<Object>(&RunLanguage()));
   }
   TyScript* script = CurrentScript();
   for (const Ref<TyxExtension>& extension : ExtensionsInOrder(tyx)) {
@@ -291,12 +290,34 @@ void SaveCache(const Tyx& tyx, const RunFlags& run) {
   cache.WriteCacheFile();
 }
 
-void EndRun() {
-  TyxVars& vars = Vars();
-  vars.TheCache.reset();
-  if (TyScript* script = CurrentScript()) script->Reset();
-  vars.TheScript.reset();
-}
+// Stage 22, on every way out of a run. A cancel or a failed page raises through GenScript to
+// the host; the script host still goes with the run that made it, since it holds the project
+// and the host's objects, and left in the shared slot it would outlive them both and end
+// among the process's last destructors. A run started from a page function of another run (a
+// script may call GenScript) works in that run's host and leaves it to its owner.
+class RunScope {
+ public:
+  RunScope() : owner_(!Vars().TheScript) {}
+  RunScope(const RunScope&) = delete;
+  RunScope& operator=(const RunScope&) = delete;
+  ~RunScope() {
+    if (!owner_) return;
+    TyxVars& vars = Vars();
+    vars.TheCache.reset();
+    Ref<Object> script = std::move(vars.TheScript);
+    vars.TheScript = nullptr;
+    if (auto* host = dynamic_cast<TyScript*>(script.get())) {
+      try {
+        host->Reset();
+      } catch (...) {
+        // Dropping code can't fail in a way the run could still report; the host goes anyway.
+      }
+    }
+  }
+
+ private:
+  const bool owner_;
+};
 
 }  // namespace
 
@@ -330,6 +351,7 @@ void GenScript(Tyx& tyx) {
   vars.FilesUnpacked = 0;
   vars.ControlsTranslated = 0;
   RunFlags run;
+  const RunScope scope;
   if (!LocateTemplate(tyx, run)) return;
   if (!PrepareTemplate(run)) return;
   if (!PrepareExtensions(tyx, run)) return;
@@ -343,7 +365,6 @@ void GenScript(Tyx& tyx) {
     RunControls(tyx, false);
     SharedStatus().CloseStatus();
   }
-  EndRun();
 }
 
 int16_t GenCheck(Tyx& tyx) {

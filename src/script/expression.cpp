@@ -4,6 +4,7 @@
 #include "automation/convert.h"
 #include "model/tyx.h"
 #include "persistence/saved_defaults.h"
+#include "platform/text_file.h"
 #include "script/script_host.h"
 #include "script/translator.h"
 #include "support/common.h"
@@ -57,7 +58,7 @@ String Parse(Tyx& tyx, StringView text) {
   if (owns) StartScript(tyx);
 
   TranslatorState state;
-  TranslateText(state, text);
+  TranslateText(state, WithCrLfLineEnds(text));
   if (!vars.ProjErr.empty()) return String(text);
 
   if (!state.PendingExpr.empty())

@@ -123,8 +123,11 @@ void ConsoleSurface::Draw() {
   for (char& c : text) {
     if (static_cast<unsigned char>(c) < 0x20) c = ' ';  // a line break would end the line
   }
+  // A run reports every page: a line that would show nothing new isn't sent again.
+  if (drawn_ && text == shown_) return;
   std::fputs(("\r" + text + "\x1b[K").c_str(), out_);
   std::fflush(out_);
+  shown_ = std::move(text);
   drawn_ = true;
 }
 

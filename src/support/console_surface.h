@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string>
 
 #include "automation/string.h"
 
@@ -42,6 +43,7 @@ class ConsoleSurface {
   String info_;
   int16_t percent_ = 0;
   bool drawn_ = false;     // a terminal line is showing
+  std::string shown_;      // the terminal line as last drawn
   int plain_decile_ = -1;  // the last tenth of the bar written as a plain line
 };
 

@@ -49,6 +49,21 @@ const std::vector<testing::ZipEntry> kPackage = {
     {"js/app.js", "var x = 1;"},
 };
 
+// An extension package: a table control of its own, the phrase its page shows and a function
+// of its user code that the page calls.
+const std::vector<testing::ZipEntry> kExtension = {
+    {"control.xml",
+     "<QuorvexControl date=\"2026/11/25\" version=\"5.3\" desc=\"Stamp\" author=\"Tests\">\r\n"
+     " <control id=\"stamp\" type=\"table\" action=\"add\" ifiles=\"stamp.htm\" "
+     "ofile=\"stamp\" oext=\"txt\"/>\r\n"
+     "</QuorvexControl>\r\n"},
+    {"stamp.htm", "<!--##@Stamped##--> <!--##=StampOf(TABLE.TblName)##-->"},
+    {"usercode.vbs",
+     "Function StampOf(name)\n  StampOf = \"[\" & UCase(name) & \"]\"\nEnd Function\n"},
+    {"lang.xml",
+     "<quorvex.language><phrase id=\"Stamped\" value=\"Made for\"/></quorvex.language>"},
+};
+
 // Every file below `root` with its bytes, by its path relative to `root`.
 std::map<std::string, std::string> Tree(const sfs::path& root) {
   std::map<std::string, std::string> files;
@@ -69,8 +84,12 @@ std::vector<std::string> Names(const std::map<std::string, std::string>& tree) {
 TEST(GenerateCommand, ChinookTreeTwiceThenWithAChangedSetting) {
   const sfs::path dir = FreshDir("generate");
   testing::WriteZip((dir / "pack.zip").string(), kPackage);
+  testing::WriteZip((dir / "stamp.zip").string(), kExtension);
   const std::string chinook = std::string(QV_SHARED_DATA) + "/sqlite/chinook.sqlite";
   ASSERT_EQ(Quorvex(dir, {"new", "chin.qvp", "--db", "sqlite:" + chinook}).status, 0);
+  ASSERT_EQ(
+      Quorvex(dir, {"extension", "add", "chin.qvp", "Stamp", (dir / "stamp.zip").string()}).status,
+      0);
   // Album, Artist and Genre only.
   for (const char* table : {"Customer", "Employee", "Invoice", "InvoiceLine", "MediaType",
                             "Playlist", "PlaylistTrack", "Track"}) {
@@ -88,15 +107,18 @@ TEST(GenerateCommand, ChinookTreeTwiceThenWithAChangedSetting) {
 
   cli_testing::Run run = Quorvex(dir, generate);
   ASSERT_EQ(run.status, 0) << run.err;
-  EXPECT_TRUE(Has(run.out, "11 pages written, 3 files copied, 0 skipped, 0 backed up")) << run.out;
+  EXPECT_TRUE(Has(run.out, "14 pages written, 3 files copied, 0 skipped, 0 backed up")) << run.out;
   EXPECT_TRUE(Has(run.err, "Quorvex - Generating ASP Scripts...")) << run.err;
   const auto first = Tree(dir / "site");
   const std::vector<std::string> expected = {"Album_AlbumIdkey.inc",
                                              "Albumlist.asp",
+                                             "Albumstamp.txt",
                                              "Artist_ArtistIdkey.inc",
                                              "Artistlist.asp",
+                                             "Artiststamp.txt",
                                              "Genre_GenreIdkey.inc",
                                              "Genrelist.asp",
+                                             "Genrestamp.txt",
                                              "chin.css",
                                              "chinook.sqlite",
                                              "default.asp",
@@ -116,6 +138,7 @@ TEST(GenerateCommand, ChinookTreeTwiceThenWithAChangedSetting) {
       << list;
   EXPECT_EQ(first.at("edit/Albumedit.asp"), "  <%' edit Album %>\r\n");
   EXPECT_EQ(first.at("Album_AlbumIdkey.inc"), "<% key = \"AlbumId\" %>\r\n");
+  EXPECT_EQ(first.at("Genrestamp.txt"), "Made for [GENRE]\r\n");
   EXPECT_TRUE(Has(first.at("default.asp"), "</head><body>chin</body></html>"));
   EXPECT_EQ(first.at("chinook.sqlite"), Slurp(chinook));
   EXPECT_TRUE(Has(first.at("chin.css"), "--qv-font: Verdana"));
@@ -131,7 +154,7 @@ TEST(GenerateCommand, ChinookTreeTwiceThenWithAChangedSetting) {
   run = Quorvex(dir, {"generate", "chin.qvp", "--dest", "site", "--template", "pack.zip",
                       "--overwrite", "all"});
   ASSERT_EQ(run.status, 0) << run.err;
-  EXPECT_TRUE(Has(run.out, "11 pages written, 3 files copied, 0 skipped, 13 backed up")) << run.out;
+  EXPECT_TRUE(Has(run.out, "14 pages written, 3 files copied, 0 skipped, 16 backed up")) << run.out;
   auto second = Tree(dir / "site");
   EXPECT_EQ(second.at("Albumlist.asp.bak"), first.at("Albumlist.asp"));
   std::erase_if(second, [](const auto& e) {

@@ -76,6 +76,10 @@ TEST_F(ParseText, EvaluatesTagsWithAHostOfItsOwnOrTheRunningOne) {
   EXPECT_EQ(tyx_->Services().Parse(*tyx_, Variant(u"")), u"");
   EXPECT_EQ(tyx_->Services().Parse(*tyx_, Variant(u"plain \"text\"\r\nline 2")),
             u"plain \"text\"\r\nline 2");
+  // Text typed on Linux: a lone LF is a line end as CR LF is, in page text and in tags.
+  EXPECT_EQ(
+      tyx_->Services().Parse(*tyx_, Variant(u"a\nb<!--## x = 1\ny = 2 ##-->\n<!--##=x+y##-->")),
+      u"a\r\nb\r\n3");
   tyx_->SetProjName(u"Shop");
   EXPECT_EQ(tyx_->Services().Parse(*tyx_, Variant(u"/apps/<!--##=LCase(PROJ.ProjName)##-->/")),
             u"/apps/shop/");
