@@ -3,7 +3,10 @@
 // edit, copy and delete with the form token checked each time.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <fstream>
+#include <string>
 
 #include "package/served_app.h"
 
@@ -16,7 +19,8 @@ using cli_testing::Has;
 class ChinookApp : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
-    dir_ = new sfs::path(cli_testing::FreshDir("package-chinook"));
+    // CTest runs each test of this file as its own process, side by side: one folder each.
+    dir_ = new sfs::path(cli_testing::FreshDir("package-chinook-" + std::to_string(getpid())));
     const sfs::path& dir = *dir_;
     using cli_testing::Quorvex;
     const std::string chinook = std::string(QV_SHARED_DATA) + "/sqlite/chinook.sqlite";
