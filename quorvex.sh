@@ -21,7 +21,7 @@ PACKAGES=(
   lua5.4
   libmicrohttpd-dev chromium wrk nginx-light curl
   libhiredis-dev redis-server
-  libicu-dev
+  libicu-dev libsodium-dev
 )
 # The demo's share: what configuring and building the programs need (the test and benchmark
 # libraries too, since configuring looks for them), sqlite3 for the sample and curl for the
@@ -30,7 +30,7 @@ DEMO_PACKAGES=(
   cmake ninja-build g++ pkg-config
   libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev
   libxml2-dev libzip-dev libsqlite3-dev sqlite3 unixodbc unixodbc-dev libpcre2-dev
-  mdbtools mdbtools-dev libmicrohttpd-dev libhiredis-dev libicu-dev curl
+  mdbtools mdbtools-dev libmicrohttpd-dev libhiredis-dev libicu-dev libsodium-dev curl
 )
 
 log() { printf '\033[1m== %s\033[0m\n' "$*" >&2; }

@@ -1,4 +1,5 @@
-// The ADODB objects and constants come from the ado library; Quorvex.Random is ours.
+// The ADODB objects and constants come from the ado library; Quorvex.Random is ours, and so
+// are Quorvex.Password and Quorvex.Journal in their own files.
 #include "asp/server_classes.h"
 
 #include <sys/random.h>
@@ -63,6 +64,8 @@ void RegisterServerClasses(vbs::ClassRegistry& registry, data::ConnectionPool& p
        {u"ADODB.Connection", u"ADODB.Connection.2.8", u"ADODB.Connection.6.0"})
     registry.Register(prog_id, pooled);
   registry.Register(u"Quorvex.Random", [] { return Ref<Object>(MakeRef<RandomObject>()); });
+  RegisterPasswordClass(registry);
+  RegisterJournalClass(registry);
 }
 
 namespace {

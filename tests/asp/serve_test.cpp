@@ -2,10 +2,12 @@
 // runtime and the HTTP server in this process, one server in dev mode and one without.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <future>
+#include <regex>
 #include <thread>
 
 #include "asp/http_server.h"
@@ -219,6 +221,35 @@ TEST_F(ServeTest, ServerMembers) {
   EXPECT_EQ(Get(port(), "/server.asp?case=transfer").body, "before|child:child:transfer");
   EXPECT_EQ(Get(port(), "/server.asp?case=timeout").body, "90|120");
   EXPECT_EQ(Get(port(), "/server.asp?case=lasterror").body, "IASPError|0");
+  // Salted: one password, two hashes, both verify; a wrong or empty password, or a text that
+  // is no hash, never does.
+  EXPECT_EQ(Get(port(), "/server.asp?case=password").body,
+            "$argon2id$|True|True|False|False|False|False|True|5");
+}
+
+TEST_F(ServeTest, JournalLinesStayWholeUnderConcurrentWriters) {
+  const fs::path dir =
+      fs::path(std::getenv("QV_TEST_SCRATCH") ? std::getenv("QV_TEST_SCRATCH") : "/tmp") /
+      ("journal-" + std::to_string(getpid()));
+  fs::remove_all(dir);
+  const std::string file = (dir / "sub/audit.log").string();
+  std::vector<std::future<std::string>> writers;
+  for (const char* who : {"a", "b", "c"})
+    writers.push_back(std::async(std::launch::async, [&, who] {
+      return Get(port(), "/server.asp?case=journal&who=" + std::string(who) + "&file=" + file).body;
+    }));
+  for (auto& w : writers)
+    EXPECT_EQ(w.get(), "5|52");
+  std::ifstream in(file);
+  std::string line;
+  size_t lines = 0;
+  const std::regex whole("[abc]x{300}[0-9]+\r");
+  while (std::getline(in, line)) {
+    ++lines;
+    EXPECT_TRUE(std::regex_match(line, whole)) << line.substr(0, 40);
+  }
+  EXPECT_EQ(lines, 75u);
+  fs::remove_all(dir);
 }
 
 TEST_F(ServeTest, SessionsApplicationAndGlobalAsa) {

@@ -33,6 +33,28 @@ Case "timeout"
   Response.Write Server.ScriptTimeout
   Server.ScriptTimeout = 120
   Response.Write "|" & Server.ScriptTimeout
+Case "password"
+  Dim pw, h1, h2
+  Set pw = Server.CreateObject("Quorvex.Password")
+  h1 = pw.Hash("s3cret é") : h2 = pw.Hash("s3cret é")
+  Response.Write Left(h1, 10) & "|" & (h1 <> h2) & "|" & pw.Verify("s3cret é", h1) & "|"
+  Response.Write pw.Verify("s3cret e", h1) & "|" & pw.Verify("s3cret é", "plain") & "|"
+  Response.Write pw.Verify("", h1) & "|" & pw.NeedsRehash(h1) & "|" & pw.NeedsRehash("plain")
+  On Error Resume Next
+  pw.Hash ""
+  Response.Write "|" & Err.Number
+Case "journal"
+  Dim jr, n
+  Set jr = Server.CreateObject("Quorvex.Journal")
+  For n = 1 To 25
+    jr.Append Request.QueryString("file"), Request.QueryString("who") & String(300, "x") & n
+  Next
+  On Error Resume Next
+  jr.Append Request.QueryString("file"), "two" & vbLf & "lines"
+  Response.Write Err.Number
+  Err.Clear
+  jr.Append "relative.log", "x"
+  Response.Write "|" & Err.Number
 Case "lasterror"
   Dim e : Set e = Server.GetLastError()
   Response.Write TypeName(e) & "|" & e.Number
