@@ -4,6 +4,7 @@
 #include "asp/asp_error.h"
 #include "asp/intrinsics.h"
 #include "asp/text_codec.h"
+#include "asp/upload_object.h"
 #include "automation/convert.h"
 
 namespace qv::asp {
@@ -86,6 +87,8 @@ class Server : public DispatchObject<Server>, public RequestScoped {
 
   Variant CreateObject(const Variant& v) {
     const String prog_id = ToString(v);
+    // The upload object reads the request, which the engine's class registry never sees.
+    if (EqualsNoCase(prog_id, u"Quorvex.Upload")) return Variant(NewUploadObject(c_));
     Ref<Object> object = c_.classes ? c_.classes->Create(prog_id) : nullptr;
     if (!object) RaiseAspError("Server", "0177", "Invalid class string", kAspInvalidClass);
     return Variant(object);

@@ -10,8 +10,11 @@
 #include <regex>
 #include <thread>
 
+#include <unistd.h>
+
 #include "asp/http_server.h"
 #include "asp/site_runtime.h"
+#include "asp/upload_object.h"
 #include "http_client.h"
 
 namespace qv::asp {
@@ -459,6 +462,63 @@ TEST_F(ServeTest, HostileRequestsGetCleanErrors) {
   slow.get();
   EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(5));
   EXPECT_EQ(Get(port(), "/hello.asp").status, 200);
+}
+
+// Storing an upload: the page gets each file whole, names are made harmless, a server page is
+// never stored, a taken name gets a number, and nothing lands outside the site.
+TEST_F(ServeTest, UploadObjectStoresFilesSafely) {
+  EXPECT_EQ(SafeFileName("C:\\Users\\me\\My Photo (1).JPG"), "My_Photo_1_.JPG");
+  EXPECT_EQ(SafeFileName("../../etc/passwd"), "passwd");
+  EXPECT_EQ(SafeFileName(".htaccess"), "htaccess");
+  EXPECT_EQ(SafeFileName("..."), "");
+  EXPECT_EQ(SafeFileName("Müller.png"), "M_ller.png");
+  EXPECT_EQ(SafeFileName(std::string(300, 'a') + ".pdf").size(), 120u);
+  EXPECT_TRUE(SafeFileName(std::string(300, 'a') + ".pdf").ends_with(".pdf"));
+  for (const char* bad : {"x.asp", "X.ASA", "shell.asp.jpg", "web.config", "a.inc", "b.PHP"})
+    EXPECT_TRUE(IsServerFileName(bad)) << bad;
+  for (const char* good : {"photo.jpg", "aspen.png", "notes.txt", "noext"})
+    EXPECT_FALSE(IsServerFileName(good)) << good;
+
+  const fs::path root = fs::temp_directory_path() / ("qv-upload-" + std::to_string(::getpid()));
+  fs::remove_all(root);
+  fs::create_directories(root / "up");
+  std::ofstream(root / "store.asp") << R"(<%@ ENABLESESSIONSTATE=False %><%
+Dim up, f, name
+Set up = Server.CreateObject("Quorvex.Upload")
+Response.Write "count=" & up.Count & ";"
+If up.File("empty") Is Nothing Then Response.Write "empty=none;"
+Set f = up.File("PIC")
+Response.Write "name=" & f.FileName & ";safe=" & f.SafeName & ";ext=" & f.Extension & ";type=" & _
+  f.ContentType & ";size=" & f.Size & ";bytes=" & (UBound(f.Bytes) + 1) & ";"
+On Error Resume Next
+name = f.SaveIn(Request.QueryString("dir"))
+If Err.Number <> 0 Then Response.Write "err=" & Err.Description Else Response.Write "saved=" & name
+%>)";
+  Served site(root, false);
+  const std::string up = (root / "up").string();
+  const auto post = [&](const std::string& file_name, const std::string& dir) {
+    const std::string body =
+        "--XyZ\r\nContent-Disposition: form-data; name=\"empty\"; filename=\"\"\r\n"
+        "Content-Type: application/octet-stream\r\n\r\n\r\n"
+        "--XyZ\r\nContent-Disposition: form-data; name=\"pic\"; filename=\"" +
+        file_name + "\"\r\nContent-Type: image/png\r\n\r\n" + std::string("\x89PNG\0\r\n", 7) +
+        "\r\n--XyZ--\r\n";
+    return Post(site.port, "/store.asp?dir=" + dir, "multipart/form-data; boundary=XyZ", body).body;
+  };
+  EXPECT_EQ(post("C:\\pics\\Cat.PNG", up),
+            "count=1;empty=none;name=Cat.PNG;safe=Cat.PNG;ext=png;type=image/png;size=7;bytes=7;"
+            "saved=Cat.PNG");
+  EXPECT_TRUE(post("Cat.PNG", up).ends_with("saved=Cat-1.PNG"));
+  std::ifstream stored(root / "up" / "Cat-1.PNG", std::ios::binary);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stored), {}),
+            std::string("\x89PNG\0\r\n", 7));
+  EXPECT_TRUE(post("evil.asp", up).ends_with("err=Files of this type are never stored: evil.asp"));
+  EXPECT_TRUE(post("x.png", root.parent_path().string())
+                  .ends_with("err=The upload folder lies outside the site."));
+  EXPECT_TRUE(post("x.png", up + "/missing").ends_with("err=The upload folder does not exist."));
+  EXPECT_FALSE(fs::exists(root / "up" / "evil.asp"));
+  EXPECT_EQ(Get(site.port, "/up/Cat.PNG").status, 200);
+  fs::remove_all(root);
 }
 
 }  // namespace
