@@ -76,6 +76,7 @@ Function qvHasPage(tbl, page)
     Case "copy": qvHasPage = tbl.TblAdd And tbl.TblCopy And editable
     Case "edit": qvHasPage = tbl.TblEdit And editable
     Case "delete": qvHasPage = tbl.TblDelete And editable
+    Case "search": qvHasPage = tbl.TblList And (UCase(tbl.TblSrchType) = "ADVANCED" Or UCase(tbl.TblSrchType) = "BOTH")
   End Select
 End Function
 
@@ -157,6 +158,7 @@ Function qvTableDef()
   s = s & qvDefLine("qvTbl", "SearchType", t.TblSrchType, "")
   s = s & qvDefLine("qvTbl", "TopPageLink", t.TblTopPageLink, False)
   s = s & qvDefLine("qvTbl", "ExportCsv", t.TblExportCsv, False)
+  s = s & qvSearchTableDef(t)
   For i = 1 To t.Fields.Count
     Set f = t.Fields.Seq(i)
     If Not f Is Nothing Then
@@ -222,6 +224,7 @@ Function qvFieldDef(f)
   s = s & qvDefLine("qvFld", "ErrMsg", f.FldErrMsg, "")
   s = s & qvDefLine("qvFld", "CheckDup", f.FldCheckDuplicate, False)
   s = s & qvDefLine("qvFld", "OrderDir", UCase(f.FldOrder), "")
+  s = s & qvSearchFieldDef(f)
   qvFieldDef = s
 End Function
 
