@@ -74,12 +74,6 @@ class ClassRegistry {
 // that is no such locale.
 int32_t ChangeLocale(RuntimeState& state, int32_t id);
 
-// The statement `Mid(target, start[, length]) = value`: the target's text with `value` written
-// over it from `start`, never longer than before. Pass Variant::Missing() for a left-out
-// length. Raises 94 for Null and 5 for a start beyond the text, as the statement does.
-String MidAssign(const Variant& target, const Variant& start, const Variant& length,
-                 const Variant& value);
-
 // The object behind `New RegExp`.
 Ref<Object> NewRegExp();
 

@@ -514,24 +514,6 @@ String ReplaceText(StringView expr, StringView find, StringView with, int32_t st
   return out;
 }
 
-String MidAssign(const Variant& target, const Variant& start, const Variant& length,
-                 const Variant& value) {
-  const Variant t = ValueOf(target);
-  if (t.is_null()) Raise(kErrInvalidUseOfNull);
-  const size_t first = static_cast<size_t>(StartArg(start));
-  const Variant v = ValueOf(value);
-  if (v.is_null()) Raise(kErrInvalidUseOfNull);
-  const String s = ToString(t);
-  const String x = ToString(v);
-  if (first > s.size()) Raise(kErrInvalidCall);
-  size_t n = x.size();
-  if (!length.is_missing() && !length.is_empty()) n = std::min(n, size_t(CountArg(length)));
-  n = std::min(n, s.size() - (first - 1));
-  std::u16string out(s.view());
-  std::copy_n(x.data(), n, out.begin() + static_cast<ptrdiff_t>(first - 1));
-  return String(StringView(out));
-}
-
 // Windows-1252, the ANSI code page of locale 1033: codes 0x80..0x9F differ from Latin-1.
 constexpr char16_t kCp1252High[32] = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,

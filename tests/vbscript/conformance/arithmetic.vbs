@@ -20,14 +20,12 @@ s = 0
 For i = 1 To 70000
   s = s + i * 2 - 1
 Next
-Check s, 4900000000, "sum past the Long range"
-Check i, CLng(70001), "counter after the loop"
+CheckEach Array("s", 4900000000, "i", CLng(70001))
 s = 0
 For i = 2147480000 To 2147483647 Step 1000
   s = s + i * 2 - 1
 Next
-Check i, 2147484000, "counter past the Long range becomes Double"
-Check s, 17179851996, "sum of Long products that overflow"
+CheckEach Array("i", 2147484000, "s", 17179851996)
 a = 32767 : a = a + 1
 Check a, CLng(32768), "Integer overflow widens to Long"
 a = 2147483647 : a = a + 1
@@ -85,8 +83,7 @@ Check t, 41, "Let of an object takes its default value"
 
 ' Comparisons that jump, with numbers, text and a module variable on the right.
 a = "10" : b = 9
-CheckTrue Not (a < b), "text is never less than a number"
-CheckTrue b < a, "a number is less than text"
+CheckEach Array("Not (a < b)", True, "b < a", True)
 lim = 3 : w = 0
 Do While w < lim
   w = w + 1
@@ -174,9 +171,7 @@ t = 0
 For i = 0 To 4
   t = t + list(i)
 Next
-Check t, 100, "sum of the elements"
-Check list(1.6), 20, "a fractional index rounds"
-Check list("3"), 30, "a text index converts"
+CheckEach Array("t", 100, "list(1.6)", 20, "list(""3"")", 30)
 ReDim Preserve list(5)
 list(5) = 50
 Check list(5), 50, "after ReDim Preserve"
@@ -508,8 +503,7 @@ gs = 0
 For gi = 1 To 50000
   gs = gs + gi * 2 - 1
 Next
-Check gs, 2500000000, "module-level loop widens to Double"
-Check gi, CLng(50001), "module-level counter"
+CheckEach Array("gs", 2500000000, "gi", CLng(50001))
 gs = "text"
 Check gs, "text", "a number replaced by a string"
 Set go = New Tracked

@@ -2,17 +2,12 @@
 
 ' --- Fixed and dynamic arrays: Dim, ReDim [Preserve], Erase, bounds, value semantics.
 Dim fixed(3)
-Check UBound(fixed), CLng(3), "Dim a(3) has four elements"
-Check LBound(fixed), CLng(0), "lower bound 0"
-Check VarType(fixed), 8204, "an array of Variants"
+CheckEach Array("UBound(fixed)", CLng(3), "LBound(fixed)", CLng(0), "VarType(fixed)", 8204)
 fixed(3) = "last"
 Check fixed(3), "last", "element write and read"
-CheckError "x = fixed(4)", 9, "index past the end"
-CheckError "x = fixed(-1)", 9, "negative index"
-CheckError "ReDim fixed(5)", 10, "a fixed array cannot be redimensioned"
+CheckErrors Array("x = fixed(4)", 9, "x = fixed(-1)", 9, "ReDim fixed(5)", 10)
 Dim m(2, 3)
-Check UBound(m, 1), CLng(2), "first dimension"
-Check UBound(m, 2), CLng(3), "second dimension"
+CheckEach Array("UBound(m, 1)", CLng(2), "UBound(m, 2)", CLng(3))
 m(2, 3) = 23
 Check m(2, 3), 23, "two indexes"
 CheckError "x = m(1)", 9, "wrong number of indexes"
@@ -21,24 +16,20 @@ CheckError "x = UBound(dyn)", 9, "an empty dynamic array has no bounds"
 ReDim dyn(2)
 dyn(0) = "a" : dyn(1) = "b" : dyn(2) = "c"
 ReDim Preserve dyn(4)
-Check dyn(1), "b", "Preserve keeps the elements"
-Check UBound(dyn), CLng(4), "Preserve grows"
+CheckEach Array("dyn(1)", "b", "UBound(dyn)", CLng(4))
 ReDim Preserve dyn(1)
-Check UBound(dyn), CLng(1), "Preserve shrinks"
-Check dyn(1), "b", "what still fits stays"
+CheckEach Array("UBound(dyn)", CLng(1), "dyn(1)", "b")
 ReDim dyn(3)
 Check IsEmpty(dyn(1)), True, "ReDim without Preserve clears"
 ReDim x(2)
-Check IsArray(x), True, "ReDim creates an undeclared array"
-Check dyn(1.5), Empty, "indexes round half to even"
+CheckEach Array("IsArray(x)", True, "dyn(1.5)", Empty)
 dyn(2) = 7
 Check dyn(2.5), 7, "2.5 rounds to 2"
 ' Arrays are values: assignment copies.
 a = Array(1, 2, 3)
 b = a
 b(0) = 99
-Check a(0), 1, "assignment copies the array"
-Check b(0), 99, "the copy changed"
+CheckEach Array("a(0)", 1, "b(0)", 99)
 Sub ChangeFirst(arr)
   arr(0) = "changed"
 End Sub
@@ -55,8 +46,7 @@ End Function
 Check MakeArray()(1), "y", "index the result of a call"
 ' Erase.
 Erase fixed
-Check IsEmpty(fixed(3)), True, "Erase of a fixed array empties its elements"
-Check UBound(fixed), CLng(3), "and keeps its size"
+CheckEach Array("IsEmpty(fixed(3))", True, "UBound(fixed)", CLng(3))
 Erase dyn
 CheckError "x = UBound(dyn)", 9, "Erase of a dynamic array frees it"
 ' Arrays in classes.
@@ -78,13 +68,9 @@ CheckError "y = 5 : x = y(0)", 13, "indexing a number"
 
 ' --- Arrays: bounds, ReDim Preserve, several dimensions, Erase, copies and For Each.
 Dim aa(2)
-CheckError "aa(3) = 1", 9, "storing past the end"
-CheckError "aa(-1) = 1", 9, "storing before the start"
-Check TypeName(aa), "Variant()", "fixed array name"
-Check TypeName(aa(0)), "Empty", "elements start Empty"
-CheckError "x = UBound(m, 3)", 9, "no third dimension"
-CheckError "x = UBound(m, 0)", 9, "dimension 0"
-CheckError "m(3, 0) = 1", 9, "first index out of range"
+CheckErrors Array("aa(3) = 1", 9, "aa(-1) = 1", 9)
+CheckEach Array("TypeName(aa)", "Variant()", "TypeName(aa(0))", "Empty")
+CheckErrors Array("x = UBound(m, 3)", 9, "x = UBound(m, 0)", 9, "m(3, 0) = 1", 9)
 ReDim e(1, 1)
 e(1, 1) = 7
 ReDim Preserve e(1, 4)
@@ -97,8 +83,7 @@ For Each v In hh
   v = v * 10
   s = s + v
 Next
-Check s, 30, "For Each walks every element"
-Check hh(0), 1, "the loop variable is a copy"
+CheckEach Array("s", 30, "hh(0)", 1)
 n = 0
 For Each v In Array()
   n = n + 1
@@ -112,9 +97,7 @@ For Each v In grid
 Next
 Check t, "abcd", "For Each goes down the first index first"
 nested = Array(Array(1, 2), Array(3))
-Check nested(0)(1), 2, "array of arrays"
-Check UBound(nested(1)), CLng(0), "inner bounds"
-Check UBound(Array()), CLng(-1), "empty Array()"
+CheckEach Array("nested(0)(1)", 2, "UBound(nested(1))", CLng(0), "UBound(Array())", CLng(-1))
 Sub Fill(arr)
   arr(0) = "filled"
 End Sub
@@ -124,22 +107,19 @@ Check p(0), "filled", "arrays pass ByRef"
 Function MakeArrayOf()
   MakeArrayOf = Array(1, 2, 3)
 End Function
-Check MakeArrayOf()(2), 3, "index the result of a call"
-Check UBound(MakeArrayOf), CLng(2), "array from a function"
+CheckEach Array("MakeArrayOf()(2)", 3, "UBound(MakeArrayOf)", CLng(2))
 ReDim z(0)
 z(0) = Array(1, 2)
 Check z(0)(1), 2, "array inside an element"
 ReDim cube(1, 1, 1)
 cube(1, 1, 1) = "deep"
-Check cube(1, 1, 1), "deep", "three dimensions"
-Check UBound(cube, 3), CLng(1), "third dimension"
+CheckEach Array("cube(1, 1, 1)", "deep", "UBound(cube, 3)", CLng(1))
 CheckError "Dim two(1, 1) : x = two(0)", 9, "too few indices"
 b = Split("a b c")
 ReDim Preserve b(4)
 b(4) = "e"
 Check Join(b, "|"), "a|b|c||e", "ReDim Preserve of a Split result"
-CheckError "x = UBound(""abc"")", 13, "UBound of text"
-CheckError "Dim notArr : x = UBound(notArr)", 13, "UBound of Empty"
+CheckErrors Array("x = UBound(""abc"")", 13, "Dim notArr : x = UBound(notArr)", 13)
 Check LBound(Split("")), CLng(0), "LBound of an empty Split"
 
 ' What Join refuses, and with which error: Null itself, an object without a default value,
@@ -148,10 +128,8 @@ Class NoDefaultForJoin
   Public Tag
 End Class
 Dim joinBox : Set joinBox = New NoDefaultForJoin
-CheckError "x = Join(Null)", 94, "Join of Null"
-CheckError "x = Join(joinBox)", 438, "Join of an object without a default value"
-CheckError "x = Join(Array(""a"", Null, ""c""), ""-"")", 13, "Join over a Null element"
-CheckError "x = Join(Array(""a""), Null)", 94, "Join with a Null separator"
+CheckErrors Array("x = Join(Null)", 94, "x = Join(joinBox)", 438, _
+  "x = Join(Array(""a"", Null, ""c""), ""-"")", 13, "x = Join(Array(""a""), Null)", 94)
 Check Join(Array(7, Empty, "z"), "+"), "7++z", "Empty elements join as nothing"
 
 ' --- Array variables and array values: what Dim with parentheses fixes, what ReDim may change,
@@ -188,8 +166,7 @@ On Error GoTo 0
 ReDim dynArr(3)
 dynArr(3) = "last"
 ReDim Preserve dynArr(4)
-Check dynArr(3), "last", "Preserve keeps the elements"
-Check UBound(dynArr), CLng(4), "new bound"
+CheckEach Array("dynArr(3)", "last", "UBound(dynArr)", CLng(4))
 ReDim Preserve dynArr(1)
 Check UBound(dynArr), CLng(1), "Preserve may shrink"
 ReDim plain(-1)
@@ -197,8 +174,7 @@ Check UBound(plain), CLng(-1), "an empty array has upper bound -1"
 ReDim plain(1, 3)
 plain(1, 3) = "corner"
 ReDim Preserve plain(1, 5)
-Check plain(1, 3), "corner", "Preserve on the last dimension of two"
-Check UBound(plain, 2), CLng(5), "last dimension grown"
+CheckEach Array("plain(1, 3)", "corner", "UBound(plain, 2)", CLng(5))
 
 ' ReDim may create the variable, even under a procedure.
 Sub MakesOwn()
@@ -217,8 +193,7 @@ Function Squares(count)
   Next
 End Function
 x = Squares(4)
-Check UBound(x), CLng(3), "ReDim of the function's own name"
-Check x(3), 9, "elements stored through the function's name"
+CheckEach Array("UBound(x)", CLng(3), "x(3)", 9)
 
 ' Assignment copies an array; so does passing it in parentheses.
 x = Array(1, 2)
@@ -273,8 +248,7 @@ Check n, 2, "For Each over a dynamic array"
 
 ' Indexing results directly, and nested arrays.
 x = Array(Array(3, 4))
-Check x(0)(1), 4, "element of an element"
-Check Array(5, 6)(1), 6, "index on the result of a call"
+CheckEach Array("x(0)(1)", 4, "Array(5, 6)(1)", 6)
 
 ' An element passed to a call that fails is let go: the array may be resized afterwards.
 ReDim dynArr(2)
@@ -292,12 +266,10 @@ Dim jag, inner, levelCalls
 jag = Array(Array(1, 2), Array(3, Array(4, 5)))
 inner = jag(1)(1)
 jag(1)(1)(0) = 40
-Check jag(1)(1)(0), 40, "three levels deep"
-Check inner(0), 4, "a copy taken earlier keeps its own values"
+CheckEach Array("jag(1)(1)(0)", 40, "inner(0)", 4)
 jag(1)(1)(1) = Array(7, Array(8, 9))
 jag(1)(1)(1)(1)(0) = 80
-Check jag(1)(1)(1)(1)(0), 80, "five levels deep"
-Check jag(0)(1) & jag(1)(0), "23", "the other elements stay"
+CheckEach Array("jag(1)(1)(1)(1)(0)", 80, "jag(0)(1) & jag(1)(0)", "23")
 Dim fixedJag(1)
 fixedJag(1) = Array(Array("a", "b"))
 fixedJag(1)(0)(1) = "B"
@@ -310,8 +282,7 @@ Function NextLevel()
   NextLevel = 1
 End Function
 jag(1)(NextLevel())(NextLevel() - 1) = 41
-Check jag(1)(1)(0), 41, "indexes computed by calls"
-Check levelCalls, 2, "each index evaluated once"
+CheckEach Array("jag(1)(1)(0)", 41, "levelCalls", 2)
 On Error Resume Next
 jag(1)(1)(9) = 0
 Check Err.Number, CLng(9), "out of range deep down"
@@ -323,3 +294,15 @@ ReDim Preserve jag(3)
 Check Err.Number, CLng(0), "no lock is left behind"
 On Error GoTo 0
 Check UBound(jag), CLng(3), "and the array takes its new size"
+
+' --- Array, Split, Join and Filter at their edges.
+CheckEach Array("UBound(Array(1, ""x"", 2.5))", CLng(2), "Join(Array(1, ""x"", 2.5), ""-"")", "1-x-2.5", _
+  "Join(Array(1, ""x"", 2.5))", "1 x 2.5", "UBound(Split(""a,b,,c"", "",""))", CLng(3), _
+  "Join(Split(""a,b,,c"", "",""), ""|"")", "a|b||c", "UBound(Split(""""))", CLng(-1), _
+  "Join(Split(""a b c"", "" "", 2), ""|"")", "a|b c", _
+  "Join(Split(""aXbxc"", ""x"", -1, 1), ""|"")", "a|b|c", "Join(Split(""abc"", """"), ""|"")", "abc", _
+  "UBound(Split(""a b"", "" "", 0))", CLng(-1), _
+  "Join(Filter(Array(""Apple"", ""banana"", ""cherry""), ""an""), "","")", "banana", _
+  "Join(Filter(Array(""Apple"", ""banana"", ""cherry""), ""A"", False), "","")", "banana,cherry", _
+  "Join(Filter(Array(""Apple"", ""banana"", ""cherry""), ""A"", True, 1), "","")", "Apple,banana")
+CheckErrors Array("x = UBound(""x"")", 13, "x = Split(Null)", 94)

@@ -34,12 +34,8 @@ Check a, 3, "an expression is a temporary"
 Dim arr(2)
 arr(1) = 10
 AddOne arr(1)
-Check arr(1), 11, "array elements are passed by reference"
-Check Twice(21), 42, "Function result"
-Check TypeName(NoResult()), "Empty", "no result is Empty"
-Check Fact(10), CLng(3628800), "recursion"
-Check UsesOwnName(5), 6, "the function's name is its result variable"
-Check Twice(Twice(2)), 8, "nested calls"
+CheckEach Array("arr(1)", 11, "Twice(21)", 42, "TypeName(NoResult())", "Empty", _
+  "Fact(10)", CLng(3628800), "UsesOwnName(5)", 6, "Twice(Twice(2))", 8)
 ' Locals and globals.
 g = "global"
 Sub Shadow()
@@ -62,16 +58,14 @@ Function Counter()
   Static_ = Static_ + 1
   Counter = Static_
 End Function
-Check Counter(), 1, "locals start Empty each call"
-Check Counter(), 1, "locals start Empty each call again"
+CheckEach Array("Counter()", 1, "Counter()", 1)
 ' Exit.
 Function EarlyExit(n)
   EarlyExit = "start"
   If n > 0 Then Exit Function
   EarlyExit = "end"
 End Function
-Check EarlyExit(1), "start", "Exit Function keeps the result"
-Check EarlyExit(0), "end", "no exit"
+CheckEach Array("EarlyExit(1)", "start", "EarlyExit(0)", "end")
 Sub ExitSub(ByRef out)
   out = 1
   Exit Sub
@@ -80,9 +74,7 @@ End Sub
 ExitSub z
 Check z, 1, "Exit Sub"
 ' Argument errors.
-CheckError "Twice 1, 2", 450, "too many arguments"
-CheckError "x = Twice()", 450, "too few arguments"
-CheckError "x = NotDefinedAnywhere(1)", 13, "calling an unknown name"
+CheckErrors Array("Twice 1, 2", 450, "x = Twice()", 450, "x = NotDefinedAnywhere(1)", 13)
 ' Definitions later in the code are callable earlier.
 Check Later(), "later", "forward reference"
 Function Later()
@@ -143,8 +135,7 @@ Function Twice_2(ByRef n)
 End Function
 y = 4
 z = Twice_2(y)
-Check y, 8, "function argument ByRef"
-Check z, 8, "and its result"
+CheckEach Array("y", 8, "z", 8)
 Function Nothing1()
 End Function
 Check TypeName(Nothing1()), "Empty", "a function that sets nothing returns Empty"
@@ -153,8 +144,7 @@ Function EarlyExit_2(v)
   If v Then Exit Function
   EarlyExit_2 = "after"
 End Function
-Check EarlyExit_2(True), "before", "Exit Function keeps the value so far"
-Check EarlyExit_2(False), "after", "no exit"
+CheckEach Array("EarlyExit_2(True)", "before", "EarlyExit_2(False)", "after")
 Function Factorial(n)
   If n <= 1 Then
     Factorial = 1
@@ -177,8 +167,7 @@ Function GetDict()
   Set GetDict = CreateObject("Scripting.Dictionary")
   GetDict.Add "k", "v"
 End Function
-Check GetDict()("k"), "v", "function returning an object"
-Check TypeName(GetDict), "Dictionary", "object result type"
+CheckEach Array("GetDict()(""k"")", "v", "TypeName(GetDict)", "Dictionary")
 calls = 0
 Sub Bump()
   calls = calls + 1
@@ -208,9 +197,8 @@ Check TypeName(implicitVar), "Empty", "an undeclared name in a procedure is loca
 Function WithExitSub()
   WithExitSub = 1
 End Function
-CheckError "Sub Two(a, b) : End Sub : Two 1", 450, "too few arguments"
-CheckError "Sub Three(a) : End Sub : Three 1, 2", 450, "too many arguments"
-CheckError "x = NoSuchFunction(1)", 13, "call of an unknown name"
+CheckErrors Array("Sub Two(a, b) : End Sub : Two 1", 450, _
+  "Sub Three(a) : End Sub : Three 1, 2", 450, "x = NoSuchFunction(1)", 13)
 Sub ChangeObj(o)
   Set o = Nothing
 End Sub
@@ -245,8 +233,7 @@ Call (SetFirst) ((x))
 Check x(0), 0, "and doubled parentheses pass a copy"
 x = Array(0)
 y = (SetFirst)(x)
-Check y, 1, "a parenthesised function name called in an expression"
-Check x(0), "set", "with its argument by reference"
+CheckEach Array("y", 1, "x(0)", "set")
 y = ((x))(0)
 Check y, "set", "indexing a parenthesised array name"
 
@@ -311,11 +298,6 @@ End Class
 Set withField = New PublicField
 withField.V = 3
 Check withField.V, 3, "a public variable read"
-CheckError "x = withField.V()", 5, "a public variable with empty parentheses"
-CheckError "withField.V()", 5, "and as a statement"
-CheckError "Dim n : n = 5 : x = n()", 13, "an Integer variable called"
-CheckError "Dim s : s = ""s"" : x = s()", 13, "a String variable called"
-CheckError "Dim e : x = e()", 13, "an Empty variable called"
-CheckError "Dim a : a = Array(1) : x = a()", 9, "an array with empty parentheses"
-CheckError "Dim n : n = 5 : n", 13, "a plain variable as a statement"
-CheckError "NeverDefinedAnywhere", 13, "an unknown name as a statement"
+CheckErrors Array("x = withField.V()", 5, "withField.V()", 5, "Dim n : n = 5 : x = n()", 13, _
+  "Dim s : s = ""s"" : x = s()", 13, "Dim e : x = e()", 13, "Dim a : a = Array(1) : x = a()", 9, _
+  "Dim n : n = 5 : n", 13, "NeverDefinedAnywhere", 13)

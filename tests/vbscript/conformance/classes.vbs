@@ -59,18 +59,12 @@ Set p = New Point
 Check events, "init;", "Class_Initialize runs on New"
 p.X = 3
 p.Y = 4
-Check p.Sum(), 7, "method"
-Check p.Sum, 7, "method without parentheses"
+CheckEach Array("p.Sum()", 7, "p.Sum", 7)
 p.Move 1, 1
-Check p.X, 4, "Sub with arguments"
-Check p.Y, 5, "Me.member inside the class"
-Check p.Secret, "s!", "Property Get"
+CheckEach Array("p.X", 4, "p.Y", 5, "p.Secret", "s!")
 p.Secret = "t"
-Check p.Secret, "t!", "Property Let"
-Check TypeName(p), "Point", "TypeName of an instance"
-Check p.Self() Is p, True, "Set to Me"
-CheckError "x = p.secret2", 438, "unknown member"
-CheckError "Set q = New Point : x = q.secretField", 438, "no such member"
+CheckEach Array("p.Secret", "t!", "TypeName(p)", "Point", "p.Self() Is p", True)
+CheckErrors Array("x = p.secret2", 438, "Set q = New Point : x = q.secretField", 438)
 Set q = Nothing
 events = ""
 Set p2 = p
@@ -89,18 +83,13 @@ Check events, "init;term;", "a local instance ends with its procedure"
 Set b = New Box
 b("a") = 1
 b.Item("b") = 2
-Check b("a"), 1, "default property with an argument"
-Check b.Item("b"), 2, "named default property"
-Check b.Count, CLng(2), "property of the class"
+CheckEach Array("b(""a"")", 1, "b.Item(""b"")", 2, "b.Count", CLng(2))
 Set b.Holder = New Point
-Check TypeName(b.Holder), "Point", "Property Set"
-Check IsObject(b), True, "IsObject"
-Check b Is Nothing, False, "not Nothing"
+CheckEach Array("TypeName(b.Holder)", "Point", "IsObject(b)", True, "b Is Nothing", False)
 Set n = Nothing
 Check n Is Nothing, True, "Is Nothing"
-CheckError "Set n = Nothing : x = n.X", 424, "member of Nothing"
-CheckError "Set x = New NoSuchClass", 506, "unknown class"
-CheckError "Set x = 5", 424, "Set needs an object"
+CheckErrors Array("Set n = Nothing : x = n.X", 424, "Set x = New NoSuchClass", 506, _
+  "Set x = 5", 424)
 Class WithDefaultFunction
   Public Default Function Run(a)
     Run = a * 10
@@ -117,8 +106,7 @@ End Class
 Set v = New Valued
 Check v + 1, 43, "default property in arithmetic"
 x = v
-Check x, 42, "Let of an object takes its default value"
-Check TypeName(x), "Integer", "the value, not the object"
+CheckEach Array("x", 42, "TypeName(x)", "Integer")
 
 ' --- Classes: properties, default members, construction and destruction order, Me and object identity.
 Dim trace
@@ -134,8 +122,7 @@ Class Tracked
   End Sub
 End Class
 Set t1 = New Tracked
-Check trace, "init,", "Class_Initialize runs on New"
-Check t1.Name, "unnamed", "Initialize sets fields"
+CheckEach Array("trace", "init,", "t1.Name", "unnamed")
 t1.Name = "one"
 Set t2 = t1
 Set t1 = Nothing
@@ -194,15 +181,11 @@ Set acct = New Account
 acct.Balance = 10
 Check acct.Balance, 10, "Property Let then Get"
 acct.Deposit 5
-Check acct.Balance, 15, "a method calls the class's own properties"
-Check acct("Total: "), "Total: 15", "default function"
-Check acct.Self Is acct, True, "Me is the same object"
+CheckEach Array("acct.Balance", 15, "acct(""Total: "")", "Total: 15", "acct.Self Is acct", True)
 Set acct.Owner = New Tracked
-Check TypeName(acct.Owner), "Tracked", "Property Set then Get"
-Check TypeName(acct), "Account", "TypeName of an instance"
-Check VarType(acct), 9, "VarType of an instance"
-CheckError "acct.Secret", 438, "a private member is not visible"
-CheckError "acct.Missing = 1", 438, "no such member"
+CheckEach Array("TypeName(acct.Owner)", "Tracked", "TypeName(acct)", "Account", _
+  "VarType(acct)", 9)
+CheckErrors Array("acct.Secret", 438, "acct.Missing = 1", 438)
 On Error Resume Next
 acct.Balance = -1
 Check Err.Number, CLng(5), "an error raised in Property Let"
@@ -218,8 +201,7 @@ Class Bag
 End Class
 Set b = New Bag
 b.Items = Array("a", "b")
-Check b(1), "b", "default Property Get with an argument"
-Check b.Items(0), "a", "array held in a public field"
+CheckEach Array("b(1)", "b", "b.Items(0)", "a")
 Class Node
   Public Value
   Public NextNode
@@ -231,14 +213,11 @@ n2.Value = 2
 Set n1.NextNode = n2
 Check n1.NextNode.Value, 2, "chained member access"
 n1.NextNode.Value = 20
-Check n2.Value, 20, "assignment through a chain"
-Check TypeName(n2.NextNode), "Empty", "an unset field is Empty"
-Check IsObject(n1.NextNode), True, "a field holding an object"
+CheckEach Array("n2.Value", 20, "TypeName(n2.NextNode)", "Empty", "IsObject(n1.NextNode)", True)
 Dim e
 Check TypeName(e), "Empty", "a declared variable starts Empty"
 Set e = Nothing
-Check TypeName(e), "Nothing", "Set to Nothing"
-Check e Is Nothing, True, "Is Nothing"
+CheckEach Array("TypeName(e)", "Nothing", "e Is Nothing", True)
 CheckError "Set x = 5", 424, "Set with a non-object"
 
 ' --- Class members as Windows binds them: properties with several arguments, default members
@@ -268,9 +247,7 @@ Check obj.Log, "old=new", "Property Let with an index argument"
 obj.Three(1, 2) = 3
 Check obj.Log, "123", "Property Let with two index arguments"
 Set obj.Slot("k") = obj
-Check obj.Log, "k", "Property Set with an index argument"
-CheckTrue obj.Held Is obj, "Property Set stores the object"
-Check obj.Sum(3, 4), 7, "Property Get with two arguments"
+CheckEach Array("obj.Log", "k", "obj.Held Is obj", True, "obj.Sum(3, 4)", 7)
 Set obj.Held = Nothing
 
 Class SubDefault
@@ -332,8 +309,7 @@ Function MakeCounter(start, ByRef after)
   after = MakeCounter.n
 End Function
 Set obj = MakeCounter(5, y)
-Check obj.n, 6, "the function name used as the object it returns"
-Check y, 6, "and read back inside the function"
+CheckEach Array("obj.n", 6, "y", 6)
 
 Function Recur(stop_now)
   If stop_now Then Exit Function
@@ -356,9 +332,8 @@ Class Holder
 End Class
 Set obj = New Holder
 obj.Fill
-Check UBound(obj.items), CLng(3), "UBound of an array field"
-Check UBound(obj.grid, 2), CLng(4), "second bound of an array field"
-Check obj.items(0), "a", "element of an array field"
+CheckEach Array("UBound(obj.items)", CLng(3), "UBound(obj.grid, 2)", CLng(4), _
+  "obj.items(0)", "a")
 obj.items(1) = "b"
 Check obj.items(1), "b", "assigning an element of an array field"
 On Error Resume Next

@@ -5,8 +5,7 @@ x = 0
 If x = 0 Then x = 1 Else x = 2
 Check x, 1, "single-line If"
 If x = 0 Then x = 5 Else x = 6: y = 7
-Check x, 6, "single-line Else"
-Check y, 7, "statements after Else belong to it"
+CheckEach Array("x", 6, "y", 7)
 If x = 6 Then
   r = "a"
 ElseIf x = 7 Then
@@ -30,8 +29,7 @@ s = ""
 For i = 1 To 5 Step 2
   s = s & i
 Next
-Check s, "135", "For with Step"
-Check i, 7, "counter after the loop"
+CheckEach Array("s", "135", "i", 7)
 s = ""
 For i = 5 To 1 Step -1
   s = s & i
@@ -41,8 +39,7 @@ n = 0
 For i = 1 To 0
   n = n + 1
 Next
-Check n, 0, "empty range"
-Check i, 1, "counter of an empty range"
+CheckEach Array("n", 0, "i", 1)
 s = ""
 For i = 0 To 1 Step 0.25
   s = s & i & ";"
@@ -58,15 +55,13 @@ Check n, 3, "the end is evaluated once"
 For i = 1 To 10
   If i = 4 Then Exit For
 Next
-Check i, 4, "Exit For"
-Check TypeName(i), "Integer", "counter type follows the start"
+CheckEach Array("i", 4, "TypeName(i)", "Integer")
 For k = 1 To 2
   For j = 1 To 10
     If j = 2 Then Exit For
   Next
 Next
-Check j, 2, "Exit For leaves the inner loop only"
-Check k, 3, "outer loop ran on"
+CheckEach Array("j", 2, "k", 3)
 ' Do loops.
 n = 0
 Do While n < 3
@@ -146,8 +141,7 @@ t = ""
 For i = 10 To 1 Step -3
   t = t & i & ","
 Next
-Check t, "10,7,4,1,", "negative step"
-Check i, -2, "after a negative step"
+CheckEach Array("t", "10,7,4,1,", "i", -2)
 limit = 3
 n = 0
 For i = 1 To limit
@@ -254,8 +248,7 @@ Function Classify(v)
       Classify = "other"
   End Select
 End Function
-Check Classify(2), "low", "value in a list"
-Check Classify(5), "mid", "case on one line"
+CheckEach Array("Classify(2)", "low", "Classify(5)", "mid")
 Function Letter(v)
   Select Case v
     Case "x", "y" : Letter = "xy"
@@ -263,12 +256,8 @@ Function Letter(v)
     Case Else : Letter = "other"
   End Select
 End Function
-Check Letter("y"), "xy", "text in a list"
-Check Letter("X"), "upper", "text cases compare in binary"
-Check Letter(""), "other", "empty text"
-Check Classify(Null), "other", "Null matches nothing"
-Check Classify(Empty), "other", "Empty matches nothing here"
-Check Classify(2.0), "low", "Double equals Integer case"
+CheckEach Array("Letter(""y"")", "xy", "Letter(""X"")", "upper", "Letter("""")", "other", _
+  "Classify(Null)", "other", "Classify(Empty)", "other", "Classify(2.0)", "low")
 Function Band(n)
   Select Case True
     Case n < 0 : Band = "negative"
@@ -277,9 +266,7 @@ Function Band(n)
     Case Else : Band = "large"
   End Select
 End Function
-Check Band(-1), "negative", "Select Case True first branch"
-Check Band(50), "tens", "Select Case True middle branch"
-Check Band(1000), "large", "Select Case True else"
+CheckEach Array("Band(-1)", "negative", "Band(50)", "tens", "Band(1000)", "large")
 calls = 0
 Function Counted()
   calls = calls + 1
@@ -339,12 +326,9 @@ Function Letter_3(v)
       Letter_3 = "x"
   End Select
 End Function
-Check Letter_3("x"), "x", "text cases"
-Check Letter_3("b"), "ab", "a list of texts"
+CheckEach Array("Letter_3(""x"")", "x", "Letter_3(""b"")", "ab")
 CheckError "x = Kind(""text"")", 13, "a text against number literals"
-Check Kind(10), "ten", "a later case"
-Check Kind(99), "other", "Case Else"
-Check Kind(Null), "other", "Null matches no case"
+CheckEach Array("Kind(10)", "ten", "Kind(99)", "other", "Kind(Null)", "other")
 Function FirstMatch(v)
   FirstMatch = ""
   Select Case True
@@ -352,9 +336,7 @@ Function FirstMatch(v)
     Case v > 5: FirstMatch = "medium"
   End Select
 End Function
-Check FirstMatch(20), "big", "the first matching case wins"
-Check FirstMatch(7), "medium", "Case with an expression"
-Check FirstMatch(1), "", "no case, no Else"
+CheckEach Array("FirstMatch(20)", "big", "FirstMatch(7)", "medium", "FirstMatch(1)", "")
 n = 0
 Select Case n
 End Select
@@ -367,5 +349,4 @@ Function Count(v)
   End Select
   Count = "not one"
 End Function
-Check Count(1), "one", "Exit Function inside a case"
-Check Count(2), "not one", "falls through to after End Select"
+CheckEach Array("Count(1)", "one", "Count(2)", "not one")

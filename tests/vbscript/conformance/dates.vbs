@@ -3,48 +3,29 @@
 ' --- The date functions at their edges: text of dates on both sides of the epoch, parts of
 ' fractional dates rounded to the second, serial roll-over, names with rounded arguments, and
 ' which argument's error wins.
-Check CStr(CDate(3.34)), "1/2/1900 8:09:36 AM", "a date and time"
-Check CStr(CDate(365.25)), "12/30/1900 6:00:00 AM", "a quarter day"
-Check CStr(CDate(1461)), "12/31/1903", "midnight prints the date alone"
-Check CStr(CDate(-49192.24)), "4/24/1765 5:45:36 AM", "before the epoch the time counts forward"
-Check CStr(CDate(-657434)), "1/1/100", "the first day, year unpadded"
-Check CStr(CDate(2958465)), "12/31/9999", "the last day"
-Check CStr(CDate(-0.25)), "6:00:00 AM", "day zero from below"
-Check CStr(#1/1/100#), "1/1/100", "a literal of year 100"
-Check FormatDateTime(#1/1/100#, vbShortDate), "1/1/100", "short date of year 100"
-Check FormatDateTime(#1/1/100#, vbLongDate), "Friday, January 1, 100", "long date of year 100"
-Check FormatDateTime(0, vbLongDate), "Saturday, December 30, 1899", "long date of day zero"
-Check FormatDateTime(-1.5), "12/29/1899 12:00:00 PM", "general date before the epoch"
-Check FormatDateTime(-1.5, vbShortTime), "12:00", "short time before the epoch"
-Check FormatDateTime(#1/2/2003 00:04:05#, vbShortTime), "00:04", "short time after midnight"
-Check FormatDateTime(#1/2/2003#, 1.5), "1/2/2003", "the format rounds half to even"
-Check FormatDateTime("1/2/2003", "1"), "Thursday, January 2, 2003", "text arguments"
+CheckEach Array("CStr(CDate(3.34))", "1/2/1900 8:09:36 AM", _
+  "CStr(CDate(365.25))", "12/30/1900 6:00:00 AM", "CStr(CDate(1461))", "12/31/1903", _
+  "CStr(CDate(-49192.24))", "4/24/1765 5:45:36 AM", "CStr(CDate(-657434))", "1/1/100", _
+  "CStr(CDate(2958465))", "12/31/9999", "CStr(CDate(-0.25))", "6:00:00 AM", _
+  "CStr(#1/1/100#)", "1/1/100", "FormatDateTime(#1/1/100#, vbShortDate)", "1/1/100", _
+  "FormatDateTime(#1/1/100#, vbLongDate)", "Friday, January 1, 100", _
+  "FormatDateTime(0, vbLongDate)", "Saturday, December 30, 1899", _
+  "FormatDateTime(-1.5)", "12/29/1899 12:00:00 PM", "FormatDateTime(-1.5, vbShortTime)", "12:00", _
+  "FormatDateTime(#1/2/2003 00:04:05#, vbShortTime)", "00:04", _
+  "FormatDateTime(#1/2/2003#, 1.5)", "1/2/2003", _
+  "FormatDateTime(""1/2/2003"", ""1"")", "Thursday, January 2, 2003")
 ' Parts round the time to the nearest second, on either side of the epoch.
-Check Day(2), 1, "Day of a number"
-Check Year(2), 1900, "Year of a number"
-Check Hour(2.75), 18, "Hour of a fraction"
-Check Minute(2.02083), 30, "29.9995 minutes round to 30"
-Check Day(2.9999999), 2, "a tenth of a second before midnight is the next day"
-Check Hour(2.9999999), 0, "and its midnight"
-Check Hour(-1.75), 18, "Hour before the epoch"
-Check Day(-1.5), 29, "Day before the epoch"
-Check Second(1.5 / 86400), 2, "half a second rounds up"
-Check Weekday(-1), 6, "12/29/1899 was a Friday"
-Check Hour("1.5"), 1, "a dotted time in text"
-CheckError "x = Year(2958466)", 6, "a number past the calendar"
-CheckError "x = Year(""x"")", 13, "text that is no date"
+CheckEach Array("Day(2)", 1, "Year(2)", 1900, "Hour(2.75)", 18, "Minute(2.02083)", 30, _
+  "Day(2.9999999)", 2, "Hour(2.9999999)", 0, "Hour(-1.75)", 18, "Day(-1.5)", 29, _
+  "Second(1.5 / 86400)", 2, "Weekday(-1)", 6, "Hour(""1.5"")", 1)
+CheckErrors Array("x = Year(2958466)", 6, "x = Year(""x"")", 13)
 ' Serial roll-over in both directions.
-Check DateSerial(2006, 14, 35), #3/7/2007#, "months and days past the end"
-Check DateSerial(2006, 0, 0), #11/30/2005#, "month and day zero"
-Check DateSerial(2006, 1, -400), #11/26/2004#, "days far back"
-Check DateSerial(2000, 1.5, 1), #2/1/2000#, "a month rounds half to even"
-Check DateSerial(2000, 2.5, 1), #2/1/2000#, "down as well"
-Check DateSerial(Empty, Empty, Empty), #11/30/1999#, "all Empty"
-Check DateSerial(99, 13, 1), #1/1/2000#, "a two-digit year rolls into the next century"
-CheckError "x = DateSerial(10000, 1, 1)", 5, "past 9999"
-CheckError "x = DateSerial(-10000, 1, 1)", 5, "far before 100"
-CheckError "x = DateSerial(Null, 1, 1)", 94, "Null year"
-CheckError "x = DateSerial(2000, 1, ""x"")", 13, "a day that is no number"
+CheckEach Array("DateSerial(2006, 14, 35)", #3/7/2007#, "DateSerial(2006, 0, 0)", #11/30/2005#, _
+  "DateSerial(2006, 1, -400)", #11/26/2004#, "DateSerial(2000, 1.5, 1)", #2/1/2000#, _
+  "DateSerial(2000, 2.5, 1)", #2/1/2000#, "DateSerial(Empty, Empty, Empty)", #11/30/1999#, _
+  "DateSerial(99, 13, 1)", #1/1/2000#)
+CheckErrors Array("x = DateSerial(10000, 1, 1)", 5, "x = DateSerial(-10000, 1, 1)", 5, _
+  "x = DateSerial(Null, 1, 1)", 94, "x = DateSerial(2000, 1, ""x"")", 13)
 Check TimeSerial(24, 2, 1), #12/31/1899 12:02:01 AM#, "24 hours is the next day"
 Check TimeSerial(50, 2, 1), #1/1/1900 2:02:01 AM#, "two days on"
 Check TimeSerial(10, 60, 2), #11:00:02 AM#, "minutes roll into hours"
@@ -53,32 +34,19 @@ Check TimeSerial(25, -1, 0), #12/31/1899 12:59:00 AM#, "a negative minute"
 Check TimeSerial(2.5, 0, 0), #2:00:00 AM#, "hours round half to even"
 CheckError "x = TimeSerial(Null, 0, 0)", 94, "Null hour"
 ' Names: arguments round half to even; the optional ones are read first.
-Check WeekdayName(1.1), "Sunday", "a fraction of a day number"
-Check WeekdayName(1, 10), "Sun", "any non-zero abbreviates"
-Check WeekdayName(1, True, 2.5), "Mon", "first day 2.5 is Monday"
-Check WeekdayName(1, True, 1.5), "Mon", "first day 1.5 is Monday too"
-Check WeekdayName(1, True, 7.1), "Sat", "first day 7.1 is Saturday"
-Check WeekdayName(3, False, vbSaturday), "Monday", "counted from Saturday"
-Check MonthName(1, 10), "Jan", "any non-zero abbreviates"
-Check MonthName(1.5), "February", "a month rounds half to even"
-Check MonthName(12.5), "December", "down as well"
-CheckError "x = MonthName(Null)", 94, "MonthName(Null)"
-CheckError "x = MonthName(1, Null)", 94, "MonthName with Null abbreviation"
-CheckError "x = MonthName(""a"", Null)", 94, "the Null is found before the bad month"
-CheckError "x = MonthName(""a"")", 13, "a month that is no number"
-CheckError "x = MonthName(0.5)", 5, "month 0.5 is 0"
-CheckError "x = WeekdayName(7.5)", 5, "day 7.5 is 8"
-CheckError "x = Weekday(Null, -1)", 5, "the first day is checked before the Null date"
-CheckError "x = Weekday(#1/1/2000#, Null)", 94, "a Null first day"
-CheckError "x = Weekday(Null, Null)", 94, "both Null"
-CheckError "x = Weekday(Null, ""a"")", 13, "a first day that is no number"
-Check Weekday(Null, vbSunday), Null, "a Null date gives Null"
-Check Weekday(#1/1/2000#, 2.5), 6, "first day 2.5 is Monday"
+CheckEach Array("WeekdayName(1.1)", "Sunday", "WeekdayName(1, 10)", "Sun", _
+  "WeekdayName(1, True, 2.5)", "Mon", "WeekdayName(1, True, 1.5)", "Mon", _
+  "WeekdayName(1, True, 7.1)", "Sat", "WeekdayName(3, False, vbSaturday)", "Monday", _
+  "MonthName(1, 10)", "Jan", "MonthName(1.5)", "February", "MonthName(12.5)", "December")
+CheckErrors Array("x = MonthName(Null)", 94, "x = MonthName(1, Null)", 94, _
+  "x = MonthName(""a"", Null)", 94, "x = MonthName(""a"")", 13, "x = MonthName(0.5)", 5, _
+  "x = WeekdayName(7.5)", 5, "x = Weekday(Null, -1)", 5, "x = Weekday(#1/1/2000#, Null)", 94, _
+  "x = Weekday(Null, Null)", 94, "x = Weekday(Null, ""a"")", 13)
+CheckEach Array("Weekday(Null, vbSunday)", Null, "Weekday(#1/1/2000#, 2.5)", 6)
 ' DateAdd keeps the day when it can and clips it to the month's end when it cannot.
-Check DateAdd("m", 1, #1/31/2004#), #2/29/2004#, "into a leap February"
-Check DateAdd("m", -1, #3/31/2005#), #2/28/2005#, "back into February"
-Check DateAdd("q", 1, #1/31/2004#), #4/30/2004#, "a quarter on"
-Check DateAdd("yyyy", 1, "2/29/2004"), #2/28/2005#, "a leap day a year on"
+CheckEach Array("DateAdd(""m"", 1, #1/31/2004#)", #2/29/2004#, _
+  "DateAdd(""m"", -1, #3/31/2005#)", #2/28/2005#, "DateAdd(""q"", 1, #1/31/2004#)", #4/30/2004#, _
+  "DateAdd(""yyyy"", 1, ""2/29/2004"")", #2/28/2005#)
 Check DateAdd("m", 1, #1/31/2004 10:30:00 PM#), #2/29/2004 10:30:00 PM#, "the time stays"
 Check DateAdd("ww", -1, DateSerial(2000, 1, 1)), #12/25/1999#, "a week back"
 Check DateAdd("h", 36, -1.75), #12/31/1899 6:00:00 AM#, "hours across the epoch"
@@ -86,29 +54,26 @@ Check DateAdd("d", -1, 0.25), #12/29/1899 6:00:00 AM#, "a day back across the ep
 Check DateAdd("n", 30, -0.5), #12:30:00 PM#, "minutes on day zero"
 Check DateAdd("d", 1, Null), Null, "a Null date gives Null"
 Check DateAdd("d", 1, -657434.5), #1/2/100 12:00:00 PM#, "from noon of the first day"
-CheckError "x = DateAdd(Null, 1, #1/1/2000#)", 94, "a Null interval"
-CheckError "x = DateAdd(""q"", Null, #1/1/2000#)", 94, "a Null count"
-CheckError "x = DateAdd(""dd"", 1, #1/1/2000#)", 5, "an unknown interval"
-CheckError "x = DateAdd(""yyyy"", 1, #12/31/9999#)", 5, "past the last year"
-CheckError "x = DateAdd(""d"", -1, #1/1/100#)", 5, "before the first day"
+CheckErrors Array("x = DateAdd(Null, 1, #1/1/2000#)", 94, _
+  "x = DateAdd(""q"", Null, #1/1/2000#)", 94, "x = DateAdd(""dd"", 1, #1/1/2000#)", 5, _
+  "x = DateAdd(""yyyy"", 1, #12/31/9999#)", 5, "x = DateAdd(""d"", -1, #1/1/100#)", 5)
 ' DateDiff counts boundaries crossed; "w" counts whole weeks, "ww" first days of the week.
-Check DateDiff("d", #1/2/2000 1:00 AM#, #1/1/2000 11:00 PM#), CLng(-1), "one midnight back"
-Check DateDiff("w", #1/1/2000#, #1/14/2000#), CLng(1), "13 days are one whole week"
-Check DateDiff("w", #1/14/2000#, #1/1/2000#), CLng(-1), "and back"
-Check DateDiff("ww", #1/1/2000#, #1/2/2000#), CLng(1), "Saturday to Sunday"
-Check DateDiff("ww", #1/1/2000#, #1/2/2000#, vbMonday), CLng(0), "no Monday crossed"
-Check DateDiff("ww", #1/1/2000#, #1/8/2000#, vbSaturday), CLng(1), "the second date's Saturday counts"
-Check DateDiff("q", #12/31/2000#, #1/1/2000#), CLng(-3), "quarters back"
-Check DateDiff("h", -1.25, -1.75), CLng(12), "hours before the epoch"
-Check DateDiff("s", -1.25, -0.75), CLng(129600), "seconds across the epoch"
-Check DateDiff("d", -0.5, 0), CLng(0), "day zero's noon and midnight"
+CheckEach Array("DateDiff(""d"", #1/2/2000 1:00 AM#, #1/1/2000 11:00 PM#)", CLng(-1), _
+  "DateDiff(""w"", #1/1/2000#, #1/14/2000#)", CLng(1), _
+  "DateDiff(""w"", #1/14/2000#, #1/1/2000#)", CLng(-1), _
+  "DateDiff(""ww"", #1/1/2000#, #1/2/2000#)", CLng(1), _
+  "DateDiff(""ww"", #1/1/2000#, #1/2/2000#, vbMonday)", CLng(0), _
+  "DateDiff(""ww"", #1/1/2000#, #1/8/2000#, vbSaturday)", CLng(1), _
+  "DateDiff(""q"", #12/31/2000#, #1/1/2000#)", CLng(-3), _
+  "DateDiff(""h"", -1.25, -1.75)", CLng(12), "DateDiff(""s"", -1.25, -0.75)", CLng(129600), _
+  "DateDiff(""d"", -0.5, 0)", CLng(0))
 ' Week numbers under each first-week rule.
-Check DatePart("ww", #12/31/2000#), 54, "a leap year from Saturday has 54 weeks"
-Check DatePart("ww", #1/1/2000#, vbSunday, vbFirstFullWeek), 52, "before the first full week"
-Check DatePart("ww", #1/2/2000#, vbSunday, vbFirstFullWeek), 1, "the first full week"
-Check DatePart("ww", #12/31/2000#, vbMonday, vbFirstFourDays), 52, "a Sunday ends week 52"
-Check DatePart("ww", #12/30/2003#, vbMonday, vbFirstFourDays), 1, "late December in week 1"
-Check DatePart("ww", #1/1/2005#, vbMonday, vbFirstFourDays), 53, "early January in week 53"
+CheckEach Array("DatePart(""ww"", #12/31/2000#)", 54, _
+  "DatePart(""ww"", #1/1/2000#, vbSunday, vbFirstFullWeek)", 52, _
+  "DatePart(""ww"", #1/2/2000#, vbSunday, vbFirstFullWeek)", 1, _
+  "DatePart(""ww"", #12/31/2000#, vbMonday, vbFirstFourDays)", 52, _
+  "DatePart(""ww"", #12/30/2003#, vbMonday, vbFirstFourDays)", 1, _
+  "DatePart(""ww"", #1/1/2005#, vbMonday, vbFirstFourDays)", 53)
 
 ' --- Reading dates from text: the orders tried for bare numbers, month names, the time with ':'
 ' or '.', AM/PM, two-digit years, and the text that is refused.
@@ -116,39 +81,25 @@ Dim thisYear
 thisYear = Year(Now)
 
 ' Three numbers: month/day/year first, then year/month/day, then day/month/year.
-Check CDate("3/7/2006"), #3/7/2006#, "month/day/year"
-Check CDate("3-7-2006"), #3/7/2006#, "with dashes"
-Check CDate("3 7 2006"), #3/7/2006#, "with spaces"
-Check CDate("3,7,2006"), #3/7/2006#, "with commas"
-Check CDate("2006-03-07"), #3/7/2006#, "year first"
-Check CDate("13/1/2006"), #1/13/2006#, "a first number above 12 is the day"
-Check CDate("14 2 3"), #2/3/2014#, "year/month/day wins over day/month/year"
-Check CDate("32 2 3"), #2/3/1932#, "a first number above 31 is the year"
-Check CDate("2 3 32"), #2/3/1932#, "a last number above 31 is the year"
-Check CDate("99-1-1"), #1/1/1999#, "two-digit year first"
-Check CDate("1/2/3"), #1/2/2003#, "one-digit parts"
-Check CDate("100-1-1"), #1/1/100#, "the first year"
+CheckEach Array("CDate(""3/7/2006"")", #3/7/2006#, "CDate(""3-7-2006"")", #3/7/2006#, _
+  "CDate(""3 7 2006"")", #3/7/2006#, "CDate(""3,7,2006"")", #3/7/2006#, _
+  "CDate(""2006-03-07"")", #3/7/2006#, "CDate(""13/1/2006"")", #1/13/2006#, _
+  "CDate(""14 2 3"")", #2/3/2014#, "CDate(""32 2 3"")", #2/3/1932#, _
+  "CDate(""2 3 32"")", #2/3/1932#, "CDate(""99-1-1"")", #1/1/1999#, _
+  "CDate(""1/2/3"")", #1/2/2003#, "CDate(""100-1-1"")", #1/1/100#)
 ' Two-digit years: 00-29 are this century, 30-99 the last.
-Check Year(CDate("1/1/00")), 2000, "year 00"
-Check Year(CDate("1/1/29")), 2029, "year 29"
-Check Year(CDate("1/1/30")), 1930, "year 30"
-Check Year(CDate("12/31/99")), 1999, "year 99"
+CheckEach Array("Year(CDate(""1/1/00""))", 2000, "Year(CDate(""1/1/29""))", 2029, _
+  "Year(CDate(""1/1/30""))", 1930, "Year(CDate(""12/31/99""))", 1999)
 ' Two numbers: month and day of this year, else day and month, else month and year.
-Check CDate("3/7"), DateSerial(thisYear, 3, 7), "month/day of this year"
-Check CDate("14 1"), DateSerial(thisYear, 1, 14), "day/month of this year"
-Check CDate("2006-12"), #12/1/2006#, "year and month"
-Check CDate("12-2006"), #12/1/2006#, "month and year"
-Check CDate("30 2"), #2/1/1930#, "no day in February 30: a month and a year"
+CheckEach Array("CDate(""3/7"")", DateSerial(thisYear, 3, 7), _
+  "CDate(""14 1"")", DateSerial(thisYear, 1, 14), "CDate(""2006-12"")", #12/1/2006#, _
+  "CDate(""12-2006"")", #12/1/2006#, "CDate(""30 2"")", #2/1/1930#)
 ' Month names, full or in three letters, with the numbers in any order.
-Check CDate("7 March 2006"), #3/7/2006#, "day month year"
-Check CDate("March 7, 2006"), #3/7/2006#, "month day, year"
-Check CDate("Mar 7 2006"), #3/7/2006#, "abbreviated month"
-Check CDate("7-Mar-06"), #3/7/2006#, "day-month-two-digit year"
-Check CDate("2006-Mar-7"), #3/7/2006#, "year-month-day"
-Check CDate("Tuesday, March 7, 2006"), #3/7/2006#, "a weekday name is skipped"
-Check CDate("March 2006"), #3/1/2006#, "month and year"
-Check CDate("Jan 35"), #1/1/1935#, "a number that is no day is the year"
-Check CDate("Jan 2"), DateSerial(thisYear, 1, 2), "month and day of this year"
+CheckEach Array("CDate(""7 March 2006"")", #3/7/2006#, "CDate(""March 7, 2006"")", #3/7/2006#, _
+  "CDate(""Mar 7 2006"")", #3/7/2006#, "CDate(""7-Mar-06"")", #3/7/2006#, _
+  "CDate(""2006-Mar-7"")", #3/7/2006#, "CDate(""Tuesday, March 7, 2006"")", #3/7/2006#, _
+  "CDate(""March 2006"")", #3/1/2006#, "CDate(""Jan 35"")", #1/1/1935#, _
+  "CDate(""Jan 2"")", DateSerial(thisYear, 1, 2))
 ' Times: ':' or '.' between the parts, AM/PM only below 13 o'clock.
 Check CDate("9:05"), #9:05:00 AM#, "hours and minutes"
 Check CDate("9.05"), #9:05:00 AM#, "a dot separates the time too"
@@ -166,10 +117,8 @@ Check CDate("1.2 3 4 5"), #3/4/2005 1:02:00 AM#, "a time with a dot before a dat
 ' Text that is no date but a number counts days; the date reading comes first.
 Check CDate("-1"), #12/29/1899#, "a negative number of days"
 Check CDate("1.5"), #1:05:00 AM#, "a dotted number is a time"
-Check IsDate("1"), False, "IsDate of a bare number"
-Check IsDate("4.5"), True, "IsDate of a dotted time"
-Check IsDate("3/7/2006 9:05 PM"), True, "IsDate of a date and time"
-Check IsDate("13/13/2006"), False, "IsDate with no month"
+CheckEach Array("IsDate(""1"")", False, "IsDate(""4.5"")", True, _
+  "IsDate(""3/7/2006 9:05 PM"")", True, "IsDate(""13/13/2006"")", False)
 ' Refused text.
 Dim bad
 For Each bad In Array("", " ", "x", "3/7/2006x", "January", "Sept 5, 2006", "25:00", "23:60", _
@@ -180,101 +129,72 @@ For Each bad In Array("", " ", "x", "3/7/2006x", "January", "Sept 5, 2006", "25:
   Check IsDate(bad), False, "IsDate refuses [" & bad & "]"
 Next
 ' Number arguments: any time of 1/1/100 through 12/31/9999, before or after the epoch.
-Check CStr(CDate(-657434.5)), "1/1/100 12:00:00 PM", "noon of the first day"
-Check CStr(CDate(2958465.5)), "12/31/9999 12:00:00 PM", "noon of the last day"
-CheckError "x = CDate(2958466)", 6, "the day after the last"
-CheckError "x = CDate(""2958466"")", 6, "the day after the last, as text"
-CheckError "x = CDate(-657435)", 6, "the day before the first"
+CheckEach Array("CStr(CDate(-657434.5))", "1/1/100 12:00:00 PM", _
+  "CStr(CDate(2958465.5))", "12/31/9999 12:00:00 PM")
+CheckErrors Array("x = CDate(2958466)", 6, "x = CDate(""2958466"")", 6, "x = CDate(-657435)", 6)
 ' Literals read the same way.
 Check #13/1/2006#, #1/13/2006#, "a literal with the day first"
 Check #March 7, 2006#, #3/7/2006#, "a literal with a month name"
 Check #2006-03-07#, #3/7/2006#, "a literal with the year first"
 ' A date literal compared with text reads the text as a date.
-Check #3/7/2006# = "3/7/2006", True, "a date literal equals its text"
-Check #3/7/2006# < "March 8, 2006", True, "a date literal before a later date's text"
+CheckEach Array("#3/7/2006# = ""3/7/2006""", True, "#3/7/2006# < ""March 8, 2006""", True)
 CheckError "x = (#3/7/2006# = ""soon"")", 13, "text that is no date"
 
 ' --- Date arithmetic and parts in the 1033 locale: month ends, leap years, week numbering, formats.
-Check DateAdd("m", 1, #1/31/2003#), #2/28/2003#, "month end in a common year"
-Check DateAdd("yyyy", 1, #2/29/2004#), #2/28/2005#, "leap day plus a year"
-Check DateAdd("d", -1, #3/1/2004#), #2/29/2004#, "a day back into February"
+CheckEach Array("DateAdd(""m"", 1, #1/31/2003#)", #2/28/2003#, _
+  "DateAdd(""yyyy"", 1, #2/29/2004#)", #2/28/2005#, _
+  "DateAdd(""d"", -1, #3/1/2004#)", #2/29/2004#)
 Check DateAdd("h", 25, #1/1/2004#), #1/2/2004 1:00:00 AM#, "hours over a day"
 Check DateAdd("n", -1, #1/1/2004#), #12/31/2003 11:59:00 PM#, "a minute back over the year"
 Check DateAdd("s", 90, #1/1/2004#), #1/1/2004 12:01:30 AM#, "seconds"
-Check DateAdd("q", 1, #11/30/2004#), #2/28/2005#, "quarter"
-Check DateAdd("ww", 2, #1/1/2004#), #1/15/2004#, "weeks"
-Check DateAdd("w", 1, #1/3/2004#), #1/4/2004#, "w adds days"
-Check DateAdd("y", 1, #12/31/2004#), #1/1/2005#, "y adds days"
-Check TypeName(DateAdd("d", 1, "1/1/2004")), "Date", "DateAdd of text"
+CheckEach Array("DateAdd(""q"", 1, #11/30/2004#)", #2/28/2005#, _
+  "DateAdd(""ww"", 2, #1/1/2004#)", #1/15/2004#, "DateAdd(""w"", 1, #1/3/2004#)", #1/4/2004#, _
+  "DateAdd(""y"", 1, #12/31/2004#)", #1/1/2005#, _
+  "TypeName(DateAdd(""d"", 1, ""1/1/2004""))", "Date")
 CheckError "x = DateAdd(""x"", 1, Now)", 5, "unknown interval"
-Check DateDiff("d", #1/1/2004#, #3/1/2004#), CLng(60), "days over a leap February"
-Check DateDiff("d", #3/1/2004#, #1/1/2004#), CLng(-60), "reversed"
-Check DateDiff("m", #1/31/2004#, #2/1/2004#), CLng(1), "months count boundaries"
-Check DateDiff("yyyy", #12/31/2003#, #1/1/2004#), CLng(1), "years count boundaries"
-Check DateDiff("h", #1/1/2004#, #1/2/2004#), CLng(24), "hours"
-Check DateDiff("n", #1/1/2004 10:00#, #1/1/2004 10:59:59#), CLng(59), "minutes"
-Check DateDiff("s", #1/1/2004#, #1/1/2004 0:01#), CLng(60), "seconds"
-Check DateDiff("q", #3/31/2004#, #4/1/2004#), CLng(1), "quarters"
-Check DateDiff("ww", #1/1/2004#, #1/15/2004#), CLng(2), "Sundays crossed"
-Check DateDiff("ww", #1/3/2004#, #1/4/2004#), CLng(1), "Saturday to Sunday crosses one"
-Check DateDiff("w", #1/1/2004#, #1/14/2004#), CLng(1), "whole weeks"
-Check DateDiff("d", #1/1/2004 23:00#, #1/2/2004 1:00#), CLng(1), "days count midnights"
-Check TypeName(DateDiff("d", Now, Now)), "Long", "DateDiff type"
-Check DatePart("q", #5/1/2004#), 2, "quarter"
-Check DatePart("y", #2/1/2004#), 32, "day of the year"
-Check DatePart("w", #1/4/2004#), 1, "Sunday"
-Check DatePart("w", #1/4/2004#, vbMonday), 7, "Sunday with Monday first"
-Check DatePart("ww", #1/1/2004#), 1, "first week"
-Check DatePart("ww", #1/4/2004#), 2, "a Sunday starts week two"
-Check DatePart("yyyy", #1/4/2004#), 2004, "year"
-Check DatePart("h", #1/1/2004 13:30#), 13, "hour"
-Check Weekday(#1/1/2004#), 5, "Thursday"
-Check Weekday(#1/1/2004#, vbMonday), 4, "Thursday counted from Monday"
-Check Weekday(#1/1/2004#, vbSaturday), 6, "counted from Saturday"
-Check WeekdayName(1), "Sunday", "WeekdayName"
-Check WeekdayName(1, True), "Sun", "short WeekdayName"
-Check WeekdayName(1, False, vbMonday), "Monday", "WeekdayName from Monday"
-Check MonthName(2), "February", "MonthName"
-Check MonthName(2, True), "Feb", "short MonthName"
+CheckEach Array("DateDiff(""d"", #1/1/2004#, #3/1/2004#)", CLng(60), _
+  "DateDiff(""d"", #3/1/2004#, #1/1/2004#)", CLng(-60), _
+  "DateDiff(""m"", #1/31/2004#, #2/1/2004#)", CLng(1), _
+  "DateDiff(""yyyy"", #12/31/2003#, #1/1/2004#)", CLng(1), _
+  "DateDiff(""h"", #1/1/2004#, #1/2/2004#)", CLng(24), _
+  "DateDiff(""n"", #1/1/2004 10:00#, #1/1/2004 10:59:59#)", CLng(59), _
+  "DateDiff(""s"", #1/1/2004#, #1/1/2004 0:01#)", CLng(60), _
+  "DateDiff(""q"", #3/31/2004#, #4/1/2004#)", CLng(1), _
+  "DateDiff(""ww"", #1/1/2004#, #1/15/2004#)", CLng(2), _
+  "DateDiff(""ww"", #1/3/2004#, #1/4/2004#)", CLng(1), _
+  "DateDiff(""w"", #1/1/2004#, #1/14/2004#)", CLng(1), _
+  "DateDiff(""d"", #1/1/2004 23:00#, #1/2/2004 1:00#)", CLng(1), _
+  "TypeName(DateDiff(""d"", Now, Now))", "Long", "DatePart(""q"", #5/1/2004#)", 2, _
+  "DatePart(""y"", #2/1/2004#)", 32)
+CheckEach Array("DatePart(""w"", #1/4/2004#)", 1, "DatePart(""w"", #1/4/2004#, vbMonday)", 7, _
+  "DatePart(""ww"", #1/1/2004#)", 1, "DatePart(""ww"", #1/4/2004#)", 2, _
+  "DatePart(""yyyy"", #1/4/2004#)", 2004, "DatePart(""h"", #1/1/2004 13:30#)", 13, _
+  "Weekday(#1/1/2004#)", 5, "Weekday(#1/1/2004#, vbMonday)", 4, _
+  "Weekday(#1/1/2004#, vbSaturday)", 6, "WeekdayName(1)", "Sunday", _
+  "WeekdayName(1, True)", "Sun", "WeekdayName(1, False, vbMonday)", "Monday", _
+  "MonthName(2)", "February", "MonthName(2, True)", "Feb")
 CheckError "x = MonthName(13)", 5, "MonthName(13)"
-Check DateSerial(2004, 2, 30), #3/1/2004#, "DateSerial rolls the day"
-Check DateSerial(2004, 13, 1), #1/1/2005#, "DateSerial rolls the month"
-Check DateSerial(2004, 0, 1), #12/1/2003#, "month zero"
-Check DateSerial(2004, 3, 0), #2/29/2004#, "day zero"
-Check DateSerial(99, 1, 1), #1/1/1999#, "two-digit year"
+CheckEach Array("DateSerial(2004, 2, 30)", #3/1/2004#, "DateSerial(2004, 13, 1)", #1/1/2005#, _
+  "DateSerial(2004, 0, 1)", #12/1/2003#, "DateSerial(2004, 3, 0)", #2/29/2004#, _
+  "DateSerial(99, 1, 1)", #1/1/1999#)
 Check TimeSerial(1, 90, 0), #2:30:00 AM#, "TimeSerial rolls minutes"
-Check CDbl(TimeSerial(12, 0, 0)), 0.5, "noon is half a day"
-Check DateValue("1/2/2003 10:00"), #1/2/2003#, "DateValue drops the time"
-Check Int(TimeValue("1/2/2003 10:00")), CDate(0), "TimeValue drops the date"
-Check Minute(TimeValue("1/2/2003 10:59")), 59, "and keeps the time"
-Check Year(#2/29/2004#), 2004, "Year"
-Check Day(#2/29/2004#), 29, "Day"
-Check Hour(#1:02:03 PM#), 13, "Hour"
-Check Minute(#1:02:03 PM#), 2, "Minute"
-Check Second(#1:02:03 PM#), 3, "Second"
-Check TypeName(Year(Null)), "Null", "Year(Null)"
-Check Month("3/4/2005"), 3, "Month of text"
-Check FormatDateTime(#1/2/2003 13:04:05#), "1/2/2003 1:04:05 PM", "general date"
-Check FormatDateTime(#1/2/2003 13:04:05#, vbShortDate), "1/2/2003", "short date"
-Check FormatDateTime(#1/2/2003 13:04:05#, vbLongTime), "1:04:05 PM", "long time"
-Check FormatDateTime(#1/2/2003 13:04:05#, vbShortTime), "13:04", "short time"
-Check FormatDateTime(#1/2/2003#), "1/2/2003", "general date without time"
-Check FormatDateTime(#13:04:05#), "1:04:05 PM", "general date of a time"
-Check TypeName(Date), "Date", "Date"
-Check Int(CDbl(Date)), CDbl(Date), "Date has no time"
-Check Now >= Date, True, "Now is today or later"
-Check TypeName(Timer), "Single", "Timer"
-Check CDate("12/31/1899") < CDate("1/1/1900"), True, "dates compare"
-Check #1/1/100#, DateSerial(100, 1, 1), "the earliest year"
-CheckError "x = MonthName(0)", 5, "MonthName(0)"
-CheckError "x = WeekdayName(8)", 5, "WeekdayName(8)"
-CheckError "x = Weekday(Now, 8)", 5, "Weekday with a bad first day"
-Check WeekdayName(7, True, vbMonday), "Sun", "the seventh day from Monday"
-Check TypeName(DateDiff("yyyy", Null, #1/1/2004#)), "Null", "DateDiff with Null"
-Check TypeName(DatePart("m", Null)), "Null", "DatePart with Null"
-Check IsDate("25:00"), False, "IsDate of an hour past 23"
-Check IsDate("Feb 30, 2000"), False, "IsDate of February 30"
-Check CDate("15-Jan-2004"), #1/15/2004#, "day-month name-year"
+CheckEach Array("CDbl(TimeSerial(12, 0, 0))", 0.5, "DateValue(""1/2/2003 10:00"")", #1/2/2003#, _
+  "Int(TimeValue(""1/2/2003 10:00""))", CDate(0), "Minute(TimeValue(""1/2/2003 10:59""))", 59, _
+  "Year(#2/29/2004#)", 2004, "Day(#2/29/2004#)", 29, "Hour(#1:02:03 PM#)", 13, _
+  "Minute(#1:02:03 PM#)", 2, "Second(#1:02:03 PM#)", 3, "TypeName(Year(Null))", "Null", _
+  "Month(""3/4/2005"")", 3, "FormatDateTime(#1/2/2003 13:04:05#)", "1/2/2003 1:04:05 PM", _
+  "FormatDateTime(#1/2/2003 13:04:05#, vbShortDate)", "1/2/2003", _
+  "FormatDateTime(#1/2/2003 13:04:05#, vbLongTime)", "1:04:05 PM", _
+  "FormatDateTime(#1/2/2003 13:04:05#, vbShortTime)", "13:04", _
+  "FormatDateTime(#1/2/2003#)", "1/2/2003", "FormatDateTime(#13:04:05#)", "1:04:05 PM", _
+  "TypeName(Date)", "Date", "Int(CDbl(Date))", CDbl(Date), "Now >= Date", True, _
+  "TypeName(Timer)", "Single", "CDate(""12/31/1899"") < CDate(""1/1/1900"")", True, _
+  "#1/1/100#", DateSerial(100, 1, 1))
+CheckErrors Array("x = MonthName(0)", 5, "x = WeekdayName(8)", 5, "x = Weekday(Now, 8)", 5)
+CheckEach Array("WeekdayName(7, True, vbMonday)", "Sun", _
+  "TypeName(DateDiff(""yyyy"", Null, #1/1/2004#))", "Null", _
+  "TypeName(DatePart(""m"", Null))", "Null", "IsDate(""25:00"")", False, _
+  "IsDate(""Feb 30, 2000"")", False, "CDate(""15-Jan-2004"")", #1/15/2004#)
 Check CDate("1/15/2004 3 PM"), #1/15/2004 3:00:00 PM#, "hour with PM"
 Check FormatDateTime(#1/2/2003#, vbShortTime), "00:00", "short time of midnight"
 CheckError "x = FormatDateTime(Now, 5)", 5, "unknown format"
@@ -283,63 +203,78 @@ CheckError "x = FormatDateTime(Now, 5)", 5, "unknown format"
 ' DateAdd, DateDiff and DatePart with their week rules, and the 1033 texts.
 Dim d
 d = CDate("3/7/2006 9:05:01 PM")
-Check CStr(d), "3/7/2006 9:05:01 PM", "CStr of a date"
-Check Year(d), 2006, "Year"
-Check Month(d), 3, "Month"
-Check Day(d), 7, "Day"
-Check Hour(d), 21, "Hour"
-Check Minute(d), 5, "Minute"
-Check Second(d), 1, "Second"
-Check Weekday(d), 3, "Weekday"
-Check Weekday(d, vbMonday), 2, "Weekday from Monday"
-Check Year(Null), Null, "Year(Null)"
-Check WeekdayName(1, True, vbMonday), "Mon", "WeekdayName from Monday"
-Check CStr(DateSerial(2006, 13, 1)), "1/1/2007", "DateSerial month roll-over"
-Check CStr(DateSerial(2004, 3, 0)), "2/29/2004", "DateSerial leap day"
-Check CStr(DateSerial(2006, 3, 0)), "2/28/2006", "DateSerial common year"
-Check CStr(DateSerial(29, 1, 1)), "1/1/2029", "two-digit year 29"
-Check CStr(DateSerial(30, 1, 1)), "1/1/1930", "two-digit year 30"
-Check CStr(TimeSerial(12, -1, 0)), "11:59:00 AM", "TimeSerial roll-back"
-Check CStr(TimeSerial(0, 0, 0)), "12:00:00 AM", "midnight alone"
-Check CStr(DateValue("March 7, 2006")), "3/7/2006", "DateValue with a month name"
-Check CStr(TimeValue("21:05")), "9:05:00 PM", "TimeValue"
-Check IsDate("2/29/2004"), True, "IsDate leap"
-Check IsDate("2/29/2006"), False, "IsDate not leap"
-Check CStr(DateAdd("m", 1, #1/31/2006#)), "2/28/2006", "DateAdd month end"
-Check CStr(DateAdd("yyyy", 1, #2/29/2004#)), "2/28/2005", "DateAdd year from a leap day"
-Check CStr(DateAdd("h", 3, #3/7/2006 11:30:00 PM#)), "3/8/2006 2:30:00 AM", "DateAdd hours"
-Check CStr(DateAdd("d", -1, #1/1/2000#)), "12/31/1999", "DateAdd back over a year"
-Check DateDiff("d", #3/7/2006 11:00:00 PM#, #3/8/2006 1:00:00 AM#), CLng(1), "DateDiff days"
-Check DateDiff("yyyy", #12/31/2005#, #1/1/2006#), CLng(1), "DateDiff years"
-Check DateDiff("m", #1/31/2006#, #2/1/2006#), CLng(1), "DateDiff months"
-Check DateDiff("ww", #3/11/2006#, #3/12/2006#), CLng(1), "DateDiff weeks"
-Check DateDiff("s", #3/7/2006#, #3/8/2006#), CLng(86400), "DateDiff seconds"
-Check DatePart("q", #8/15/2006#), 3, "DatePart quarter"
-Check DatePart("y", #12/31/2004#), 366, "DatePart day of a leap year"
-Check DatePart("ww", #12/31/2006#), 53, "DatePart week"
-Check DatePart("ww", #1/3/2005#, vbMonday, vbFirstFourDays), 1, "DatePart first four days"
-Check DatePart("ww", #12/29/2003#, vbMonday, vbFirstFourDays), 1, "DatePart late December in the next year's first week"
-Check FormatDateTime(d, vbLongDate), "Tuesday, March 7, 2006", "FormatDateTime long date"
-Check FormatDateTime(d, vbShortDate), "3/7/2006", "FormatDateTime short date"
-Check FormatDateTime(d, vbLongTime), "9:05:01 PM", "FormatDateTime long time"
-Check FormatDateTime(d, vbShortTime), "21:05", "FormatDateTime short time"
-Check TypeName(Now), "Date", "Now is a Date"
-Check TypeName(Timer), "Single", "Timer is a Single"
-CheckTrue Date = Int(Now) Or Date = Int(Now) - 1, "Date is today"
+CheckEach Array("CStr(d)", "3/7/2006 9:05:01 PM", "Year(d)", 2006, "Month(d)", 3, "Day(d)", 7, _
+  "Hour(d)", 21, "Minute(d)", 5, "Second(d)", 1, "Weekday(d)", 3, "Weekday(d, vbMonday)", 2, _
+  "Year(Null)", Null, "WeekdayName(1, True, vbMonday)", "Mon", _
+  "CStr(DateSerial(2006, 13, 1))", "1/1/2007", "CStr(DateSerial(2004, 3, 0))", "2/29/2004", _
+  "CStr(DateSerial(2006, 3, 0))", "2/28/2006", "CStr(DateSerial(29, 1, 1))", "1/1/2029", _
+  "CStr(DateSerial(30, 1, 1))", "1/1/1930", "CStr(TimeSerial(12, -1, 0))", "11:59:00 AM", _
+  "CStr(TimeSerial(0, 0, 0))", "12:00:00 AM", "CStr(DateValue(""March 7, 2006""))", "3/7/2006", _
+  "CStr(TimeValue(""21:05""))", "9:05:00 PM", "IsDate(""2/29/2004"")", True, _
+  "IsDate(""2/29/2006"")", False)
+CheckEach Array("CStr(DateAdd(""m"", 1, #1/31/2006#))", "2/28/2006", _
+  "CStr(DateAdd(""yyyy"", 1, #2/29/2004#))", "2/28/2005", _
+  "CStr(DateAdd(""h"", 3, #3/7/2006 11:30:00 PM#))", "3/8/2006 2:30:00 AM", _
+  "CStr(DateAdd(""d"", -1, #1/1/2000#))", "12/31/1999", _
+  "DateDiff(""d"", #3/7/2006 11:00:00 PM#, #3/8/2006 1:00:00 AM#)", CLng(1), _
+  "DateDiff(""yyyy"", #12/31/2005#, #1/1/2006#)", CLng(1), _
+  "DateDiff(""m"", #1/31/2006#, #2/1/2006#)", CLng(1), _
+  "DateDiff(""ww"", #3/11/2006#, #3/12/2006#)", CLng(1), _
+  "DateDiff(""s"", #3/7/2006#, #3/8/2006#)", CLng(86400), "DatePart(""q"", #8/15/2006#)", 3, _
+  "DatePart(""y"", #12/31/2004#)", 366, "DatePart(""ww"", #12/31/2006#)", 53, _
+  "DatePart(""ww"", #1/3/2005#, vbMonday, vbFirstFourDays)", 1, _
+  "DatePart(""ww"", #12/29/2003#, vbMonday, vbFirstFourDays)", 1, _
+  "FormatDateTime(d, vbLongDate)", "Tuesday, March 7, 2006", _
+  "FormatDateTime(d, vbShortDate)", "3/7/2006", "FormatDateTime(d, vbLongTime)", "9:05:01 PM", _
+  "FormatDateTime(d, vbShortTime)", "21:05", "TypeName(Now)", "Date", _
+  "TypeName(Timer)", "Single", "Date = Int(Now) Or Date = Int(Now) - 1", True)
 
-CheckError "x = DateAdd(""x"", 1, Now)", 5, "DateAdd bad interval"
-CheckError "x = CDate(""not a date"")", 13, "CDate of text"
-CheckError "x = Year(""2/30/2006"")", 13, "Year of an impossible date"
+CheckErrors Array("x = DateAdd(""x"", 1, Now)", 5, "x = CDate(""not a date"")", 13, _
+  "x = Year(""2/30/2006"")", 13)
 ' A fractional count is rounded half to even before it is added.
-Check DateAdd("d", 1.5, #1/1/2004#), #1/3/2004#, "DateAdd rounds a day count up"
-Check DateAdd("d", 2.5, #1/1/2004#), #1/3/2004#, "DateAdd rounds half to even"
-Check DateAdd("d", -1.5, #1/5/2004#), #1/3/2004#, "DateAdd rounds a negative count"
-Check DateAdd("m", 1.5, #1/1/2004#), #3/1/2004#, "DateAdd rounds a month count"
+CheckEach Array("DateAdd(""d"", 1.5, #1/1/2004#)", #1/3/2004#, _
+  "DateAdd(""d"", 2.5, #1/1/2004#)", #1/3/2004#, "DateAdd(""d"", -1.5, #1/5/2004#)", #1/3/2004#, _
+  "DateAdd(""m"", 1.5, #1/1/2004#)", #3/1/2004#)
 Check DateAdd("h", "1.6", #1/1/2004#), #1/1/2004 2:00:00 AM#, "DateAdd rounds a text count"
 ' TimeValue keeps only the time, exactly as the same time written alone.
 CheckTrue TimeValue("1/2/2003 10:00") = #10:00:00 AM#, "TimeValue drops a date part exactly"
 CheckTrue CDbl(TimeValue(#7/4/2150 6:30:15 PM#)) = CDbl(#6:30:15 PM#), "TimeValue of a far date"
 Check TimeValue(#12/30/1899 11:59:59 PM#), #11:59:59 PM#, "TimeValue of the last second"
 ' CDate refuses a number past the calendar.
-Check CDate(2958465), #12/31/9999#, "CDate of the last day"
-Check CDate(-657434), #1/1/100#, "CDate of the first day"
+CheckEach Array("CDate(2958465)", #12/31/9999#, "CDate(-657434)", #1/1/100#)
+
+' --- Parts, calendar arithmetic, week numbers and the general texts of one evening.
+d = #3/7/2006 9:05:01 PM#
+CheckEach Array("Year(d)", 2006, "Month(d)", 3, "Day(d)", 7, "Hour(d)", 21, "Minute(d)", 5, _
+  "Second(d)", 1, "Weekday(d)", 3, "Weekday(d, 2)", 2, "Year(""12/31/1999"")", 1999, "Year(0)", 1899, _
+  "WeekdayName(1, True, 2)", "Mon", "WeekdayName(7, False, 2)", "Sunday", _
+  "DateSerial(2006, -1, 1)", #11/1/2005#, "CStr(TimeSerial(9, 5, 1))", "9:05:01 AM", _
+  "DateValue(""3/7/2006 9:05:01 AM"")", #3/7/2006#, "CStr(TimeValue(""3/7/2006 9:05:01 AM""))", "9:05:01 AM", _
+  "DateAdd(""q"", -1, #5/31/2006 10:00 AM#)", #2/28/2006 10:00 AM#, "DateAdd(""d"", 1, #12/31/1999#)", #1/1/2000#, _
+  "DateAdd(""ww"", 2, #3/7/2006#)", #3/21/2006#, "DateAdd(""h"", 3, #3/7/2006 11:30 PM#)", #3/8/2006 2:30 AM#, _
+  "DateAdd(""n"", -90, #3/7/2006 1:00 AM#)", #3/6/2006 11:30 PM#, _
+  "DateAdd(""d"", -1, CDate(0.25))", #12/29/1899 6:00 AM#)
+' "w" counts whole weeks, "ww" the week starts crossed (Sundays unless told otherwise).
+CheckEach Array("DateDiff(""q"", #3/31/2006#, #4/1/2006#)", CLng(1), _
+  "DateDiff(""d"", #3/7/2006 11 PM#, #3/8/2006 1 AM#)", CLng(1), "DateDiff(""d"", #3/8/2006#, #3/7/2006#)", CLng(-1), _
+  "DateDiff(""h"", #3/7/2006 10:59 AM#, #3/7/2006 11:00 AM#)", CLng(1), _
+  "DateDiff(""n"", #3/7/2006 10:59:59 AM#, #3/7/2006 11:00 AM#)", CLng(1), _
+  "DateDiff(""w"", #3/7/2006#, #3/20/2006#)", CLng(1), "DateDiff(""ww"", #3/11/2006#, #3/12/2006#, 2)", CLng(0), _
+  "TypeName(DateDiff(""d"", Null, #3/12/2006#))", "Null", "DatePart(""w"", #3/7/2006#, 2)", 2, _
+  "DatePart(""ww"", #1/1/2006#)", 1)
+' 1/1/2005 is a Saturday: under Monday and the first four days it is 2004's week 53. Under
+' the first four days the week of 1/1/2004 (a Thursday) starts on Monday 12/29/2003; the other
+' rules keep late December in its own year.
+CheckEach Array("DatePart(""ww"", #1/1/2005#, 2, 2)", 53, "DatePart(""ww"", #1/3/2005#, 2, 2)", 1, _
+  "DatePart(""ww"", #1/3/2005#, 2, 3)", 1, "DatePart(""ww"", #1/2/2005#, 2, 3)", 52, _
+  "DatePart(""ww"", #12/29/2003#, 2, 2)", 1, "DatePart(""ww"", #12/31/2003#, 2, 2)", 1, _
+  "DatePart(""ww"", #12/28/2003#, 2, 2)", 52, "DatePart(""ww"", #12/31/2003#, 2, 3)", 52, _
+  "FormatDateTime(d)", "3/7/2006 9:05:01 PM", "FormatDateTime(d, 1)", "Tuesday, March 7, 2006", _
+  "FormatDateTime(d, 2)", "3/7/2006", "FormatDateTime(d, 3)", "9:05:01 PM", "FormatDateTime(d, 4)", "21:05", _
+  "FormatDateTime(#3/7/2006#)", "3/7/2006", "FormatDateTime(CDate(0.5))", "12:00:00 PM")
+CheckErrors Array("x = Weekday(d, 8)", 5, "x = WeekdayName(0)", 5, "x = DateValue(""bogus"")", 13, _
+  "x = DateAdd(""s"", 1, #12/31/9999 11:59:59 PM#)", 5, "x = DateAdd(""x"", 1, d)", 5, _
+  "x = DatePart(""ww"", #1/1/2006#, 1, 4)", 5, "x = FormatDateTime(d, 5)", 5, "x = FormatDateTime(d, Null)", 94)
+' The clock functions agree with each other.
+CheckEach Array("Abs(CDbl(Date) + CDbl(Time) - CDbl(Now)) <= 2 / 86400", True, "Int(Date) = CDbl(Date)", True, _
+  "TypeName(Timer)", "Single", "Timer >= 0 And Timer < 86400.5", True)

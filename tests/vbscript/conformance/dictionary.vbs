@@ -7,16 +7,13 @@ Set d = CreateObject("Scripting.Dictionary")
 
 ' Numbers compare by value whatever their subtype; text never equals a number.
 d.Add 1, "one"
-Check d.Exists(CInt(1)), True, "Integer 1 is Long 1"
-Check d.Exists(1.0), True, "1.0 is 1"
-Check d.Exists(CByte(1)), True, "Byte 1 is 1"
-Check d.Exists("1"), False, "text 1 is another key"
+CheckEach Array("d.Exists(CInt(1))", True, "d.Exists(1.0)", True, "d.Exists(CByte(1))", True, _
+  "d.Exists(""1"")", False)
 CheckError "d.Add 1.0, ""x""", 457, "adding 1.0 after 1"
 d.Add #1/1/2000#, "date"
 Check d.Exists(36526), True, "a date is its serial number"
 d.Add "", "empty text"
-Check d(""), "empty text", "the empty text is a key"
-Check d.Count, CLng(3), "Count"
+CheckEach Array("d("""")", "empty text", "d.Count", CLng(3))
 
 On Error Resume Next
 d.Add 1, "again"
@@ -30,16 +27,12 @@ On Error GoTo 0
 
 ' Key renames an entry in place; its old and new names follow the same rules.
 d.Key(1) = "uno"
-Check d("uno"), "one", "renamed"
-Check d.Exists(1), False, "the old key is gone"
-Check d.Keys()(0), "uno", "renaming keeps the order"
-CheckError "d.Key(""uno"") = """"", 457, "renaming onto an existing key"
-CheckError "d.Key(""nothere"") = ""x""", 32811, "renaming a missing key"
+CheckEach Array("d(""uno"")", "one", "d.Exists(1)", False, "d.Keys()(0)", "uno")
+CheckErrors Array("d.Key(""uno"") = """"", 457, "d.Key(""nothere"") = ""x""", 32811)
 
 ' Reading a missing key adds it with an Empty item; so does Set through the default member.
 t = d("new")
-Check IsEmpty(t), True, "read of a missing key"
-Check d.Exists("new"), True, "the read added the key"
+CheckEach Array("IsEmpty(t)", True, "d.Exists(""new"")", True)
 Set o = New RegExp
 Set d("obj") = o
 Check d("obj") Is o, True, "Set d(key) = object"
@@ -50,8 +43,7 @@ Check d(o), "object key", "an object as key"
 For Each k In d
   d.Remove k
 Next
-Check d.Count, CLng(0), "removed inside For Each"
-Check UBound(d.Items), CLng(-1), "Items of an empty dictionary"
+CheckEach Array("d.Count", CLng(0), "UBound(d.Items)", CLng(-1))
 
 ' The walk is live: keys added on the way come up, keys removed ahead are passed over.
 d.Add "a", 1
@@ -80,19 +72,13 @@ CheckError "d.CompareMode = 0", 5, "CompareMode with items"
 d.RemoveAll
 d.CompareMode = vbTextCompare
 d.Add ChrW(201) & "t" & ChrW(201), 1
-Check d.Exists(ChrW(233) & "T" & ChrW(233)), True, "text compare folds letters beyond ASCII"
-Check d.CompareMode, CLng(1), "CompareMode reads back"
+CheckEach Array("d.Exists(ChrW(233) & ""T"" & ChrW(233))", True, "d.CompareMode", CLng(1))
 
 ' HashVal, as Windows computes it.
 Set d = CreateObject("Scripting.Dictionary")
-Check d.HashVal("abcd"), CLng(1045), "HashVal of text"
-Check d.HashVal("aBCd1"), CLng(274), "HashVal is case-sensitive under binary compare"
-Check d.HashVal(""), CLng(0), "HashVal of the empty text"
-Check d.HashVal(1), CLng(161), "HashVal of 1"
-Check d.HashVal(1.0), CLng(161), "HashVal of 1.0"
-Check d.HashVal(-1), CLng(930), "HashVal of -1"
-Check d.HashVal(1.234), CLng(661), "HashVal through single precision"
-Check d.HashVal(#1/1/2000#), CLng(558), "HashVal of a date"
+CheckEach Array("d.HashVal(""abcd"")", CLng(1045), "d.HashVal(""aBCd1"")", CLng(274), _
+  "d.HashVal("""")", CLng(0), "d.HashVal(1)", CLng(161), "d.HashVal(1.0)", CLng(161), _
+  "d.HashVal(-1)", CLng(930), "d.HashVal(1.234)", CLng(661), "d.HashVal(#1/1/2000#)", CLng(558))
 d.CompareMode = vbTextCompare
 Check d.HashVal("aBCd1"), CLng(1000), "HashVal folds case under text compare"
 
@@ -104,13 +90,9 @@ Check TypeName(d_2), "Dictionary", "TypeName"
 d_2.Add "b", 2
 d_2.Add "a", 1
 d_2(3) = "three"
-Check d_2.Count, CLng(3), "Count"
-Check d_2("b"), 2, "default member"
-Check d_2.Item("a"), 1, "Item"
-Check d_2.Exists(3), True, "number key"
-Check d_2.Exists(CDbl(3)), True, "number key of another type"
-Check d_2.Exists("3"), False, "text is not a number"
-Check d_2.Exists("B"), False, "binary compare"
+CheckEach Array("d_2.Count", CLng(3), "d_2(""b"")", 2, "d_2.Item(""a"")", 1, _
+  "d_2.Exists(3)", True, "d_2.Exists(CDbl(3))", True, "d_2.Exists(""3"")", False, _
+  "d_2.Exists(""B"")", False)
 order = ""
 For Each k_2 In d_2
   order = order & k_2 & ";"
@@ -118,10 +100,8 @@ Next
 Check order, "b;a;3;", "For Each over keys in order"
 keys = d_2.Keys
 items = d_2.Items
-Check Join(keys, ","), "b,a,3", "Keys"
-Check Join(items, ","), "2,1,three", "Items"
-Check IsEmpty(d_2("missing")), True, "reading a missing key"
-Check d_2.Count, CLng(4), "reading a missing key adds it"
+CheckEach Array("Join(keys, "","")", "b,a,3", "Join(items, "","")", "2,1,three", _
+  "IsEmpty(d_2(""missing""))", True, "d_2.Count", CLng(4))
 d_2.Key("a") = "z"
 Check Join(d_2.Keys, ","), "b,z,3,missing", "Key renames in place"
 d_2.Remove "b"
@@ -137,31 +117,23 @@ d_2.Remove "obj"  ' a dictionary holding itself is a cycle that reference counts
 
 Set d2 = CreateObject("Scripting.Dictionary")
 d2.Add "k", 1
-CheckError "d2.Add ""k"", 2", 457, "duplicate key"
-CheckError "d2.Remove ""none""", 32811, "Remove of a missing key"
-CheckError "d2.CompareMode = 1", 5, "CompareMode of a filled dictionary"
-CheckError "d2.Add Array(1), 1", 13, "array as key"
-CheckError "d2.Nothing", 438, "unknown member"
-CheckError "Set x = CreateObject(""No.Such.Class"")", 429, "unknown class"
+CheckErrors Array("d2.Add ""k"", 2", 457, "d2.Remove ""none""", 32811, "d2.CompareMode = 1", 5, _
+  "d2.Add Array(1), 1", 13, "d2.Nothing", 438, "Set x = CreateObject(""No.Such.Class"")", 429)
 
 ' --- Scripting.Dictionary details that scripts depend on.
 Set d = CreateObject("Scripting.Dictionary")
 Check TypeName(d), "Dictionary", "TypeName"
 d.Add "a", 1
 d.Add "B", 2
-Check d.Count, CLng(2), "Count"
-Check d.Exists("A"), False, "binary compare by default"
+CheckEach Array("d.Count", CLng(2), "d.Exists(""A"")", False)
 x = d("missing")
-Check d.Count, CLng(3), "reading a missing key adds it"
-Check TypeName(d("missing")), "Empty", "with an Empty item"
+CheckEach Array("d.Count", CLng(3), "TypeName(d(""missing""))", "Empty")
 d("c") = 3
 Check d("c"), 3, "assigning a new key adds it"
 d.Remove "missing"
-CheckError "d.Remove ""nothere""", 32811, "removing a missing key"
-CheckError "d.Add ""a"", 9", 457, "adding an existing key"
+CheckErrors Array("d.Remove ""nothere""", 32811, "d.Add ""a"", 9", 457)
 k = d.Keys
-Check UBound(k), CLng(2), "Keys"
-Check k(0) & k(1) & k(2), "aBc", "Keys keep insertion order"
+CheckEach Array("UBound(k)", CLng(2), "k(0) & k(1) & k(2)", "aBc")
 it = d.Items
 Check it(2), 3, "Items"
 t = ""
@@ -170,24 +142,19 @@ For Each key In d
 Next
 Check t, "aBc", "For Each walks keys"
 d.Key("B") = "b"
-Check d.Exists("b") And Not d.Exists("B"), True, "Key renames"
-Check d("b"), 2, "the item moves with the key"
+CheckEach Array("d.Exists(""b"") And Not d.Exists(""B"")", True, "d(""b"")", 2)
 CheckError "d.Key(""zz"") = ""y""", 32811, "renaming a missing key"
 d.Add 1, "one"
-Check d.Exists("1"), False, "a number key differs from its text"
-Check d(1), "one", "number key"
+CheckEach Array("d.Exists(""1"")", False, "d(1)", "one")
 d.RemoveAll
-Check d.Count, CLng(0), "RemoveAll"
-Check UBound(d.Keys), CLng(-1), "Keys of an empty dictionary"
+CheckEach Array("d.Count", CLng(0), "UBound(d.Keys)", CLng(-1))
 Set ci = CreateObject("Scripting.Dictionary")
 ci.CompareMode = vbTextCompare
 ci.Add "Key", 1
 Check ci.Exists("KEY"), True, "text compare"
-CheckError "ci.Add ""KEY"", 2", 457, "text compare duplicates"
-CheckError "ci.CompareMode = vbBinaryCompare", 5, "CompareMode cannot change once items exist"
+CheckErrors Array("ci.Add ""KEY"", 2", 457, "ci.CompareMode = vbBinaryCompare", 5)
 Set o = CreateObject("Scripting.Dictionary")
 Set o("obj") = d
 Check o("obj") Is d, True, "objects as items"
 o.Add d, "by object"
-Check o(d), "by object", "objects as keys"
-Check o.Item("obj").Count, CLng(0), "Item explicitly"
+CheckEach Array("o(d)", "by object", "o.Item(""obj"").Count", CLng(0))

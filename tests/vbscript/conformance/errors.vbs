@@ -71,16 +71,12 @@ n = Err
 Check n, CLng(13), "Err's default member is Number"
 On Error GoTo 0
 ' Run-time error numbers.
-CheckError "Dim u : u.x = 1", 424, "member of a non-object"
-CheckError "Set o = CreateObject(""Scripting.Dictionary"") : o.NoSuchMember", 438, "unknown member"
-CheckError "x = Array(1)(5)", 9, "subscript out of range"
-CheckError "x = CLng(""x"")", 13, "type mismatch"
-CheckError "x = Sqr(-1)", 5, "invalid procedure call"
-CheckError "x = CInt(40000)", 6, "overflow"
-CheckError "Set o = CreateObject(""No.Such.Class"")", 429, "cannot create object"
-CheckError "Option Explicit" & vbCrLf & "undeclaredName = 1", 500, "variable is undefined"
-CheckError "x = 1 +", 1023, "a compile error in ExecuteGlobal"
-CheckError "Const c1 = 1" & vbCrLf & "c1 = 2", 1002, "assigning a constant"
+CheckErrors Array("Dim u : u.x = 1", 424, _
+  "Set o = CreateObject(""Scripting.Dictionary"") : o.NoSuchMember", 438, "x = Array(1)(5)", 9, _
+  "x = CLng(""x"")", 13, "x = Sqr(-1)", 5, "x = CInt(40000)", 6, _
+  "Set o = CreateObject(""No.Such.Class"")", 429, _
+  "Option Explicit" & vbCrLf & "undeclaredName = 1", 500, "x = 1 +", 1023, _
+  "Const c1 = 1" & vbCrLf & "c1 = 2", 1002)
 ' A loop whose header fails under Resume Next.
 On Error Resume Next
 n = 0
@@ -98,8 +94,7 @@ For Each forHeader In Array("For i = 1 To ""x""", "For i = 1 To 3 Step ""x""", _
   ExecuteGlobal "On Error Resume Next" & vbCrLf & forHeader & vbCrLf & _
                 "forRuns = forRuns + 1 : If forRuns > 5 Then Exit For" & vbCrLf & _
                 "Next" & vbCrLf & "forErr = Err.Number"
-  CheckTrue forRuns = 1, "a failed For header runs the body once: " & forHeader
-  CheckTrue forErr = 92, "and its Next finds the loop not initialized: " & forHeader
+  CheckEach Array("forRuns = 1", True, "forErr = 92", True)
 Next
 On Error Resume Next
 forRuns = 0
@@ -119,11 +114,9 @@ Check forRuns, 2, "a later For loop counts normally"
 
 ' Err.Raise: VBScript's own numbers stop at 65535; COM failure codes it knows come back under
 ' its own numbers (with its own texts), the rest, such as vbObjectError + n, stay as raised.
-CheckError "Err.Raise &H10000&", 5, "a positive number above 65535"
-CheckError "Err.Raise &H8007000E&", 7, "E_OUTOFMEMORY"
-CheckError "Err.Raise &H80070057&", 5, "E_INVALIDARG"
-CheckError "Err.Raise &H800A000D&", 13, "a control-facility code"
-CheckError "Err.Raise vbObjectError + 7", vbObjectError + 7, "vbObjectError + n"
+CheckErrors Array("Err.Raise &H10000&", 5, "Err.Raise &H8007000E&", 7, _
+  "Err.Raise &H80070057&", 5, "Err.Raise &H800A000D&", 13, _
+  "Err.Raise vbObjectError + 7", vbObjectError + 7)
 On Error Resume Next
 Err.Raise &H80020005&
 Check Err.Description, "Type mismatch", "a mapped code takes the text of its number"
@@ -151,17 +144,16 @@ Function Fails_2(code)
   Execute code
   Fails_2 = Err.Number & "|" & Err.Description & "|" & Err.Source
 End Function
-Check Fails_2("x = CInt(""a"")"), "13|Type mismatch|Microsoft VBScript runtime error", "type mismatch"
-Check Fails_2("x = CInt(99999)"), "6|Overflow|Microsoft VBScript runtime error", "overflow"
-Check Fails_2("Dim a(1) : a(2) = 0"), "9|Subscript out of range|Microsoft VBScript runtime error", "subscript"
-Check Fails_2("x = 5 \ 0"), "11|Division by zero|Microsoft VBScript runtime error", "division by zero"
-Check Fails_2("x = Left(""a"", -1)"), "5|Invalid procedure call or argument|Microsoft VBScript runtime error", "invalid argument"
-Check Fails_2("x = CLng(Null)"), "94|Invalid use of Null|Microsoft VBScript runtime error", "invalid use of Null"
-Check Fails_2("Dim o : o.Name = 1"), "424|Object required|Microsoft VBScript runtime error", "object required"
-Check Fails_2("Set o = CreateObject(""Scripting.Dictionary"") : o.Add 1, 1 : o.Add 1, 2"), "457|This key is already associated with an element of this collection|Microsoft VBScript runtime error", "duplicate key"
-CheckError "Set o = CreateObject(""Scripting.Dictionary"") : o.Bogus", 438, "unknown member"
-CheckError "Set o = CreateObject(""Bogus.Thing"")", 429, "cannot create"
-CheckError "Dim o : Set o = Nothing : o.Name = 1", 424, "member of Nothing"
+CheckEach Array("Fails_2(""x = CInt(""""a"""")"")", "13|Type mismatch|Microsoft VBScript runtime error", _
+  "Fails_2(""x = CInt(99999)"")", "6|Overflow|Microsoft VBScript runtime error", _
+  "Fails_2(""Dim a(1) : a(2) = 0"")", "9|Subscript out of range|Microsoft VBScript runtime error", _
+  "Fails_2(""x = 5 \ 0"")", "11|Division by zero|Microsoft VBScript runtime error", _
+  "Fails_2(""x = Left(""""a"""", -1)"")", "5|Invalid procedure call or argument|Microsoft VBScript runtime error", _
+  "Fails_2(""x = CLng(Null)"")", "94|Invalid use of Null|Microsoft VBScript runtime error", _
+  "Fails_2(""Dim o : o.Name = 1"")", "424|Object required|Microsoft VBScript runtime error", _
+  "Fails_2(""Set o = CreateObject(""""Scripting.Dictionary"""") : o.Add 1, 1 : o.Add 1, 2"")", "457|This key is already associated with an element of this collection|Microsoft VBScript runtime error")
+CheckErrors Array("Set o = CreateObject(""Scripting.Dictionary"") : o.Bogus", 438, _
+  "Set o = CreateObject(""Bogus.Thing"")", 429, "Dim o : Set o = Nothing : o.Name = 1", 424)
 Check Fails_2("x = Array(1, 2)(0, 1)"), "9|Subscript out of range|Microsoft VBScript runtime error", "too many indices"
 Check Fails_2("Err.Raise 6"), "6|Overflow|Microsoft VBScript runtime error", "Err.Raise of a standard number takes its text"
 Check Fails_2("Err.Raise 5, ""Mine"""), "5|Invalid procedure call or argument|Mine", "own source, standard text"
@@ -209,8 +201,7 @@ Function Deep1()
   Deep2
   Deep1 = Err.Number & "|" & Err.Description & "|" & Err.Source
 End Function
-Check Deep1(), "1001|from deep|Deep", "an error passes up two levels"
-Check TypeName(trace2), "Empty", "the middle procedure stops too"
+CheckEach Array("Deep1()", "1001|from deep|Deep", "TypeName(trace2)", "Empty")
 Function ResumeInLoop()
   On Error Resume Next
   Dim i, n
@@ -233,38 +224,25 @@ Function TextOf(n)
   Err.Raise n
   TextOf = Err.Description
 End Function
-Check TextOf(70), "Permission denied", "70"
-Check TextOf(76), "Path not found", "76"
-Check TextOf(53), "File not found", "53"
-Check TextOf(58), "File already exists", "58"
-Check TextOf(62), "Input past end of file", "62"
-Check TextOf(10), "This array is fixed or temporarily locked", "10"
-Check TextOf(28), "Out of stack space", "28"
-Check TextOf(35), "Sub or Function not defined", "35"
-Check TextOf(91), "Object variable not set", "91"
-Check TextOf(424), "Object required", "424"
-Check TextOf(438), "Object doesn't support this property or method", "438"
-Check TextOf(449), "Argument not optional", "449"
-Check TextOf(450), "Wrong number of arguments or invalid property assignment", "450"
-Check TextOf(500), "Variable is undefined", "500"
-Check TextOf(501), "Illegal assignment", "501"
-Check TextOf(32811), "Element not found", "32811"
-Check TextOf(5017), "Syntax error in regular expression", "5017"
+CheckEach Array("TextOf(70)", "Permission denied", "TextOf(76)", "Path not found", _
+  "TextOf(53)", "File not found", "TextOf(58)", "File already exists", _
+  "TextOf(62)", "Input past end of file", _
+  "TextOf(10)", "This array is fixed or temporarily locked", "TextOf(28)", "Out of stack space", _
+  "TextOf(35)", "Sub or Function not defined", "TextOf(91)", "Object variable not set", _
+  "TextOf(424)", "Object required", _
+  "TextOf(438)", "Object doesn't support this property or method", _
+  "TextOf(449)", "Argument not optional", _
+  "TextOf(450)", "Wrong number of arguments or invalid property assignment", _
+  "TextOf(500)", "Variable is undefined", "TextOf(501)", "Illegal assignment", _
+  "TextOf(32811)", "Element not found", "TextOf(5017)", "Syntax error in regular expression")
 ' Compile errors met through ExecuteGlobal.
-CheckError "x = 1 Then", 1025, "expected end of statement"
-CheckError "x = ""open", 1033, "unterminated string"
-CheckError "x = (1", 1006, "expected )"
-CheckError "x = [open", 1007, "expected ]"
-CheckError "Dim Dim", 1010, "expected identifier"
-CheckError "Exit For", 1039, "Exit outside its block"
-CheckError "For i = 1 To 2 : Next i", 1025, "Next takes no counter"
-CheckError "Sub S8(a) : End Sub : S8(1, 2)", 1044, "parentheses around several Sub arguments"
-CheckError "Class K2 : Public Default Function A() : End Function : Public Default Function B() : End Function : End Class", 1052, "two defaults"
-CheckError "Class K3 : Private Sub Class_Initialize(a) : End Sub : End Class", 1053, "Initialize with arguments"
-CheckError "Set x = New NoSuchClass", 506, "class not defined"
-CheckError "With 5 : .x = 1 : End With", 424, "With on a non-object"
-CheckError "Erase neverAssigned", 13, "Erase of Empty"
-CheckError "Dim fixedArr(2) : ReDim fixedArr(3)", 10, "ReDim of a fixed array"
+CheckErrors Array("x = 1 Then", 1025, "x = ""open", 1033, "x = (1", 1006, "x = [open", 1007, _
+  "Dim Dim", 1010, "Exit For", 1039, "For i = 1 To 2 : Next i", 1025, _
+  "Sub S8(a) : End Sub : S8(1, 2)", 1044, _
+  "Class K2 : Public Default Function A() : End Function : Public Default Function B() : End Function : End Class", 1052, _
+  "Class K3 : Private Sub Class_Initialize(a) : End Sub : End Class", 1053, _
+  "Set x = New NoSuchClass", 506, "With 5 : .x = 1 : End With", 424, "Erase neverAssigned", 13, _
+  "Dim fixedArr(2) : ReDim fixedArr(3)", 10)
 ' Stack overflow is caught like any other error.
 Function Forever(n)
   Forever = Forever(n + 1)
@@ -465,23 +443,17 @@ Class DefaultArray
     F = Array(1, 2, 3)
   End Function
 End Class
-CheckError "x = UBound(Nothing)", 91, "UBound of Nothing"
-CheckError "x = LBound(Nothing)", 91, "LBound of Nothing"
-CheckError "x = UBound(New NoDefault)", 438, "UBound of an object without a default member"
-CheckError "x = UBound(New DefaultNeedsArgs)", 450, "UBound of a default member that needs arguments"
+CheckErrors Array("x = UBound(Nothing)", 91, "x = LBound(Nothing)", 91, _
+  "x = UBound(New NoDefault)", 438, "x = UBound(New DefaultNeedsArgs)", 450)
 Check UBound(New DefaultArray), CLng(2), "UBound of a default member returning an array"
-CheckError "x = Escape(Null)", 94, "Escape(Null)"
-CheckError "x = Unescape(Null)", 94, "Unescape(Null)"
-CheckError "x = Filter(Null, ""a"")", 94, "Filter of Null"
-CheckError "x = DateValue(Null)", 94, "DateValue(Null)"
-CheckError "x = TimeValue(Null)", 94, "TimeValue(Null)"
-CheckError "x = DateValue(44000)", 13, "DateValue of a number"
+CheckErrors Array("x = Escape(Null)", 94, "x = Unescape(Null)", 94, _
+  "x = Filter(Null, ""a"")", 94, "x = DateValue(Null)", 94, "x = TimeValue(Null)", 94, _
+  "x = DateValue(44000)", 13)
 Check DateValue(#3/4/2026 10:00#), #3/4/2026#, "DateValue of a date"
-CheckError "x = ChrB(256)", 6, "ChrB(256) overflows"
-CheckError "x = ChrB(-1)", 6, "ChrB(-1) overflows"
-CheckError "Dim held(1) : Set held(0) = Nothing : held(0)(0) = 1", 13, "storing through Nothing"
-CheckError "Option Explicit" & vbLf & "Set o = New NoSuchClassHere", 500, "New of an unknown class under Option Explicit"
-CheckError "Set o = New NoSuchClassHere", 506, "New of an unknown class"
+CheckErrors Array("x = ChrB(256)", 6, "x = ChrB(-1)", 6, _
+  "Dim held(1) : Set held(0) = Nothing : held(0)(0) = 1", 13, _
+  "Option Explicit" & vbLf & "Set o = New NoSuchClassHere", 500, _
+  "Set o = New NoSuchClassHere", 506)
 
 ' --- For Each over a call that failed under On Error Resume Next still starts, on nothing.
 Function FailsForEach()

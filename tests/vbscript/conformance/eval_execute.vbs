@@ -33,9 +33,7 @@ End Class
 Set c = New Calc
 c.Factor = 3
 Check c.Apply(4), 12, "Eval in a method sees the fields"
-CheckError "x = Eval(""1 +"")", 1023, "a syntax error in Eval"
-CheckError "Execute ""If"" ", 1023, "a syntax error in Execute"
-CheckError "x = Eval(""1 / 0"")", 11, "a run-time error in Eval"
+CheckErrors Array("x = Eval(""1 +"")", 1023, "Execute ""If"" ", 1023, "x = Eval(""1 / 0"")", 11)
 Check Eval("""a"" & ""b"""), "ab", "strings in Eval"
 Check TypeName(Eval("Empty")), "Empty", "Eval of Empty"
 ' Eval hands an object back as it is, so Set can take it: the usual way to make an instance of
@@ -57,8 +55,7 @@ CheckTrue dynSame Is dynDict, "Set from Eval of a variable"
 Set dynNone = Eval("Nothing")
 CheckTrue dynNone Is Nothing, "Set from Eval of Nothing"
 Check Eval("dynObj.V"), 7, "Eval of a member still gives its value"
-CheckError "Set dynBad = Eval(""1 + 1"")", 424, "Set from Eval of a number"
-CheckError "dynVal = Eval(""dynDict"")", 450, "Let from Eval of an object without a plain default"
+CheckErrors Array("Set dynBad = Eval(""1 + 1"")", 424, "dynVal = Eval(""dynDict"")", 450)
 ' A compile error inside Execute or Eval still says it is a compilation error.
 On Error Resume Next
 Execute "x = 1 +"
@@ -73,14 +70,13 @@ Check Err.Source, "Microsoft VBScript runtime error", "run-time error source"
 On Error GoTo 0
 ' A name declared twice at one level is refused, and nothing of that code runs.
 dupRan = False
-CheckError "dupRan = True : Dim dupA : Dim dupA", 1041, "Dim twice"
-CheckError "Dim dupB" & vbCrLf & "If True Then" & vbCrLf & "Dim dupB" & vbCrLf & "End If", 1041, "Dim twice, once nested"
-CheckError "Const dupC = 1 : Dim dupC", 1041, "Const and Dim"
+CheckErrors Array("dupRan = True : Dim dupA : Dim dupA", 1041, _
+  "Dim dupB" & vbCrLf & "If True Then" & vbCrLf & "Dim dupB" & vbCrLf & "End If", 1041, _
+  "Const dupC = 1 : Dim dupC", 1041)
 Check dupRan, False, "refused code does not run"
 ' Separate pieces of code may declare the same name again, and procedures have their own level.
-CheckError "Dim dupD", 0, "Dim once"
-CheckError "Dim dupD", 0, "Dim again in later code"
-CheckError "Dim dupE : Sub DupUse() : Dim dupE : End Sub", 0, "a local may share a global's name"
+CheckErrors Array("Dim dupD", 0, "Dim dupD", 0, _
+  "Dim dupE : Sub DupUse() : Dim dupE : End Sub", 0)
 
 ' --- Eval, Execute and ExecuteGlobal: which scope they read and write; With blocks.
 g = 1
@@ -108,9 +104,7 @@ Function GlobalExecute()
   ExecuteGlobal "loc = ""global"" : madeGlobal = 9"
   GlobalExecute = loc
 End Function
-Check GlobalExecute(), "local", "ExecuteGlobal leaves the locals"
-Check loc, "global", "and writes the global of that name"
-Check madeGlobal, 9, "ExecuteGlobal makes globals"
+CheckEach Array("GlobalExecute()", "local", "loc", "global", "madeGlobal", 9)
 Function DefineFunction()
   ExecuteGlobal "Function Made(x) : Made = x * 3 : End Function"
 End Function
@@ -151,8 +145,7 @@ With MakeBox()
   .W = 4
   .H = 5
 End With
-Check calls, 1, "the With object is read once"
-Check bx.W * bx.H, 20, "assignments through a With on a call"
+CheckEach Array("calls", 1, "bx.W * bx.H", 20)
 Set d = CreateObject("Scripting.Dictionary")
 With d
   .Add "k", 1
@@ -178,8 +171,7 @@ Class Scoped
 End Class
 Set sc = New Scoped
 sc.SetByExecute
-Check sc.V, 42, "Execute in a method assigns the member"
-Check sc.ReadByEval(), 43, "Eval in a method reads Me"
+CheckEach Array("sc.V", 42, "sc.ReadByEval()", 43)
 Execute "Set madeByExecute = New Scoped"
 Check TypeName(madeByExecute), "Scoped", "Set inside Execute"
 Check Eval("sc Is Nothing"), False, "Is inside Eval"
@@ -191,10 +183,8 @@ Check viaRef Is sc, True, "an object through GetRef"
 
 ' --- A second Dim of an array name in later code finds the array already there.
 ExecuteGlobal "Dim laterArray(3)"
-CheckError "Dim laterArray(5)", 13, "an array declared again"
-CheckError "Dim laterArray", 0, "the name declared again without bounds"
+CheckErrors Array("Dim laterArray(5)", 13, "Dim laterArray", 0)
 Check UBound(laterArray), CLng(3), "the first array stays"
 ' Compile errors of the code given to Eval and Execute keep their own numbers.
-CheckError "x = Eval(""1 + "")", 1023, "Eval of an unfinished expression"
-CheckError "Execute ""5 * 4""", 1024, "Execute of an expression"
-CheckError "Execute ""x = (1""", 1006, "Execute with a missing parenthesis"
+CheckErrors Array("x = Eval(""1 + "")", 1023, "Execute ""5 * 4""", 1024, _
+  "Execute ""x = (1""", 1006)

@@ -2,140 +2,77 @@
 
 ' --- FormatNumber, FormatCurrency and FormatPercent: rounding half away from zero on the decimal
 ' digits, the tri-state options one by one, Null and Empty, and the long date's text.
-Check FormatNumber(0.125, 2), "0.13", "half up at the third place"
-Check FormatNumber(1.005, 2), "1.01", "rounds the printed digits, not the binary value"
-Check FormatNumber(2.675, 2), "2.68", "another binary near-miss"
-Check FormatNumber(2.5, 0), "3", "half away from zero, not to even"
-Check FormatNumber(-2.5, 0), "-3", "negative half away from zero"
-Check FormatNumber(999.999, 2), "1,000.00", "a carry grows a group"
-Check FormatNumber(-999.995, 2), "-1,000.00", "a negative carry"
-Check FormatNumber(CCur(1234.5678), 4), "1,234.5678", "Currency keeps its four places"
-Check FormatNumber(CSng(2.675), 2), "2.68", "a Single rounds its own seven digits"
-Check FormatNumber(CSng(1.1), 4), "1.1000", "a Single pads past its digits with zeros"
-Check FormatNumber(123.456, -1), "123.46", "-1 places is the locale's two"
-Check FormatNumber(123.456, 5), "123.45600", "more places pad with zeros"
-Check FormatNumber(1, 2.5), "1.00", "places round half to even"
-Check FormatNumber(1, 3.5), "1.0000", "and up from 3.5"
-Check FormatNumber(1, "2"), "1.00", "places as text"
-Check FormatNumber(True, 0), "-1", "True is -1"
-Check FormatNumber(Empty), "0.00", "Empty is zero"
-Check FormatNumber("1,234.5"), "1,234.50", "text with a group separator"
-Check FormatNumber(0.1, 0, -1), "0", "rounded to nothing, with the leading digit"
+CheckEach Array("FormatNumber(0.125, 2)", "0.13", "FormatNumber(1.005, 2)", "1.01", _
+  "FormatNumber(2.675, 2)", "2.68", "FormatNumber(2.5, 0)", "3", "FormatNumber(-2.5, 0)", "-3", _
+  "FormatNumber(999.999, 2)", "1,000.00", "FormatNumber(-999.995, 2)", "-1,000.00", _
+  "FormatNumber(CCur(1234.5678), 4)", "1,234.5678", "FormatNumber(CSng(2.675), 2)", "2.68", _
+  "FormatNumber(CSng(1.1), 4)", "1.1000", "FormatNumber(123.456, -1)", "123.46", _
+  "FormatNumber(123.456, 5)", "123.45600", "FormatNumber(1, 2.5)", "1.00", _
+  "FormatNumber(1, 3.5)", "1.0000", "FormatNumber(1, ""2"")", "1.00", _
+  "FormatNumber(True, 0)", "-1", "FormatNumber(Empty)", "0.00", _
+  "FormatNumber(""1,234.5"")", "1,234.50", "FormatNumber(0.1, 0, -1)", "0")
 ' A negative value that rounds to zero keeps its sign, as in the Windows number formats.
-Check FormatNumber(-0.4, 0), "-0", "minus zero"
-Check FormatNumber(-0.001), "-0.00", "minus zero with places"
-Check FormatCurrency(-0.001), "($0.00)", "zero dollars in parentheses"
-Check FormatPercent(-0.00001), "-0.00%", "minus zero percent"
-Check FormatNumber(-0.001, 2, , -1), "(0.00)", "zero in parentheses"
-Check FormatNumber(-0.1, 1, 0), "-.1", "no leading digit"
-Check FormatNumber(-0.1, 1, 0, -1), "(.1)", "no leading digit, in parentheses"
-Check FormatNumber(-0.1, 1, -2, -2, -2), "-0.1", "all defaults"
-Check FormatNumber(-1234.5, 1, , -1), "(1,234.5)", "parentheses with grouping"
-Check FormatNumber(1234, 0, -2, -2, -2), "1,234", "defaults group"
-CheckError "x = FormatNumber(Null)", 13, "a Null number"
-CheckError "x = FormatNumber(1, Null)", 94, "Null places"
-CheckError "x = FormatNumber(1, 1, Null)", 94, "Null leading digit"
-CheckError "x = FormatNumber(1, 1, 1, Null)", 94, "Null parentheses"
-CheckError "x = FormatNumber(1, 1, 1, 1, Null)", 94, "Null grouping"
-CheckError "x = FormatNumber(1234, 0, ""x"")", 13, "a tri-state that is no number"
-Check FormatCurrency(-1234.5), "($1,234.50)", "negatives in parentheses by default"
-Check FormatCurrency(-1234.5, , , 0), "-$1,234.50", "minus before the dollar"
-Check FormatCurrency(0.5, , 0), "$.50", "no leading digit"
-Check FormatCurrency(-0.5, , 0), "($.50)", "no leading digit, in parentheses"
-Check FormatCurrency(-0.5, , 0, 0), "-$.50", "no leading digit, with a minus"
-Check FormatCurrency(1234.5, -1, -1, -1, 0), "$1234.50", "no grouping"
-Check FormatCurrency(Empty), "$0.00", "Empty"
-Check FormatCurrency(CCur(-1.23)), "($1.23)", "a negative Currency"
-CheckError "x = FormatCurrency(Null)", 13, "a Null amount"
-CheckError "x = FormatCurrency(1000, 0, 0, 0, Null)", 94, "a Null option"
-Check FormatPercent(0.005, 0), "1%", "half a percent rounds up"
-Check FormatPercent(0.015, 0), "2%", "one and a half percent rounds up"
-Check FormatPercent(0.001, , 0), ".10%", "no leading digit"
-Check FormatPercent(1000), "100,000.00%", "grouped"
-Check FormatPercent(1000, , , , 0), "100000.00%", "not grouped"
-Check FormatPercent(Empty), "0.00%", "Empty"
-CheckError "x = FormatPercent(Null)", 13, "a Null ratio"
-CheckError "x = FormatPercent(""12%"")", 13, "text with a percent sign"
+CheckEach Array("FormatNumber(-0.4, 0)", "-0", "FormatNumber(-0.001)", "-0.00", _
+  "FormatCurrency(-0.001)", "($0.00)", "FormatPercent(-0.00001)", "-0.00%", _
+  "FormatNumber(-0.001, 2, , -1)", "(0.00)", "FormatNumber(-0.1, 1, 0)", "-.1", _
+  "FormatNumber(-0.1, 1, 0, -1)", "(.1)", "FormatNumber(-0.1, 1, -2, -2, -2)", "-0.1", _
+  "FormatNumber(-1234.5, 1, , -1)", "(1,234.5)", "FormatNumber(1234, 0, -2, -2, -2)", "1,234")
+CheckErrors Array("x = FormatNumber(Null)", 13, "x = FormatNumber(1, Null)", 94, _
+  "x = FormatNumber(1, 1, Null)", 94, "x = FormatNumber(1, 1, 1, Null)", 94, _
+  "x = FormatNumber(1, 1, 1, 1, Null)", 94, "x = FormatNumber(1234, 0, ""x"")", 13)
+CheckEach Array("FormatCurrency(-1234.5)", "($1,234.50)", _
+  "FormatCurrency(-1234.5, , , 0)", "-$1,234.50", "FormatCurrency(0.5, , 0)", "$.50", _
+  "FormatCurrency(-0.5, , 0)", "($.50)", "FormatCurrency(-0.5, , 0, 0)", "-$.50", _
+  "FormatCurrency(1234.5, -1, -1, -1, 0)", "$1234.50", "FormatCurrency(Empty)", "$0.00", _
+  "FormatCurrency(CCur(-1.23))", "($1.23)")
+CheckErrors Array("x = FormatCurrency(Null)", 13, "x = FormatCurrency(1000, 0, 0, 0, Null)", 94)
+CheckEach Array("FormatPercent(0.005, 0)", "1%", "FormatPercent(0.015, 0)", "2%", _
+  "FormatPercent(0.001, , 0)", ".10%", "FormatPercent(1000)", "100,000.00%", _
+  "FormatPercent(1000, , , , 0)", "100000.00%", "FormatPercent(Empty)", "0.00%")
+CheckErrors Array("x = FormatPercent(Null)", 13, "x = FormatPercent(""12%"")", 13)
 ' The long date follows today's en-US data: the day without a leading zero.
 Check FormatDateTime(#1/2/2003#, vbLongDate), "Thursday, January 2, 2003", "long date"
-CheckError "x = FormatDateTime(Null)", 13, "a Null date"
-CheckError "x = FormatDateTime(0.1, Null)", 94, "a Null format"
-CheckError "x = FormatDateTime(#1/2/2003#, -1)", 5, "format -1"
+CheckErrors Array("x = FormatDateTime(Null)", 13, "x = FormatDateTime(0.1, Null)", 94, _
+  "x = FormatDateTime(#1/2/2003#, -1)", 5)
 
 ' --- FormatNumber, FormatCurrency and FormatPercent in the 1033 locale, with every optional argument.
-Check FormatNumber(1234.5678), "1,234.57", "two places by default"
-Check FormatNumber(1234.5678, 0), "1,235", "no places"
-Check FormatNumber(-1234.5, 1), "-1,234.5", "negative"
-Check FormatNumber(1234567.891, 2), "1,234,567.89", "millions"
-Check FormatNumber(0.123, 2, vbFalse), ".12", "no leading zero"
-Check FormatNumber(0.123, 2, vbTrue), "0.12", "leading zero"
-Check FormatNumber(-5, 0, , vbTrue), "(5)", "parentheses for negatives"
-Check FormatNumber(-5, 0, , vbFalse), "-5", "minus for negatives"
-Check FormatNumber(1234, 0, , , vbFalse), "1234", "no grouping"
-Check FormatNumber(1234, 2, , , vbTrue), "1,234.00", "grouping and zeros"
-Check FormatNumber(0, 2), "0.00", "zero"
-Check FormatNumber("1234.5"), "1,234.50", "numeric text"
-Check FormatNumber(True), "-1.00", "True"
-Check FormatNumber(1.5, 3), "1.500", "pads places"
-Check TypeName(FormatNumber(1)), "String", "result is text"
+CheckEach Array("FormatNumber(1234.5678)", "1,234.57", "FormatNumber(1234.5678, 0)", "1,235", _
+  "FormatNumber(-1234.5, 1)", "-1,234.5", "FormatNumber(1234567.891, 2)", "1,234,567.89", _
+  "FormatNumber(0.123, 2, vbFalse)", ".12", "FormatNumber(0.123, 2, vbTrue)", "0.12", _
+  "FormatNumber(-5, 0, , vbTrue)", "(5)", "FormatNumber(-5, 0, , vbFalse)", "-5", _
+  "FormatNumber(1234, 0, , , vbFalse)", "1234", "FormatNumber(1234, 2, , , vbTrue)", "1,234.00", _
+  "FormatNumber(0, 2)", "0.00", "FormatNumber(""1234.5"")", "1,234.50", _
+  "FormatNumber(True)", "-1.00", "FormatNumber(1.5, 3)", "1.500", _
+  "TypeName(FormatNumber(1))", "String")
 CheckError "x = FormatNumber(""abc"")", 13, "text that is no number"
-Check FormatCurrency(1234.5), "$1,234.50", "currency"
-Check FormatCurrency(0), "$0.00", "zero currency"
-Check FormatCurrency(1234.5, 0), "$1,235", "currency without places"
-Check FormatCurrency(-3, 2, , vbFalse), "-$3.00", "negative currency with a minus"
-Check FormatCurrency(1000000, 2, , , vbFalse), "$1000000.00", "currency without grouping"
-Check FormatPercent(0.1234), "12.34%", "percent"
-Check FormatPercent(0.5, 0), "50%", "percent without places"
-Check FormatPercent(1), "100.00%", "one"
-Check FormatPercent(-0.25, 1), "-25.0%", "negative percent"
-Check FormatPercent(12.5, 0), "1,250%", "grouping in percent"
+CheckEach Array("FormatCurrency(1234.5)", "$1,234.50", "FormatCurrency(0)", "$0.00", _
+  "FormatCurrency(1234.5, 0)", "$1,235", "FormatCurrency(-3, 2, , vbFalse)", "-$3.00", _
+  "FormatCurrency(1000000, 2, , , vbFalse)", "$1000000.00", "FormatPercent(0.1234)", "12.34%", _
+  "FormatPercent(0.5, 0)", "50%", "FormatPercent(1)", "100.00%", _
+  "FormatPercent(-0.25, 1)", "-25.0%", "FormatPercent(12.5, 0)", "1,250%")
 ' Number to text through CStr and concatenation, for comparison.
-Check CStr(1234.5), "1234.5", "CStr has no grouping"
-Check CStr(100000000000000), "100000000000000", "fifteen digits"
-Check CStr(1E+15), "1E+15", "sixteen digits go to exponent form"
-Check CStr(123456789012345.6), "123456789012346", "rounds to fifteen digits"
-Check CStr(0.0001), "0.0001", "small fraction"
-Check CStr(-1E-20), "-1E-20", "tiny negative"
-Check CStr(CSng(3.14159)), "3.14159", "Single digits"
-Check CStr(CCur(-0.0001)), "-0.0001", "smallest Currency"
-Check FormatCurrency(-1, 0, , vbTrue), "($1)", "currency in parentheses"
-Check FormatCurrency(0.1, 2, vbFalse), "$.10", "currency without leading zero"
-Check FormatPercent(-0.5, 0, , vbTrue), "(50%)", "percent in parentheses"
-Check FormatPercent("0.5"), "50.00%", "percent of numeric text"
-Check FormatNumber(0.000001, 8), "0.00000100", "many places"
+CheckEach Array("CStr(1234.5)", "1234.5", "CStr(100000000000000)", "100000000000000", _
+  "CStr(1E+15)", "1E+15", "CStr(123456789012345.6)", "123456789012346", "CStr(0.0001)", "0.0001", _
+  "CStr(-1E-20)", "-1E-20", "CStr(CSng(3.14159))", "3.14159", "CStr(CCur(-0.0001))", "-0.0001", _
+  "FormatCurrency(-1, 0, , vbTrue)", "($1)", "FormatCurrency(0.1, 2, vbFalse)", "$.10", _
+  "FormatPercent(-0.5, 0, , vbTrue)", "(50%)", "FormatPercent(""0.5"")", "50.00%", _
+  "FormatNumber(0.000001, 8)", "0.00000100")
 CheckError "x = FormatCurrency(""x"")", 13, "FormatCurrency of words"
 
 ' --- Numbers, rounding and formatting under 1033: banker's rounding in Round and the whole-number
 ' conversions, half away from zero in the Format functions, the tri-state arguments.
-Check Round(1.2345, 2), 1.23, "Round to places"
-Check Round(Null), Null, "Round(Null)"
-Check CLng(-2.5), CLng(-2), "CLng -2.5"
-Check Abs(-3), 3, "Abs"
-Check Sgn(-0.5), -1, "Sgn"
-Check Sqr(16), CDbl(4), "Sqr"
-Check RGB(255, 128, 0), CLng(33023), "RGB"
-Check FormatNumber(1234567.891), "1,234,567.89", "FormatNumber"
-Check FormatNumber(0.5, 2, vbFalse), ".50", "FormatNumber without leading digit"
-Check FormatNumber(-0.5, 2, vbTrue, vbTrue), "(0.50)", "FormatNumber in parentheses"
-Check FormatNumber(1234.5, 1, vbUseDefault, vbUseDefault, vbFalse), "1234.5", "FormatNumber ungrouped"
-Check FormatNumber(-1234.5, 0), "-1,235", "FormatNumber no places"
-Check FormatCurrency(1234.567), "$1,234.57", "FormatCurrency"
-Check FormatCurrency(-1234.567), "($1,234.57)", "FormatCurrency negative"
-Check FormatPercent(0.12345), "12.35%", "FormatPercent"
-Check FormatPercent(-0.5, 0), "-50%", "FormatPercent negative"
-Check CStr(1E+20), "1E+20", "CStr large"
-Check CStr(0.00001), "1E-05", "CStr small"
-Check CStr(1/3), "0.333333333333333", "CStr fifteen digits"
-Check IsNumeric("1,234.5"), True, "IsNumeric with grouping"
-Check IsNumeric("12a"), False, "IsNumeric of text"
-Check GetLocale(), CLng(1033), "GetLocale"
-Check SetLocale(1033), CLng(1033), "SetLocale returns the previous locale"
-Check ScriptEngine, "VBScript", "ScriptEngine"
-Check ScriptEngineMajorVersion, CLng(5), "ScriptEngineMajorVersion"
-Check ScriptEngineMinorVersion, CLng(8), "ScriptEngineMinorVersion"
-Check vbObjectError, -2147221504, "vbObjectError"
-Check vbCrLf, Chr(13) & Chr(10), "vbCrLf"
-Check TypeName(vbRed), "Long", "colours are Longs"
+CheckEach Array("Round(1.2345, 2)", 1.23, "Round(Null)", Null, "CLng(-2.5)", CLng(-2), _
+  "Abs(-3)", 3, "Sgn(-0.5)", -1, "Sqr(16)", CDbl(4), "RGB(255, 128, 0)", CLng(33023), _
+  "FormatNumber(1234567.891)", "1,234,567.89", "FormatNumber(0.5, 2, vbFalse)", ".50", _
+  "FormatNumber(-0.5, 2, vbTrue, vbTrue)", "(0.50)", _
+  "FormatNumber(1234.5, 1, vbUseDefault, vbUseDefault, vbFalse)", "1234.5", _
+  "FormatNumber(-1234.5, 0)", "-1,235", "FormatCurrency(1234.567)", "$1,234.57", _
+  "FormatCurrency(-1234.567)", "($1,234.57)", "FormatPercent(0.12345)", "12.35%", _
+  "FormatPercent(-0.5, 0)", "-50%", "CStr(1E+20)", "1E+20", "CStr(0.00001)", "1E-05", _
+  "CStr(1/3)", "0.333333333333333", "IsNumeric(""1,234.5"")", True, "IsNumeric(""12a"")", False, _
+  "GetLocale()", CLng(1033), "SetLocale(1033)", CLng(1033), "ScriptEngine", "VBScript", _
+  "ScriptEngineMajorVersion", CLng(5), "ScriptEngineMinorVersion", CLng(8), _
+  "vbObjectError", -2147221504, "vbCrLf", Chr(13) & Chr(10), "TypeName(vbRed)", "Long")
 
 Rnd -1
 Randomize 7
@@ -144,12 +81,15 @@ r1 = Rnd
 Rnd -1
 Randomize 7
 r2 = Rnd
-Check r1, r2, "Randomize repeats a sequence"
-CheckTrue r1 >= 0 And r1 < 1, "Rnd range"
+CheckEach Array("r1", r2, "r1 >= 0 And r1 < 1", True)
 
-CheckError "x = CInt(32768)", 6, "CInt overflow"
-CheckError "x = CLng(""abc"")", 13, "CLng of text"
-CheckError "x = CLng(Null)", 94, "CLng(Null)"
-CheckError "x = Round(1.5, -1)", 5, "Round negative places"
-CheckError "x = UBound(1)", 13, "UBound of a number"
-CheckError "x = UBound(Array(1), 2)", 9, "UBound of a missing dimension"
+CheckErrors Array("x = CInt(32768)", 6, "x = CLng(""abc"")", 13, "x = CLng(Null)", 94, _
+  "x = Round(1.5, -1)", 5, "x = UBound(1)", 13, "x = UBound(Array(1), 2)", 9)
+
+' --- FormatNumber, FormatCurrency and FormatPercent at their edges; the sign survives rounding.
+CheckEach Array("FormatNumber(0.5, 2, 0)", ".50", "FormatNumber(-0.5, 2, -1, -1)", "(0.50)", _
+  "FormatNumber(1234.5, 1, -2, -2, 0)", "1234.5", "FormatNumber(999.996, 2)", "1,000.00", _
+  "FormatNumber(-0.001, 2)", "-0.00", "FormatNumber(1E-7, 3)", "0.000", "FormatNumber(""1e3"")", "1,000.00", _
+  "FormatCurrency(-5, 0, -2, 0)", "-$5", "FormatCurrency(CCur(12345.5))", "$12,345.50", _
+  "FormatPercent(12.5)", "1,250.00%")
+CheckErrors Array("x = FormatNumber(""abc"")", 13, "x = FormatNumber(1, -3)", 5)

@@ -7,32 +7,23 @@ Dim fso, root, ts, i, t
 Set fso = CreateObject("Scripting.FileSystemObject")
 
 ' Path text, worked out without touching the disk.
-Check fso.GetParentFolderName("a\b\c"), "a\b", "parent keeps backslashes"
-Check fso.GetParentFolderName("a/b/c"), "a/b", "parent keeps slashes"
-Check fso.GetParentFolderName("a/b//\\"), "a", "trailing separators go"
-Check fso.GetParentFolderName("C:\\x"), "C:\", "a drive keeps its separator"
-Check fso.GetParentFolderName("ac:\x"), "ac:", "only a one-letter drive"
-Check fso.GetParentFolderName("name"), "", "no parent"
-Check fso.GetFileName("a\"), "a", "file name before a trailing separator"
-Check fso.GetFileName("C:"), "", "a drive has no file name"
-Check fso.GetFileName("/\"), "", "the root has no file name"
-Check fso.GetBaseName("a/a.b.c"), "a.b", "base name drops the last extension"
-Check fso.GetBaseName(".a"), "", "a name that is all extension"
-Check fso.GetExtensionName("a/b.tar.gz"), "gz", "extension"
-Check fso.GetExtensionName("a/b"), "", "no extension"
-Check fso.GetDriveName("C:\a.txt"), "C:", "drive name"
-Check fso.GetDriveName("o:"), "o:", "lower-case drive name"
-Check fso.GetDriveName("\\srv\share\x"), "\\srv\share", "network share"
-Check fso.GetDriveName("OO:"), "", "not a drive"
-Check fso.GetDriveName("/usr/lib"), "", "Linux paths have no drive"
-Check fso.BuildPath("C:\path", "..\n.tmp"), "C:\path\..\n.tmp", "BuildPath joins with a backslash"
-Check fso.BuildPath("C:\path", "\n.tmp"), "C:\path\n.tmp", "BuildPath, name with separator"
-Check fso.BuildPath("C:\path\", "\n.tmp"), "C:\path\n.tmp", "BuildPath, both with separators"
-Check fso.BuildPath("C:\path\", "\\n.tmp"), "C:\path\\n.tmp", "BuildPath drops only one"
-Check fso.BuildPath("C:", "n.tmp"), "C:n.tmp", "BuildPath after a bare drive"
-Check fso.BuildPath("/usr", "lib"), "/usr/lib", "BuildPath on Linux paths"
-Check Left(fso.GetTempName, 3) & Right(fso.GetTempName, 4), "rad.tmp", "GetTempName"
-Check Len(fso.GetTempName), CLng(12), "GetTempName length"
+CheckEach Array("fso.GetParentFolderName(""a\b\c"")", "a\b", _
+  "fso.GetParentFolderName(""a/b/c"")", "a/b", "fso.GetParentFolderName(""a/b//\\"")", "a", _
+  "fso.GetParentFolderName(""C:\\x"")", "C:\", "fso.GetParentFolderName(""ac:\x"")", "ac:", _
+  "fso.GetParentFolderName(""name"")", "", "fso.GetFileName(""a\"")", "a", _
+  "fso.GetFileName(""C:"")", "", "fso.GetFileName(""/\"")", "", _
+  "fso.GetBaseName(""a/a.b.c"")", "a.b", "fso.GetBaseName("".a"")", "", _
+  "fso.GetExtensionName(""a/b.tar.gz"")", "gz", "fso.GetExtensionName(""a/b"")", "", _
+  "fso.GetDriveName(""C:\a.txt"")", "C:", "fso.GetDriveName(""o:"")", "o:", _
+  "fso.GetDriveName(""\\srv\share\x"")", "\\srv\share", "fso.GetDriveName(""OO:"")", "", _
+  "fso.GetDriveName(""/usr/lib"")", "", _
+  "fso.BuildPath(""C:\path"", ""..\n.tmp"")", "C:\path\..\n.tmp", _
+  "fso.BuildPath(""C:\path"", ""\n.tmp"")", "C:\path\n.tmp", _
+  "fso.BuildPath(""C:\path\"", ""\n.tmp"")", "C:\path\n.tmp", _
+  "fso.BuildPath(""C:\path\"", ""\\n.tmp"")", "C:\path\\n.tmp", _
+  "fso.BuildPath(""C:"", ""n.tmp"")", "C:n.tmp", "fso.BuildPath(""/usr"", ""lib"")", "/usr/lib", _
+  "Left(fso.GetTempName, 3) & Right(fso.GetTempName, 4)", "rad.tmp", _
+  "Len(fso.GetTempName)", CLng(12))
 
 root = fso.BuildPath(fso.GetSpecialFolder(2).Path, "obj_fso_" & fso.GetTempName())
 fso.CreateFolder root
@@ -42,24 +33,17 @@ Set ts = fso.CreateTextFile(root & "/lines.txt")
 ts.Write "first line" & vbCrLf & "second" & vbLf & vbLf & vbCr & "t" & vbCr & vbCr & "e " & vbCr & "st" & vbLf & "last"
 ts.Close
 Set ts = fso.OpenTextFile(root & "/lines.txt")
-Check ts.ReadLine, "first line", "CR LF ends a line"
-Check ts.ReadLine, "second", "LF ends a line"
-Check ts.ReadLine, "", "an empty line"
-Check ts.ReadLine, vbCr & "t" & vbCr & vbCr & "e " & vbCr & "st", "lone CRs stay"
-Check ts.Line, CLng(5), "Line counts line feeds"
-Check ts.ReadLine, "last", "the last line without an end"
-Check ts.AtEndOfStream, True, "at the end"
-CheckError "x = ts.ReadLine", 62, "ReadLine past the end"
-CheckError "x = ts.ReadAll", 62, "ReadAll past the end"
-CheckError "x = ts.Read(1)", 62, "Read past the end"
-CheckError "ts.Write ""x""", 54, "writing a stream opened for reading"
+CheckEach Array("ts.ReadLine", "first line", "ts.ReadLine", "second", "ts.ReadLine", "", _
+  "ts.ReadLine", vbCr & "t" & vbCr & vbCr & "e " & vbCr & "st", "ts.Line", CLng(5), _
+  "ts.ReadLine", "last", "ts.AtEndOfStream", True)
+CheckErrors Array("x = ts.ReadLine", 62, "x = ts.ReadAll", 62, "x = ts.Read(1)", 62, _
+  "ts.Write ""x""", 54)
 ts.Close
 Set ts = fso.OpenTextFile(root & "/lines.txt")
 CheckError "x = ts.Read(-1)", 5, "a negative count"
 Check ts.Read(0), "", "Read(0)"
 ts.SkipLine
-Check ts.Read(3), "sec", "Read after SkipLine"
-Check ts.Column, CLng(4), "Column"
+CheckEach Array("ts.Read(3)", "sec", "ts.Column", CLng(4))
 ts.Close
 
 ' Appending with the default format continues a Unicode file in Unicode.
@@ -69,36 +53,31 @@ ts.Close
 Set ts = fso.OpenTextFile(root & "/u.txt", 8, False, -2)
 ts.Write "c"
 ts.Close
-Check fso.GetFile(root & "/u.txt").Size, CLng(8), "BOM and three UTF-16 units"
-Check fso.OpenTextFile(root & "/u.txt", 1, False, -1).ReadAll, "abc", "read back as Unicode"
+CheckEach Array("fso.GetFile(root & ""/u.txt"").Size", CLng(8), _
+  "fso.OpenTextFile(root & ""/u.txt"", 1, False, -1).ReadAll", "abc")
 
 Set ts = fso.OpenTextFile(root & "/made.txt", 1, True)
 Check ts.AtEndOfStream, True, "reading with the create flag makes an empty file"
 ts.Close
 Check fso.FileExists(root & "/made.txt"), True, "the made file stays"
 Set ts = fso.OpenTextFile(root & "/w.txt", 2, True)
-CheckError "x = ts.ReadAll", 54, "reading a stream opened for writing"
-CheckError "x = ts.AtEndOfStream", 54, "AtEndOfStream while writing"
+CheckErrors Array("x = ts.ReadAll", 54, "x = ts.AtEndOfStream", 54)
 ts.Close
 Set ts = fso.OpenTextFile(root & "/w.txt", 8)
 CheckError "x = ts.Read(1)", 54, "reading a stream opened for appending"
 ts.Close
 
 ' Errors of the file operations.
-CheckError "fso.CreateTextFile root & ""/missing/x.txt""", 76, "CreateTextFile in a missing folder"
-CheckError "fso.CreateTextFile root & ""/w.txt"", False", 58, "CreateTextFile without overwrite"
-CheckError "fso.CreateFolder root", 58, "CreateFolder of an existing folder"
-CheckError "Set f = fso.GetFile(root & ""/nothere"")", 53, "GetFile of a missing file"
-CheckError "Set f = fso.GetFile(root)", 53, "GetFile of a folder"
-CheckError "Set f = fso.GetFolder(root & ""/nothere"")", 76, "GetFolder of a missing folder"
-CheckError "fso.CopyFile root & ""/nothere"", root & ""/x""", 53, "CopyFile of a missing file"
-CheckError "fso.CopyFolder root & ""/nothere"", root & ""/x""", 76, "CopyFolder of a missing folder"
-CheckError "fso.CopyFolder root & ""/w.txt"", root & ""/x""", 76, "CopyFolder of a file"
-CheckError "fso.DeleteFile root & ""/nothere""", 53, "DeleteFile of a missing file"
-CheckError "fso.DeleteFolder root & ""/nothere""", 76, "DeleteFolder of a missing folder"
-CheckError "x = fso.OpenTextFile(root & ""/nothere"")", 53, "OpenTextFile of a missing file"
-CheckError "x = fso.OpenTextFile(root & ""/w.txt"", 3)", 5, "an unknown mode"
-CheckError "x = fso.GetStandardStream(3)", 5, "an unknown standard stream"
+CheckErrors Array("fso.CreateTextFile root & ""/missing/x.txt""", 76, _
+  "fso.CreateTextFile root & ""/w.txt"", False", 58, "fso.CreateFolder root", 58, _
+  "Set f = fso.GetFile(root & ""/nothere"")", 53, "Set f = fso.GetFile(root)", 53, _
+  "Set f = fso.GetFolder(root & ""/nothere"")", 76, _
+  "fso.CopyFile root & ""/nothere"", root & ""/x""", 53, _
+  "fso.CopyFolder root & ""/nothere"", root & ""/x""", 76, _
+  "fso.CopyFolder root & ""/w.txt"", root & ""/x""", 76, _
+  "fso.DeleteFile root & ""/nothere""", 53, "fso.DeleteFolder root & ""/nothere""", 76, _
+  "x = fso.OpenTextFile(root & ""/nothere"")", 53, _
+  "x = fso.OpenTextFile(root & ""/w.txt"", 3)", 5, "x = fso.GetStandardStream(3)", 5)
 
 ' Wildcards copy every match into a folder.
 fso.CreateFolder root & "/src1"
@@ -131,8 +110,7 @@ src = root & "\c_src1"
 dst = root & "\c_dst"
 fso.CreateFolder src
 fso.CreateTextFile(dst).Close
-CheckError "fso.CopyFolder src, dst", 58, "CopyFolder onto a file"
-CheckError "fso.CopyFile src, dst", 53, "CopyFile of a folder"
+CheckErrors Array("fso.CopyFolder src, dst", 58, "fso.CopyFile src, dst", 53)
 fso.DeleteFile dst
 fso.CopyFolder src, dst
 fso.CopyFolder src, dst
@@ -143,14 +121,13 @@ fso.DeleteFolder dst
 CheckError "fso.CopyFolder root & ""\c_src*"", dst", 76, "wildcards into a missing folder"
 fso.CreateTextFile(src & "\c_src1").Close
 fso.CopyFolder src, dst, False
-CheckError "fso.CopyFolder src, dst, False", 58, "CopyFolder without overwrite"
-CheckError "fso.CopyFolder src, dst, True", 0, "CopyFolder with overwrite"
+CheckErrors Array("fso.CopyFolder src, dst, False", 58, "fso.CopyFolder src, dst, True", 0)
 
-Check TypeName(fso.GetStandardStream(1)), "TextStream", "GetStandardStream"
-Check fso.GetFile(root & "/lines.txt").Type, "Text Document", "the type of a text file"
+CheckEach Array("TypeName(fso.GetStandardStream(1))", "TextStream", _
+  "fso.GetFile(root & ""/lines.txt"").Type", "Text Document")
 fso.CopyFile root & "/lines.txt", root & "/lines.xyz"
-Check fso.GetFile(root & "/lines.xyz").Type, "XYZ File", "the type of an unknown extension"
-Check fso.GetFileVersion(root & "/lines.xyz"), "", "a file without a version"
+CheckEach Array("fso.GetFile(root & ""/lines.xyz"").Type", "XYZ File", _
+  "fso.GetFileVersion(root & ""/lines.xyz"")", "")
 fso.DeleteFolder root
 Check fso.FolderExists(root), False, "DeleteFolder"
 
@@ -167,10 +144,8 @@ ts_2.WriteLine "héllo"
 ts_2.Write "x"
 ts_2.Close
 Set ts_2 = fso_2.OpenTextFile(root_2 & "/a.txt")
-Check ts_2.ReadLine, "héllo", "ReadLine"
-Check ts_2.Line, CLng(2), "Line"
-Check ts_2.ReadAll, "x", "ReadAll"
-Check ts_2.AtEndOfStream, True, "AtEndOfStream"
+CheckEach Array("ts_2.ReadLine", "héllo", "ts_2.Line", CLng(2), "ts_2.ReadAll", "x", _
+  "ts_2.AtEndOfStream", True)
 ts_2.Close
 Set ts_2 = fso_2.OpenTextFile(root_2 & "/a.txt", 8)
 ts_2.Write "y"
@@ -180,30 +155,26 @@ Check fso_2.GetFile(root_2 & "/a.txt").Size, CLng(10), "UTF-8 size after appendi
 Set ts_2 = fso_2.CreateTextFile(root_2 & "/u.txt", True, True)
 ts_2.Write "€"
 ts_2.Close
-Check fso_2.GetFile(root_2 & "/u.txt").Size, CLng(4), "Unicode with its BOM"
-Check fso_2.OpenTextFile(root_2 & "/u.txt").ReadAll, "€", "BOM honoured on reading"
+CheckEach Array("fso_2.GetFile(root_2 & ""/u.txt"").Size", CLng(4), _
+  "fso_2.OpenTextFile(root_2 & ""/u.txt"").ReadAll", "€")
 
-Check fso_2.GetFileName(root_2 & "\a.txt"), "a.txt", "GetFileName"
-Check fso_2.GetBaseName("x/y.tar.gz"), "y.tar", "GetBaseName"
-Check fso_2.GetExtensionName("x\y.TXT"), "TXT", "GetExtensionName"
-Check fso_2.GetParentFolderName("a\b\c.txt"), "a\b", "GetParentFolderName"
-Check fso_2.BuildPath("a", "b"), "a/b", "BuildPath"
+CheckEach Array("fso_2.GetFileName(root_2 & ""\a.txt"")", "a.txt", _
+  "fso_2.GetBaseName(""x/y.tar.gz"")", "y.tar", "fso_2.GetExtensionName(""x\y.TXT"")", "TXT", _
+  "fso_2.GetParentFolderName(""a\b\c.txt"")", "a\b", "fso_2.BuildPath(""a"", ""b"")", "a/b")
 
 fso_2.CreateFolder root_2 & "/sub"
 fso_2.CopyFile root_2 & "/*.txt", root_2 & "/sub/"
 Set f = fso_2.GetFolder(root_2 & "/sub")
-Check f.Files.Count, CLng(2), "CopyFile with wildcards"
-Check f.Name, "sub", "Folder.Name"
+CheckEach Array("f.Files.Count", CLng(2), "f.Name", "sub")
 fso_2.MoveFile root_2 & "/sub/a.txt", root_2 & "/sub/b.txt"
 Check fso_2.FileExists(root_2 & "/sub/b.txt"), True, "MoveFile"
 fso_2.DeleteFile root_2 & "/sub/*.txt"
 Check fso_2.GetFolder(root_2 & "/sub").Files.Count, CLng(0), "DeleteFile with wildcards"
 
-CheckError "Set x = fso_2.OpenTextFile(root_2 & ""/none.txt"")", 53, "open a missing file"
-CheckError "fso_2.CreateFolder root_2 & ""/sub""", 58, "CreateFolder twice"
-CheckError "Set x = fso_2.GetFolder(root_2 & ""/none"")", 76, "GetFolder missing"
-CheckError "Set x = fso_2.CreateTextFile(root_2 & ""/a.txt"", False)", 58, "CreateTextFile without overwrite"
-CheckError "x = fso_2.OpenTextFile(root_2 & ""/a.txt"", 2).ReadLine", 54, "reading a stream for writing"
+CheckErrors Array("Set x = fso_2.OpenTextFile(root_2 & ""/none.txt"")", 53, _
+  "fso_2.CreateFolder root_2 & ""/sub""", 58, "Set x = fso_2.GetFolder(root_2 & ""/none"")", 76, _
+  "Set x = fso_2.CreateTextFile(root_2 & ""/a.txt"", False)", 58, _
+  "x = fso_2.OpenTextFile(root_2 & ""/a.txt"", 2).ReadLine", 54)
 
 fso_2.DeleteFolder root_2
 Check fso_2.FolderExists(root_2), False, "DeleteFolder"

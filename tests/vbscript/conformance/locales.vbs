@@ -31,40 +31,28 @@ CheckWriting 2052, "1,234,567.89", "1.5", "¥-1,234.57", "¥1,234.57", "12.50%",
 
 ' Reading numbers and dates follows the locale; date literals in code do not.
 SetLocale 1031
-Check CDbl("1.234,5"), 1234.5, "1031 reads groups and the decimal comma"
-Check CDbl("1.5"), CDbl(15), "1031: a dot is a group separator"
-Check CCur("1.234,56 €"), CCur(1234.56), "1031 reads its currency after the amount"
-Check IsNumeric("1,5"), True, "1031 IsNumeric"
-Check Day("15.03.2026"), 15, "1031 dotted date"
-Check DateValue("15. März 2026"), DateSerial(2026, 3, 15), "1031 month name"
-Check TimeValue("14:05:09"), TimeSerial(14, 5, 9), "1031 TimeValue"
-Check CDate("15.03.2026 14:05"), DateSerial(2026, 3, 15) + TimeSerial(14, 5, 0), "1031 date and time"
-Check "x" & 2.25, "x2,25", "1031 concatenation"
-Check "1,5" = 1.5, True, "1031 text against a number literal"
-Check "2,5" + 1, 3.5, "1031 arithmetic on text"
-Check FormatDateTime(d, vbLongTime) & "|" & FormatDateTime(d, vbShortTime), "14:05:09|14:05", "1031 times"
-Check Weekday(DateSerial(2026, 3, 15), vbUseSystemDayOfWeek), 7, "1031 weeks start on Monday"
-Check #3/4/2026#, DateSerial(2026, 3, 4), "a date literal is read month first"
+CheckEach Array("CDbl(""1.234,5"")", 1234.5, "CDbl(""1.5"")", CDbl(15), _
+  "CCur(""1.234,56 €"")", CCur(1234.56), "IsNumeric(""1,5"")", True, "Day(""15.03.2026"")", 15, _
+  "DateValue(""15. März 2026"")", DateSerial(2026, 3, 15), _
+  "TimeValue(""14:05:09"")", TimeSerial(14, 5, 9), _
+  "CDate(""15.03.2026 14:05"")", DateSerial(2026, 3, 15) + TimeSerial(14, 5, 0), _
+  """x"" & 2.25", "x2,25", """1,5"" = 1.5", True, """2,5"" + 1", 3.5, _
+  "FormatDateTime(d, vbLongTime) & ""|"" & FormatDateTime(d, vbShortTime)", "14:05:09|14:05", _
+  "Weekday(DateSerial(2026, 3, 15), vbUseSystemDayOfWeek)", 7, _
+  "#3/4/2026#", DateSerial(2026, 3, 4))
 SetLocale 1036
-Check DateValue("3/4/2026"), DateSerial(2026, 4, 3), "1036 day first"
-Check DateValue("3/15/2026"), DateSerial(2026, 3, 15), "1036 falls back to month first"
-Check CDbl("1 234,5"), 1234.5, "1036 reads a plain space as its group separator"
-Check #3/4/2026#, DateSerial(2026, 3, 4), "1036 date literal"
+CheckEach Array("DateValue(""3/4/2026"")", DateSerial(2026, 4, 3), _
+  "DateValue(""3/15/2026"")", DateSerial(2026, 3, 15), "CDbl(""1 234,5"")", 1234.5, _
+  "#3/4/2026#", DateSerial(2026, 3, 4))
 SetLocale 1041
-Check DateValue("2026年3月15日"), DateSerial(2026, 3, 15), "1041 long date"
-Check DateValue("2026/3/4"), DateSerial(2026, 3, 4), "1041 year first"
+CheckEach Array("DateValue(""2026年3月15日"")", DateSerial(2026, 3, 15), _
+  "DateValue(""2026/3/4"")", DateSerial(2026, 3, 4))
 SetLocale 1033
-Check CDbl("1,5"), CDbl(15), "1033: a comma is a group separator"
-Check DateValue("3/4/2026"), DateSerial(2026, 3, 4), "1033 month first"
+CheckEach Array("CDbl(""1,5"")", CDbl(15), "DateValue(""3/4/2026"")", DateSerial(2026, 3, 4))
 
 ' SetLocale takes ids and names and returns the id it replaced; unknown ones raise 447.
-Check SetLocale("de-de"), CLng(1033), "by name"
-Check SetLocale("EN-GB"), CLng(1031), "any case"
-Check SetLocale("fr"), CLng(2057), "a language alone"
-Check SetLocale(2052), CLng(1036), "by id"
-Check GetLocale(), CLng(2052), "GetLocale"
-CheckError "SetLocale 12345", 447, "unknown id"
-CheckError "SetLocale ""xx-yy""", 447, "unknown name"
-Check GetLocale(), CLng(2052), "a failed SetLocale changes nothing"
-Check SetLocale(0), CLng(2052), "0 is the default"
-Check GetLocale(), CLng(1033), "which is 1033"
+CheckEach Array("SetLocale(""de-de"")", CLng(1033), "SetLocale(""EN-GB"")", CLng(1031), _
+  "SetLocale(""fr"")", CLng(2057), "SetLocale(2052)", CLng(1036), "GetLocale()", CLng(2052))
+CheckErrors Array("SetLocale 12345", 447, "SetLocale ""xx-yy""", 447, "SetLocale 7", 447, _
+  "SetLocale "" Fr-FR """, 0)
+CheckEach Array("GetLocale()", CLng(1036), "SetLocale(0)", CLng(1036), "GetLocale()", CLng(1033))

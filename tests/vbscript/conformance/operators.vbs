@@ -1,266 +1,131 @@
 ' Operators: precedence, result types, overflow, and how mixed operands, Null and Empty convert.
 
 ' --- Operator precedence, associativity and the result types of arithmetic.
-Check -2 ^ 2, CDbl(4), "unary minus binds tighter than ^"
-Check 2 ^ 3 ^ 2, CDbl(64), "^ is left-associative"
-Check 2 ^ -1, 0.5, "negative exponent"
-Check 1 + 2 * 3, 7, "* before +"
-Check 7 \ 2 * 2, 1, "* before \"
-Check 10 - 2 - 3, 5, "- is left-associative"
-Check 2 * 3 Mod 4, 2, "Mod after *"
-Check 7 Mod 3 \ 1, 1, "\ before Mod"
-Check 1 + 2 & 3, "33", "& after +"
-Check "a" & 1 + 2, "a3", "+ before &"
-Check 1 < 2 = True, True, "comparison is left-associative"
-Check Not 1 = 2, True, "Not after comparison"
-Check True Or False And False, True, "And before Or"
-Check True Xor True Or True, False, "Or before Xor"
-Check False Eqv False Xor True, False, "Xor before Eqv"
-Check True Imp False Eqv False, True, "Eqv before Imp"
+CheckEach Array("-2 ^ 2", CDbl(4), "2 ^ 3 ^ 2", CDbl(64), "2 ^ -1", 0.5, "1 + 2 * 3", 7, _
+  "7 \ 2 * 2", 1, "10 - 2 - 3", 5, "2 * 3 Mod 4", 2, "7 Mod 3 \ 1", 1, "1 + 2 & 3", "33", _
+  """a"" & 1 + 2", "a3", "1 < 2 = True", True, "Not 1 = 2", True, _
+  "True Or False And False", True, "True Xor True Or True", False, _
+  "False Eqv False Xor True", False, "True Imp False Eqv False", True)
 ' Types of results.
-Check TypeName(1 + 1), "Integer", "Integer + Integer"
-Check TypeName(32767 + 1), "Long", "Integer overflow widens to Long"
-Check TypeName(-32768 - 1), "Long", "Integer underflow"
-Check TypeName(200 * 200), "Long", "Integer product overflow"
-Check TypeName(2147483647 + 1), "Double", "Long overflow widens to Double"
-Check TypeName(CByte(200) + CByte(100)), "Integer", "Byte overflow widens to Integer"
-Check TypeName(CByte(2) + CByte(3)), "Byte", "Byte + Byte"
-Check TypeName(CByte(2) + 3), "Integer", "Byte + Integer"
-Check TypeName(CSng(1.5) + 1), "Single", "Single + Integer"
-Check TypeName(CSng(1.5) + CLng(1)), "Double", "Single + Long"
-Check TypeName(1.5 + 1), "Double", "Double + Integer"
-Check TypeName(CCur(1) + 1), "Currency", "Currency + Integer"
-Check TypeName(4 / 2), "Double", "/ always Double"
-Check 7 / 2, 3.5, "/ value"
-Check TypeName(7 \ 2), "Integer", "\ of Integers"
-Check TypeName(CLng(7) \ 2), "Long", "\ of Long"
-Check 7.5 \ 2, CLng(4), "\ rounds its operands half to even (8 \ 2)"
-Check 6.5 \ 2, CLng(3), "6.5 rounds to 6"
-Check -7 \ 2, -3, "\ truncates"
-Check -7 Mod 3, -1, "Mod takes the dividend's sign"
-Check 5.5 Mod 3, CLng(0), "Mod rounds 5.5 to 6"
-Check TypeName(2 ^ 2), "Double", "^ is Double"
-Check True + True, -2, "Boolean arithmetic"
-Check TypeName(True + True), "Integer", "Boolean + Boolean is Integer"
-Check -True, 1, "negated True"
-Check TypeName(Empty + Empty), "Integer", "Empty + Empty"
-Check Empty + 5, 5, "Empty is 0"
+CheckEach Array("TypeName(1 + 1)", "Integer", "TypeName(32767 + 1)", "Long", _
+  "TypeName(-32768 - 1)", "Long", "TypeName(200 * 200)", "Long", _
+  "TypeName(2147483647 + 1)", "Double", "TypeName(CByte(200) + CByte(100))", "Integer", _
+  "TypeName(CByte(2) + CByte(3))", "Byte", "TypeName(CByte(2) + 3)", "Integer", _
+  "TypeName(CSng(1.5) + 1)", "Single", "TypeName(CSng(1.5) + CLng(1))", "Double", _
+  "TypeName(1.5 + 1)", "Double", "TypeName(CCur(1) + 1)", "Currency", _
+  "TypeName(4 / 2)", "Double", "7 / 2", 3.5, "TypeName(7 \ 2)", "Integer", _
+  "TypeName(CLng(7) \ 2)", "Long", "7.5 \ 2", CLng(4), "6.5 \ 2", CLng(3), "-7 \ 2", -3, _
+  "-7 Mod 3", -1, "5.5 Mod 3", CLng(0), "TypeName(2 ^ 2)", "Double", "True + True", -2, _
+  "TypeName(True + True)", "Integer", "-True", 1, "TypeName(Empty + Empty)", "Integer", _
+  "Empty + 5", 5)
 ' Strings and +.
-Check "1" + "2", "12", "+ on two strings concatenates"
-Check "1" + 2, CDbl(3), "string + number converts to Double"
-Check TypeName("1" + 2), "Double", "string + number type"
-Check "a" & Empty & "b", "ab", "Empty concatenates as nothing"
-Check 1 & 2, "12", "& of numbers"
-Check TypeName(Null & Null), "Null", "Null & Null"
-Check "x" & Null, "x", "Null & text"
+CheckEach Array("""1"" + ""2""", "12", """1"" + 2", CDbl(3), "TypeName(""1"" + 2)", "Double", _
+  """a"" & Empty & ""b""", "ab", "1 & 2", "12", "TypeName(Null & Null)", "Null", _
+  """x"" & Null", "x")
 ' Null propagation.
-Check TypeName(Null + 1), "Null", "Null + 1"
-Check TypeName(1 - Null), "Null", "1 - Null"
-Check TypeName(Null = Null), "Null", "Null = Null"
-Check TypeName(Null > 1), "Null", "comparison with Null"
-Check TypeName(-Null), "Null", "-Null"
-Check TypeName(Not Null), "Null", "Not Null"
-Check False And Null, False, "False And Null"
-Check TypeName(True And Null), "Null", "True And Null"
-Check True Or Null, True, "True Or Null"
-Check TypeName(False Or Null), "Null", "False Or Null"
-Check 0 And Null, 0, "0 And Null"
+CheckEach Array("TypeName(Null + 1)", "Null", "TypeName(1 - Null)", "Null", _
+  "TypeName(Null = Null)", "Null", "TypeName(Null > 1)", "Null", "TypeName(-Null)", "Null", _
+  "TypeName(Not Null)", "Null", "False And Null", False, "TypeName(True And Null)", "Null", _
+  "True Or Null", True, "TypeName(False Or Null)", "Null", "0 And Null", 0)
 ' Bitwise on numbers.
-Check 12 And 10, 8, "bitwise And"
-Check 12 Or 3, 15, "bitwise Or"
-Check 12 Xor 10, 6, "bitwise Xor"
-Check Not 0, -1, "Not 0"
-Check TypeName(Not CByte(0)), "Byte", "Not of a Byte"
-Check Not CByte(0), CByte(255), "Not of a Byte value"
-Check TypeName(1 And CLng(3)), "Long", "Integer And Long"
-Check TypeName(True And True), "Boolean", "Boolean And Boolean"
-Check TypeName(True And 1), "Integer", "Boolean And Integer"
+CheckEach Array("12 And 10", 8, "12 Or 3", 15, "12 Xor 10", 6, "Not 0", -1, _
+  "TypeName(Not CByte(0))", "Byte", "Not CByte(0)", CByte(255), _
+  "TypeName(1 And CLng(3))", "Long", "TypeName(True And True)", "Boolean", _
+  "TypeName(True And 1)", "Integer")
 ' Comparisons.
-Check 1 < 2, True, "1 < 2"
-Check "a" < "b", True, "text comparison"
-Check "a" < "B", False, "binary comparison"
-Check "10" < "9", True, "two strings compare as text"
-Check 10 > "9", True, "number literal against a string: numeric"
-Check "abc" = "abc", True, "equal texts"
-Check 1 = 1.0, True, "Integer equals Double"
-Check Empty = 0, True, "Empty equals 0"
-Check Empty = "", True, "Empty equals empty text"
-Check Nothing Is Nothing, True, "Nothing Is Nothing"
+CheckEach Array("1 < 2", True, """a"" < ""b""", True, """a"" < ""B""", False, _
+  """10"" < ""9""", True, "10 > ""9""", True, """abc"" = ""abc""", True, "1 = 1.0", True, _
+  "Empty = 0", True, "Empty = """"", True, "Nothing Is Nothing", True)
 Set o1 = New RegExp
 Set o2 = o1
-Check o1 Is o2, True, "same object"
-Check o1 Is New RegExp, False, "another object"
+CheckEach Array("o1 Is o2", True, "o1 Is New RegExp", False)
 ' Overflow and division errors.
-CheckError "x = 1 / 0", 11, "division by zero"
-CheckError "x = 1 \ 0", 11, "integer division by zero"
-CheckError "x = 1 Mod 0", 11, "Mod by zero"
-CheckError "x = 1E308 * 10", 6, "Double overflow"
-CheckError "x = ""a"" + 1", 13, "text that is no number"
-CheckError "x = 1 Is 2", 424, "Is needs objects"
-CheckError "x = CByte(1) - 2", 0, "Byte minus more than it holds widens"
+CheckErrors Array("x = 1 / 0", 11, "x = 1 \ 0", 11, "x = 1 Mod 0", 11, "x = 1E308 * 10", 6, _
+  "x = ""a"" + 1", 13, "x = 1 Is 2", 424, "x = CByte(1) - 2", 0)
 Check TypeName(CByte(1) - 2), "Integer", "Byte - Integer"
 
 ' --- Result types and overflow of arithmetic on every numeric subtype, and how Null and Empty flow through operators.
-Check TypeName(CInt(1) * CLng(2)), "Long", "Integer * Long"
-Check TypeName(CByte(10) * CByte(30)), "Integer", "Byte product past 255 widens"
-Check TypeName(CByte(7) Mod CByte(3)), "Byte", "Byte Mod Byte"
-Check TypeName(CByte(7) \ CByte(2)), "Byte", "Byte \ Byte"
-Check TypeName(CLng(2147483647) * 2), "Double", "Long product overflow"
-Check TypeName(CCur(1) + CLng(1)), "Currency", "Currency + Long"
-Check TypeName(CCur(1) - True), "Currency", "Currency - Boolean"
-Check TypeName(-CInt(-32768)), "Long", "negating the smallest Integer"
-Check -CInt(-32768), CLng(32768), "its value"
-Check TypeName(-CLng(-2147483647 - 1)), "Double", "negating the smallest Long"
-Check TypeName(True \ True), "Integer", "Boolean \ Boolean"
-Check TypeName(True Mod True), "Integer", "Boolean Mod Boolean"
-Check TypeName(True - False), "Integer", "Boolean - Boolean"
-Check TypeName(Not True), "Boolean", "Not Boolean"
-Check TypeName(Not CLng(5)), "Long", "Not Long"
-Check Not 5, -6, "Not 5"
-Check 2.5 \ 1, CLng(2), "2.5 rounds to even before \"
-Check -2.5 \ 1, CLng(-2), "-2.5 rounds to even"
-Check 3.5 \ 1, CLng(4), "3.5 rounds up"
-Check 7 Mod -3, 1, "Mod with negative divisor"
-Check 7.6 Mod 3, CLng(2), "Mod rounds 7.6 to 8"
-Check TypeName(10.5 Mod 3), "Long", "Mod of Double is Long"
-Check 0 ^ 0, CDbl(1), "0 ^ 0"
-Check 4 ^ 0.5, CDbl(2), "fractional power"
-Check (-8) ^ 3, CDbl(-512), "negative base, whole exponent"
+CheckEach Array("TypeName(CInt(1) * CLng(2))", "Long", _
+  "TypeName(CByte(10) * CByte(30))", "Integer", "TypeName(CByte(7) Mod CByte(3))", "Byte", _
+  "TypeName(CByte(7) \ CByte(2))", "Byte", "TypeName(CLng(2147483647) * 2)", "Double", _
+  "TypeName(CCur(1) + CLng(1))", "Currency", "TypeName(CCur(1) - True)", "Currency", _
+  "TypeName(-CInt(-32768))", "Long", "-CInt(-32768)", CLng(32768), _
+  "TypeName(-CLng(-2147483647 - 1))", "Double", "TypeName(True \ True)", "Integer", _
+  "TypeName(True Mod True)", "Integer", "TypeName(True - False)", "Integer", _
+  "TypeName(Not True)", "Boolean", "TypeName(Not CLng(5))", "Long", "Not 5", -6, _
+  "2.5 \ 1", CLng(2), "-2.5 \ 1", CLng(-2), "3.5 \ 1", CLng(4), "7 Mod -3", 1, _
+  "7.6 Mod 3", CLng(2), "TypeName(10.5 Mod 3)", "Long", "0 ^ 0", CDbl(1), "4 ^ 0.5", CDbl(2), _
+  "(-8) ^ 3", CDbl(-512))
 CheckError "x = (-8) ^ (1/3)", 5, "negative base, fractional exponent"
-Check TypeName(Null ^ 2), "Null", "Null ^ 2"
-Check TypeName(Null Mod 2), "Null", "Null Mod 2"
-Check TypeName(Null \ 2), "Null", "Null \ 2"
+CheckEach Array("TypeName(Null ^ 2)", "Null", "TypeName(Null Mod 2)", "Null", _
+  "TypeName(Null \ 2)", "Null")
 CheckError "x = Null \ 0", 0, "Null \ 0 is Null, no error"
-Check TypeName(Null & 1), "String", "Null & number"
-Check Null & 1, "1", "Null & number value"
-Check TypeName(Null Xor True), "Null", "Null Xor True"
-Check TypeName(True Eqv Null), "Null", "True Eqv Null"
-Check False Imp Null, True, "False Imp Null"
-Check Null Imp True, True, "Null Imp True"
-Check TypeName(True Imp Null), "Null", "True Imp Null"
-Check TypeName(Null Imp False), "Null", "Null Imp False"
-Check TypeName(Empty & Empty), "String", "Empty & Empty"
-Check TypeName(-Empty), "Integer", "-Empty"
-Check TypeName(Empty * 1.5), "Double", "Empty * Double"
-Check TypeName(Empty + CLng(1)), "Long", "Empty + Long"
-Check TypeName("" & 1), "String", "text & number"
-Check "2" * "3", CDbl(6), "text * text"
-Check "1" + "1", "11", "text + text"
-Check TypeName(#1/1/2000# + CCur(1)), "Date", "Date + Currency"
-Check TypeName(#1/1/2000# - 0.5), "Date", "Date - Double"
+CheckEach Array("TypeName(Null & 1)", "String", "Null & 1", "1", _
+  "TypeName(Null Xor True)", "Null", "TypeName(True Eqv Null)", "Null", "False Imp Null", True, _
+  "Null Imp True", True, "TypeName(True Imp Null)", "Null", "TypeName(Null Imp False)", "Null", _
+  "TypeName(Empty & Empty)", "String", "TypeName(-Empty)", "Integer", _
+  "TypeName(Empty * 1.5)", "Double", "TypeName(Empty + CLng(1))", "Long", _
+  "TypeName("""" & 1)", "String", """2"" * ""3""", CDbl(6), """1"" + ""1""", "11", _
+  "TypeName(#1/1/2000# + CCur(1))", "Date", "TypeName(#1/1/2000# - 0.5)", "Date")
 Check #1/1/2000# - 0.5, #12/31/1999 12:00:00 PM#, "half a day back"
 Check TypeName(CByte(255) + True), "Integer", "Byte + Boolean"
 ' Comparisons across types.
-Check Empty < 1, True, "Empty < 1"
-Check Empty > -1, True, "Empty > -1"
-Check "" < "a", True, "empty text first"
-Check "abc" < "abd", True, "text order"
-Check "A" < "a", True, "upper case sorts first in binary order"
-Check "abc" < "abcd", True, "prefix sorts first"
-Check TypeName(Null <> 1), "Null", "Null <> 1"
-Check TypeName(Null = Empty), "Null", "Null = Empty"
-Check TypeName(1 = 1), "Boolean", "comparison type"
-Check True = -1, True, "True = -1"
-Check False = 0, True, "False = 0"
-Check CByte(1) = CCur(1), True, "Byte = Currency"
-Check #1/1/2000# = 36526, True, "a date equals its serial"
+CheckEach Array("Empty < 1", True, "Empty > -1", True, """"" < ""a""", True, _
+  """abc"" < ""abd""", True, """A"" < ""a""", True, """abc"" < ""abcd""", True, _
+  "TypeName(Null <> 1)", "Null", "TypeName(Null = Empty)", "Null", "TypeName(1 = 1)", "Boolean", _
+  "True = -1", True, "False = 0", True, "CByte(1) = CCur(1)", True, "#1/1/2000# = 36526", True)
 x = Empty
-Check x = "", True, "Empty variable against empty text"
-Check x = 0, True, "Empty variable against 0"
+CheckEach Array("x = """"", True, "x = 0", True)
 i = 5
 j = "5"
-Check i = j, False, "a number variable and a text variable never compare equal"
-Check TypeName(i < j), "Boolean", "that comparison is Boolean"
-CheckError "x = ""5"" < 10", 0, "text literal against number literal"
-CheckError "x = 32767 + CInt(1)", 0, "Integer overflow widens silently"
+CheckEach Array("i = j", False, "TypeName(i < j)", "Boolean")
+CheckErrors Array("x = ""5"" < 10", 0, "x = 32767 + CInt(1)", 0)
 ' Logical operators on numbers work bit by bit after rounding to a whole number.
-Check Not 1.5, CLng(-3), "Not rounds a Double to Long first"
-Check 5 Imp 3, -5, "Imp on numbers"
-Check 5 Eqv 3, -7, "Eqv on numbers"
-Check CByte(5) Eqv CByte(3), CByte(249), "Eqv keeps Byte"
-Check True And 5, 5, "True is all bits set"
+CheckEach Array("Not 1.5", CLng(-3), "5 Imp 3", -5, "5 Eqv 3", -7, _
+  "CByte(5) Eqv CByte(3)", CByte(249), "True And 5", 5)
 ' Integer division and Mod round their operands and check the range.
-CheckError "x = 1 Mod 0.4", 11, "a divisor that rounds to zero"
-CheckError "x = 2147483648 \ 1", 6, "an operand beyond Long"
-Check -5 \ 2, -2, "\ truncates toward zero"
-Check -5 Mod 2, -1, "Mod keeps the dividend's sign"
-Check "3" \ "2", CLng(1), "text operands of \ become Long"
-Check TypeName(CLng(5) Mod CInt(2)), "Long", "Long Mod Integer"
+CheckErrors Array("x = 1 Mod 0.4", 11, "x = 2147483648 \ 1", 6)
+CheckEach Array("-5 \ 2", -2, "-5 Mod 2", -1, """3"" \ ""2""", CLng(1), _
+  "TypeName(CLng(5) Mod CInt(2))", "Long")
 ' Mixed numeric types.
-Check TypeName(CInt(2) * CSng(2)), "Single", "Integer * Single"
-Check TypeName(CLng(2) * CSng(2)), "Double", "Long * Single"
-Check TypeName(CCur(2) * CInt(2)), "Currency", "Currency * Integer"
-Check TypeName(CByte(5) - CByte(1)), "Byte", "Byte - Byte in range"
-Check TypeName(-CByte(5)), "Integer", "negated Byte"
-Check TypeName(+"5"), "String", "unary plus changes nothing"
-Check -"5", CDbl(-5), "unary minus converts text"
-Check TypeName(&H80000000), "Long", "eight hex digits with the top bit"
-Check &H80000000, CLng(-2147483647) - 1, "its value"
+CheckEach Array("TypeName(CInt(2) * CSng(2))", "Single", "TypeName(CLng(2) * CSng(2))", "Double", _
+  "TypeName(CCur(2) * CInt(2))", "Currency", "TypeName(CByte(5) - CByte(1))", "Byte", _
+  "TypeName(-CByte(5))", "Integer", "TypeName(+""5"")", "String", "-""5""", CDbl(-5), _
+  "TypeName(&H80000000)", "Long", "&H80000000", CLng(-2147483647) - 1)
 CheckError "x = 10 ^ 308 * 10", 6, "Double overflow in a product"
 
 ' --- Operator details that differ from what the operator table suggests: the sign binds tighter
 ' than ^, 0 / 0 overflows, Null in the logical operators.
 Dim n
 n = 3
-Check -n ^ 2, CDbl(9), "a sign binds tighter than ^ on a variable"
-Check -3 ^ 2, CDbl(9), "and on a literal"
-Check 2 * 3 ^ 2, CDbl(18), "^ before *"
-Check -(3 ^ 2), CDbl(-9), "parentheses still decide"
-CheckError "n = 0 / 0", 6, "0 / 0 is an overflow"
-CheckError "n = 1 / 0", 11, "1 / 0 is a division by zero"
-CheckError "n = 1 \ 0", 11, "integer division by zero"
-CheckError "n = 1 Mod 0", 11, "Mod by zero"
-Check TypeName(Null Eqv True), "Null", "Eqv with Null"
-Check Null And False, False, "Null And False"
-Check Null Or True, True, "Null Or True"
-Check "ab" & Null, "ab", "& treats Null as empty text"
-CheckError "n = 5 Is Nothing", 424, "Is needs objects"
-CheckError "Set n = 5", 424, "Set needs an object"
+CheckEach Array("-n ^ 2", CDbl(9), "-3 ^ 2", CDbl(9), "2 * 3 ^ 2", CDbl(18), _
+  "-(3 ^ 2)", CDbl(-9))
+CheckErrors Array("n = 0 / 0", 6, "n = 1 / 0", 11, "n = 1 \ 0", 11, "n = 1 Mod 0", 11)
+CheckEach Array("TypeName(Null Eqv True)", "Null", "Null And False", False, "Null Or True", True, _
+  """ab"" & Null", "ab")
+CheckErrors Array("n = 5 Is Nothing", 424, "Set n = 5", 424)
 Check 1 = 1 = True, True, "comparisons chain from the left"
 ' True and False are not number literals that would convert text: these compare without error.
-Check "" = True = False, True, "empty text against True"
-Check "true" <> True, True, "text against True"
-Check Not ("" <> False = False), True, "text against False"
+CheckEach Array(""""" = True = False", True, """true"" <> True", True, _
+  "Not ("""" <> False = False)", True)
 
 ' --- How operators convert mixed operands: text and numbers, Booleans, dates, Empty and objects.
-Check "3" * "4", CDbl(12), "text times text is a Double product"
-Check "3" - 1, CDbl(2), "text minus number"
-Check TypeName("3" * 2), "Double", "text operands become Double"
-Check " 5 " + 1, CDbl(6), "blanks around a number in text"
-Check "&H10" + 0, CDbl(16), "hex text"
-Check "1e2" * 1, CDbl(100), "exponent text"
-Check True * 2, -2, "True is -1 in arithmetic"
-Check TypeName(True * 2), "Integer", "Boolean times Integer"
-Check False + CLng(1), CLng(1), "Boolean + Long is Long"
-Check 1 & True, "1True", "Booleans concatenate as words"
-Check "Value: " & 1.5, "Value: 1.5", "Doubles concatenate as text"
-Check 0.1 + 0.2 = 0.3, False, "Doubles compare exactly"
-Check CStr(1 / 3), "0.333333333333333", "15 significant digits"
-Check 1E+20 & "", "1E+20", "large Double as text"
-Check 0.00001 & "", "1E-05", "small Double as text"
+CheckEach Array("""3"" * ""4""", CDbl(12), """3"" - 1", CDbl(2), "TypeName(""3"" * 2)", "Double", _
+  """ 5 "" + 1", CDbl(6), """&H10"" + 0", CDbl(16), """1e2"" * 1", CDbl(100), "True * 2", -2, _
+  "TypeName(True * 2)", "Integer", "False + CLng(1)", CLng(1), "1 & True", "1True", _
+  """Value: "" & 1.5", "Value: 1.5", "0.1 + 0.2 = 0.3", False, _
+  "CStr(1 / 3)", "0.333333333333333", "1E+20 & """"", "1E+20", "0.00001 & """"", "1E-05")
 d = #1/31/2004#
-Check d + 1, #2/1/2004#, "a date plus days"
-Check TypeName(d + 1), "Date", "a date plus a number is a Date"
-Check TypeName(d - #1/1/2004#), "Double", "the difference of dates is a Double"
-Check d - #1/1/2004#, CDbl(30), "days between dates"
-Check TypeName(d - 1), "Date", "a date minus a number"
-Check CLng(#1/1/1900#), CLng(2), "a date as a number"
-Check Empty & "", "", "Empty as text"
-Check TypeName(Empty * 1), "Integer", "Empty as a number"
-Check CCur(1.5) * 2, CCur(3), "Currency arithmetic"
-Check TypeName(CCur(1) * 1.5), "Double", "Currency and Double"
-Check TypeName(CCur(1) / 2), "Double", "/ of Currency"
-Check CByte(255) And CByte(15), CByte(15), "Byte And Byte"
-Check Not "True", False, "Not of Boolean text"
+CheckEach Array("d + 1", #2/1/2004#, "TypeName(d + 1)", "Date", _
+  "TypeName(d - #1/1/2004#)", "Double", "d - #1/1/2004#", CDbl(30), "TypeName(d - 1)", "Date", _
+  "CLng(#1/1/1900#)", CLng(2), "Empty & """"", "", "TypeName(Empty * 1)", "Integer", _
+  "CCur(1.5) * 2", CCur(3), "TypeName(CCur(1) * 1.5)", "Double", _
+  "TypeName(CCur(1) / 2)", "Double", "CByte(255) And CByte(15)", CByte(15), _
+  "Not ""True""", False)
 s = "10"
 n = 9
-Check s > n, True, "a variable holding text is greater than any number"
-Check n < s, True, "the other way round"
-Check s = 10, True, "a number literal converts the text"
-Check "10" = n + 1, True, "a text literal... against a computed number compares as text"
-CheckError "x = ""abc"" * 1", 13, "non-numeric text"
-CheckError "x = Null + """"", 0, "Null plus text is Null, no error"
-CheckError "Dim a(1) : x = a + 1", 13, "arrays are no numbers"
+CheckEach Array("s > n", True, "n < s", True, "s = 10", True, """10"" = n + 1", True)
+CheckErrors Array("x = ""abc"" * 1", 13, "x = Null + """"", 0, "Dim a(1) : x = a + 1", 13)
 Set dict = CreateObject("Scripting.Dictionary")
 CheckError "x = dict + 1", 450, "a default member that needs an argument"
 Set re = New RegExp
@@ -268,11 +133,8 @@ CheckError "x = re + 1", 438, "an object without a default member"
 
 ' --- A negated number is an expression, not a literal: the comparison rules treat it as any
 ' computed number, so against literal text it compares as text.
-Check "abc" = -5, False, "text = a negated number"
-Check "abc" < -5, False, "text < a negated number compares text"
-Check -5 < "abc", True, "a negated number < text"
-Check "-5" = -5, True, "the negated number's text"
-Check "abc" = -(5), False, "a parenthesised negation"
+CheckEach Array("""abc"" = -5", False, """abc"" < -5", False, "-5 < ""abc""", True, _
+  """-5"" = -5", True, """abc"" = -(5)", False)
 CheckError "x = ""abc"" = 5", 13, "a literal number converts the literal text"
 Select Case "abc"
   Case -5

@@ -57,9 +57,8 @@ acct.Owner = "  Ann "
 Check acct.Owner, "Ann", "Property Let stored the trimmed owner"
 acct.Deposit 100
 acct.Deposit "25.50"
-Check acct.Balance, CCur(125.5), "deposits add up as Currency"
-Check TypeName(acct.Balance), "Currency", "balance type"
-Check CStr(acct.Balance), "125.5", "Currency prints without trailing zeros"
+CheckEach Array("acct.Balance", CCur(125.5), "TypeName(acct.Balance)", "Currency", _
+  "CStr(acct.Balance)", "125.5")
 
 On Error Resume Next
 acct.Withdraw 1000
@@ -89,8 +88,7 @@ Check Err.Number, CLng(6), "zero divided by zero overflows"
 Err.Clear
 On Error GoTo 0
 
-Check acct.Withdraw(20.25), CCur(105.25), "Withdraw returns the new balance"
-Check acct.History, "+100+25.50-20.25", "history keeps the amounts as given"
+CheckEach Array("acct.Withdraw(20.25)", CCur(105.25), "acct.History", "+100+25.50-20.25")
 
 Dim other
 Set other = acct
@@ -105,8 +103,7 @@ bal = CCur(1000)
 For yr = 1 To 3
   bal = bal + CCur(bal * 0.05)
 Next
-Check bal, CCur(1157.625), "three years at five percent"
-Check FormatCurrency(bal, 3), "$1,157.625", "the balance shown to the tenth of a cent"
-Check CStr(CCur("922337203685477")), "922337203685477", "the largest whole Currency read from text"
-Check CStr(CCur(" -922337203685477.5808 ")), "-922337203685477.5808", "the smallest Currency read from text"
-Check CStr(CCur("1.23455") + CCur("1.23465")), "2.4692", "text rounds to four decimals, half to even"
+CheckEach Array("bal", CCur(1157.625), "FormatCurrency(bal, 3)", "$1,157.625", _
+  "CStr(CCur(""922337203685477""))", "922337203685477", _
+  "CStr(CCur("" -922337203685477.5808 ""))", "-922337203685477.5808", _
+  "CStr(CCur(""1.23455"") + CCur(""1.23465""))", "2.4692")

@@ -31,8 +31,7 @@ End Function
 Dim f, g, handlers
 Set f = GetRef("Square")
 Check Join(MapArr(Array(1, 2, 3), GetRef("Twice")), ","), "2,4,6", "a callback passed straight in"
-Check Join(MapArr(Array(1, 2, 3), f), ","), "1,4,9", "a callback held in a variable"
-Check TypeName(f), "Object", "a GetRef is an object"
+CheckEach Array("Join(MapArr(Array(1, 2, 3), f), "","")", "1,4,9", "TypeName(f)", "Object")
 Check Compose(3, Array(GetRef("Twice"), GetRef("Square"), GetRef("Twice"))), 72, "callbacks in an array"
 Set g = GetRef("Announce")
 announced = ""

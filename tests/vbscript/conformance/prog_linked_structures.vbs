@@ -72,11 +72,8 @@ End Class
 Dim s
 Set s = New Stack
 s.Push "a" : s.Push "b" : s.Push "c"
-Check s.Count, 3, "three pushed"
-Check s.Peek & s() & s, "ccc", "the default function answers to the bare object"
-Check s.Pop(), "c", "Pop returns the top"
-Check freed, "c;", "the popped node is freed once nothing holds it"
-Check s.Pop & s.Count & s.IsEmpty, "b1False", "a property named like a built-in function"
+CheckEach Array("s.Count", 3, "s.Peek & s() & s", "ccc", "s.Pop()", "c", "freed", "c;", _
+  "s.Pop & s.Count & s.IsEmpty", "b1False")
 Set s = Nothing
 Check freed, "c;b;a;", "dropping the stack frees the rest of the chain"
 
@@ -98,17 +95,14 @@ Set nn = New Node
 nn.Value = "queued"
 q.Enqueue nn
 Set nn = Nothing
-Check q.Capacity, CLng(8), "the queue doubled its storage twice"
-Check q.Size, 6, "six queued"
-Check q.Dequeue + q.Dequeue, 30, "first in, first out"
+CheckEach Array("q.Capacity", CLng(8), "q.Size", 6, "q.Dequeue + q.Dequeue", 30)
 Do While q.Size > 1
   q.Dequeue
 Loop
 freed = ""
 Dim last
 Set last = q.Dequeue
-Check TypeName(last) & " " & last.Value, "Node queued", "an object comes out with Set"
-Check freed, "", "the queue let go of it but the variable holds it"
+CheckEach Array("TypeName(last) & "" "" & last.Value", "Node queued", "freed", "")
 Set last = Nothing
 Check freed, "queued;", "now it is freed"
 
@@ -119,9 +113,8 @@ Set a1 = New Node : a1.Value = "one"
 Set a2 = New Node : a2.Value = "two"
 Set a1.NextNode = a2
 Set a2.NextNode = a1
-CheckTrue a1.NextNode Is a2, "Is compares references"
-CheckTrue a1.NextNode.NextNode Is a1, "round the cycle"
-CheckTrue Not (a1 Is a2), "different objects"
+CheckEach Array("a1.NextNode Is a2", True, "a1.NextNode.NextNode Is a1", True, _
+  "Not (a1 Is a2)", True)
 Set a1.NextNode = Nothing
 Set a1 = Nothing
 Check freed, "", "the second node still holds the first"
@@ -133,8 +126,7 @@ Function MakeNode(v)
   MakeNode.Value = v
 End Function
 freed = ""
-Check MakeNode("temp").Value, "temp", "a member of a temporary object"
-Check freed, "temp;", "the temporary is gone after the statement"
+CheckEach Array("MakeNode(""temp"").Value", "temp", "freed", "temp;")
 CheckError "Dim nothingVar : Set nothingVar = Nothing : nothingVar.Value = 1", 424, "a member of Nothing"
 
 ' Property Let receives an object as it is; Set needs a Property Set.

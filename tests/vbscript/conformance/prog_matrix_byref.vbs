@@ -54,10 +54,8 @@ Set a = New Matrix
 a.Init 2, 2
 a(0, 0) = 1 : a(0, 1) = 2 : a(1, 0) = 3 : a(1, 1) = 4
 Set b = a.Multiply(a)
-Check b.ToString(), "7 10/15 22", "the square of the matrix"
-Check b(1, 1), 22, "read through the default property"
-Check a.Self().Self().Rows, 2, "Me returned from a method"
-CheckTrue a.Self Is a, "Me is the object itself"
+CheckEach Array("b.ToString()", "7 10/15 22", "b(1, 1)", 22, "a.Self().Self().Rows", 2, _
+  "a.Self Is a", True)
 CheckError "Dim m3 : Set m3 = New Matrix : m3.Init 1, 1 : m3(0) = 1", 450, "a default property given too few arguments"
 
 Sub Bump(ByRef n)
@@ -104,9 +102,7 @@ s1 = "s"
 Check Tag((s1)) & " " & s1, "s+ s", "unless the argument is in parentheses"
 g = Array(10, 20, 30)
 arr(1) = 2
-Check Id(g(arr(1))), 30, "an element indexed by an element"
-Check Id(Id(Tag(arr(1)))), "2+", "nested calls"
-Check arr(1), "2+", "reach the array element"
+CheckEach Array("Id(g(arr(1)))", 30, "Id(Id(Tag(arr(1))))", "2+", "arr(1)", "2+")
 ReDim Preserve g(5)
 Check UBound(g), CLng(5), "arrays read while arguments are built are not left locked"
 
@@ -128,8 +124,7 @@ Function Grown()
   Bump Grown
   Call Bump(Grown)
 End Function
-Check Accumulate(50), CLng(52), "the return value passed to another function"
-Check Grown(), 12, "the return value passed ByRef"
+CheckEach Array("Accumulate(50)", CLng(52), "Grown()", 12)
 
 ' An array held in an element of an array variable is changed where it lives.
 Dim rows(1), grid

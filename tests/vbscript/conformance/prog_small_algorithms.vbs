@@ -47,38 +47,27 @@ Function Primes(limit)
   Next
 End Function
 
-Check Caesar("Hello, World!", 3), "Khoor, Zruog!", "shifting letters, keeping the rest"
-Check Caesar(Caesar("Hello, World!", 3), -3), "Hello, World!", "shifting back"
-Check Caesar("xyz", 4), "bcd", "wrapping round the alphabet"
-CheckTrue IsPalindrome("A man, a plan, a canal, Panama"), "a palindrome"
-CheckTrue Not IsPalindrome("abc"), "not a palindrome"
-Check ToBinary(10) & " " & ToBinary(255) & " " & ToBinary(0), "1010 11111111 0", "binary digits"
+CheckEach Array("Caesar(""Hello, World!"", 3)", "Khoor, Zruog!", _
+  "Caesar(Caesar(""Hello, World!"", 3), -3)", "Hello, World!", "Caesar(""xyz"", 4)", "bcd", _
+  "IsPalindrome(""A man, a plan, a canal, Panama"")", True, "Not IsPalindrome(""abc"")", True, _
+  "ToBinary(10) & "" "" & ToBinary(255) & "" "" & ToBinary(0)", "1010 11111111 0")
 Dim kept
 kept = 37
-Check ToBinary(kept), "100101", "ByVal leaves the caller's number alone"
-Check kept, 37, "still 37"
-Check Gcd(48, 18), 6, "GCD"
-Check 48 * 18 / Gcd(48, 18), CDbl(144), "LCM through /"
-Check Primes(50), "2 3 5 7 11 13 17 19 23 29 31 37 41 43 47 ", "primes below fifty"
+CheckEach Array("ToBinary(kept)", "100101", "kept", 37, "Gcd(48, 18)", 6, _
+  "48 * 18 / Gcd(48, 18)", CDbl(144), "Primes(50)", "2 3 5 7 11 13 17 19 23 29 31 37 41 43 47 ")
 
 ' Hexadecimal and octal literals and text.
-Check CLng("&H" & "FF"), CLng(255), "hex text"
-Check CInt("&HFFFF"), -1, "hex text that fills an Integer is negative"
-Check CLng("&HFFFF"), CLng(65535), "but read as a Long it is positive"
-Check &HFFFF, -1, "a four-digit hex literal is an Integer"
-Check &HFFFF&, CLng(65535), "the & suffix makes it a Long"
-Check &O777, 511, "an octal literal"
+CheckEach Array("CLng(""&H"" & ""FF"")", CLng(255), "CInt(""&HFFFF"")", -1, _
+  "CLng(""&HFFFF"")", CLng(65535), "&HFFFF", -1, "&HFFFF&", CLng(65535), "&O777", 511)
 
 ' Rounding and the printed form of common results.
-Check Round(3.14159, 2), 3.14, "Round to two places"
-Check Round(-1.5) & " " & Round(0.5) & " " & Round(1.5), "-2 0 2", "Round goes half to even"
-Check CInt(2.5) & " " & CInt(3.5) & " " & CInt(-0.5) & " " & CByte(2.5), "2 4 0 2", "conversions round half to even"
-Check Int(-2.1) & " " & Fix(-2.1) & " " & Int(2.9), "-3 -2 2", "Int and Fix"
-Check CStr(Sqr(2)), "1.4142135623731", "a trailing zero of the fifteen digits is dropped"
-Check CStr(Exp(1)), "2.71828182845905", "e"
-Check CStr(Tan(1)), "1.5574077246549", "tan 1"
-Check CStr(1 - 0.9) & " " & CStr(100 * 1.1) & " " & CStr(3 * 1.1), "0.1 110 3.3", "binary fractions print rounded"
-Check CStr(1 / 7), "0.142857142857143", "a seventh"
-Check CStr(1.7976931348623157E+308), "1.79769313486232E+308", "the largest Double"
-Check CStr(12345678 * 100), "1234567800", "a Long product"
-Check 7 Mod 3 & " " & -7 Mod 3 & " " & 7 Mod -3 & " " & -7 \ 2, "1 -1 1 -3", "Mod and \ with signs"
+CheckEach Array("Round(3.14159, 2)", 3.14, _
+  "Round(-1.5) & "" "" & Round(0.5) & "" "" & Round(1.5)", "-2 0 2", _
+  "CInt(2.5) & "" "" & CInt(3.5) & "" "" & CInt(-0.5) & "" "" & CByte(2.5)", "2 4 0 2", _
+  "Int(-2.1) & "" "" & Fix(-2.1) & "" "" & Int(2.9)", "-3 -2 2", _
+  "CStr(Sqr(2))", "1.4142135623731", "CStr(Exp(1))", "2.71828182845905", _
+  "CStr(Tan(1))", "1.5574077246549", _
+  "CStr(1 - 0.9) & "" "" & CStr(100 * 1.1) & "" "" & CStr(3 * 1.1)", "0.1 110 3.3", _
+  "CStr(1 / 7)", "0.142857142857143", "CStr(1.7976931348623157E+308)", "1.79769313486232E+308", _
+  "CStr(12345678 * 100)", "1234567800", _
+  "7 Mod 3 & "" "" & -7 Mod 3 & "" "" & 7 Mod -3 & "" "" & -7 \ 2", "1 -1 1 -3")

@@ -75,11 +75,9 @@ For i = 0 To 2
   Next
 Next
 ReDim Preserve m(2, 5)
-Check UBound(m, 2), CLng(5), "the last dimension grew"
-Check m(2, 3), 23, "values survive ReDim Preserve"
-CheckTrue IsEmpty(m(1, 5)), "the new cells are Empty"
-CheckError "ReDim Preserve m(3, 5)", 9, "only the last dimension may change"
-CheckError "Dim fixedArr(3) : ReDim Preserve fixedArr(5)", 10, "a fixed array cannot be resized"
+CheckEach Array("UBound(m, 2)", CLng(5), "m(2, 3)", 23, "IsEmpty(m(1, 5))", True)
+CheckErrors Array("ReDim Preserve m(3, 5)", 9, _
+  "Dim fixedArr(3) : ReDim Preserve fixedArr(5)", 10)
 ReDim m(1)
 Check UBound(m), CLng(1), "ReDim without Preserve may change the rank"
 
@@ -91,17 +89,16 @@ Check nums(0), -1, "the original is untouched by a change to its copy"
 Dim fixed(3)
 fixed(0) = 1: fixed(1) = "x"
 Erase fixed
-Check UBound(fixed), CLng(3), "Erase keeps a fixed array's size"
-CheckTrue IsEmpty(fixed(1)), "Erase empties the elements"
+CheckEach Array("UBound(fixed)", CLng(3), "IsEmpty(fixed(1))", True)
 Erase m
 CheckError "Dim u : u = UBound(m)", 9, "an erased dynamic array has no bounds"
 
 ' Arrays of arrays, and the Filter function over the sorted words.
 Dim jag
 jag = Array(Array(1, 2), Array(3, Array(4, 5)))
-Check jag(1)(1)(0), 4, "indexing into nested arrays"
-Check Join(Filter(words, "an", True, vbTextCompare), ","), "banana", "Filter keeps matching words"
-Check UBound(Filter(words, "e", False)), CLng(0), "Filter can exclude matches"
+CheckEach Array("jag(1)(1)(0)", 4, _
+  "Join(Filter(words, ""an"", True, vbTextCompare), "","")", "banana", _
+  "UBound(Filter(words, ""e"", False))", CLng(0))
 Dim empt
 empt = Array()
 Check UBound(empt) - LBound(empt), CLng(-1), "an empty array"

@@ -43,9 +43,8 @@ Set staff(4) = NewEmp("Dana", 61000.5, "HR")
 SortBy staff, "Name"
 Check Names(staff), "Bob,Dana,Zoe,adam,carl,", "sorted by name, capitals first"
 SortBy staff, "Salary"
-Check Names(staff), "Bob,Zoe,Dana,adam,carl,", "sorted by salary"
-Check staff(0).ToString(), "Bob (IT) $48,000", "a record as text"
-Check staff(2).ToString(), "Dana (HR) $61,001", "currency without cents rounds half away from zero"
+CheckEach Array("Names(staff)", "Bob,Zoe,Dana,adam,carl,", _
+  "staff(0).ToString()", "Bob (IT) $48,000", "staff(2).ToString()", "Dana (HR) $61,001")
 
 Dim byDept, e, a, k, report, total
 Set byDept = CreateObject("Scripting.Dictionary")
@@ -65,15 +64,13 @@ For Each k In byDept.Keys
   report = report & k & ":" & (UBound(byDept(k)) + 1) & ":" & total & ":" & _
            FormatNumber(total / (UBound(byDept(k)) + 1), 2) & ";"
 Next
-Check report, "IT:2:100000:50,000.00;HR:2:122001:61,000.50;Ops:1:75000:75,000.00;", "totals per department"
-Check byDept.Items()(1)(0).Name, "Dana", "indexing into an item of the Items array"
-Check TypeName(byDept("IT")), "Variant()", "an array stored in a Dictionary"
+CheckEach Array("report", "IT:2:100000:50,000.00;HR:2:122001:61,000.50;Ops:1:75000:75,000.00;", _
+  "byDept.Items()(1)(0).Name", "Dana", "TypeName(byDept(""IT""))", "Variant()")
 
 ' Zero-padded and hexadecimal identifiers.
-Check Right("000" & 7, 3), "007", "zero padding"
-Check Right("00" & Hex(255), 4), "00FF", "padded hex"
-Check LCase(Hex(48879)), "beef", "hex in lower case"
-Check "EMP-" & Right(String(5, "0") & CStr(staff(4).Salary \ 1000), 5), "EMP-00075", "an id from a number"
+CheckEach Array("Right(""000"" & 7, 3)", "007", "Right(""00"" & Hex(255), 4)", "00FF", _
+  "LCase(Hex(48879))", "beef", _
+  """EMP-"" & Right(String(5, ""0"") & CStr(staff(4).Salary \ 1000), 5)", "EMP-00075")
 
 Function Range(n)
   Dim r(), i
@@ -83,10 +80,8 @@ Function Range(n)
   Next
   Range = r
 End Function
-Check UBound(Range(5)), CLng(4), "a function returning an array"
-Check Range(4)(3), 9, "indexing the returned array"
-Check Join(Range(3), "-"), "0-1-4", "joining it"
+CheckEach Array("UBound(Range(5))", CLng(4), "Range(4)(3)", 9, "Join(Range(3), ""-"")", "0-1-4")
 
 ' A public field that holds a plain value cannot be indexed from outside.
-CheckError "Dim idxProbe : idxProbe = staff(0).Name(0)", 438, "reading a scalar field with an index"
-CheckError "staff(0).Salary(1) = 5", 438, "writing a scalar field with an index"
+CheckErrors Array("Dim idxProbe : idxProbe = staff(0).Name(0)", 438, _
+  "staff(0).Salary(1) = 5", 438)

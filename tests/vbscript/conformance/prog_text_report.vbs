@@ -20,26 +20,21 @@ For i = 0 To UBound(items)
              PadL(qty(i), 5) & "|" & PadL(FormatNumber(prices(i) * qty(i), 2, , True), 16)
   total = total + prices(i) * qty(i)
 Next
-Check lines(0), "Widget      |          2.50|    3|            7.50", "a plain line"
-Check lines(1), "Gadget extra|      1,234.57|    1|        1,234.57", "a long name is cut, the price grouped"
-Check lines(2), "Nut         |          0.10|  250|           25.00", "a leading zero"
-Check lines(3), "Bolt        |  1,000,000.00|    2|    2,000,000.00", "millions"
-Check Len(lines(3)), CLng(50), "every line has the same width"
-Check FormatCurrency(total), "$2,001,267.07", "the total as currency"
-Check PadL(FormatNumber(-total, 2, , True), 16), "  (2,001,267.07)", "a negative in parentheses"
-Check String(3, "=") & String(2, 65) & Space(2) & "|", "===AA  |", "String of a text and of a character code"
+CheckEach Array("lines(0)", "Widget      |          2.50|    3|            7.50", _
+  "lines(1)", "Gadget extra|      1,234.57|    1|        1,234.57", _
+  "lines(2)", "Nut         |          0.10|  250|           25.00", _
+  "lines(3)", "Bolt        |  1,000,000.00|    2|    2,000,000.00", "Len(lines(3))", CLng(50), _
+  "FormatCurrency(total)", "$2,001,267.07", _
+  "PadL(FormatNumber(-total, 2, , True), 16)", "  (2,001,267.07)", _
+  "String(3, ""="") & String(2, 65) & Space(2) & ""|""", "===AA  |")
 
-Check FormatPercent(0.1234), "12.34%", "a percentage"
-Check FormatPercent(1.5, 0), "150%", "a percentage without decimals"
-Check FormatNumber(123, 2, vbFalse), "123.00", "decimals are padded"
-Check FormatNumber(-0.5, 2, vbFalse), "-.50", "no leading zero when asked"
-Check FormatNumber(".5"), "0.50", "numeric text is formatted"
-Check FormatNumber(1234567.891, 1, , , vbFalse), "1234567.9", "no grouping when asked"
-Check FormatDateTime(#3/4/2005 13:05:09#), "3/4/2005 1:05:09 PM", "general date"
-Check FormatDateTime(#3/4/2005 13:05:09#, vbLongDate), "Friday, March 4, 2005", "long date"
-Check FormatDateTime(#3/4/2005 13:05:09#, vbShortTime), "13:05", "short time"
-Check FormatDateTime(#1/1/2000#), "1/1/2000", "a date without time"
-Check FormatDateTime(0.5, vbLongTime), "12:00:00 PM", "a time without date"
+CheckEach Array("FormatPercent(0.1234)", "12.34%", "FormatPercent(1.5, 0)", "150%", _
+  "FormatNumber(123, 2, vbFalse)", "123.00", "FormatNumber(-0.5, 2, vbFalse)", "-.50", _
+  "FormatNumber("".5"")", "0.50", "FormatNumber(1234567.891, 1, , , vbFalse)", "1234567.9", _
+  "FormatDateTime(#3/4/2005 13:05:09#)", "3/4/2005 1:05:09 PM", _
+  "FormatDateTime(#3/4/2005 13:05:09#, vbLongDate)", "Friday, March 4, 2005", _
+  "FormatDateTime(#3/4/2005 13:05:09#, vbShortTime)", "13:05", _
+  "FormatDateTime(#1/1/2000#)", "1/1/2000", "FormatDateTime(0.5, vbLongTime)", "12:00:00 PM")
 
 ' A string builder and the searches over its result.
 Dim sb
@@ -47,34 +42,26 @@ sb = ""
 For i = 1 To 5
   sb = sb & Chr(64 + i) & CStr(i * i) & ";"
 Next
-Check sb, "A1;B4;C9;D16;E25;", "built by appending"
-Check Len(sb), CLng(17), "its length"
-Check InStr(sb, "C9"), CLng(7), "InStr"
-Check InStrRev(sb, ";", -1), CLng(17), "InStrRev from the end"
-Check InStr(3, sb, ";"), CLng(3), "InStr from a start position"
-Check Mid(sb, 4, 3), "B4;", "Mid"
-Check UCase(StrReverse(sb)), ";52E;61D;9C;4B;1A", "reversed"
-Check Replace("a-b-c-d", "-", "+", 2, 2), "+b+c-d", "Replace from a start with a count cuts the front"
-Check Replace("aAaA", "a", "x", 1, -1, vbTextCompare), "xxxx", "Replace ignoring case"
-Check "[" & LTrim("  x  ") & "][" & RTrim("  x  ") & "]", "[x  ][  x]", "trimming one side"
-CheckTrue Trim(vbTab & "x") <> "x", "Trim leaves tabs"
+CheckEach Array("sb", "A1;B4;C9;D16;E25;", "Len(sb)", CLng(17), "InStr(sb, ""C9"")", CLng(7), _
+  "InStrRev(sb, "";"", -1)", CLng(17), "InStr(3, sb, "";"")", CLng(3), "Mid(sb, 4, 3)", "B4;", _
+  "UCase(StrReverse(sb))", ";52E;61D;9C;4B;1A", _
+  "Replace(""a-b-c-d"", ""-"", ""+"", 2, 2)", "+b+c-d", _
+  "Replace(""aAaA"", ""a"", ""x"", 1, -1, vbTextCompare)", "xxxx", _
+  """["" & LTrim(""  x  "") & ""]["" & RTrim(""  x  "") & ""]""", "[x  ][  x]", _
+  "Trim(vbTab & ""x"") <> ""x""", True)
 
 Dim parts
 parts = Split("  one  two three ", " ")
-Check UBound(parts), CLng(6), "Split keeps the empty pieces between spaces"
-Check Join(parts, "|"), "||one||two|three|", "and joins them back"
+CheckEach Array("UBound(parts)", CLng(6), "Join(parts, ""|"")", "||one||two|three|")
 parts = Split("a,b,,c", ",", 2)
-Check parts(1), "b,,c", "a limited Split leaves the rest whole"
-Check UBound(Split("")), CLng(-1), "splitting nothing"
-Check StrComp("abc", "ABC") & StrComp("abc", "ABC", 1) & StrComp("a", "b"), "10-1", "StrComp"
-Check InStr(1, "ABC", "b", 1), CLng(2), "InStr ignoring case"
-Check InStrRev("abcabc", "bc", 4), CLng(2), "InStrRev from a position"
+CheckEach Array("parts(1)", "b,,c", "UBound(Split(""""))", CLng(-1), _
+  "StrComp(""abc"", ""ABC"") & StrComp(""abc"", ""ABC"", 1) & StrComp(""a"", ""b"")", "10-1", _
+  "InStr(1, ""ABC"", ""b"", 1)", CLng(2), "InStrRev(""abcabc"", ""bc"", 4)", CLng(2))
 
 ' The byte forms count two bytes to each character.
 Dim field
 field = "ID42NAME"
-Check LenB(field), CLng(16), "bytes in a field"
-Check LeftB(field, 4) & "|" & MidB(field, 5, 4) & "|" & RightB(field, 8), "ID|42|NAME", "cutting by bytes"
-Check InStrB(field, "NAME"), CLng(9), "a byte position"
-Check InStrB(3, field, "I"), CLng(0), "searching from a byte position"
-CheckTrue IsNull(MidB(Null, 1)), "Null passes through"
+CheckEach Array("LenB(field)", CLng(16), _
+  "LeftB(field, 4) & ""|"" & MidB(field, 5, 4) & ""|"" & RightB(field, 8)", "ID|42|NAME", _
+  "InStrB(field, ""NAME"")", CLng(9), "InStrB(3, field, ""I"")", CLng(0), _
+  "IsNull(MidB(Null, 1))", True)

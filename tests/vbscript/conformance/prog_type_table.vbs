@@ -30,49 +30,26 @@ Next
 
 ' + adds when either side is a number, joins when both are text; & always joins.
 Dim s : s = "5"
-Check "1" + 2, CDbl(3), "text plus a number is a Double sum"
-Check "1" + "2", "12", "text plus text joins"
-Check 1 & 2, "12", "& joins numbers"
-Check "3" * "4", CDbl(12), "* converts both texts"
-Check True + 1, 0, "True is -1"
-Check TypeName(True + True), "Integer", "Booleans add as Integers"
-Check Empty + 1, 1, "Empty adds as zero"
-Check TypeName(Empty + Empty), "Integer", "Empty plus Empty"
-Check s + 5, CDbl(10), "a text variable plus a number"
-Check s & 5, "55", "a text variable joined to a number"
-Check "a" & True & 1.5 & #1/1/2001#, "aTrue1.51/1/2001", "joining several types"
-Check Null & "x", "x", "Null joins as nothing"
-CheckTrue IsNull(Null + 1), "Null propagates through +"
-CheckTrue IsNull(Null And True) And (Null Or True), "Null in logic"
-Check TypeName(CByte(200) + CByte(100)), "Integer", "Byte overflow widens"
-Check TypeName(CSng(1) + CLng(1)), "Double", "Single and Long give Double"
-Check TypeName(CSng(1) + CInt(1)), "Single", "Single and Integer give Single"
-Check TypeName(-"3"), "Double", "negating text gives a Double"
-Check TypeName(Not CByte(1)), "Byte", "Not keeps a Byte"
-Check Not 5, -6, "Not of a number is bitwise"
-Check 3 And 5, 1, "bitwise And"
-Check 3 Xor 5, 6, "bitwise Xor"
+CheckEach Array("""1"" + 2", CDbl(3), """1"" + ""2""", "12", "1 & 2", "12", _
+  """3"" * ""4""", CDbl(12), "True + 1", 0, "TypeName(True + True)", "Integer", "Empty + 1", 1, _
+  "TypeName(Empty + Empty)", "Integer", "s + 5", CDbl(10), "s & 5", "55", _
+  """a"" & True & 1.5 & #1/1/2001#", "aTrue1.51/1/2001", "Null & ""x""", "x", _
+  "IsNull(Null + 1)", True, "IsNull(Null And True) And (Null Or True)", True, _
+  "TypeName(CByte(200) + CByte(100))", "Integer", "TypeName(CSng(1) + CLng(1))", "Double", _
+  "TypeName(CSng(1) + CInt(1))", "Single", "TypeName(-""3"")", "Double", _
+  "TypeName(Not CByte(1))", "Byte", "Not 5", -6, "3 And 5", 1, "3 Xor 5", 6)
 
 ' Comparisons of mixed types.
-CheckTrue "B" < "a", "text compares by code, capitals first"
-CheckTrue 2 < "10", "a number literal against text compares as numbers"
-CheckTrue Not ("2" < "10"), "text against text compares as text"
-CheckTrue 1 = "1", "a number literal equals its text"
-CheckTrue Empty = 0 And Empty = "", "Empty equals zero and the empty text"
-CheckTrue IsNull(Null = Null), "Null compared with anything is Null"
-CheckTrue CBool("true") And Not CBool("False") And CBool(0.1), "CBool of text and fractions"
-CheckError "Dim b : b = CBool(""maybe"")", 13, "CBool of other text"
-CheckError "Dim b : b = ""abc"" + 1", 13, "text that is no number in a sum"
-CheckError "Dim b : b = CByte(-1)", 6, "CByte below zero"
-CheckError "Dim b : b = Array(1) + 1", 13, "an array in a sum"
-CheckError "Dim b : b = CStr(Null)", 94, "CStr of Null"
+CheckEach Array("""B"" < ""a""", True, "2 < ""10""", True, "Not (""2"" < ""10"")", True, _
+  "1 = ""1""", True, "Empty = 0 And Empty = """"", True, "IsNull(Null = Null)", True, _
+  "CBool(""true"") And Not CBool(""False"") And CBool(0.1)", True)
+CheckErrors Array("Dim b : b = CBool(""maybe"")", 13, "Dim b : b = ""abc"" + 1", 13, _
+  "Dim b : b = CByte(-1)", 6, "Dim b : b = Array(1) + 1", 13, "Dim b : b = CStr(Null)", 94)
 
 ' The logical operators read Empty as a Long 0; arithmetic reads it as an Integer 0.
 Dim unset
 Check TypeName(unset And 1) & " " & TypeName(Not unset) & " " & TypeName(unset Xor CInt(5)), _
       "Long Long Long", "Empty in a logical operator"
-Check Not unset, CLng(-1), "Not of Empty"
-Check unset Imp Null, CLng(-1), "Empty Imp Null"
-Check TypeName(unset \ CInt(1)) & " " & TypeName(unset + CInt(1)), "Integer Integer", "Empty in arithmetic"
-Check CByte(170) Imp Null, CByte(85), "a Byte Imp Null is the Byte's complement"
-CheckTrue IsNull(CInt(170) Imp Null), "an Integer Imp Null is Null"
+CheckEach Array("Not unset", CLng(-1), "unset Imp Null", CLng(-1), _
+  "TypeName(unset \ CInt(1)) & "" "" & TypeName(unset + CInt(1))", "Integer Integer", _
+  "CByte(170) Imp Null", CByte(85), "IsNull(CInt(170) Imp Null)", True)

@@ -10,10 +10,8 @@ Function MakeLocal(pass)
   inside = made & "," & other & "," & Eval("made + other") & "," & TypeName(made)
   MakeLocal = made
 End Function
-Check MakeLocal(1), 11, "a name Execute creates is seen by the procedure"
-Check inside, "11,22,33,Integer", "and by later Execute and Eval in the same call"
-Check IsEmpty(made), True, "gone once the procedure returns"
-Check IsEmpty(other), True, "every name it created"
+CheckEach Array("MakeLocal(1)", 11, "inside", "11,22,33,Integer", "IsEmpty(made)", True, _
+  "IsEmpty(other)", True)
 MakeLocal 2
 Check IsEmpty(seenBefore), True, "a new call starts without them"
 
@@ -23,8 +21,7 @@ Sub ShadowGlobal
   inside = shared
 End Sub
 ShadowGlobal
-Check inside, 7, "the procedure's own local takes the value"
-Check shared, 1, "the global of the same name is untouched"
+CheckEach Array("inside", 7, "shared", 1)
 
 Sub AssignGlobal
   Execute "shared = 9"
@@ -57,9 +54,7 @@ End Class
 Dim box
 Set box = New Holder
 box.Fill
-Check inside, "56", "a class's fields stay fields"
-Check box.Field, 5, "and keep the value"
-Check IsEmpty(scratch), True, "other names stay in the method"
+CheckEach Array("inside", "56", "box.Field", 5, "IsEmpty(scratch)", True)
 
 Sub PassAlong
   Execute "Set dict = CreateObject(""Scripting.Dictionary"") : dict(1) = 2 : list = Array(4, 5)"
@@ -81,9 +76,7 @@ Sub Declare
   Execute "grid(1) = 4 : inside = shared & grid(1) + grid(2) & UBound(grid)"
 End Sub
 Declare
-Check inside, "192", "Dim inside Execute declares in the procedure, arrays too"
-Check shared, 9, "shadowing the global"
-Check IsEmpty(grid), True, "and the array is gone with the call"
+CheckEach Array("inside", "192", "shared", 9, "IsEmpty(grid)", True)
 
 Execute "topLevel = 3"
 Check topLevel, 3, "Execute at the script's level makes globals"

@@ -9,10 +9,8 @@ Check sc.Run("Add", 2, 3), 5, "Run passes its arguments"
 Check sc.Eval("g * 2"), 20, "Eval sees the code's variables"
 sc.ExecuteStatement "g = g + 1"
 Check sc.Eval("g"), 11, "ExecuteStatement changes them"
-Check sc.Procedures.Count, CLng(1), "Procedures.Count"
-Check sc.Procedures(1).Name, "Add", "a procedure's Name"
-Check sc.Procedures("add").NumArgs, CLng(2), "a procedure's NumArgs by name"
-Check sc.Procedures(1).HasReturnValue, True, "a Function has a return value"
+CheckEach Array("sc.Procedures.Count", CLng(1), "sc.Procedures(1).Name", "Add", _
+  "sc.Procedures(""add"").NumArgs", CLng(2), "sc.Procedures(1).HasReturnValue", True)
 
 ' An object added to the control is a name in its code.
 Set d = CreateObject("Scripting.Dictionary")
@@ -24,10 +22,8 @@ Check d("k"), 5, "the control's code reaches the object"
 On Error Resume Next
 sc.AddCode "x = (1 +"
 Check Err.Number, CLng(1023), "a compile error in AddCode"
-Check sc.Error.Number, CLng(1023), "Error.Number"
-Check sc.Error.Description, "Expected expression", "Error.Description"
-Check sc.Error.Line, CLng(1), "Error.Line"
-Check sc.Error.Text, "x = (1 +", "Error.Text"
+CheckEach Array("sc.Error.Number", CLng(1023), "sc.Error.Description", "Expected expression", _
+  "sc.Error.Line", CLng(1), "sc.Error.Text", "x = (1 +")
 Err.Clear
 sc.Eval "1 / 0"
 Check Err.Number, CLng(11), "a run-time error in Eval"
@@ -42,15 +38,12 @@ On Error GoTo 0
 ' Modules: the global one first, named ones with their own procedures.
 Set m = sc.Modules.Add("Extra")
 m.AddCode "Function F() : F = ""in extra"" : End Function"
-Check sc.Modules.Count, CLng(2), "Modules.Count"
-Check sc.Modules(1).Name, "Global", "the global module comes first"
-Check sc.Modules("Extra").Run("F"), "in extra", "Run in a named module"
-Check m.Procedures.Count, CLng(1), "a module's procedures"
+CheckEach Array("sc.Modules.Count", CLng(2), "sc.Modules(1).Name", "Global", _
+  "sc.Modules(""Extra"").Run(""F"")", "in extra", "m.Procedures.Count", CLng(1))
 
 ' Reset drops code and modules.
 sc.Reset
-Check sc.Modules.Count, CLng(1), "Reset keeps only the global module"
-Check sc.Procedures.Count, CLng(0), "and no procedures"
+CheckEach Array("sc.Modules.Count", CLng(1), "sc.Procedures.Count", CLng(0))
 
 ' A time limit stops the control's code; the calling script may go on.
 sc.Timeout = 100

@@ -5,229 +5,174 @@
 Dim x
 
 ' Text order: the base letter first, accents only when all base letters agree; case never.
-Check StrComp(ChrW(233), "f", vbTextCompare), -1, "accented e sorts before f"
-Check StrComp(ChrW(233), "e", vbTextCompare), 1, "accented e sorts after plain e"
-Check StrComp(ChrW(233) & "a", "eb", vbTextCompare), -1, "base letters decide before accents"
-Check StrComp(ChrW(201), ChrW(233), vbTextCompare), 0, "case of an accented letter ignored"
-Check StrComp("e" & ChrW(&H301), ChrW(233), vbTextCompare), 0, "combining accent equals the composed letter"
-Check StrComp(ChrW(223), "ss", vbTextCompare), 0, "sharp s reads as ss"
-Check StrComp(ChrW(198), "AE", vbTextCompare), 0, "ae ligature reads as ae"
-Check StrComp(ChrW(248), "p", vbTextCompare), -1, "o with stroke sorts among the o's"
-Check StrComp(ChrW(&H159), "s", vbTextCompare), -1, "r with caron sorts among the r's"
-Check StrComp("_", "a", vbTextCompare), -1, "underscore before letters in text order"
-Check StrComp("_", "A", vbBinaryCompare), 1, "underscore after capitals in code order"
-Check StrComp("~", "0", vbTextCompare), -1, "punctuation before digits"
-Check StrComp("+", "~", vbTextCompare), 1, "plus sorts after the other punctuation"
-Check StrComp("9", "a", vbTextCompare), -1, "digits before letters"
-Check StrComp("Z", "a", vbTextCompare), 1, "letters by alphabet, not by code"
-Check StrComp("Z", "a", vbBinaryCompare), -1, "binary is code order"
-Check StrComp("co-op", "coop", vbTextCompare), 1, "hyphen only breaks a tie"
-Check StrComp("co-op", "cop", vbTextCompare), -1, "hyphen is skipped before the tie"
-Check StrComp("it's", "its", vbTextCompare), 1, "apostrophe only breaks a tie"
-Check StrComp("a" & Chr(1), "a", vbTextCompare), 0, "control characters count for nothing"
-Check StrComp("abc", "ABD", vbTextCompare), -1, "plain text"
-Check StrComp("abc", "AB", vbTextCompare), 1, "longer text after its prefix"
-Check StrComp("1", 1.0, vbTextCompare), 0, "numbers compare as their text"
-Check StrComp(Empty, "ABC", vbTextCompare), -1, "Empty is the empty text"
-Check StrComp("a", "a", "1"), 0, "compare mode given as text"
-CheckError "x = StrComp(""a"", ""b"", 2)", 5, "vbDatabaseCompare is refused"
-CheckError "x = StrComp(""a"", ""b"", -1)", 5, "negative compare mode"
+CheckEach Array("StrComp(ChrW(233), ""f"", vbTextCompare)", -1, _
+  "StrComp(ChrW(233), ""e"", vbTextCompare)", 1, _
+  "StrComp(ChrW(233) & ""a"", ""eb"", vbTextCompare)", -1, _
+  "StrComp(ChrW(201), ChrW(233), vbTextCompare)", 0, _
+  "StrComp(""e"" & ChrW(&H301), ChrW(233), vbTextCompare)", 0, _
+  "StrComp(ChrW(223), ""ss"", vbTextCompare)", 0, "StrComp(ChrW(198), ""AE"", vbTextCompare)", 0, _
+  "StrComp(ChrW(248), ""p"", vbTextCompare)", -1, _
+  "StrComp(ChrW(&H159), ""s"", vbTextCompare)", -1, "StrComp(""_"", ""a"", vbTextCompare)", -1, _
+  "StrComp(""_"", ""A"", vbBinaryCompare)", 1, "StrComp(""~"", ""0"", vbTextCompare)", -1, _
+  "StrComp(""+"", ""~"", vbTextCompare)", 1, "StrComp(""9"", ""a"", vbTextCompare)", -1, _
+  "StrComp(""Z"", ""a"", vbTextCompare)", 1, "StrComp(""Z"", ""a"", vbBinaryCompare)", -1, _
+  "StrComp(""co-op"", ""coop"", vbTextCompare)", 1, _
+  "StrComp(""co-op"", ""cop"", vbTextCompare)", -1, _
+  "StrComp(""it's"", ""its"", vbTextCompare)", 1, _
+  "StrComp(""a"" & Chr(1), ""a"", vbTextCompare)", 0, _
+  "StrComp(""abc"", ""ABD"", vbTextCompare)", -1, "StrComp(""abc"", ""AB"", vbTextCompare)", 1, _
+  "StrComp(""1"", 1.0, vbTextCompare)", 0, "StrComp(Empty, ""ABC"", vbTextCompare)", -1, _
+  "StrComp(""a"", ""a"", ""1"")", 0)
+CheckErrors Array("x = StrComp(""a"", ""b"", 2)", 5, "x = StrComp(""a"", ""b"", -1)", 5)
 
 ' The searching functions fold case and nothing else.
-Check InStr(1, "R" & ChrW(201) & "SUM" & ChrW(201), ChrW(233) & "s", vbTextCompare), CLng(2), "InStr folds accented capitals"
-Check InStr(1, "resume", ChrW(233), vbTextCompare), CLng(0), "InStr keeps accents apart"
-Check InStr(3, "abcdefgh", "FG", 1.4), CLng(6), "compare mode rounds"
-Check InStr(1, "abc" & Chr(0) & "ABC", Chr(0) & "a", 1), CLng(4), "a NUL is an ordinary character"
-Check InStr(20, "abcdef", ""), CLng(0), "empty needle past the end"
-Check InStr(4, "", ""), CLng(0), "empty needle in empty text"
-CheckError "x = InStr(2, ""abcd"", ""abcd"", 10)", 5, "InStr compare mode out of range"
-CheckError "x = InStr(2, ""abcd"", ""abcd"", Null)", 94, "InStr Null compare mode"
-CheckError "x = InStr(Null, ""abcd"", ""abcd"")", 94, "InStr Null start"
-Check InStr(2, Null, "abcd", 0), Null, "InStr Null text"
-Check InStrRev("abcd", "Ab", -1, 1), CLng(1), "InStrRev text compare"
-Check InStrRev("abcd", "bc", 2.6), CLng(2), "InStrRev start rounds"
-Check InStrRev(1234, 34), CLng(3), "InStrRev of a number"
-CheckError "x = InStrRev(""abcd"", Null)", 94, "InStrRev refuses Null text"
-CheckError "x = InStrRev(Null, ""abcd"", 2, 0)", 94, "InStrRev refuses Null text at any start"
-CheckError "x = InStrRev(""abcd"", ""abcd"", 2, 10)", 5, "InStrRev compare mode out of range"
+CheckEach Array("InStr(1, ""R"" & ChrW(201) & ""SUM"" & ChrW(201), ChrW(233) & ""s"", vbTextCompare)", CLng(2), _
+  "InStr(1, ""resume"", ChrW(233), vbTextCompare)", CLng(0), _
+  "InStr(3, ""abcdefgh"", ""FG"", 1.4)", CLng(6), _
+  "InStr(1, ""abc"" & Chr(0) & ""ABC"", Chr(0) & ""a"", 1)", CLng(4), _
+  "InStr(20, ""abcdef"", """")", CLng(0), "InStr(4, """", """")", CLng(0))
+CheckErrors Array("x = InStr(2, ""abcd"", ""abcd"", 10)", 5, _
+  "x = InStr(2, ""abcd"", ""abcd"", Null)", 94, "x = InStr(Null, ""abcd"", ""abcd"")", 94)
+CheckEach Array("InStr(2, Null, ""abcd"", 0)", Null, _
+  "InStrRev(""abcd"", ""Ab"", -1, 1)", CLng(1), "InStrRev(""abcd"", ""bc"", 2.6)", CLng(2), _
+  "InStrRev(1234, 34)", CLng(3))
+CheckErrors Array("x = InStrRev(""abcd"", Null)", 94, "x = InStrRev(Null, ""abcd"", 2, 0)", 94, _
+  "x = InStrRev(""abcd"", ""abcd"", 2, 10)", 5)
 x = Split("abcZdefZghi", "z", 3, 1)
 Check UBound(x), CLng(2), "Split text compare"
-CheckError "x = Split(""a-b"", ""-"", -1, 2)", 5, "Split compare mode out of range"
-CheckError "x = Split(""a-b"", ""-"", Null)", 94, "Split Null count"
+CheckErrors Array("x = Split(""a-b"", ""-"", -1, 2)", 5, "x = Split(""a-b"", ""-"", Null)", 94)
 x = Filter(Array("Apple", "b" & ChrW(201), "cherry"), ChrW(233), True, vbTextCompare)
 Check UBound(x), CLng(0), "Filter text compare folds accented capitals"
 CheckError "x = Filter(Array(""a""), ""a"", True, 3)", 5, "Filter compare mode out of range"
 
 ' Replace refuses Null anywhere, the text included.
-CheckError "x = Replace(Null, ""x"", ""y"")", 94, "Replace Null text"
-CheckError "x = Replace(""xx"", ""x"", ""y"", 1, 1, 8)", 5, "Replace compare mode out of range"
-CheckError "x = Replace(""xx"", ""x"", ""y"", 1, Null)", 94, "Replace Null count"
-Check Replace("xxx", "", "y", 2), "xx", "Replace with an empty find keeps the tail"
-Check Replace("aa testAA(aA)", "Aa", "!", 1, -1, 1), "! test!(!)", "Replace text compare"
+CheckErrors Array("x = Replace(Null, ""x"", ""y"")", 94, _
+  "x = Replace(""xx"", ""x"", ""y"", 1, 1, 8)", 5, _
+  "x = Replace(""xx"", ""x"", ""y"", 1, Null)", 94)
+CheckEach Array("Replace(""xxx"", """", ""y"", 2)", "xx", _
+  "Replace(""aa testAA(aA)"", ""Aa"", ""!"", 1, -1, 1)", "! test!(!)")
 
 ' Mid reads a Null length before anything else.
-CheckError "x = Mid(""test"", ""a"", Null)", 94, "Mid Null length before a bad start"
-CheckError "x = Mid(""test"", 0, Null)", 94, "Mid Null length before a zero start"
-CheckError "x = Mid(""test"", ""a"", 1)", 13, "Mid start no number"
-CheckError "x = Mid(""test"", Empty, 1)", 5, "Mid Empty start"
-CheckError "x = Mid(Null, -1, -1)", 5, "Mid Null text, bad start"
+CheckErrors Array("x = Mid(""test"", ""a"", Null)", 94, "x = Mid(""test"", 0, Null)", 94, _
+  "x = Mid(""test"", ""a"", 1)", 13, "x = Mid(""test"", Empty, 1)", 5, _
+  "x = Mid(Null, -1, -1)", 5)
 Check Mid(Null, 1, 1), Null, "Mid Null text"
 
 ' Case mapping of letters beyond ASCII.
-Check UCase(ChrW(233) & ChrW(255) & ChrW(223)), ChrW(201) & ChrW(376) & ChrW(223), "UCase accents, y diaeresis, sharp s"
-Check LCase(ChrW(201) & ChrW(376) & ChrW(&H160)), ChrW(233) & ChrW(255) & ChrW(&H161), "LCase accents"
-Check UCase(True), "TRUE", "UCase of a Boolean"
+CheckEach Array("UCase(ChrW(233) & ChrW(255) & ChrW(223))", ChrW(201) & ChrW(376) & ChrW(223), _
+  "LCase(ChrW(201) & ChrW(376) & ChrW(&H160))", ChrW(233) & ChrW(255) & ChrW(&H161), _
+  "UCase(True)", "TRUE")
 
 ' --- String functions at their edges: Null and Empty arguments, zero and negative lengths, start positions and compare modes.
-Check Left("abc", 0), "", "Left 0"
-Check Left("abc", 10), "abc", "Left past the end"
+CheckEach Array("Left(""abc"", 0)", "", "Left(""abc"", 10)", "abc")
 CheckError "x = Left(""abc"", -1)", 5, "Left negative"
-Check TypeName(Left(Null, 1)), "Null", "Left(Null)"
-Check Left(123, 2), "12", "Left of a number"
-Check Right("abc", 2), "bc", "Right"
-Check Right("abc", 5), "abc", "Right past the start"
-Check Mid("abcdef", 2, 3), "bcd", "Mid"
-Check Mid("abc", 2), "bc", "Mid to the end"
-Check Mid("abc", 4), "", "Mid past the end"
-Check Mid("abc", 2, 0), "", "Mid zero length"
-CheckError "x = Mid(""abc"", 0)", 5, "Mid start 0"
-CheckError "x = Mid(""abc"", 1, -1)", 5, "Mid negative length"
-Check TypeName(Mid(Null, 1)), "Null", "Mid(Null)"
-Check Len(Empty), CLng(0), "Len(Empty)"
-Check TypeName(Len(Null)), "Null", "Len(Null)"
-Check Len(12.5), CLng(4), "Len of a number's text"
-Check TypeName(Len("a")), "Long", "Len is Long"
-Check InStr("abc", ""), CLng(1), "InStr empty pattern"
-Check InStr("", "a"), CLng(0), "InStr in empty text"
-Check InStr(2, "abcabc", "a"), CLng(4), "InStr with start"
-Check InStr(1, "ABC", "b", 1), CLng(2), "InStr text compare"
-Check InStr(1, "ABC", "b", 0), CLng(0), "InStr binary compare"
-Check InStr(3, "abc", ""), CLng(3), "InStr empty pattern returns start"
-Check InStr(10, "abc", "a"), CLng(0), "InStr start past the end"
-Check TypeName(InStr(Null, "a")), "Null", "InStr(Null, ...)"
-Check TypeName(InStr("a", Null)), "Null", "InStr(..., Null)"
+CheckEach Array("TypeName(Left(Null, 1))", "Null", "Left(123, 2)", "12", _
+  "Right(""abc"", 2)", "bc", "Right(""abc"", 5)", "abc", "Mid(""abcdef"", 2, 3)", "bcd", _
+  "Mid(""abc"", 2)", "bc", "Mid(""abc"", 4)", "", "Mid(""abc"", 2, 0)", "")
+CheckErrors Array("x = Mid(""abc"", 0)", 5, "x = Mid(""abc"", 1, -1)", 5)
+CheckEach Array("TypeName(Mid(Null, 1))", "Null", "Len(Empty)", CLng(0), _
+  "TypeName(Len(Null))", "Null", "Len(12.5)", CLng(4), "TypeName(Len(""a""))", "Long", _
+  "InStr(""abc"", """")", CLng(1), "InStr("""", ""a"")", CLng(0), _
+  "InStr(2, ""abcabc"", ""a"")", CLng(4), "InStr(1, ""ABC"", ""b"", 1)", CLng(2), _
+  "InStr(1, ""ABC"", ""b"", 0)", CLng(0), "InStr(3, ""abc"", """")", CLng(3), _
+  "InStr(10, ""abc"", ""a"")", CLng(0), "TypeName(InStr(Null, ""a""))", "Null", _
+  "TypeName(InStr(""a"", Null))", "Null")
 CheckError "x = InStr(0, ""a"", ""a"")", 5, "InStr start 0"
-Check InStrRev("abcabc", "b"), CLng(5), "InStrRev"
-Check InStrRev("abcabc", "b", 4), CLng(2), "InStrRev with start"
-Check InStrRev("abc", ""), CLng(3), "InStrRev empty pattern"
-Check InStrRev("ABC", "a", -1, 1), CLng(1), "InStrRev text compare"
-Check Replace("aaaa", "a", "b", 1, 2), "bbaa", "Replace with count"
-Check Replace("aaaa", "a", "b", 3), "bb", "Replace with start drops the head"
-Check Replace("ABab", "a", "x", 1, -1, 1), "xBxb", "Replace text compare"
-Check Replace("abc", "", "x"), "abc", "Replace empty pattern"
-Check Replace("abc", "b", ""), "ac", "Replace with nothing"
-Check Replace("abab", "ab", "abab"), "abababab", "Replace does not rescan"
+CheckEach Array("InStrRev(""abcabc"", ""b"")", CLng(5), _
+  "InStrRev(""abcabc"", ""b"", 4)", CLng(2), "InStrRev(""abc"", """")", CLng(3), _
+  "InStrRev(""ABC"", ""a"", -1, 1)", CLng(1), "Replace(""aaaa"", ""a"", ""b"", 1, 2)", "bbaa", _
+  "Replace(""aaaa"", ""a"", ""b"", 3)", "bb", _
+  "Replace(""ABab"", ""a"", ""x"", 1, -1, 1)", "xBxb", "Replace(""abc"", """", ""x"")", "abc", _
+  "Replace(""abc"", ""b"", """")", "ac", "Replace(""abab"", ""ab"", ""abab"")", "abababab")
 CheckError "x = Replace(Null, ""a"", ""b"")", 94, "Replace(Null) is refused"
-Check Replace("abc", "b", "x", 1, 0), "abc", "Replace count 0"
-Check UBound(Split("a,b,,c", ",")), CLng(3), "Split keeps empty fields"
-Check Split("a,b,,c", ",")(2), "", "the empty field"
-Check UBound(Split("abc", "")), CLng(0), "Split with empty delimiter"
-Check UBound(Split("a b  c")), CLng(3), "Split on blanks by default"
-Check Split("a,b,c", ",", 2)(1), "b,c", "Split with a limit"
-Check UBound(Split("aXbxc", "x", -1, 1)), CLng(2), "Split text compare"
-Check UBound(Split("aXbxc", "x")), CLng(1), "Split binary compare"
-Check UBound(Split("")), CLng(-1), "Split of empty text"
-Check UBound(Split("abc", ",")), CLng(0), "Split without delimiter inside"
-Check Join(Array("a", "b")), "a b", "Join default blank"
-Check Join(Array(), ","), "", "Join of nothing"
-Check Join(Array(1, 2), ""), "12", "Join numbers"
-Check Join(Split("a,b", ","), "-"), "a-b", "Join a Split"
+CheckEach Array("Replace(""abc"", ""b"", ""x"", 1, 0)", "abc", _
+  "UBound(Split(""a,b,,c"", "",""))", CLng(3), "Split(""a,b,,c"", "","")(2)", "", _
+  "UBound(Split(""abc"", """"))", CLng(0), "UBound(Split(""a b  c""))", CLng(3), _
+  "Split(""a,b,c"", "","", 2)(1)", "b,c", "UBound(Split(""aXbxc"", ""x"", -1, 1))", CLng(2), _
+  "UBound(Split(""aXbxc"", ""x""))", CLng(1), "UBound(Split(""""))", CLng(-1), _
+  "UBound(Split(""abc"", "",""))", CLng(0), "Join(Array(""a"", ""b""))", "a b", _
+  "Join(Array(), "","")", "", "Join(Array(1, 2), """")", "12", _
+  "Join(Split(""a,b"", "",""), ""-"")", "a-b")
 f = Filter(Array("abc", "def", "cab"), "ab")
-Check UBound(f), CLng(1), "Filter keeps matches"
-Check f(1), "cab", "Filter order"
-Check Filter(Array("abc", "def"), "ab", False)(0), "def", "Filter excluding"
-Check UBound(Filter(Array("ABC", "x"), "b", True, 1)), CLng(0), "Filter text compare"
-Check UBound(Filter(Array("a", "b"), "z")), CLng(-1), "Filter with no match"
-Check StrReverse("abc"), "cba", "StrReverse"
-Check StrReverse(""), "", "StrReverse empty"
-Check TypeName(LCase(Null)), "Null", "LCase(Null)"
-Check LCase(123), "123", "LCase of a number"
-Check UCase("aBc"), "ABC", "UCase"
-Check Trim("  a  "), "a", "Trim"
-Check LTrim("  a "), "a ", "LTrim"
-Check RTrim(" a  "), " a", "RTrim"
-Check Len(Trim(vbTab & "a")), CLng(2), "Trim leaves tabs"
-Check Space(3), "   ", "Space"
-Check Space(0), "", "Space(0)"
+CheckEach Array("UBound(f)", CLng(1), "f(1)", "cab", _
+  "Filter(Array(""abc"", ""def""), ""ab"", False)(0)", "def", _
+  "UBound(Filter(Array(""ABC"", ""x""), ""b"", True, 1))", CLng(0), _
+  "UBound(Filter(Array(""a"", ""b""), ""z""))", CLng(-1), "StrReverse(""abc"")", "cba", _
+  "StrReverse("""")", "", "TypeName(LCase(Null))", "Null", "LCase(123)", "123", _
+  "UCase(""aBc"")", "ABC", "Trim(""  a  "")", "a", "LTrim(""  a "")", "a ", _
+  "RTrim("" a  "")", " a", "Len(Trim(vbTab & ""a""))", CLng(2), "Space(3)", "   ", _
+  "Space(0)", "")
 CheckError "x = Space(-1)", 5, "Space negative"
-Check String(3, "ab"), "aaa", "String uses the first character"
-Check String(3, 65), "AAA", "String with a code"
-Check String(0, "a"), "", "String zero"
-Check StrComp("a", "B"), 1, "StrComp binary"
-Check StrComp("a", "B", 1), -1, "StrComp text"
-Check StrComp("abc", "abc"), 0, "StrComp equal"
-Check TypeName(StrComp("a", Null)), "Null", "StrComp with Null"
-Check TypeName(StrComp("a", "b")), "Integer", "StrComp type"
-Check LCase(ChrW(192) & ChrW(201)), ChrW(224) & ChrW(233), "LCase beyond ASCII"
-Check Left("abc", 1.5), "ab", "a length of 1.5 rounds to 2"
-Check Left("abc", 2.5), "ab", "a length of 2.5 rounds to 2"
+CheckEach Array("String(3, ""ab"")", "aaa", "String(3, 65)", "AAA", "String(0, ""a"")", "", _
+  "StrComp(""a"", ""B"")", 1, "StrComp(""a"", ""B"", 1)", -1, "StrComp(""abc"", ""abc"")", 0, _
+  "TypeName(StrComp(""a"", Null))", "Null", "TypeName(StrComp(""a"", ""b""))", "Integer", _
+  "LCase(ChrW(192) & ChrW(201))", ChrW(224) & ChrW(233), "Left(""abc"", 1.5)", "ab", _
+  "Left(""abc"", 2.5)", "ab")
 CheckError "x = String(2, """")", 5, "String of empty text"
-Check Join(Array(Empty, 1), "-"), "-1", "Empty joins as nothing"
-Check Filter(Array(1, 12, 3), 1)(1), "12", "Filter on numbers compares their text"
-Check TypeName(StrComp(Null, Null)), "Null", "StrComp(Null, Null)"
-CheckError "x = InStrRev(""abc"", ""c"", 0)", 5, "InStrRev start 0"
-CheckError "x = Replace(""abc"", ""b"", ""x"", 0)", 5, "Replace start 0"
-Check Replace("abc", "b", "x", 4), "", "Replace start past the end"
-Check Escape("a b+c/" & ChrW(233)), "a%20b+c/%E9", "Escape keeps @*_+-./"
-Check Unescape("%41%u0042%zz"), "AB%zz", "Unescape leaves bad escapes"
+CheckEach Array("Join(Array(Empty, 1), ""-"")", "-1", "Filter(Array(1, 12, 3), 1)(1)", "12", _
+  "TypeName(StrComp(Null, Null))", "Null")
+CheckErrors Array("x = InStrRev(""abc"", ""c"", 0)", 5, _
+  "x = Replace(""abc"", ""b"", ""x"", 0)", 5)
+CheckEach Array("Replace(""abc"", ""b"", ""x"", 4)", "", _
+  "Escape(""a b+c/"" & ChrW(233))", "a%20b+c/%E9", "Unescape(""%41%u0042%zz"")", "AB%zz")
 
 ' --- The string family as Windows runs it: Null and Empty arguments, zero and negative lengths,
 ' compare modes, the types of the results.
-Check Len("abc"), CLng(3), "Len"
-Check Len(Null), Null, "Len(Null)"
-Check Left("abcdef", 2), "ab", "Left"
-Check Left(Null, 1), Null, "Left(Null)"
-Check Right("abcdef", 2), "ef", "Right"
-Check Mid("abcdef", 3), "cdef", "Mid without length"
-Check Mid("abcdef", 3, 2), "cd", "Mid"
-Check Mid("abc", 9), "", "Mid past the end"
-Check UCase(Empty), "", "UCase(Empty)"
-Check LCase("ÄBC"), "äbc", "LCase"
-Check LTrim("  a  "), "a  ", "LTrim"
-Check RTrim("  a  "), "  a", "RTrim"
-Check String(2, 97), "aa", "String of a code"
-Check InStr("abcabc", "c"), CLng(3), "InStr"
-Check InStr(4, "abcabc", "c"), CLng(6), "InStr from"
-Check InStr(1, "ABC", "b", vbTextCompare), CLng(2), "InStr text compare"
-Check InStr(Null, "a"), Null, "InStr(Null)"
-Check Replace("a.b.c", ".", "-"), "a-b-c", "Replace"
-Check Replace("abcabc", "a", "X", 3), "cXbc", "Replace from start drops the head"
-Check Replace("AbA", "a", "x", 1, -1, vbTextCompare), "xbx", "Replace text compare"
-Check StrComp("a", "B", vbTextCompare), -1, "StrComp text"
-Check StrComp("a", Null), Null, "StrComp Null"
-Check AscW("€"), 8364, "AscW"
-Check Asc("€"), 128, "Asc of a code page character"
-Check Chr(65), "A", "Chr"
-Check ChrW(8364), "€", "ChrW"
-Check Escape("a b&ü"), "a%20b%26%FC", "Escape"
-Check Unescape("%u20AC%41"), "€A", "Unescape"
-Check Join(Split("a,b,,c", ","), "|"), "a|b||c", "Split and Join"
-Check UBound(Split("a b c", " ", 2)), CLng(1), "Split with a count"
-Check Join(Filter(Array("ab", "cd", "abc"), "ab"), ","), "ab,abc", "Filter"
-Check Join(Filter(Array("ab", "cd"), "AB", False, vbTextCompare), ","), "cd", "Filter excluding"
+CheckEach Array("Len(""abc"")", CLng(3), "Len(Null)", Null, "Left(""abcdef"", 2)", "ab", _
+  "Left(Null, 1)", Null, "Right(""abcdef"", 2)", "ef", "Mid(""abcdef"", 3)", "cdef", _
+  "Mid(""abcdef"", 3, 2)", "cd", "Mid(""abc"", 9)", "", "UCase(Empty)", "", _
+  "LCase(""ÄBC"")", "äbc", "LTrim(""  a  "")", "a  ", "RTrim(""  a  "")", "  a", _
+  "String(2, 97)", "aa", "InStr(""abcabc"", ""c"")", CLng(3), _
+  "InStr(4, ""abcabc"", ""c"")", CLng(6), "InStr(1, ""ABC"", ""b"", vbTextCompare)", CLng(2), _
+  "InStr(Null, ""a"")", Null, "Replace(""a.b.c"", ""."", ""-"")", "a-b-c", _
+  "Replace(""abcabc"", ""a"", ""X"", 3)", "cXbc", _
+  "Replace(""AbA"", ""a"", ""x"", 1, -1, vbTextCompare)", "xbx", _
+  "StrComp(""a"", ""B"", vbTextCompare)", -1, "StrComp(""a"", Null)", Null, "AscW(""€"")", 8364, _
+  "Asc(""€"")", 128, "Chr(65)", "A", "ChrW(8364)", "€", "Escape(""a b&ü"")", "a%20b%26%FC", _
+  "Unescape(""%u20AC%41"")", "€A", "Join(Split(""a,b,,c"", "",""), ""|"")", "a|b||c", _
+  "UBound(Split(""a b c"", "" "", 2))", CLng(1), _
+  "Join(Filter(Array(""ab"", ""cd"", ""abc""), ""ab""), "","")", "ab,abc", _
+  "Join(Filter(Array(""ab"", ""cd""), ""AB"", False, vbTextCompare), "","")", "cd")
 
-CheckError "x = Space(2147483648)", 7, "Space huge"
-CheckError "x = String(2147483648, ""x"")", 7, "String huge"
-CheckError "x = Chr(256)", 5, "Chr out of range"
-CheckError "x = Left(""abc"", Null)", 94, "Left Null length"
-CheckError "x = StrReverse(Null)", 94, "StrReverse(Null)"
-CheckError "x = Replace(""abc"", ""a"", ""b"", 0)", 5, "Replace from 0"
-CheckError "x = Len()", 450, "Len without argument"
+CheckErrors Array("x = Space(2147483648)", 7, "x = String(2147483648, ""x"")", 7, _
+  "x = Chr(256)", 5, "x = Left(""abc"", Null)", 94, "x = StrReverse(Null)", 94, _
+  "x = Replace(""abc"", ""a"", ""b"", 0)", 5, "x = Len()", 450)
 
 ' --- The byte functions cut text as its bytes, two to a character, and may leave an odd byte.
-Check AscB("A"), CByte(65), "AscB returns a Byte"
-Check LenB(LeftB("ABC", 3)), CLng(3), "LeftB keeps an odd number of bytes"
-Check Len(LeftB("ABC", 3)), CLng(1), "of which only the whole characters count for Len"
-Check LenB(RightB("ABC", 3)), CLng(3), "RightB too"
-Check LenB(MidB("ABC", 2, 3)), CLng(3), "and MidB"
-Check LenB(ChrB(65)), CLng(1), "ChrB is one byte"
-Check Len(ChrB(65)), CLng(0), "no whole character"
-Check AscB(ChrB(200)), CByte(200), "AscB reads the lone byte"
-Check ChrB(65) & ChrB(0), "A", "two bytes make a character"
-Check ChrB(65) & ChrB(0) & ChrB(66) & ChrB(0), "AB", "in order"
-Check LenB("x" & ChrB(65)), CLng(3), "an odd byte joined after text"
-Check LeftB("ABC", 3) & ChrB(0), "AB", "an odd byte pairs with the next one"
-Check LeftB("ABC", 4), "AB", "an even cut"
-Check RightB("ABC", 2), "C", "from the end"
-Check AscB(MidB("AB", 3)), CByte(66), "MidB from a byte position"
+CheckEach Array("AscB(""A"")", CByte(65), "LenB(LeftB(""ABC"", 3))", CLng(3), _
+  "Len(LeftB(""ABC"", 3))", CLng(1), "LenB(RightB(""ABC"", 3))", CLng(3), _
+  "LenB(MidB(""ABC"", 2, 3))", CLng(3), "LenB(ChrB(65))", CLng(1), "Len(ChrB(65))", CLng(0), _
+  "AscB(ChrB(200))", CByte(200), "ChrB(65) & ChrB(0)", "A", _
+  "ChrB(65) & ChrB(0) & ChrB(66) & ChrB(0)", "AB", "LenB(""x"" & ChrB(65))", CLng(3), _
+  "LeftB(""ABC"", 3) & ChrB(0)", "AB", "LeftB(""ABC"", 4)", "AB", "RightB(""ABC"", 2)", "C", _
+  "AscB(MidB(""AB"", 3))", CByte(66))
 CheckError "x = AscB("""")", 5, "AscB of empty text"
+
+' --- Slices, searches, Replace, case, trim, repetition and character codes at their edges.
+Dim mid1
+CheckEach Array("Len(""h"" & ChrW(233) & ""llo"")", CLng(5), "Len(-123)", CLng(4), _
+  "LenB(""abc"")", CLng(6), "Left(""abcdef"", 3)", "abc", "Left(12345.5, 3)", "123", _
+  "Right(""abc"", 0)", "", "Mid(""abcdef"", 4)", "def", "Mid(""abc"", 5)", "", _
+  "InStr(5, ""abc"", """")", CLng(0), "InStrRev(""abcabc"", ""B"", -1, 1)", CLng(5), _
+  "InStrRev(""abc"", ""c"", 2)", CLng(0), "InStrRev(""abc"", """", 2)", CLng(2), _
+  "InStrRev(""abc"", ""a"", 9)", CLng(0), "Replace(""a.b.c"", ""."", ""--"")", "a--b--c", _
+  "Replace(""aXbxc"", ""x"", ""_"", 1, -1, 1)", "a_b_c", "Replace(""aXbxc"", ""x"", ""_"")", "aXb_c", _
+  "Replace(""aaaa"", ""a"", ""b"", 1, 0)", "aaaa", "Replace(""abc"", ""b"", ""x"", 9)", "", _
+  "UCase(""abc "" & ChrW(233))", "ABC " & ChrW(201), "LCase(""ABC"")", "abc", _
+  "Trim(""  a b "" & vbTab & "" "")", "a b " & vbTab, "LTrim(""  x  "")", "x  ", _
+  "RTrim(""  x  "")", "  x", "String(3, ""xyz"")", "xxx", "String(2, 321)", "AA", _
+  "TypeName(String(2, Null))", "Null", "TypeName(StrComp(""a"", ""b""))", "Integer", _
+  "Asc(ChrW(20013))", 63, "AscW(ChrW(20013))", 20013, "AscW(ChrW(65535))", -1, _
+  "AscW(Chr(128))", 8364, "ChrW(-1)", ChrW(65535))
+CheckEach Array("Escape(""a b/c@d*_+-."" & ChrW(233) & ChrW(20013))", "a%20b/c@d*_+-.%E9%u4E2D", _
+  "Unescape(""a%20b%u4E2D%zz%u12"")", "a b" & ChrW(20013) & "%zz%u12")
+CheckErrors Array("x = Left(""abc"", -1)", 5, "x = Mid(""abc"", 0)", 5, "x = Mid(""abc"", 1, -1)", 5, _
+  "x = InStr(0, ""abc"", ""a"")", 5, "x = InStr(Null, ""abc"", ""a"")", 94, _
+  "x = InStrRev(""abc"", ""a"", 0)", 5, "x = Replace(Null, ""a"", ""b"")", 94, _
+  "x = Replace(""abc"", Null, ""b"")", 94, "x = Replace(""abc"", ""a"", ""b"", 1, -2)", 5, _
+  "x = String(2, """")", 5, "x = Asc("""")", 5, "x = Asc(Null)", 94, "x = ChrW(65536)", 5, _
+  "mid1 = ""abcdef"" : Mid(mid1, 2) = ""XY""", 501)
+' Escape and Unescape undo each other over a spread of characters.
+mid1 = ""
+For x = 1 To &H3000 Step 7 : mid1 = mid1 & ChrW(x) : Next
+Check Unescape(Escape(mid1)) = mid1, True, "Escape round trip"

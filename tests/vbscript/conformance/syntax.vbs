@@ -8,23 +8,14 @@ Option Explicit : : Dim opt
 Dim a, b, c, hx, ho, n, s, obj
 
 ' =< and => are <= and >=; >< is <>.
-Check 3 => 2, True, "=> is >="
-Check 2 =< 2, True, "=< is <="
-Check 2 >< 2, False, ">< is <>"
-Check 2 >< 3, True, ">< is <> (true)"
+CheckEach Array("3 => 2", True, "2 =< 2", True, "2 >< 2", False, "2 >< 3", True)
 
 ' & right before a name beginning with h or o is concatenation, not a radix prefix.
 hx = "H" : ho = "O"
-Check "a" &hx, "aH", "& before a name starting with h"
-Check "a" &ho, "aO", "& before a name starting with o"
-Check (&h01Or&h02), 3, "hex literal directly followed by Or"
-Check TypeName(&h10&), "Integer", "&h10& is still an Integer"
-Check TypeName(&hFFFF&), "Long", "&hFFFF& is a Long"
-Check &hFFFF, -1, "&hFFFF is Integer -1"
-Check TypeName(&hFFFFFFFF&), "Integer", "&hFFFFFFFF& is Integer -1"
-Check 10., CDbl(10), "a number may end with a point"
-Check TypeName(10.), "Double", "and is then a Double"
-Check 1e-99999, CDbl(0), "a tiny exponent underflows to zero"
+CheckEach Array("""a"" &hx", "aH", """a"" &ho", "aO", "(&h01Or&h02)", 3, _
+  "TypeName(&h10&)", "Integer", "TypeName(&hFFFF&)", "Long", "&hFFFF", -1, _
+  "TypeName(&hFFFFFFFF&)", "Integer", "10.", CDbl(10), "TypeName(10.)", "Double", _
+  "1e-99999", CDbl(0))
 Check .5e1, CDbl(5), "leading point with exponent"
 
 ' Continuations right after an operator, and before the '='.
@@ -103,11 +94,8 @@ Function Pick(v)
     Case Else Pick = "other"
   End Select
 End Function
-Check Pick(0), "zero", "Case with ':'"
-Check Pick(1), "one", "Case with the statement on its line"
-Check Pick(2), "two", "Case with its statement below"
-Check Pick(3), Empty, "empty Case"
-Check Pick(9), "other", "Case Else with the statement on its line"
+CheckEach Array("Pick(0)", "zero", "Pick(1)", "one", "Pick(2)", "two", "Pick(3)", Empty, _
+  "Pick(9)", "other")
 Select Case 2: Case 5, 6: a = 0
   Case 2, 4
     a = "two"

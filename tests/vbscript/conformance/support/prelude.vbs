@@ -80,3 +80,20 @@ Sub CheckErr(expected, label)
   End If
   Err.Clear
 End Sub
+
+' A table of expressions (as text) and the values they must give, evaluated in turn at global
+' level; the expression is its own label.
+Sub CheckEach(qvTable)
+  Dim qvI
+  For qvI = 0 To UBound(qvTable) Step 2
+    Check Eval(qvTable(qvI)), qvTable(qvI + 1), qvTable(qvI)
+  Next
+End Sub
+
+' A table of statements and the error numbers they raise, as CheckError.
+Sub CheckErrors(qvTable)
+  Dim qvI
+  For qvI = 0 To UBound(qvTable) Step 2
+    CheckError qvTable(qvI), qvTable(qvI + 1), "statement"
+  Next
+End Sub
