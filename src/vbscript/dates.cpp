@@ -75,7 +75,9 @@ Variant Second(RuntimeState&, Args a) {
 }
 
 // vbUseSystemDayOfWeek (0) is the locale's first day (Sunday under 1033, Monday under
-// 1031); anything outside 0..7 raises 5.
+// 1031); anything outside 0..7 raises 5. Left out, the first day is Sunday under every locale,
+// for WeekdayName as for Weekday: both share the one optional-argument rule of the Windows
+// library, so a page written under 1033 names the same day after a SetLocale.
 int FirstDayArg(Args a, size_t i) {
   const int32_t n = OptionalLong(a, i, 1);
   if (n < 0 || n > 7) Raise(kErrInvalidCall);

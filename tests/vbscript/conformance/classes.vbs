@@ -121,23 +121,6 @@ Class Tracked
     trace = trace & "term " & Name & ","
   End Sub
 End Class
-Set t1 = New Tracked
-CheckEach Array("trace", "init,", "t1.Name", "unnamed")
-t1.Name = "one"
-Set t2 = t1
-Set t1 = Nothing
-Check trace, "init,", "a second reference keeps the object"
-Set t2 = Nothing
-Check trace, "init,term one,", "the last release runs Class_Terminate"
-trace = ""
-Sub UseLocal()
-  Dim local
-  Set local = New Tracked
-  local.Name = "local"
-  trace = trace & "body,"
-End Sub
-UseLocal
-Check trace, "init,body,term local,", "a local object ends with its procedure"
 trace = ""
 Set t3 = New Tracked
 t3.Name = "old"

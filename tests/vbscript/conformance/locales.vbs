@@ -39,6 +39,7 @@ CheckEach Array("CDbl(""1.234,5"")", 1234.5, "CDbl(""1.5"")", CDbl(15), _
   """x"" & 2.25", "x2,25", """1,5"" = 1.5", True, """2,5"" + 1", 3.5, _
   "FormatDateTime(d, vbLongTime) & ""|"" & FormatDateTime(d, vbShortTime)", "14:05:09|14:05", _
   "Weekday(DateSerial(2026, 3, 15), vbUseSystemDayOfWeek)", 7, _
+  "WeekdayName(1, False, vbUseSystemDayOfWeek)", "Montag", "WeekdayName(1)", "Sonntag", _
   "#3/4/2026#", DateSerial(2026, 3, 4))
 SetLocale 1036
 CheckEach Array("DateValue(""3/4/2026"")", DateSerial(2026, 4, 3), _
@@ -47,8 +48,11 @@ CheckEach Array("DateValue(""3/4/2026"")", DateSerial(2026, 4, 3), _
 SetLocale 1041
 CheckEach Array("DateValue(""2026年3月15日"")", DateSerial(2026, 3, 15), _
   "DateValue(""2026/3/4"")", DateSerial(2026, 3, 4))
+SetLocale 1046
+CheckEach Array("WeekdayName(1, False, vbUseSystemDayOfWeek)", "domingo", _
+  "DatePart(""w"", DateSerial(2026, 3, 15), vbUseSystemDayOfWeek)", 1)
 SetLocale 1033
-CheckEach Array("CDbl(""1,5"")", CDbl(15), "DateValue(""3/4/2026"")", DateSerial(2026, 3, 4))
+CheckEach Array("WeekdayName(1, True, vbUseSystemDayOfWeek)", "Sun", "CDbl(""1,5"")", CDbl(15), "DateValue(""3/4/2026"")", DateSerial(2026, 3, 4))
 
 ' SetLocale takes ids and names and returns the id it replaced; unknown ones raise 447.
 CheckEach Array("SetLocale(""de-de"")", CLng(1033), "SetLocale(""EN-GB"")", CLng(1031), _
