@@ -108,7 +108,7 @@ Function qvMenuItems()
         If qvHasPage(t, page) Then
           kind = LCase(t.TblType)
           s = s & "<li><a class=""qvMenu-" & qvHtmlEncode(kind) & """ href=""" & _
-              qvHtmlEncode(qvPageName(t, page)) & """>" & qvHtmlEncode(t.TblCaption) & "</a></li>" & vbCrLf
+              qvHtmlEncode(qvPageName(t, page)) & """>" & qvHtmlEncode(qvCaptionOf(t.TblCaption)) & "</a></li>" & vbCrLf
         End If
       End If
     Next
@@ -129,6 +129,15 @@ Function qvDefLine(target, prop, value, dflt)
   End If
 End Function
 
+'' A caption as the pages show it. Captions made from lower-case names ("genre_id" becomes
+' "genre id") would start the application's headings and labels in lower case: one that has
+' no capital at all gets one at its start. The project keeps the caption as it is, and a
+' caption with any capital letter is the user's choice and stays.
+Function qvCaptionOf(text)
+  qvCaptionOf = text
+  If text = LCase(text) Then qvCaptionOf = UCase(Left(text, 1)) & Mid(text, 2)
+End Function
+
 ' A setting that is a whole number, 0 when it holds none.
 Function qvNum(value)
   If IsNumeric(value) And Trim(CStr(value)) <> "" Then qvNum = CLng(value) Else qvNum = 0
@@ -140,7 +149,7 @@ Function qvTableDef()
   Dim s, t, i, f, sortable
   Set t = TABLE
   s = "Set qvTbl = New qvTableDef" & vbCrLf
-  s = s & "qvTbl.Init " & qvQuoteVBS(t.TblName) & ", " & qvQuoteVBS(t.TblCaption) & ", " & _
+  s = s & "qvTbl.Init " & qvQuoteVBS(t.TblName) & ", " & qvQuoteVBS(qvCaptionOf(t.TblCaption)) & ", " & _
       qvQuoteVBS(t.TblType) & vbCrLf
   s = s & "qvTbl.SetPages " & qvQuoteVBS(qvPageIf(t, "list")) & ", " & qvQuoteVBS(qvPageIf(t, "view")) & _
       ", " & qvQuoteVBS(qvPageIf(t, "add")) & ", " & qvQuoteVBS(qvPageIf(t, "copy")) & ", " & _
@@ -171,7 +180,7 @@ End Function
 Function qvFieldDef(f)
   Dim s, tag
   s = "Set qvFld = qvTbl.AddField(" & qvQuoteVBS(f.FldName) & ", " & qvQuoteVBS(f.FldVar) & ", " & _
-      qvQuoteVBS(f.FldCaption) & ", " & CLng(f.FldType) & ")" & vbCrLf
+      qvQuoteVBS(qvCaptionOf(f.FldCaption)) & ", " & CLng(f.FldType) & ")" & vbCrLf
   s = s & qvDefLine("qvFld", "IsKey", f.FldIsPrimaryKey Or qvInKey(f.FldName), False)
   s = s & qvDefLine("qvFld", "AutoInc", f.FldAutoIncrement, False)
   s = s & qvDefLine("qvFld", "InList", f.FldList, False)

@@ -17,7 +17,7 @@ Function qvSearchTableDef(t)
   s = s & qvDefLine("qvTbl", "ExportHtml", CBool(t.TblExportHtml), False)
   Set master = qvMasterOf(t)
   If Not master Is Nothing Then
-    s = s & "qvTbl.SetMaster " & qvQuoteVBS(master.TblName) & ", " & qvQuoteVBS(master.TblCaption) & ", " & _
+    s = s & "qvTbl.SetMaster " & qvQuoteVBS(master.TblName) & ", " & qvQuoteVBS(qvCaptionOf(master.TblCaption)) & ", " & _
         qvQuoteVBS(qvPageIf(master, "list")) & ", " & qvQuoteVBS(qvPageIf(master, "view")) & ", " & _
         qvQuoteVBS(qvKeyFields(t.TblMasterFld)) & ", " & qvQuoteVBS(qvKeyFields(t.TblDetailFld)) & vbCrLf
   End If
@@ -61,7 +61,7 @@ Function qvDetailsDef(t)
       Set m = qvMasterOf(d)
       If Not m Is Nothing Then
         If StrComp(m.TblName, t.TblName, vbTextCompare) = 0 And qvHasPage(d, "list") Then
-          s = s & "qvTbl.AddDetail " & qvQuoteVBS(d.TblCaption) & ", " & qvQuoteVBS(qvPageIf(d, "list")) & ", " & _
+          s = s & "qvTbl.AddDetail " & qvQuoteVBS(qvCaptionOf(d.TblCaption)) & ", " & qvQuoteVBS(qvPageIf(d, "list")) & ", " & _
               qvQuoteVBS(qvKeyFields(d.TblMasterFld)) & ", " & qvQuoteVBS(qvKeyFields(d.TblDetailFld)) & vbCrLf
         End If
       End If
