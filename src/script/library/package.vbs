@@ -234,6 +234,7 @@ Function qvFieldDef(f)
   s = s & qvDefLine("qvFld", "CheckDup", f.FldCheckDuplicate, False)
   s = s & qvDefLine("qvFld", "OrderDir", UCase(f.FldOrder), "")
   s = s & qvSearchFieldDef(f)
+  s = s & qvFileDef(f)
   qvFieldDef = s
 End Function
 
