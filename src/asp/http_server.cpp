@@ -2,6 +2,10 @@
 // in, once per piece of the body, and once at the end, when the request is handed to the
 // runtime. The raw URI comes from the library's URI log hook, before the library decodes it:
 // the runtime decodes the path itself, strictly, and keeps the query string as it was sent.
+//
+// A page that streams runs on a thread of the runtime while its connection is suspended; the
+// page's stream resumes it when there is a head or a piece of the body to send, and the body
+// goes out through a content reader that suspends the connection again when it has nothing.
 #include "asp/http_server.h"
 
 #include <arpa/inet.h>
@@ -17,7 +21,9 @@
 #include <ctime>
 #include <stdexcept>
 #include <thread>
+#include <unordered_map>
 
+#include "asp/response_stream.h"
 #include "asp/site_runtime.h"
 #include "asp/text_codec.h"
 
@@ -28,8 +34,10 @@ namespace {
 struct Exchange {
   HttpRequest request;
   MHD_PostProcessor* post = nullptr;
+  std::shared_ptr<ResponseStream> stream;  // of a page that streams
   bool headers_read = false;
   bool too_large = false;
+  bool streamed = false;  // the body came through `stream`
   int status = 0;
   size_t bytes = 0;
 
@@ -94,12 +102,32 @@ std::string LogTime() {
   return buffer;
 }
 
+// The body of a streamed response, as libmicrohttpd asks for it.
+ssize_t ReadBody(void* cls, uint64_t, char* buffer, size_t size) {
+  auto& stream = *static_cast<std::shared_ptr<ResponseStream>*>(cls);
+  bool gone = false;
+  const std::optional<size_t> n = stream->Read(buffer, size, gone);
+  if (!n) return gone ? MHD_CONTENT_READER_END_WITH_ERROR : MHD_CONTENT_READER_END_OF_STREAM;
+  return static_cast<ssize_t>(*n);
+}
+
+void FreeBody(void* cls) {
+  delete static_cast<std::shared_ptr<ResponseStream>*>(cls);
+}
+
 }  // namespace
 
 struct HttpServer::Impl {
+  Impl(SiteRuntime& runtime, HttpOptions options) : runtime(runtime), options(std::move(options)) {}
+
   SiteRuntime& runtime;
   HttpOptions options;
   MHD_Daemon* daemon = nullptr;
+  // Streams of pages still running, whose connections may be suspended: Stop must wake them
+  // before the library may stop.
+  std::mutex streams_mutex;
+  std::unordered_map<const ResponseStream*, std::shared_ptr<ResponseStream>> streams;
+  bool stopping = false;
 
   static void* Begin(void*, const char* uri, MHD_Connection*) {
     auto* ex = new Exchange;
@@ -111,6 +139,13 @@ struct HttpServer::Impl {
     auto* self = static_cast<Impl*>(cls);
     auto* ex = static_cast<Exchange*>(*con_cls);
     if (!ex) return;
+    if (ex->stream) {
+      // A page still running for a client that went away runs to its end for nobody.
+      ex->stream->Cancel();
+      if (ex->streamed) ex->bytes = ex->stream->bytes_sent();
+      std::lock_guard lock(self->streams_mutex);
+      self->streams.erase(ex->stream.get());
+    }
     if (self->options.access_log && ex->status) {
       const HttpRequest& r = ex->request;
       std::string line = r.remote_addr + " - - [" + LogTime() + "] \"" + r.method + " " +
@@ -144,6 +179,54 @@ struct HttpServer::Impl {
         MHD_queue_response(connection, static_cast<unsigned>(r.status), response);
     MHD_destroy_response(response);
     return result;
+  }
+
+  // Sends the head of a page that streams, once there is one.
+  static MHD_Result SendStream(MHD_Connection* connection, Exchange& ex) {
+    HttpResponse head;
+    switch (ex.stream->TakeHead(head)) {
+      case ResponseStream::Head::kWait:
+        return MHD_YES;
+      case ResponseStream::Head::kGone:
+        return MHD_NO;
+      case ResponseStream::Head::kWhole:
+        return Send(connection, ex, std::move(head));
+      case ResponseStream::Head::kStream:
+        break;
+    }
+    auto* holder = new std::shared_ptr<ResponseStream>(ex.stream);
+    MHD_Response* response = MHD_create_response_from_callback(MHD_SIZE_UNKNOWN, 32 * 1024,
+                                                               &ReadBody, holder, &FreeBody);
+    if (!response) {
+      delete holder;
+      return MHD_NO;
+    }
+    for (const auto& [name, value] : head.headers)
+      MHD_add_response_header(response, name.c_str(), value.c_str());
+    ex.status = head.status;
+    ex.streamed = true;
+    const MHD_Result result =
+        MHD_queue_response(connection, static_cast<unsigned>(head.status), response);
+    MHD_destroy_response(response);
+    return result;
+  }
+
+  MHD_Result StartStream(MHD_Connection* connection, Exchange& ex,
+                         std::shared_ptr<ResponseStream> stream) {
+    ex.stream = std::move(stream);
+    ex.stream->Attach([connection] { MHD_suspend_connection(connection); },
+                      [connection] { MHD_resume_connection(connection); });
+    bool refused = false;
+    {
+      std::lock_guard lock(streams_mutex);
+      refused = stopping;
+      if (!refused) streams.emplace(ex.stream.get(), ex.stream);
+    }
+    if (refused) {
+      ex.stream->Cancel();
+      return MHD_NO;
+    }
+    return SendStream(connection, ex);
   }
 
   void ReadHeaders(MHD_Connection* connection, Exchange& ex, const char* method,
@@ -214,16 +297,18 @@ struct HttpServer::Impl {
       if (ex->post) MHD_post_process(ex->post, upload_data, size);
       return MHD_YES;
     }
+    if (ex->stream) return SendStream(connection, *ex);
     if (ex->status) return MHD_YES;  // answered already
     if (ex->too_large) return Send(connection, *ex, ErrorResponse(413, "Payload Too Large"));
     if (!SplitTarget(ex->request)) return Send(connection, *ex, ErrorResponse(400, "Bad Request"));
     HttpResponse response;
     try {
-      response = runtime.Handle(ex->request);
+      response = runtime.Handle(ex->request, true);
     } catch (const std::exception& e) {
       std::fprintf(stderr, "%s: %s\n", ex->request.path.c_str(), e.what());
       response = ErrorResponse(500, "Internal Server Error");
     }
+    if (response.stream) return StartStream(connection, *ex, std::move(response.stream));
     return Send(connection, *ex, std::move(response));
   }
 
@@ -236,7 +321,7 @@ struct HttpServer::Impl {
 };
 
 HttpServer::HttpServer(SiteRuntime& runtime, HttpOptions options)
-    : impl_(std::make_unique<Impl>(Impl{runtime, std::move(options)})) {}
+    : impl_(std::make_unique<Impl>(runtime, std::move(options))) {}
 
 HttpServer::~HttpServer() {
   Stop();
@@ -261,7 +346,8 @@ void HttpServer::Start() {
   }
   unsigned threads =
       s.options.threads ? s.options.threads : std::max(1u, std::thread::hardware_concurrency());
-  unsigned flags = MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_EPOLL | MHD_USE_TURBO;
+  unsigned flags =
+      MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_EPOLL | MHD_USE_TURBO | MHD_ALLOW_SUSPEND_RESUME;
   if (v6) flags |= MHD_USE_IPv6;
   s.daemon = MHD_start_daemon(
       flags, s.options.port, nullptr, nullptr, &Impl::AccessThunk, &s, MHD_OPTION_SOCK_ADDR,
@@ -278,6 +364,17 @@ void HttpServer::Start() {
 
 void HttpServer::Stop() {
   if (impl_ && impl_->daemon) {
+    // Suspended connections must be resumed before the library stops; their pages run on,
+    // for nobody, and the runtime waits for them.
+    std::vector<std::shared_ptr<ResponseStream>> running;
+    {
+      std::lock_guard lock(impl_->streams_mutex);
+      impl_->stopping = true;
+      for (auto& [key, stream] : impl_->streams)
+        running.push_back(stream);
+    }
+    for (const auto& stream : running)
+      stream->Cancel();
     MHD_stop_daemon(impl_->daemon);
     impl_->daemon = nullptr;
   }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -42,6 +43,8 @@ struct HttpRequest {
   const std::string* Header(std::string_view name) const;
 };
 
+class ResponseStream;
+
 struct HttpResponse {
   int status = 200;
   std::string reason = "OK";
@@ -50,6 +53,8 @@ struct HttpResponse {
   // A static file sent from disk instead of `body`.
   std::filesystem::path file;
   uintmax_t file_size = 0;
+  // A page still running, whose head and body come through this instead.
+  std::shared_ptr<ResponseStream> stream;
 };
 
 }  // namespace qv::asp

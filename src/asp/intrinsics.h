@@ -12,6 +12,7 @@
 
 #include "asp/http_types.h"
 #include "asp/page_compiler.h"
+#include "asp/response_stream.h"
 #include "asp/state_store.h"
 #include "automation/dispatch.h"
 #include "vbscript/engine.h"
@@ -46,9 +47,11 @@ struct PageContext {
   // Runs another page of the site for Server.Execute/Transfer.
   std::function<void(std::string_view url)> execute;
 
-  // Response state.
+  // Response state. `body` holds the output not yet sent; it leaves before the page ends only
+  // through `stream`, which is null for pages that run where they cannot stream.
   std::string body;
-  bool headers_written = false;  // after Flush
+  ResponseStream* stream = nullptr;
+  bool headers_written = false;  // after Flush or unbuffered output
   bool buffer = true;
   int status = 200;
   std::string reason = "OK";
@@ -61,6 +64,7 @@ struct PageContext {
   std::optional<double> expires_absolute;
   std::string cache_control;
   std::string log_text;
+  std::string session_cookie;   // the Set-Cookie value of a session this request began
   int32_t script_timeout = 90;  // seconds
   std::chrono::steady_clock::time_point started = std::chrono::steady_clock::now();
 
@@ -83,6 +87,9 @@ Ref<Object> NewApplicationObject(PageContext& context);
 // Sets the locale of the page's engine (Session.LCID, @LCID) through the engine's own
 // SetLocale, so that the same ids are taken and refused as in a script. False when refused.
 bool SetPageLocale(vbs::Engine& engine, int32_t lcid);
+
+// The status and headers of the page's response as they stand (no body).
+HttpResponse ResponseHead(const PageContext& c);
 
 // The Set-Cookie value of a response cookie.
 std::string CookieHeader(const ResponseCookie& cookie);

@@ -405,6 +405,16 @@ void WriteScript(const Merger& merged, CompiledPage& page, bool global,
         // global.asa holds no page code; its delimiters are ignored as IIS ignores them.
       } else if (!body.empty() && body[0] == '@') {
         ApplyDirective(body.substr(1), page.directives, file_of(at), at.line);
+        // The line break after the directive is no output, so that `<% Option Explicit %>` on
+        // the next line still comes before any statement.
+        pos = close + 2;
+        const size_t eol = text.find_first_not_of(" \t", pos);
+        if (eol != std::string_view::npos && text.compare(eol, 2, "\r\n") == 0) {
+          pos = eol + 2;
+        } else if (eol != std::string_view::npos && text[eol] == '\n') {
+          pos = eol + 1;
+        }
+        continue;
       } else if (!body.empty() && body[0] == '=') {
         writer.Code(body.substr(1), at, "Response.Write ");
       } else {
@@ -480,6 +490,8 @@ CompiledPage CompilePage(const Site& site, const fs::path& file) {
   page.ado_constants = merged.ado_constants;
   WriteScript(merged, page, false, nullptr);
   page.files = std::move(merged.files);
+  const std::string script = String::ToUtf8(page.script);
+  page.streams = ContainsNoCase(script, "flush") || ContainsNoCase(script, "buffer");
   return page;
 }
 

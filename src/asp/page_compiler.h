@@ -46,6 +46,8 @@ struct CompiledPage {
   std::vector<TextBlock> blocks;
   PageDirectives directives;
   bool ado_constants = false;  // the page names the ADO type library
+  // The page's code names Flush or Buffer: its output may leave before it ends.
+  bool streams = false;
 
   // Where line `line` (from 1) of the script came from; the page's first line when unknown.
   SourcePosition Origin(int32_t line) const;

@@ -1,6 +1,8 @@
-// Response: the buffered body in the response's code page, status, headers and cookies. The
-// whole response goes out when the page ends, in one write; Flush only fixes the headers, so
-// that changing them afterwards fails as it does on Windows.
+// Response: the buffered body in the response's code page, status, headers and cookies. A
+// buffered response goes out when the page ends, in one write. Flush and unbuffered output
+// send the head and what there is through the page's stream; a page that runs without one
+// keeps its output to the end, but its headers are fixed all the same, so that changing them
+// afterwards fails as it does on Windows.
 #include <algorithm>
 #include <cmath>
 #include <ctime>
@@ -23,6 +25,23 @@ void CheckHeadersOpen(const PageContext& c) {
                   "The HTTP headers are already written to the client browser. Any HTTP header "
                   "modifications must be made before writing page content.");
   }
+}
+
+void CheckBuffering(const PageContext& c) {
+  if (!c.buffer) RaiseAspError("Response", "0159", "Buffering must be on.");
+}
+
+void SendOutput(PageContext& c) {
+  if (!c.stream) {
+    c.headers_written = true;
+    return;
+  }
+  if (!c.headers_written) c.stream->Start(ResponseHead(c));
+  c.headers_written = true;
+  // Output for a client that went away ends the page, as Response.End would: a long export
+  // stops working for nobody, and the request's session and worker are free again.
+  if (!c.stream->connected()) throw ResponseEnd{};
+  c.stream->Offer(c.body);
 }
 
 std::string Utf8(const Variant& v) {
@@ -139,9 +158,10 @@ class Response : public DispatchObject<Response>, public RequestScoped {
     if (v.is_null() || v.is_empty()) return;
     if (v.is_string()) {
       AppendEncoded(c_.body, v.as_string(), c_.code_page);
-      return;
+    } else {
+      AppendEncoded(c_.body, ToString(v), c_.code_page);
     }
-    AppendEncoded(c_.body, ToString(v), c_.code_page);
+    if (!c_.buffer) SendOutput(c_);
   }
 
   void WriteBlock(int32_t index) {
@@ -153,9 +173,15 @@ class Response : public DispatchObject<Response>, public RequestScoped {
     } else {
       AppendEncoded(c_.body, block.text, c_.code_page);
     }
+    if (!c_.buffer) SendOutput(c_);
   }
 
   void BinaryWrite(const Variant& v) {
+    BinaryAppend(v);
+    if (!c_.buffer) SendOutput(c_);
+  }
+
+  void BinaryAppend(const Variant& v) {
     if (v.is_array()) {
       for (const Variant& item : v.as_array()->elements())
         c_.body += static_cast<char>(ToLong(item) & 0xFF);
@@ -239,12 +265,14 @@ const DispatchTable<Response>& Response::Table() {
           .Method(u"End", [](R&, Args) -> Variant { throw ResponseEnd{}; })
           .Method(u"Clear",
                   [](R& r, Args) {
+                    CheckBuffering(r.c_);
                     r.c_.body.clear();
                     return Variant();
                   })
           .Method(u"Flush",
                   [](R& r, Args) {
-                    r.c_.headers_written = true;
+                    CheckBuffering(r.c_);
+                    SendOutput(r.c_);
                     return Variant();
                   })
           .Method(u"AddHeader",
@@ -267,7 +295,16 @@ const DispatchTable<Response>& Response::Table() {
                   })
           .Property(
               u"Buffer", [](R& r, Args) { return Variant(r.c_.buffer); },
-              [](R& r, Args, const Variant& v) { r.c_.buffer = ToBool(v); })
+              [](R& r, Args, const Variant& v) {
+                const bool on = ToBool(v);
+                if (on && !r.c_.buffer && r.c_.headers_written) {
+                  RaiseAspError("Response", "0157",
+                                "Buffering cannot be turned on once it has been turned off.");
+                }
+                // What is buffered already goes with the next output, after the headers that
+                // may still change until then.
+                r.c_.buffer = on;
+              })
           .Property(
               u"ContentType",
               [](R& r, Args) { return Variant(String::FromUtf8(r.c_.content_type)); },
@@ -325,6 +362,7 @@ const DispatchTable<Response>& Response::Table() {
           .Property(u"IsClientConnected",
                     [](R& r, Args) {
                       const HttpRequest* request = r.c_.request;
+                      if (r.c_.stream && !r.c_.stream->connected()) return Variant(false);
                       return Variant(!request || !request->client_connected ||
                                      request->client_connected());
                     })
@@ -348,6 +386,33 @@ const DispatchTable<Response>& Response::Table() {
 
 Ref<Object> NewResponseObject(PageContext& context) {
   return MakeRef<Response>(context);
+}
+
+HttpResponse ResponseHead(const PageContext& c) {
+  HttpResponse r;
+  r.status = c.status;
+  r.reason = c.reason;
+  std::string type = c.content_type;
+  std::string charset = c.charset;
+  if (charset.empty() && (type.starts_with("text/") || type.find("json") != std::string::npos ||
+                          type.find("xml") != std::string::npos))
+    charset = CharsetOfCodePage(c.code_page);
+  if (!charset.empty()) type += "; charset=" + charset;
+  r.headers.emplace_back("Content-Type", type);
+  if (c.expires_minutes) {
+    const auto when = std::chrono::system_clock::now() + std::chrono::minutes(*c.expires_minutes);
+    r.headers.emplace_back("Expires", HttpDate(when));
+  } else if (c.expires_absolute) {
+    r.headers.emplace_back("Expires", HttpDate(*c.expires_absolute));
+  }
+  r.headers.emplace_back("Cache-Control", c.cache_control.empty() ? "private" : c.cache_control);
+  for (const auto& h : c.headers)
+    r.headers.push_back(h);
+  for (const ResponseCookie& cookie : c.cookies)
+    r.headers.emplace_back("Set-Cookie", CookieHeader(cookie));
+  if (!c.session_cookie.empty() && !(c.session && c.session->abandoned))
+    r.headers.emplace_back("Set-Cookie", c.session_cookie);
+  return r;
 }
 
 std::string HttpDate(std::chrono::system_clock::time_point when) {

@@ -309,6 +309,7 @@ SiteRuntime::SiteRuntime(const fs::path& root, RuntimeOptions options,
       store_(store ? std::move(store) : NewMemoryStateStore()) {}
 
 SiteRuntime::~SiteRuntime() {
+  threads_.Stop();
   std::unique_ptr<Worker> worker = AcquireWorker();
   try {
     EndSessions(*worker, true);
@@ -404,7 +405,7 @@ void SiteRuntime::EndSessions(Worker& worker, bool all) {
   }
 }
 
-HttpResponse SiteRuntime::Handle(const HttpRequest& request) {
+HttpResponse SiteRuntime::Handle(const HttpRequest& request, bool can_stream) {
   const std::optional<fs::path> found = site_.Resolve(request.path);
   if (!found) return ErrorResponse(404, "Not Found");
   fs::path file = *found;
@@ -422,7 +423,7 @@ HttpResponse SiteRuntime::Handle(const HttpRequest& request) {
   }
   if (!fs::is_regular_file(file, ec) || site_.IsHidden(file))
     return ErrorResponse(404, "Not Found");
-  if (Site::IsPage(file)) return RunPage(request, file);
+  if (Site::IsPage(file)) return RunPage(request, file, can_stream);
   if (request.method != "GET" && request.method != "HEAD") {
     HttpResponse r = ErrorResponse(405, "Method Not Allowed");
     r.headers.emplace_back("Allow", "GET, HEAD");
@@ -461,22 +462,51 @@ HttpResponse SiteRuntime::ServeFile(const HttpRequest& request, const fs::path& 
   return r;
 }
 
-HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& file) {
+// A page that may flush runs on a thread of its own, so that this one can send what it sends.
+HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& file,
+                                  bool can_stream) {
+  std::shared_ptr<const CompiledPage> page;
+  std::optional<PageError> error;
+  try {
+    page = pages_.Get(file);
+  } catch (const PageError& e) {
+    error = e;
+  }
+  if (!can_stream || !page || !page->streams)
+    return RunCompiledPage(request, file, page, error ? &*error : nullptr, nullptr);
+  auto stream = std::make_shared<ResponseStream>();
+  auto own = std::make_shared<const HttpRequest>(request);
+  threads_.Run([this, own, file, page, stream] {
+    HttpResponse rest;
+    try {
+      rest = RunCompiledPage(*own, file, page, nullptr, stream.get());
+    } catch (const std::exception& e) {
+      std::fprintf(stderr, "%s: %s\n", own->path.c_str(), e.what());
+      rest = ErrorResponse(500, "Internal Server Error");
+    }
+    stream->Finish(std::move(rest));
+  });
+  HttpResponse r;
+  r.stream = std::move(stream);
+  return r;
+}
+
+HttpResponse SiteRuntime::RunCompiledPage(const HttpRequest& request, const fs::path& file,
+                                          std::shared_ptr<const CompiledPage> page,
+                                          const PageError* error, ResponseStream* stream) {
   PageContext c;
   c.request = &request;
   c.site = &site_;
   c.store = store_.get();
   c.page_file = file;
+  c.stream = stream;
   c.script_timeout = options_.script_timeout;
-  std::shared_ptr<const CompiledPage> page;
-  try {
-    page = pages_.Get(file);
-  } catch (const PageError& e) {
-    c.last_error.asp_code = String::FromUtf8(e.code()).view();
-    c.last_error.description = String::FromUtf8(e.description()).view();
+  if (error) {
+    c.last_error.asp_code = String::FromUtf8(error->code()).view();
+    c.last_error.description = String::FromUtf8(error->description()).view();
     c.last_error.source = u"Active Server Pages error";
-    c.last_error.file = String::FromUtf8(site_.UrlPathOf(e.file())).view();
-    c.last_error.line = e.line();
+    c.last_error.file = String::FromUtf8(site_.UrlPathOf(error->file())).view();
+    c.last_error.line = error->line();
     c.last_error.number = kAspFailure;
   }
 
@@ -490,6 +520,10 @@ HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& fi
       c.session =
           store_->OpenSession(SessionCookieOf(request), options_.session_timeout, new_session);
       if (c.session->code_page) c.code_page = c.session->code_page;
+      if (new_session) {
+        c.session_cookie = std::string(kSessionCookie) + "=" + c.session->cookie +
+                           "; path=/; HttpOnly; SameSite=Lax";
+      }
     }
   } catch (const StateUnavailable& e) {
     std::cerr << "state store: " << e.what() << "\n";
@@ -540,68 +574,55 @@ HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& fi
     }
   }
   ReleaseWorker(std::move(worker));
-  if (unavailable) return UnavailableResponse();
-
-  HttpResponse r;
-  if (failed) {
-    const auto& e = c.last_error;
-    const bool timeout = e.asp_code == u"ASP 0113";
-    std::string text = String::ToUtf8(e.description);
-    std::string source = String::ToUtf8(e.source);
-    if (timeout) {
-      source = "Active Server Pages error";
-      text =
-          "The maximum amount of time for a script to execute was exceeded. You can change this "
-          "limit by "
-          "specifying a new value for the property Server.ScriptTimeout.";
+  // Once the head went out, whatever happens next can only add to the body.
+  const bool sent = stream && c.headers_written;
+  if (unavailable && !sent) return UnavailableResponse();
+  if (!failed) {
+    if (sent) {
+      HttpResponse rest;
+      rest.body = std::move(c.body);
+      return rest;
     }
-    const std::string where =
-        String::ToUtf8(e.file) + (e.line ? ", line " + std::to_string(e.line) : std::string());
-    const std::string code =
-        "'" + (e.asp_code.empty() ? Hex8(e.number) : String::ToUtf8(e.asp_code)) + "'";
-    std::cerr << where << ": " << source << " " << code << ": " << text << "\n";
-    r = ErrorResponse(500, "Internal Server Error");
-    if (options_.dev) {
-      r.body =
-          "<!DOCTYPE html><html><head><title>500 Internal Server "
-          "Error</title></head><body>\r\n<p>" +
-          HtmlText(source) + " <b>" + HtmlText(code) + "</b></p>\r\n<p>" + HtmlText(text) +
-          "</p>\r\n<p>" + HtmlText(where) + "</p>\r\n</body></html>\r\n";
-    } else {
-      r.body =
-          "<!DOCTYPE html><html><head><title>500 Internal Server Error</title></head><body><h1>500 "
-          "Internal "
-          "Server Error</h1><p>There is a problem with the page you are looking for, and it cannot "
-          "be "
-          "displayed.</p></body></html>\r\n";
-    }
-  } else {
-    r.status = c.status;
-    r.reason = c.reason;
-    std::string type = c.content_type;
-    std::string charset = c.charset;
-    if (charset.empty() && (type.starts_with("text/") || type.find("json") != std::string::npos ||
-                            type.find("xml") != std::string::npos))
-      charset = CharsetOfCodePage(c.code_page);
-    if (!charset.empty()) type += "; charset=" + charset;
-    r.headers.emplace_back("Content-Type", type);
+    HttpResponse r = ResponseHead(c);
     r.body = std::move(c.body);
-    if (c.expires_minutes) {
-      const auto when = std::chrono::system_clock::now() + std::chrono::minutes(*c.expires_minutes);
-      r.headers.emplace_back("Expires", HttpDate(when));
-    } else if (c.expires_absolute) {
-      r.headers.emplace_back("Expires", HttpDate(*c.expires_absolute));
-    }
-    r.headers.emplace_back("Cache-Control", c.cache_control.empty() ? "private" : c.cache_control);
-    for (auto& h : c.headers)
-      r.headers.push_back(std::move(h));
-    for (const ResponseCookie& cookie : c.cookies)
-      r.headers.emplace_back("Set-Cookie", CookieHeader(cookie));
+    return r;
   }
-  if (c.session && new_session && !c.session->abandoned) {
-    r.headers.emplace_back("Set-Cookie", std::string(kSessionCookie) + "=" + c.session->cookie +
-                                             "; path=/; HttpOnly; SameSite=Lax");
+
+  const auto& e = c.last_error;
+  const bool timeout = e.asp_code == u"ASP 0113";
+  std::string text = String::ToUtf8(e.description);
+  std::string source = String::ToUtf8(e.source);
+  if (timeout) {
+    source = "Active Server Pages error";
+    text =
+        "The maximum amount of time for a script to execute was exceeded. You can change this "
+        "limit by specifying a new value for the property Server.ScriptTimeout.";
   }
+  const std::string where =
+      String::ToUtf8(e.file) + (e.line ? ", line " + std::to_string(e.line) : std::string());
+  const std::string code =
+      "'" + (e.asp_code.empty() ? Hex8(e.number) : String::ToUtf8(e.asp_code)) + "'";
+  std::cerr << where << ": " << source << " " << code << ": " << text << "\n";
+  HttpResponse r = ErrorResponse(500, "Internal Server Error");
+  if (options_.dev) {
+    r.body =
+        "<!DOCTYPE html><html><head><title>500 Internal Server Error</title></head><body>\r\n<p>" +
+        HtmlText(source) + " <b>" + HtmlText(code) + "</b></p>\r\n<p>" + HtmlText(text) +
+        "</p>\r\n<p>" + HtmlText(where) + "</p>\r\n</body></html>\r\n";
+  } else {
+    r.body =
+        "<!DOCTYPE html><html><head><title>500 Internal Server Error</title></head><body><h1>500 "
+        "Internal Server Error</h1><p>There is a problem with the page you are looking for, and "
+        "it cannot be displayed.</p></body></html>\r\n";
+  }
+  if (sent) {
+    // The page's status went out already: the error can only follow what it sent.
+    HttpResponse rest;
+    rest.body = std::move(c.body) + r.body;
+    return rest;
+  }
+  if (!c.session_cookie.empty() && !c.session->abandoned)
+    r.headers.emplace_back("Set-Cookie", c.session_cookie);
   return r;
 }
 

@@ -13,6 +13,8 @@
 
 #include "asp/http_types.h"
 #include "asp/page_cache.h"
+#include "asp/page_threads.h"
+#include "asp/response_stream.h"
 #include "asp/site.h"
 #include "asp/state_store.h"
 #include "platform/data/connection_pool.h"
@@ -38,7 +40,9 @@ class SiteRuntime {
   SiteRuntime(const SiteRuntime&) = delete;
   SiteRuntime& operator=(const SiteRuntime&) = delete;
 
-  HttpResponse Handle(const HttpRequest& request);
+  // With `can_stream`, the response of a page that may send output before it ends comes back
+  // at once with only its `stream` set; the page runs on, on a thread of the runtime's own.
+  HttpResponse Handle(const HttpRequest& request, bool can_stream = false);
 
   const Site& site() const { return site_; }
   const RuntimeOptions& options() const { return options_; }
@@ -46,7 +50,13 @@ class SiteRuntime {
  private:
   friend class Worker;
   HttpResponse ServeFile(const HttpRequest& request, const std::filesystem::path& file);
-  HttpResponse RunPage(const HttpRequest& request, const std::filesystem::path& file);
+  HttpResponse RunPage(const HttpRequest& request, const std::filesystem::path& file,
+                       bool can_stream);
+  // Runs a page (or reports `error`, its compile error); with `stream`, the response's head
+  // may have gone out already, and the response returned holds only the rest of its body.
+  HttpResponse RunCompiledPage(const HttpRequest& request, const std::filesystem::path& file,
+                               std::shared_ptr<const CompiledPage> page, const PageError* error,
+                               ResponseStream* stream);
   std::unique_ptr<Worker> AcquireWorker();
   void ReleaseWorker(std::unique_ptr<Worker> worker);
   // global.asa as it is on disk now, or null when the site has none.
@@ -71,6 +81,8 @@ class SiteRuntime {
   std::vector<std::unique_ptr<Worker>> idle_;
   std::atomic<std::chrono::steady_clock::rep> last_sweep_{0};
   std::mutex sweep_mutex_;
+  // Last: its threads may still run pages that use everything above.
+  PageThreads threads_;
 };
 
 // An HTTP error response with a short plain page.

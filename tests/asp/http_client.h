@@ -55,12 +55,24 @@ inline Reply Parse(const std::string& raw) {
     pos = eol + 2;
   }
   r.body = raw.substr(end + 4);
+  if (r.Header("Transfer-Encoding") == "chunked") {
+    std::string body;
+    size_t at = 0;
+    for (;;) {
+      const size_t eol = r.body.find("\r\n", at);
+      if (eol == std::string::npos) break;
+      const size_t size = std::strtoul(r.body.c_str() + at, nullptr, 16);
+      if (size == 0) break;
+      body += r.body.substr(eol + 2, size);
+      at = eol + 2 + size + 2;
+    }
+    r.body = std::move(body);
+  }
   return r;
 }
 
-// Sends `request` as it is and returns what came back before the server closed, or before
-// `timeout_ms` of silence.
-inline std::string Exchange(uint16_t port, const std::string& request, int timeout_ms = 10000) {
+// A connection to the server on loopback, or -1.
+inline int Connect(uint16_t port) {
   const int fd = socket(AF_INET, SOCK_STREAM, 0);
   sockaddr_in addr{};
   addr.sin_family = AF_INET;
@@ -68,23 +80,42 @@ inline std::string Exchange(uint16_t port, const std::string& request, int timeo
   addr.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   if (connect(fd, reinterpret_cast<sockaddr*>(&addr), sizeof addr) != 0) {
     close(fd);
-    return {};
+    return -1;
   }
+  return fd;
+}
+
+inline void SendAll(int fd, const std::string& bytes) {
   size_t sent = 0;
-  while (sent < request.size()) {
-    const ssize_t n = send(fd, request.data() + sent, request.size() - sent, MSG_NOSIGNAL);
+  while (sent < bytes.size()) {
+    const ssize_t n = send(fd, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
     if (n <= 0) break;
     sent += static_cast<size_t>(n);
   }
-  std::string out;
+}
+
+// Reads into `out` until it holds `until` (true), or until the server closes or stays silent
+// for `timeout_ms` (false); an empty `until` reads to the end.
+inline bool ReadUntil(int fd, const std::string& until, std::string& out, int timeout_ms = 10000) {
   char buffer[65536];
-  for (;;) {
+  while (until.empty() || out.find(until) == std::string::npos) {
     pollfd p{fd, POLLIN, 0};
-    if (poll(&p, 1, timeout_ms) <= 0) break;
+    if (poll(&p, 1, timeout_ms) <= 0) return false;
     const ssize_t n = recv(fd, buffer, sizeof buffer, 0);
-    if (n <= 0) break;
+    if (n <= 0) return false;
     out.append(buffer, static_cast<size_t>(n));
   }
+  return true;
+}
+
+// Sends `request` as it is and returns what came back before the server closed, or before
+// `timeout_ms` of silence.
+inline std::string Exchange(uint16_t port, const std::string& request, int timeout_ms = 10000) {
+  const int fd = Connect(port);
+  if (fd < 0) return {};
+  SendAll(fd, request);
+  std::string out;
+  ReadUntil(fd, {}, out, timeout_ms);
   close(fd);
   return out;
 }

@@ -209,6 +209,44 @@ TEST_F(ServeTest, ResponseMembers) {
   EXPECT_EQ(Get(port(), "/response.asp?case=props").body, "True|text/html|200 OK|True|65001");
 }
 
+TEST_F(ServeTest, FlushedAndUnbufferedOutputLeavesBeforeThePageEnds) {
+  // The page goes on only once the test has seen its first part arrive.
+  const fs::path go = fs::path(::testing::TempDir()) / ("asp-go-" + std::to_string(getpid()));
+  fs::remove(go);
+  const int fd = test::Connect(port());
+  ASSERT_GE(fd, 0);
+  test::SendAll(fd, "GET /stream.asp?case=wait&go=" + go.string() +
+                        " HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n");
+  std::string raw;
+  ASSERT_TRUE(test::ReadUntil(fd, "first|", raw)) << raw;
+  EXPECT_EQ(raw.find("second"), std::string::npos);
+  std::ofstream(go).put('x');
+  test::ReadUntil(fd, {}, raw);
+  close(fd);
+  fs::remove(go);
+  Reply waited = test::Parse(raw);
+  EXPECT_EQ(waited.body, "first|second\r\n");
+  EXPECT_EQ(waited.Header("Content-Type"), "text/plain; charset=utf-8");
+
+  // Once the head went out it stays as it was; Flush and Clear need the buffer.
+  Reply rules = Get(port(), "/stream.asp?case=rules");
+  EXPECT_EQ(rules.status, 200);
+  EXPECT_EQ(rules.body,
+            "a|Response object, ASP 0156 (0x80004005)|Response object, ASP 0159 "
+            "(0x80004005)|Response object, ASP 0159 (0x80004005)|Response object, ASP 0157 "
+            "(0x80004005)");
+  // An error after that can only follow what was sent.
+  Reply late = Get(port(), "/stream.asp?case=late");
+  EXPECT_EQ(late.status, 200);
+  EXPECT_EQ(late.body.rfind("sent<!DOCTYPE", 0), 0u) << late.body;
+  EXPECT_NE(late.body.find("/stream.asp, line 29"), std::string::npos) << late.body;
+  // Unbuffered output sends the head it has when it first writes.
+  Reply unbuffered = Get(port(), "/stream.asp?case=buffered");
+  EXPECT_EQ(unbuffered.status, 201);
+  EXPECT_EQ(unbuffered.Header("X-Before"), "1");
+  EXPECT_EQ(unbuffered.body, "row\r\n");
+}
+
 TEST_F(ServeTest, ServerMembers) {
   const std::string encode = Get(port(), "/server.asp?case=encode").body;
   EXPECT_EQ(encode,
