@@ -82,35 +82,22 @@ CheckEach Array("d.HashVal(""abcd"")", CLng(1045), "d.HashVal(""aBCd1"")", CLng(
 d.CompareMode = vbTextCompare
 Check d.HashVal("aBCd1"), CLng(1000), "HashVal folds case under text compare"
 
-' --- Scripting.Dictionary as scripts use it: For Each over keys in order, Item's add-on-read,
-' Key renaming, CompareMode, and its error numbers.
-Dim d_2, k_2, keys, items, order
+' --- Scripting.Dictionary as scripts use it: keys in the order added, Keys, Items and Remove.
+Dim d_2, k_2, order
 Set d_2 = CreateObject("Scripting.Dictionary")
-Check TypeName(d_2), "Dictionary", "TypeName"
 d_2.Add "b", 2
 d_2.Add "a", 1
 d_2(3) = "three"
-CheckEach Array("d_2.Count", CLng(3), "d_2(""b"")", 2, "d_2.Item(""a"")", 1, _
-  "d_2.Exists(3)", True, "d_2.Exists(CDbl(3))", True, "d_2.Exists(""3"")", False, _
-  "d_2.Exists(""B"")", False)
+CheckEach Array("TypeName(d_2)", "Dictionary", "d_2.Count", CLng(3), "d_2(""b"")", 2, _
+  "d_2.Item(""a"")", 1, "d_2.Exists(CDbl(3))", True, "d_2.Exists(""B"")", False)
 order = ""
 For Each k_2 In d_2
   order = order & k_2 & ";"
 Next
 Check order, "b;a;3;", "For Each over keys in order"
-keys = d_2.Keys
-items = d_2.Items
-CheckEach Array("Join(keys, "","")", "b,a,3", "Join(items, "","")", "2,1,three", _
-  "IsEmpty(d_2(""missing""))", True, "d_2.Count", CLng(4))
-d_2.Key("a") = "z"
-Check Join(d_2.Keys, ","), "b,z,3,missing", "Key renames in place"
+CheckEach Array("Join(d_2.Keys, "","")", "b,a,3", "Join(d_2.Items, "","")", "2,1,three")
 d_2.Remove "b"
-Check Join(d_2.Keys, ","), "z,3,missing", "Remove"
-d_2.RemoveAll
-Check d_2.Count, CLng(0), "RemoveAll"
-d_2.CompareMode = vbTextCompare
-d_2.Add "Key", 1
-Check d_2.Exists("KEY"), True, "text compare"
+Check Join(d_2.Keys, ","), "a,3", "Remove"
 Set d_2("obj") = d_2
 Check TypeName(d_2("obj")), "Dictionary", "objects as items"
 d_2.Remove "obj"  ' a dictionary holding itself is a cycle that reference counts never free
@@ -119,42 +106,3 @@ Set d2 = CreateObject("Scripting.Dictionary")
 d2.Add "k", 1
 CheckErrors Array("d2.Add ""k"", 2", 457, "d2.Remove ""none""", 32811, "d2.CompareMode = 1", 5, _
   "d2.Add Array(1), 1", 13, "d2.Nothing", 438, "Set x = CreateObject(""No.Such.Class"")", 429)
-
-' --- Scripting.Dictionary details that scripts depend on.
-Set d = CreateObject("Scripting.Dictionary")
-Check TypeName(d), "Dictionary", "TypeName"
-d.Add "a", 1
-d.Add "B", 2
-CheckEach Array("d.Count", CLng(2), "d.Exists(""A"")", False)
-x = d("missing")
-CheckEach Array("d.Count", CLng(3), "TypeName(d(""missing""))", "Empty")
-d("c") = 3
-Check d("c"), 3, "assigning a new key adds it"
-d.Remove "missing"
-CheckErrors Array("d.Remove ""nothere""", 32811, "d.Add ""a"", 9", 457)
-k = d.Keys
-CheckEach Array("UBound(k)", CLng(2), "k(0) & k(1) & k(2)", "aBc")
-it = d.Items
-Check it(2), 3, "Items"
-t = ""
-For Each key In d
-  t = t & key
-Next
-Check t, "aBc", "For Each walks keys"
-d.Key("B") = "b"
-CheckEach Array("d.Exists(""b"") And Not d.Exists(""B"")", True, "d(""b"")", 2)
-CheckError "d.Key(""zz"") = ""y""", 32811, "renaming a missing key"
-d.Add 1, "one"
-CheckEach Array("d.Exists(""1"")", False, "d(1)", "one")
-d.RemoveAll
-CheckEach Array("d.Count", CLng(0), "UBound(d.Keys)", CLng(-1))
-Set ci = CreateObject("Scripting.Dictionary")
-ci.CompareMode = vbTextCompare
-ci.Add "Key", 1
-Check ci.Exists("KEY"), True, "text compare"
-CheckErrors Array("ci.Add ""KEY"", 2", 457, "ci.CompareMode = vbBinaryCompare", 5)
-Set o = CreateObject("Scripting.Dictionary")
-Set o("obj") = d
-Check o("obj") Is d, True, "objects as items"
-o.Add d, "by object"
-CheckEach Array("o(d)", "by object", "o.Item(""obj"").Count", CLng(0))
