@@ -16,13 +16,30 @@ Function qvSearchTableDef(t)
   s = s & qvDefLine("qvTbl", "ExportXml", CBool(t.TblExportXml), False)
   s = s & qvDefLine("qvTbl", "ExportHtml", CBool(t.TblExportHtml), False)
   Set master = qvMasterOf(t)
-  If Not master Is Nothing Then
-    s = s & "qvTbl.SetMaster " & qvQuoteVBS(master.TblName) & ", " & qvQuoteVBS(qvCaptionOf(master.TblCaption)) & ", " & _
-        qvQuoteVBS(qvPageIf(master, "list")) & ", " & qvQuoteVBS(qvPageIf(master, "view")) & ", " & _
-        qvQuoteVBS(qvKeyFields(t.TblMasterFld)) & ", " & qvQuoteVBS(qvKeyFields(t.TblDetailFld)) & vbCrLf
-  End If
+  If Not master Is Nothing Then s = s & qvMasterDef(t, master)
   s = s & qvDetailsDef(t)
   qvSearchTableDef = s
+End Function
+
+' A detail table's master: its names and pages (its record page only when the linking fields
+' are its key, which addresses the record), the linking fields, and the master's list fields
+' that the box above the details shows.
+Function qvMasterDef(t, master)
+  Dim s, view, i, f
+  view = ""
+  If LCase(Replace(qvKeyFields(t.TblMasterFld), " ", "")) = LCase(Replace(qvKeyFields(master.TblKey), " ", "")) Then view = qvPageIf(master, "view")
+  s = "qvTbl.SetMaster " & qvQuoteVBS(master.TblName) & ", " & qvQuoteVBS(qvCaptionOf(master.TblCaption)) & ", " & _
+      qvQuoteVBS(qvPageIf(master, "list")) & ", " & qvQuoteVBS(view) & ", " & _
+      qvQuoteVBS(qvKeyFields(t.TblMasterFld)) & ", " & qvQuoteVBS(qvKeyFields(t.TblDetailFld)) & vbCrLf
+  For i = 1 To master.Fields.Count
+    Set f = master.Fields.Seq(i)
+    If Not f Is Nothing Then
+      If f.FldGenerate And f.FldList And Not qvIsBinaryType(f.FldType) Then
+        s = s & "qvTbl.AddMasterField " & qvQuoteVBS(f.FldName) & ", " & qvQuoteVBS(qvCaptionOf(f.FldCaption)) & vbCrLf
+      End If
+    End If
+  Next
+  qvMasterDef = s
 End Function
 
 ' The master of a detail table: the generated table that TblMasterTbl names, when the fields
