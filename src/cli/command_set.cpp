@@ -1,5 +1,6 @@
-// `quorvex set <project-file> [--table T [--field F]] NAME=VALUE...`: changes settings of the
-// project, of one table or of one field, by name through the object interface, so each value
+// `quorvex set <project-file> [--database | --table T [--field F]] NAME=VALUE...`: changes
+// settings of the project, of its database (the user table's level and user ID fields, ...),
+// of one table or of one field, by name through the object interface, so each value
 // is converted as the setting's accessor converts it. Every assignment is made before the file
 // is written: one that fails leaves the file as it was.
 #include <cstdio>
@@ -22,6 +23,7 @@ struct SetOptions {
   std::string project_file;
   std::string table;
   std::string field;
+  bool database = false;
   std::vector<std::string> assignments;
 };
 
@@ -33,12 +35,18 @@ struct Target {
 };
 
 Target FindTarget(Tyx& tyx, const SetOptions& o) {
-  if (o.table.empty()) {
+  if (o.database && !o.table.empty())
+    FailWith(ProductMessage(u"--database and --table can't go together!"));
+  if (o.table.empty() && !o.database) {
     if (!o.field.empty()) FailWith(ProductMessage(u"--field needs --table!"));
     return {&tyx, &tyx.Properties(), u"the project"};
   }
   TyxDatabase* db = tyx.Databases().Find(tyx.CurrentDbName);
   if (!db) FailWith(ProductMessage(u"Database not loaded!"));
+  if (o.database) {
+    if (!o.field.empty()) FailWith(ProductMessage(u"--field needs --table!"));
+    return {db, &db->Properties(), u"the database"};
+  }
   const String table_name = String::FromUtf8(o.table);
   TyxTable* table = db->Tables().list().ByName(table_name);
   if (!table) FailWith(ProductMessage(u"Table " + table_name + u" not found!"));
@@ -115,6 +123,8 @@ void AddSetCommand(CLI::App& app) {
   CLI::App* cmd =
       app.add_subcommand("set", "Change settings of a project, one of its tables or a field");
   cmd->add_option("project-file", options->project_file, "The project file")->required();
+  cmd->add_flag("--database", options->database,
+                "Change a setting of the project's database (SecUserLevelFld, ...)");
   cmd->add_option("--table", options->table, "Change a setting of this table or view");
   cmd->add_option("--field", options->field, "Change a setting of this field of the table");
   cmd->add_option("settings", options->assignments, "NAME=VALUE pairs, e.g. RecPerPage=25")

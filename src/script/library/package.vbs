@@ -107,8 +107,12 @@ Function qvMenuItems()
         If t.TblType = "REPORT" Then page = "report"
         If qvHasPage(t, page) Then
           kind = LCase(t.TblType)
+          ' With a login, each user sees the lists that the user's level may open.
+          If qvSecMode() <> "" Then s = s & "<% If qvSecCan(" & qvQuoteVBS(t.TblName) & ", ""L"") Then %>"
           s = s & "<li><a class=""qvMenu-" & qvHtmlEncode(kind) & """ href=""" & _
-              qvHtmlEncode(qvPageName(t, page)) & """>" & qvHtmlEncode(qvCaptionOf(t.TblCaption)) & "</a></li>" & vbCrLf
+              qvHtmlEncode(qvPageName(t, page)) & """>" & qvHtmlEncode(qvCaptionOf(t.TblCaption)) & "</a></li>"
+          If qvSecMode() <> "" Then s = s & "<% End If %>"
+          s = s & vbCrLf
         End If
       End If
     Next
