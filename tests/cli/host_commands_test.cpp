@@ -147,6 +147,9 @@ TEST(EditingCommands, SetChangesProjectTableAndFieldSettings) {
   const auto field = Quorvex(
       dir, {"set", "app.qvp", "--table", "Invoice", "--field", "Total", "FldCaption=Sum due"});
   ASSERT_EQ(field.status, 0) << field.err;
+  const auto db = Quorvex(dir, {"set", "app.qvp", "--database", "SecUserLevelFld=Level"});
+  EXPECT_EQ(db.out, "SecUserLevelFld = Level\n") << db.err;
+  EXPECT_TRUE(Has(Slurp(project), "SecUserLevelFld=\"Level\""));
 
   EXPECT_TRUE(Has(Quorvex(dir, {"show", "app.qvp"}).out, "= shop.css\n"));
   EXPECT_TRUE(Has(Quorvex(dir, {"show", "app.qvp", "Invoice"}).out, "= Bills\n"));
@@ -167,6 +170,10 @@ TEST(EditingCommands, SetChangesProjectTableAndFieldSettings) {
       {{"set", "app.qvp", "--table", "Invoice", "--field", "Nope", "FldCaption=x"},
        "Field Nope not found in Invoice!"},
       {{"set", "app.qvp", "--field", "Total", "FldCaption=x"}, "--field needs --table"},
+      {{"set", "app.qvp", "--database", "--table", "Invoice", "TblCaption=x"},
+       "--database and --table can't go together!"},
+      {{"set", "app.qvp", "--database", "TblCaption=x"},
+       "Unknown setting TblCaption of the database"},
       {{"set", "missing.qvp", "CSS=x"}, "Quorvex: "},
   };
   for (const auto& f : failures) {
