@@ -59,6 +59,10 @@ RedisReply Copy(const redisReply& r) {
       out.type = RedisReply::Type::Status;
       out.text.assign(r.str, r.len);
       break;
+    case REDIS_REPLY_ERROR:
+      out.type = RedisReply::Type::Error;
+      out.text.assign(r.str, r.len);
+      break;
     case REDIS_REPLY_ARRAY:
       out.type = RedisReply::Type::Array;
       out.items.reserve(r.elements);
@@ -216,46 +220,84 @@ void RedisClient::Release(redisContext* context) {
   redisFree(context);
 }
 
-RedisReply RedisClient::Run(const std::vector<std::string_view>& args) {
-  assert(!args.empty());
+std::vector<RedisReply> RedisClient::Exchange(const std::vector<RedisCommand>& commands) {
+  assert(!commands.empty());
   std::vector<const char*> argv;
   std::vector<size_t> lens;
-  for (std::string_view a : args) {
-    argv.push_back(a.data());
-    lens.push_back(a.size());
-  }
   // A pooled connection may have died with a Redis that went away since: such a call is
-  // tried once more on a new connection before it counts as a failure.
+  // tried once more on a new connection before it counts as a failure. Only a connection that
+  // failed before any reply came back is retried, so no command runs twice.
   for (int attempt = 0;; ++attempt) {
     bool pooled = false;
     redisContext* c = Acquire(pooled);
-    auto* r = static_cast<redisReply*>(
-        redisCommandArgv(c, static_cast<int>(argv.size()), argv.data(), lens.data()));
-    if (!r) {
-      const std::string why = c->errstr;
-      redisFree(c);
-      if (pooled && attempt == 0) continue;
-      Fail(why);
+    bool sent = true;
+    for (const RedisCommand& command : commands) {
+      assert(!command.empty());
+      argv.clear();
+      lens.clear();
+      for (std::string_view a : command) {
+        argv.push_back(a.data());
+        lens.push_back(a.size());
+      }
+      if (redisAppendCommandArgv(c, static_cast<int>(argv.size()), argv.data(), lens.data()) !=
+          REDIS_OK)
+        sent = false;
     }
-    Release(c);
-    if (r->type == REDIS_REPLY_ERROR) {
-      const std::string why(r->str, r->len);
+    std::vector<RedisReply> out;
+    out.reserve(commands.size());
+    while (sent && out.size() < commands.size()) {
+      void* raw = nullptr;
+      if (redisGetReply(c, &raw) != REDIS_OK || !raw) break;
+      auto* r = static_cast<redisReply*>(raw);
+      out.push_back(Copy(*r));
       freeReplyObject(r);
-      Fail(why);
     }
-    RedisReply out = Copy(*r);
-    freeReplyObject(r);
-    return out;
+    if (out.size() == commands.size()) {
+      Release(c);
+      return out;
+    }
+    const std::string why = c->errstr[0] ? c->errstr : "connection lost";
+    redisFree(c);
+    if (pooled && attempt == 0 && out.empty()) continue;
+    Fail(why);
   }
+}
+
+RedisReply RedisClient::Run(const RedisCommand& args) {
+  RedisReply r = std::move(Exchange({args}).front());
+  if (r.is_error()) Fail(r.text);
+  return r;
+}
+
+std::vector<RedisReply> RedisClient::Pipeline(const std::vector<RedisCommand>& commands) {
+  return Exchange(commands);
+}
+
+std::string RedisClient::HashOf(std::string_view script, bool reload) {
+  if (!reload) {
+    std::lock_guard guard(mutex_);
+    if (const auto it = hashes_.find(script.data()); it != hashes_.end()) return it->second;
+  }
+  std::string hash = Run({"SCRIPT", "LOAD", script}).text;
+  std::lock_guard guard(mutex_);
+  hashes_[script.data()] = hash;
+  return hash;
 }
 
 RedisReply RedisClient::Eval(std::string_view script, const std::vector<std::string_view>& keys,
                              const std::vector<std::string_view>& args) {
   const std::string count = std::to_string(keys.size());
-  std::vector<std::string_view> all{"EVAL", script, count};
-  all.insert(all.end(), keys.begin(), keys.end());
-  all.insert(all.end(), args.begin(), args.end());
-  return Run(all);
+  // A Redis that restarted since has forgotten the script: load it again and run it once more.
+  for (int attempt = 0;; ++attempt) {
+    const std::string hash = HashOf(script, attempt > 0);
+    RedisCommand all{"EVALSHA", hash, count};
+    all.insert(all.end(), keys.begin(), keys.end());
+    all.insert(all.end(), args.begin(), args.end());
+    RedisReply r = std::move(Exchange({all}).front());
+    if (r.is_error() && attempt == 0 && r.text.starts_with("NOSCRIPT")) continue;
+    if (r.is_error()) Fail(r.text);
+    return r;
+  }
 }
 
 }  // namespace qv::asp

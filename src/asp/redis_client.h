@@ -1,7 +1,10 @@
-// A small pool of hiredis connections to one Redis server, shared by the worker threads. Each
-// call is one command and one round trip; what needs several steps runs as a script on the
-// server. A connection that fails is dropped and the call raises StateUnavailable, so the next
-// call dials again and the server recovers by itself when Redis is back.
+// A small pool of hiredis connections to one Redis server, shared by the worker threads; a
+// connection stays open for the next call, so a worker that is busy keeps using the same one.
+// Each call is one round trip: one command, several commands sent together (Pipeline), or a
+// script, which the server keeps by its hash after the first call, so that later calls send
+// the hash instead of the text. A connection that fails is dropped and the call raises
+// StateUnavailable, so the next call dials again and the server recovers by itself when Redis
+// is back.
 #pragma once
 
 #include <atomic>
@@ -10,6 +13,7 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 struct redisContext;
@@ -31,14 +35,17 @@ struct RedisAddress {
 
 // A reply, copied out of hiredis's own.
 struct RedisReply {
-  enum class Type : uint8_t { Nil, Integer, Text, Array, Status };
+  enum class Type : uint8_t { Nil, Integer, Text, Array, Status, Error };
   Type type = Type::Nil;
   long long integer = 0;
   std::string text;
   std::vector<RedisReply> items;
 
   bool is_nil() const { return type == Type::Nil; }
+  bool is_error() const { return type == Type::Error; }
 };
+
+using RedisCommand = std::vector<std::string_view>;
 
 class RedisClient {
  public:
@@ -48,14 +55,19 @@ class RedisClient {
   RedisClient& operator=(const RedisClient&) = delete;
 
   // Runs one command; an error reply, like a lost connection, raises StateUnavailable.
-  RedisReply Run(const std::vector<std::string_view>& args);
-  // Runs a script with its keys and arguments (EVAL).
+  RedisReply Run(const RedisCommand& args);
+  // Runs commands in one round trip, a reply for each; error replies are returned, not raised.
+  std::vector<RedisReply> Pipeline(const std::vector<RedisCommand>& commands);
+  // Runs a script with its keys and arguments. `script` must outlive the client: its address
+  // finds the hash the server knows it by.
   RedisReply Eval(std::string_view script, const std::vector<std::string_view>& keys,
                   const std::vector<std::string_view>& args);
 
   const RedisAddress& address() const { return address_; }
 
  private:
+  std::vector<RedisReply> Exchange(const std::vector<RedisCommand>& commands);
+  std::string HashOf(std::string_view script, bool reload);
   redisContext* Acquire(bool& pooled);
   void Release(redisContext* context);
   redisContext* Dial();
@@ -64,6 +76,7 @@ class RedisClient {
   const RedisAddress address_;
   std::mutex mutex_;
   std::vector<redisContext*> idle_;
+  std::unordered_map<const char*, std::string> hashes_;  // by the script text's address
   // After a failed dial, calls fail at once for a moment instead of each waiting for its own
   // connect to time out while the server is away.
   std::atomic<std::chrono::steady_clock::rep> quiet_until_{0};

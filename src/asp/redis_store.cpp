@@ -1,7 +1,12 @@
-// The Redis store. Each step that reads and writes several keys runs as one script on the
-// server, so it is atomic and costs one round trip: opening a session (take the hold, read the
-// image), closing it (write the image only when it changed, renew the expiry, drop the hold),
-// and each Application write (which waits while another request holds Application.Lock).
+// The Redis store. A request costs two round trips: opening its session (take the hold and
+// read the image, two commands sent together) and closing it (one script: write the image only
+// when it changed, renew the expiry, drop the hold). Each Application write is one script too,
+// which waits while another request holds Application.Lock. Scripts go by their hash.
+//
+// Holds carry a token and a lease. While a request runs, a thread of its process renews the
+// leases it holds, so only a process that died or hangs loses them; a request whose hold was
+// lost all the same (taken over after its lease ran out) finds that out when it closes, and
+// writes nothing over the session's new holder.
 //
 // Keys, all under "quorvex:":
 //   session:<cookie>       the session's image; expires with the session's time-out
@@ -19,6 +24,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cassert>
+#include <map>
 #include <thread>
 #include <unordered_map>
 
@@ -36,22 +42,12 @@ const std::string kApplicationSeq = kPrefix + "application-seq";
 const std::string kApplicationLock = kPrefix + "application-lock";
 const std::string kApplicationStarted = kPrefix + "application-started";
 
-// KEYS: session, hold, id counter. ARGV: token, lease in ms.
-// {0, ms left on another's hold} | {1, image} | {2, new SessionID} for an unknown cookie.
-constexpr std::string_view kOpenScript = R"lua(
-if not redis.call('set', KEYS[2], ARGV[1], 'NX', 'PX', ARGV[2]) then
-  return {0, redis.call('pttl', KEYS[2])}
-end
-local image = redis.call('get', KEYS[1])
-if image then return {1, image} end
-redis.call('del', KEYS[2])
-return {2, redis.call('incr', KEYS[3])}
-)lua";
-
-// KEYS: session, hold, ends, last. ARGV: token, time-out in s, cookie, mode, image.
-// Mode s writes the image, t renews the expiry of an unchanged one, d deletes an abandoned
-// session, n leaves it as it is.
+// KEYS: session, hold, ends, last. ARGV: token (empty for a session made by this request,
+// which nobody else knows yet), time-out in s, cookie, mode, image. Mode s writes the image, t
+// renews the expiry of an unchanged one, d deletes an abandoned session, n leaves it as it is.
+// 0, changing nothing, when the hold is no longer the request's own.
 constexpr std::string_view kCloseScript = R"lua(
+if ARGV[1] ~= '' and redis.call('get', KEYS[2]) ~= ARGV[1] then return 0 end
 local mode = ARGV[4]
 if mode == 's' or mode == 't' then
   if mode == 's' then
@@ -67,7 +63,7 @@ elseif mode == 'd' then
   redis.call('zrem', KEYS[3], ARGV[3])
   redis.call('hdel', KEYS[4], ARGV[3])
 end
-if redis.call('get', KEYS[2]) == ARGV[1] then redis.call('del', KEYS[2]) end
+if ARGV[1] ~= '' then redis.call('del', KEYS[2]) end
 return 1
 )lua";
 
@@ -128,6 +124,12 @@ if redis.call('get', KEYS[1]) == ARGV[1] then return redis.call('del', KEYS[1]) 
 return 0
 )lua";
 
+// KEYS: lock. ARGV: token, lease in ms. Renews the lease only when the lock is still ours.
+constexpr std::string_view kRenewScript = R"lua(
+if redis.call('get', KEYS[1]) == ARGV[1] then return redis.call('pexpire', KEYS[1], ARGV[2]) end
+return 0
+)lua";
+
 // Waits a little longer each time, never past what is left of a lease.
 class Backoff {
  public:
@@ -140,6 +142,64 @@ class Backoff {
 
  private:
   std::chrono::milliseconds step_{1};
+};
+
+// Renews the leases of the holds this process has, a few times per lease, from a thread of its
+// own: a request that runs longer than the lease keeps its session and its Application.Lock.
+class LeaseKeeper {
+ public:
+  // Renews every `interval`, which must be well under the shortest lease.
+  LeaseKeeper(RedisClient& redis, std::chrono::milliseconds interval)
+      : redis_(redis), interval_(interval), thread_([this] { Run(); }) {}
+  ~LeaseKeeper() {
+    {
+      std::lock_guard guard(mutex_);
+      stopping_ = true;
+    }
+    wake_.notify_all();
+    thread_.join();
+  }
+  LeaseKeeper(const LeaseKeeper&) = delete;
+  LeaseKeeper& operator=(const LeaseKeeper&) = delete;
+
+  void Hold(const std::string& key, const std::string& token, std::chrono::milliseconds lease) {
+    std::lock_guard guard(mutex_);
+    holds_[token] = {key, std::to_string(lease.count())};
+  }
+  void Drop(const std::string& token) {
+    std::lock_guard guard(mutex_);
+    holds_.erase(token);
+  }
+
+ private:
+  struct Held {
+    std::string key;
+    std::string lease;  // ms
+  };
+
+  void Run() {
+    std::unique_lock guard(mutex_);
+    while (!wake_.wait_for(guard, interval_, [this] { return stopping_; })) {
+      const std::map<std::string, Held> holds = holds_;
+      guard.unlock();
+      for (const auto& [token, held] : holds) {
+        try {
+          redis_.Eval(kRenewScript, {held.key}, {token, held.lease});
+        } catch (const StateUnavailable&) {
+          break;  // the next round tries again; a request finds a lost hold when it closes
+        }
+      }
+      guard.lock();
+    }
+  }
+
+  RedisClient& redis_;
+  const std::chrono::milliseconds interval_;
+  std::mutex mutex_;
+  std::condition_variable wake_;
+  bool stopping_ = false;
+  std::map<std::string, Held> holds_;  // by token
+  std::thread thread_;                 // last: starts when the rest is ready
 };
 
 // --- images ------------------------------------------------------------------------------------
@@ -212,8 +272,9 @@ std::string FieldOf(StringView name) {
 
 class RedisApplication final : public ApplicationState {
  public:
-  RedisApplication(RedisClient& redis, std::string process_token, std::chrono::milliseconds lease)
-      : redis_(redis), process_token_(std::move(process_token)), lease_(lease) {}
+  RedisApplication(RedisClient& redis, LeaseKeeper& keeper, std::string process_token,
+                   std::chrono::milliseconds lease)
+      : redis_(redis), keeper_(keeper), process_token_(std::move(process_token)), lease_(lease) {}
 
   Variant Get(StringView name) override {
     const RedisReply r = redis_.Run({"HGET", kApplication, FieldOf(name)});
@@ -268,6 +329,7 @@ class RedisApplication final : public ApplicationState {
     Backoff backoff;
     while (redis_.Run({"SET", kApplicationLock, token, "NX", "PX", lease}).is_nil())
       backoff.Wait(0);
+    keeper_.Hold(kApplicationLock, token, lease_);
     std::lock_guard guard(mutex_);
     depth_[requester] = 1;
   }
@@ -280,7 +342,7 @@ class RedisApplication final : public ApplicationState {
       if (--it->second > 0) return;
       depth_.erase(it);
     }
-    redis_.Eval(kReleaseScript, {kApplicationLock}, {TokenOf(requester)});
+    Release(requester);
   }
 
   void ReleaseAll(const void* requester) override {
@@ -288,10 +350,16 @@ class RedisApplication final : public ApplicationState {
       std::lock_guard guard(mutex_);
       if (depth_.erase(requester) == 0) return;
     }
-    redis_.Eval(kReleaseScript, {kApplicationLock}, {TokenOf(requester)});
+    Release(requester);
   }
 
  private:
+  void Release(const void* requester) {
+    const std::string token = TokenOf(requester);
+    keeper_.Drop(token);
+    redis_.Eval(kReleaseScript, {kApplicationLock}, {token});
+  }
+
   std::string TokenOf(const void* requester) const {
     return process_token_ + ":" + std::to_string(reinterpret_cast<uintptr_t>(requester));
   }
@@ -311,6 +379,7 @@ class RedisApplication final : public ApplicationState {
   }
 
   RedisClient& redis_;
+  LeaseKeeper& keeper_;
   const std::string process_token_;
   const std::chrono::milliseconds lease_;
   std::mutex mutex_;
@@ -325,44 +394,18 @@ class RedisStateStore final : public StateStore {
       : redis_(address),
         process_token_(NewSessionCookie().substr(0, 16)),
         leases_(leases),
-        application_(redis_, process_token_, leases.application) {}
+        keeper_(redis_, std::min(leases.session, leases.application) / 3),
+        application_(redis_, keeper_, process_token_, leases.application) {}
 
   std::shared_ptr<SessionState> OpenSession(std::string_view cookie, int32_t timeout_minutes,
                                             bool& is_new) override {
     auto session = std::make_shared<SessionState>();
-    session->hold_token = process_token_ + ":" + std::to_string(++requests_);
     is_new = true;
-    if (IsCookie(cookie)) {
-      const std::string lease = std::to_string(leases_.session.count());
-      Backoff backoff;
-      for (;;) {
-        const RedisReply r =
-            redis_.Eval(kOpenScript, {SessionKey(cookie), HoldKey(cookie), kSessionId},
-                        {session->hold_token, lease});
-        if (r.items.size() != 2) throw StateUnavailable("Redis: unexpected reply");
-        const RedisReply& status = r.items[0];
-        const RedisReply& value = r.items[1];
-        if (status.integer == 0) {
-          backoff.Wait(value.integer);
-          continue;
-        }
-        if (status.integer == 1 && ReadSessionImage(value.text, *session)) {
-          session->cookie = std::string(cookie);
-          session->loaded_image = value.text;
-          is_new = false;
-          return session;
-        }
-        if (status.integer == 1) {  // an image of another version or damaged: start afresh
-          redis_.Eval(kReleaseScript, {HoldKey(cookie)}, {session->hold_token});
-          session->id = NewId();
-        } else {
-          session->id = static_cast<int32_t>(value.integer);
-        }
-        break;
-      }
-    } else {
-      session->id = NewId();
+    if (IsCookie(cookie) && Load(cookie, *session)) {
+      is_new = false;
+      return session;
     }
+    session->id = NewId();
     session->cookie = NewSessionCookie();
     session->timeout_minutes = timeout_minutes;
     return session;
@@ -378,10 +421,18 @@ class RedisStateStore final : public StateStore {
       mode = image == session.loaded_image ? "t" : "s";
       if (mode == "t") image.clear();
     }
+    if (!session.hold_token.empty()) keeper_.Drop(session.hold_token);
     const std::string timeout = std::to_string(int64_t{session.timeout_minutes} * 60);
-    redis_.Eval(kCloseScript,
-                {SessionKey(session.cookie), HoldKey(session.cookie), kSessionEnds, kSessionLast},
-                {session.hold_token, timeout, session.cookie, mode, image});
+    const RedisReply r = redis_.Eval(
+        kCloseScript,
+        {SessionKey(session.cookie), HoldKey(session.cookie), kSessionEnds, kSessionLast},
+        {session.hold_token, timeout, session.cookie, mode, image});
+    if (r.integer == 0 && mode != "n") {
+      throw StateUnavailable(
+          "Redis: session " + std::to_string(session.id) +
+          " was held by this request past its lease and taken over; what the request changed "
+          "is not kept");
+    }
   }
 
   bool EndSession(SessionState& session) override {
@@ -428,10 +479,47 @@ class RedisStateStore final : public StateStore {
     return static_cast<int32_t>(n % 2147483647);
   }
 
+  // Takes the session's hold (waiting while another request has it) and reads its image;
+  // false, holding nothing, for a session that is unknown or unreadable.
+  bool Load(std::string_view cookie, SessionState& session) {
+    const std::string key = SessionKey(cookie);
+    const std::string hold = HoldKey(cookie);
+    const std::string token = process_token_ + ":" + std::to_string(++requests_);
+    const std::string lease = std::to_string(leases_.session.count());
+    Backoff backoff;
+    for (;;) {
+      // The image comes along even while another request holds the session: one round trip
+      // for the common case, and the image of a miss is thrown away.
+      const std::vector<RedisReply> r =
+          redis_.Pipeline({{"SET", hold, token, "NX", "PX", lease}, {"PTTL", hold}, {"GET", key}});
+      for (const RedisReply& each : r) {
+        if (each.is_error()) throw StateUnavailable("Redis: " + each.text);
+      }
+      if (r[0].is_nil()) {
+        backoff.Wait(r[1].integer);
+        continue;
+      }
+      if (!r[2].is_nil() && ReadSessionImage(r[2].text, session)) {
+        session.cookie = std::string(cookie);
+        session.loaded_image = r[2].text;
+        session.hold_token = token;
+        keeper_.Hold(hold, token, leases_.session);
+        return true;
+      }
+      // Gone (expired, abandoned, lost with a Redis restart), or an image of another version.
+      session.contents.Clear();
+      session.lcid = session.code_page = 0;
+      session.started = false;
+      redis_.Eval(kReleaseScript, {hold}, {token});
+      return false;
+    }
+  }
+
   RedisClient redis_;
   const std::string process_token_;
   const RedisLeases leases_;
   std::atomic<uint64_t> requests_{0};
+  LeaseKeeper keeper_;
   RedisApplication application_;
 };
 

@@ -14,7 +14,8 @@ namespace qv::asp {
 
 struct RedisLeases {
   // How long a request's hold on its session, and a page's Application.Lock, outlive a
-  // process that died holding them.
+  // process that died or hangs holding them. A live process renews its holds, so a request
+  // may run longer than this.
   std::chrono::milliseconds session{30000};
   std::chrono::milliseconds application{30000};
 };

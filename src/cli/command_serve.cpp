@@ -27,11 +27,12 @@ struct ServeArgs {
   unsigned timeout = 30;
   int32_t script_timeout = 90;
   std::string state = "memory";
+  double state_lease = 30;  // seconds
 };
 
 // The store of --state: memory, or redis://... with the password from the address or from
 // QUORVEX_REDIS_PASSWORD. Redis need not be up yet: pages answer 503 until it is.
-std::unique_ptr<asp::StateStore> StateStoreOf(const std::string& state) {
+std::unique_ptr<asp::StateStore> StateStoreOf(const std::string& state, double lease_seconds) {
   if (state == "memory") return nullptr;
   asp::RedisAddress address;
   try {
@@ -43,7 +44,10 @@ std::unique_ptr<asp::StateStore> StateStoreOf(const std::string& state) {
   if (address.password.empty()) {
     if (const char* password = std::getenv("QUORVEX_REDIS_PASSWORD")) address.password = password;
   }
-  std::unique_ptr<asp::StateStore> store = asp::NewRedisStateStore(address);
+  asp::RedisLeases leases;
+  leases.session = leases.application =
+      std::chrono::milliseconds(static_cast<int64_t>(lease_seconds * 1000));
+  std::unique_ptr<asp::StateStore> store = asp::NewRedisStateStore(address, leases);
   try {
     store->Check();
   } catch (const asp::StateUnavailable& e) {
@@ -72,7 +76,8 @@ void Serve(const ServeArgs& a) {
   asp::RuntimeOptions options;
   options.dev = a.dev;
   options.script_timeout = a.script_timeout;
-  auto runtime = std::make_unique<asp::SiteRuntime>(a.site, options, StateStoreOf(a.state));
+  auto runtime =
+      std::make_unique<asp::SiteRuntime>(a.site, options, StateStoreOf(a.state, a.state_lease));
   asp::HttpOptions http;
   http.bind = a.bind;
   http.port = a.port;
@@ -125,6 +130,11 @@ void AddServeCommand(CLI::App& app) {
                   "Where sessions and Application live: memory, or redis://host:port[/db] to "
                   "share them between servers")
       ->capture_default_str();
+  cmd->add_option("--state-lease", args->state_lease,
+                  "Seconds a server that died holding a session or Application.Lock in Redis "
+                  "blocks the others")
+      ->capture_default_str()
+      ->check(CLI::Range(0.1, 3600.0));
   cmd->add_flag("--no-access-log", args->quiet_log, "Do not log each request on stderr");
   cmd->callback([args] { Serve(*args); });
 }
