@@ -41,6 +41,9 @@ struct PageContext {
   std::filesystem::path page_file;  // the page running now (changes inside Server.Execute)
   std::vector<std::shared_ptr<const CompiledPage>> pages;  // the page, then Execute'd ones
   std::shared_ptr<SessionState> session;  // null when the page runs without session state
+  // Set while the session is left closed for a page that does not name it: opens it when the
+  // page reaches it after all (through Server.Execute, or code it builds).
+  std::function<void()> open_session;
   StateStore* store = nullptr;
   vbs::Engine* engine = nullptr;
   const vbs::ClassRegistry* classes = nullptr;

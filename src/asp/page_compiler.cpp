@@ -483,12 +483,24 @@ bool CompiledPage::IsCurrent() const {
   return true;
 }
 
+bool NamesSession(std::u16string_view script) {
+  constexpr std::u16string_view kWord = u"session";
+  for (size_t i = 0; i + kWord.size() <= script.size(); ++i) {
+    size_t n = 0;
+    while (n < kWord.size() && (script[i + n] | 0x20) == kWord[n])
+      ++n;
+    if (n == kWord.size()) return true;
+  }
+  return false;
+}
+
 CompiledPage CompilePage(const Site& site, const fs::path& file) {
   Merger merged(site, DeclaredCodePage(file));
   merged.Add(file, 0);
   CompiledPage page;
   page.ado_constants = merged.ado_constants;
   WriteScript(merged, page, false, nullptr);
+  page.names_session = NamesSession(page.script);
   page.files = std::move(merged.files);
   const std::string script = String::ToUtf8(page.script);
   page.streams = ContainsNoCase(script, "flush") || ContainsNoCase(script, "buffer");

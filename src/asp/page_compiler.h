@@ -48,6 +48,9 @@ struct CompiledPage {
   bool ado_constants = false;  // the page names the ADO type library
   // The page's code names Flush or Buffer: its output may leave before it ends.
   bool streams = false;
+  // The word "Session" is somewhere in the script (code, text or a string): a page without it
+  // can only reach the session through a page it runs with Server.Execute or code it builds.
+  bool names_session = true;
 
   // Where line `line` (from 1) of the script came from; the page's first line when unknown.
   SourcePosition Origin(int32_t line) const;

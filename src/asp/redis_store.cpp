@@ -24,7 +24,9 @@
 #include <algorithm>
 #include <atomic>
 #include <cassert>
+#include <functional>
 #include <map>
+#include <set>
 #include <thread>
 #include <unordered_map>
 
@@ -124,6 +126,17 @@ if redis.call('get', KEYS[1]) == ARGV[1] then return redis.call('del', KEYS[1]) 
 return 0
 )lua";
 
+// KEYS: session, hold, ends. ARGV: cookie, time-out in s. Renews the expiry of a session that
+// no request holds (one that does renews it when it closes).
+constexpr std::string_view kTouchScript = R"lua(
+if redis.call('exists', KEYS[2]) == 1 or redis.call('expire', KEYS[1], ARGV[2]) == 0 then
+  return 0
+end
+local now = redis.call('time')
+redis.call('zadd', KEYS[3], now[1] * 1000 + math.floor(now[2] / 1000) + ARGV[2] * 1000, ARGV[1])
+return 1
+)lua";
+
 // KEYS: lock. ARGV: token, lease in ms. Renews the lease only when the lock is still ours.
 constexpr std::string_view kRenewScript = R"lua(
 if redis.call('get', KEYS[1]) == ARGV[1] then return redis.call('pexpire', KEYS[1], ARGV[2]) end
@@ -146,11 +159,12 @@ class Backoff {
 
 // Renews the leases of the holds this process has, a few times per lease, from a thread of its
 // own: a request that runs longer than the lease keeps its session and its Application.Lock.
+// The same thread runs the store's other work that can wait (`also`).
 class LeaseKeeper {
  public:
   // Renews every `interval`, which must be well under the shortest lease.
-  LeaseKeeper(RedisClient& redis, std::chrono::milliseconds interval)
-      : redis_(redis), interval_(interval), thread_([this] { Run(); }) {}
+  LeaseKeeper(RedisClient& redis, std::chrono::milliseconds interval, std::function<void()> also)
+      : redis_(redis), interval_(interval), also_(std::move(also)), thread_([this] { Run(); }) {}
   ~LeaseKeeper() {
     {
       std::lock_guard guard(mutex_);
@@ -189,12 +203,14 @@ class LeaseKeeper {
           break;  // the next round tries again; a request finds a lost hold when it closes
         }
       }
+      also_();
       guard.lock();
     }
   }
 
   RedisClient& redis_;
   const std::chrono::milliseconds interval_;
+  const std::function<void()> also_;
   std::mutex mutex_;
   std::condition_variable wake_;
   bool stopping_ = false;
@@ -394,7 +410,8 @@ class RedisStateStore final : public StateStore {
       : redis_(address),
         process_token_(NewSessionCookie().substr(0, 16)),
         leases_(leases),
-        keeper_(redis_, std::min(leases.session, leases.application) / 3),
+        keeper_(redis_, std::min(leases.session, leases.application) / 3,
+                [this] { FlushTouches(); }),
         application_(redis_, keeper_, process_token_, leases.application) {}
 
   std::shared_ptr<SessionState> OpenSession(std::string_view cookie, int32_t timeout_minutes,
@@ -458,6 +475,15 @@ class RedisStateStore final : public StateStore {
 
   void Check() override { redis_.Run({"PING"}); }
 
+  // A page that does not name Session costs no round trip: its session's expiry is renewed
+  // with the others seen lately, by the lease thread, a few seconds later.
+  bool MayDefer(std::string_view cookie) const override { return IsCookie(cookie); }
+  void Touch(std::string_view cookie) override {
+    constexpr size_t kMostPending = 100000;
+    std::lock_guard guard(touch_mutex_);
+    if (touched_.size() < kMostPending) touched_.emplace(cookie);
+  }
+
   bool ClaimApplicationStart() override {
     return !redis_.Run({"SET", kApplicationStarted, process_token_, "NX"}).is_nil();
   }
@@ -515,10 +541,42 @@ class RedisStateStore final : public StateStore {
     }
   }
 
+  // The time-out is in the image; sessions gone since are skipped.
+  void FlushTouches() {
+    std::set<std::string> cookies;
+    {
+      std::lock_guard guard(touch_mutex_);
+      cookies.swap(touched_);
+    }
+    if (cookies.empty()) return;
+    try {
+      std::vector<std::string> keys;
+      for (const std::string& cookie : cookies)
+        keys.push_back(SessionKey(cookie));
+      std::vector<RedisCommand> gets;
+      for (const std::string& key : keys)
+        gets.push_back({"GET", key});
+      const std::vector<RedisReply> images = redis_.Pipeline(gets);
+      size_t i = 0;
+      for (const std::string& cookie : cookies) {
+        SessionState session;
+        const RedisReply& image = images[i++];
+        if (image.is_nil() || image.is_error() || !ReadSessionImage(image.text, session)) continue;
+        const std::string timeout = std::to_string(int64_t{session.timeout_minutes} * 60);
+        redis_.Eval(kTouchScript, {SessionKey(cookie), HoldKey(cookie), kSessionEnds},
+                    {cookie, timeout});
+      }
+    } catch (const StateUnavailable&) {
+      // Redis is away: the sessions may time out, as they would have without the pages.
+    }
+  }
+
   RedisClient redis_;
   const std::string process_token_;
   const RedisLeases leases_;
   std::atomic<uint64_t> requests_{0};
+  std::mutex touch_mutex_;
+  std::set<std::string> touched_;  // cookies of sessions a deferring page left closed
   LeaseKeeper keeper_;
   RedisApplication application_;
 };

@@ -101,7 +101,12 @@ bool SetPageLocale(vbs::Engine& engine, int32_t lcid) {
 
 namespace {
 
-void RequireSession(const PageContext& c) {
+void RequireSession(PageContext& c) {
+  if (!c.session && c.open_session) {
+    const std::function<void()> open = std::move(c.open_session);
+    c.open_session = nullptr;
+    open();
+  }
   if (!c.session) {
     RaiseAspError("Session", "0164",
                   "Session state is disabled for this page (EnableSessionState=False).");

@@ -64,6 +64,10 @@ std::string SessionCookieOf(const HttpRequest& request) {
   return {};
 }
 
+std::string SessionCookieHeader(const SessionState& session) {
+  return std::string(kSessionCookie) + "=" + session.cookie + "; path=/; HttpOnly; SameSite=Lax";
+}
+
 // The failure code of an error: VBScript's own numbers stand under facility 0x800A.
 std::string Hex8(int32_t number) {
   char buffer[16];
@@ -462,6 +466,18 @@ HttpResponse SiteRuntime::ServeFile(const HttpRequest& request, const fs::path& 
   return r;
 }
 
+void SiteRuntime::OpenDeferredSession(PageContext& c, const std::string& cookie, bool& is_new) {
+  c.session = store_->OpenSession(cookie, options_.session_timeout, is_new);
+  // The page has run with the engine's defaults up to here: the session's own settings apply
+  // from now on. A session that turned out to have ended starts without Session_OnStart, which
+  // cannot run in the middle of a page.
+  if (c.session->lcid && c.engine && !c.pages.front()->directives.lcid)
+    SetPageLocale(*c.engine, c.session->lcid);
+  if (c.session->code_page && !c.pages.front()->directives.code_page)
+    c.code_page = c.session->code_page;
+  if (is_new) c.session_cookie = SessionCookieHeader(*c.session);
+}
+
 // A page that may flush runs on a thread of its own, so that this one can send what it sends.
 HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& file,
                                   bool can_stream) {
@@ -516,13 +532,16 @@ HttpResponse SiteRuntime::RunCompiledPage(const HttpRequest& request, const fs::
   try {
     StartApplication(*worker);
     SweepSessions(*worker);
+    const std::string cookie = SessionCookieOf(request);
     if (page && page->directives.enable_session_state) {
-      c.session =
-          store_->OpenSession(SessionCookieOf(request), options_.session_timeout, new_session);
-      if (c.session->code_page) c.code_page = c.session->code_page;
-      if (new_session) {
-        c.session_cookie = std::string(kSessionCookie) + "=" + c.session->cookie +
-                           "; path=/; HttpOnly; SameSite=Lax";
+      if (!page->names_session && store_->MayDefer(cookie)) {
+        c.open_session = [this, &c, &new_session, cookie] {
+          OpenDeferredSession(c, cookie, new_session);
+        };
+      } else {
+        c.session = store_->OpenSession(cookie, options_.session_timeout, new_session);
+        if (c.session->code_page) c.code_page = c.session->code_page;
+        if (new_session) c.session_cookie = SessionCookieHeader(*c.session);
       }
     }
   } catch (const StateUnavailable& e) {
@@ -551,6 +570,13 @@ HttpResponse SiteRuntime::RunCompiledPage(const HttpRequest& request, const fs::
     }
   }
   if (c.session && !unavailable) c.session->started = true;
+  if (!c.session && c.open_session && !unavailable) {
+    try {
+      store_->Touch(SessionCookieOf(request));
+    } catch (const StateUnavailable&) {
+    }
+  }
+  c.open_session = nullptr;
   worker->engine().Recycle();
   try {
     store_->Application().ReleaseAll(&c);

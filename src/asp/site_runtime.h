@@ -57,6 +57,8 @@ class SiteRuntime {
   HttpResponse RunCompiledPage(const HttpRequest& request, const std::filesystem::path& file,
                                std::shared_ptr<const CompiledPage> page, const PageError* error,
                                ResponseStream* stream);
+  // Opens the session a page left closed, when the page reaches it after all.
+  void OpenDeferredSession(PageContext& c, const std::string& cookie, bool& is_new);
   std::unique_ptr<Worker> AcquireWorker();
   void ReleaseWorker(std::unique_ptr<Worker> worker);
   // global.asa as it is on disk now, or null when the site has none.

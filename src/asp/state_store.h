@@ -160,6 +160,10 @@ class StateStore {
   virtual bool ClaimApplicationStart() { return true; }
   // Raises StateUnavailable when the store cannot be reached now.
   virtual void Check() {}
+  // True when a page that does not name Session may leave the session of `cookie` closed, to
+  // save the store the work; the store then keeps the session from timing out with Touch.
+  virtual bool MayDefer(std::string_view /*cookie*/) const { return false; }
+  virtual void Touch(std::string_view /*cookie*/) {}
 };
 
 std::unique_ptr<StateStore> NewMemoryStateStore();

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstring>
+#include <ctime>
 
 #include "automation/date_time.h"
 #include "vbscript/runtime_lib.h"
@@ -45,13 +46,15 @@ Variant Rnd(RuntimeState& state, Args a) {
 }
 
 double SecondsSinceMidnight() {
-  const double now = NowAsDate();
-  const auto since_epoch = std::chrono::system_clock::now().time_since_epoch();
-  const double fraction =
-      static_cast<double>(
-          std::chrono::duration_cast<std::chrono::milliseconds>(since_epoch).count() % 1000) /
-      1000.0;
-  return std::fabs(now - std::trunc(now)) * 86400.0 + fraction;
+  // The whole seconds and the fraction come from one reading of the clock: from two, the
+  // value would step back a second whenever the second turned between them.
+  const auto now = std::chrono::system_clock::now();
+  const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
+  const std::time_t whole = static_cast<std::time_t>(ms.count() / 1000);
+  std::tm local{};
+  localtime_r(&whole, &local);
+  return local.tm_hour * 3600.0 + local.tm_min * 60.0 + local.tm_sec +
+         static_cast<double>(ms.count() % 1000) / 1000.0;
 }
 
 Variant Randomize(RuntimeState& state, Args a) {

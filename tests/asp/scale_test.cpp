@@ -119,9 +119,9 @@ class ScaleTest : public ::testing::Test {
     ASSERT_FALSE(redis_port_.empty()) << "redis-server did not start";
     state_ = "redis://127.0.0.1:" + redis_port_;
     for (int i = 0; i < 2; ++i) {
-      servers_[i] = StartQuorvex(
-          {kSite, "--port", "0", "--workers", "3", "--no-access-log", "--state", state_},
-          scratch_ / ("serve" + std::to_string(i) + ".log"));
+      servers_[i] = StartQuorvex({kSite, "--port", "0", "--workers", "3", "--no-access-log",
+                                  "--state", state_, "--state-lease", "1"},
+                                 scratch_ / ("serve" + std::to_string(i) + ".log"));
       ASSERT_NE(servers_[i].port, 0) << "quorvex serve did not start";
     }
     const std::string nginx =
@@ -276,6 +276,65 @@ TEST_F(ScaleTest, RequestsOfOneSessionRunOneAtATimeAcrossServers) {
     t.join();
   EXPECT_EQ(failures, 0);
   EXPECT_EQ(Get(nginx_port_, "/scale/visit.asp", Header(cookie)).body, "42");
+}
+
+// The servers run with leases of 1 s, renewed every third of a second while their request runs.
+TEST_F(ScaleTest, ALongRequestKeepsItsHoldAndOneThatLostItWritesNothing) {
+  const std::string cookie = CookieOf(Get(nginx_port_, "/scale/visit.asp"));
+  ASSERT_FALSE(cookie.empty());
+  const std::string hold = "quorvex:session-hold:" + cookie.substr(cookie.find('=') + 1);
+
+  // The second request waits for the first, which runs for two and a half leases, on the other
+  // server.
+  Reply slow;
+  std::thread first(
+      [&] { slow = Get(servers_[0].port, "/scale/visit.asp?hold=2.5", Header(cookie)); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  const auto start = std::chrono::steady_clock::now();
+  const Reply second = Get(servers_[1].port, "/scale/visit.asp", Header(cookie));
+  first.join();
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1800));
+  EXPECT_EQ(slow.status, 200);
+  EXPECT_EQ(slow.body, "2");
+  EXPECT_EQ(second.body, "3");
+
+  // A hold taken over while its request runs (as after a lease ran out) is not renewed for the
+  // old holder, whose changes are dropped with a 503 rather than written over the new one.
+  Reply lost;
+  first =
+      std::thread([&] { lost = Get(servers_[0].port, "/scale/visit.asp?hold=1", Header(cookie)); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  Redis("set " + hold + " another-request px 5000");
+  first.join();
+  EXPECT_EQ(lost.status, 503) << lost.body;
+  EXPECT_EQ(Redis("get " + hold), "another-request");
+  Redis("del " + hold);
+  EXPECT_EQ(Get(nginx_port_, "/scale/visit.asp", Header(cookie)).body, "4");
+}
+
+// A page that never names Session leaves it closed (no round trip), renews its expiry a
+// moment later all the same, and opens it when it runs a page that uses it.
+TEST_F(ScaleTest, PagesThatDoNotNameTheSessionLeaveItClosed) {
+  const std::string cookie = CookieOf(Get(nginx_port_, "/scale/visit.asp"));
+  ASSERT_FALSE(cookie.empty());
+  const std::string key = "quorvex:session:" + cookie.substr(cookie.find('=') + 1);
+  Redis("expire " + key + " 100");
+  auto before = CommandCalls();
+  const Reply plain = Get(servers_[0].port, "/scale/plain.asp", Header(cookie));
+  auto after = CommandCalls();
+  EXPECT_EQ(plain.status, 200);
+  EXPECT_TRUE(CookieOf(plain).empty());
+  EXPECT_EQ(after["set"] - before["set"], 0);  // each opening takes the hold
+  EXPECT_EQ(after["pttl"] - before["pttl"], 0);
+  int ttl = 0;
+  for (int i = 0; i < 60 && ttl <= 100; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    ttl = std::stoi(Redis("ttl " + key));
+  }
+  EXPECT_GT(ttl, 100);  // back to the session's 20 minutes
+
+  EXPECT_EQ(Get(servers_[1].port, "/scale/plain.asp?run=1", Header(cookie)).body, "2\n");
+  EXPECT_EQ(Get(servers_[0].port, "/scale/visit.asp", Header(cookie)).body, "3");
 }
 
 TEST_F(ScaleTest, AThousandConcurrentIncrementsUnderLockEndAtAThousand) {
