@@ -188,14 +188,6 @@ CheckEach Array("y", 1, "x(0)", "set")
 y = ((x))(0)
 Check y, "set", "indexing a parenthesised array name"
 
-y = 1
-Bump_3 (y)
-Check y, 1, "one argument in parentheses without Call is a copy"
-Call Bump_3(y)
-Check y, 2, "with Call it is by reference"
-Bump_3 y
-Check y, 3, "without parentheses by reference"
-
 ' After the name, a parenthesised first argument may go on with members and more arguments.
 Class Box
   Public v
