@@ -3,7 +3,8 @@
 # see whether memory grows with the rows), every export format on, served by `quorvex serve`
 # with one worker; each format fetched whole with curl. Prints per format the time, the size,
 # and the server's peak resident memory (VmHWM) after it, beside the peak after an ordinary
-# list page. Flat memory shows as the same peak for 10,000 and 100,000 rows.
+# list page, and the server's CPU time for it. Flat memory shows as the same peak for 10,000
+# and 100,000 rows.
 #
 #   bench/package/export.sh BUILD_DIR [rows]
 set -euo pipefail
@@ -54,17 +55,22 @@ server=$!
 for _ in $(seq 1 50); do grep -q http:// serve.log && break; sleep 0.1; done
 base="http://127.0.0.1:$port"
 peak() { awk '/VmHWM/ {printf "%.1f MB", $2 / 1024}' "/proc/$server/status"; }
+# The server's CPU time so far, in seconds: other work on a shared machine stretches the wall
+# time of an export, not this.
+cpu() { awk -v hz="$(getconf CLK_TCK)" '{printf "%.2f", ($14 + $15) / hz}' "/proc/$server/stat"; }
 
 curl -sf "$base/orderslist.asp" >/dev/null
 echo "after a list page of 20 rows: peak $(peak)"
 for t in small orders; do
   n=$(sqlite3 export.db "SELECT COUNT(*) FROM $t")
   for f in csv excel word xml html; do
-    out=$(curl -sf -o body.out -w '%{time_total} %{size_download}' "$base/${t}list.asp?export=$f")
-    read -r secs bytes <<<"$out"
+    before=$(cpu)
+    out=$(curl -s -o body.out -w '%{http_code} %{time_total} %{size_download}' "$base/${t}list.asp?export=$f")
+    read -r status secs bytes <<<"$out"
+    [ "$status" = 200 ] || { echo "$t $f: HTTP $status: $(tail -n 3 serve.log)"; continue; }
     lines=$(grep -c '' body.out)
-    printf '%7d rows %-6s %6.2f s %8.1f MB %8d lines   server peak %s\n' "$n" "$f" "$secs" \
-      "$(echo "$bytes / 1048576" | bc -l)" "$lines" "$(peak)"
+    printf '%7d rows %-6s %6.2f s wall %6.2f s CPU %7.1f MB %7d lines   server peak %s\n' "$n" "$f" \
+      "$secs" "$(echo "$(cpu) - $before" | bc -l)" "$(echo "$bytes / 1048576" | bc -l)" "$lines" "$(peak)"
   done
 done
 exit 0
