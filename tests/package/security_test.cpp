@@ -143,6 +143,7 @@ TEST_F(SecureApp, NoPageWithoutLoginAndEachUserSeesOnlyWhatTheLevelAllows) {
   EXPECT_TRUE(Has(r.body, "You are not allowed to see this page."));
   EXPECT_FALSE(Has(r.body, "andrew@chinookcorp.com"));
   EXPECT_EQ(app_->Get("/Customerlist.asp?export=csv").status, 403);
+  EXPECT_EQ(app_->Get("/AppUserlist.asp").status, 403);
   EXPECT_EQ(app_->Get("/Customerdelete.asp?key=1").status, 403);
 
   // Customer 1 is hers; customer 2 is another agent's, and no address reaches it.
