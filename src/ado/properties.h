@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "automation/dispatch.h"
+#include "automation/list_enumerator.h"
 
 namespace qv::ado {
 
@@ -30,21 +31,5 @@ class PropertiesObject : public DispatchObject<PropertiesObject> {
 
 // The position a script names an item by: a number from 0, or nothing when it is a name.
 std::optional<int32_t> ItemOrdinal(const Variant& index);
-
-// An enumerator over a fixed list of objects.
-class ListEnumerator : public Enumerator {
- public:
-  explicit ListEnumerator(std::vector<Variant> items) : items_(std::move(items)) {}
-  bool Next(Variant& item) override {
-    if (next_ >= items_.size()) return false;
-    item = items_[next_++];
-    return true;
-  }
-  void Reset() override { next_ = 0; }
-
- private:
-  std::vector<Variant> items_;
-  size_t next_ = 0;
-};
 
 }  // namespace qv::ado

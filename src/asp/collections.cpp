@@ -34,7 +34,7 @@ Variant StringList::Joined() const {
 
 Ref<Enumerator> StringList::NewEnum() {
   std::vector<Variant> items(values_.begin(), values_.end());
-  return MakeRef<ValueEnumerator>(std::move(items));
+  return MakeRef<ListEnumerator>(std::move(items));
 }
 
 const DispatchTable<StringList>& StringList::Table() {
@@ -87,7 +87,7 @@ Ref<Enumerator> RequestDictionary::NewEnum() {
   std::vector<Variant> names;
   for (const Entry& e : entries_)
     names.emplace_back(e.name);
-  return MakeRef<ValueEnumerator>(std::move(names));
+  return MakeRef<ListEnumerator>(std::move(names));
 }
 
 const DispatchTable<RequestDictionary>& RequestDictionary::Table() {
@@ -132,7 +132,7 @@ Ref<Enumerator> ReadCookie::NewEnum() {
   std::vector<Variant> names;
   for (const auto& kv : keys_)
     names.emplace_back(kv.first);
-  return MakeRef<ValueEnumerator>(std::move(names));
+  return MakeRef<ListEnumerator>(std::move(names));
 }
 
 const DispatchTable<ReadCookie>& ReadCookie::Table() {

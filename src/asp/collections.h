@@ -1,28 +1,14 @@
 // The collections of the intrinsic objects: a list of the values of one name (IStringList),
 // a collection of names with their value lists (IRequestDictionary), a request cookie with
-// its keys (IReadCookie), and a For Each over a snapshot of values.
+// its keys (IReadCookie).
 #pragma once
 
 #include <vector>
 
 #include "automation/dispatch.h"
+#include "automation/list_enumerator.h"
 
 namespace qv::asp {
-
-class ValueEnumerator : public Enumerator {
- public:
-  explicit ValueEnumerator(std::vector<Variant> items) : items_(std::move(items)) {}
-  bool Next(Variant& item) override {
-    if (next_ >= items_.size()) return false;
-    item = items_[next_++];
-    return true;
-  }
-  void Reset() override { next_ = 0; }
-
- private:
-  std::vector<Variant> items_;
-  size_t next_ = 0;
-};
 
 // The values one name has in a query string, a form or the server variables. Its default value
 // is the values joined by ", ", or Empty when there are none.

@@ -141,7 +141,7 @@ class ResponseCookies : public DispatchObject<ResponseCookies>, public RequestSc
     std::vector<Variant> names;
     for (const ResponseCookie& cookie : c_.cookies)
       names.emplace_back(String(StringView(cookie.name)));
-    return MakeRef<ValueEnumerator>(std::move(names));
+    return MakeRef<ListEnumerator>(std::move(names));
   }
 
  private:

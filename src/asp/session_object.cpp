@@ -13,33 +13,99 @@
 namespace qv::asp {
 namespace {
 
-// Contents and StaticObjects of a session: a view of one of its value tables.
-class SessionValues : public DispatchObject<SessionValues>, public RequestScoped {
+// Contents and StaticObjects of Session and Application: names with values, by name or by
+// position from 1, over what V gives: Count, NameAt and ValueAt (from 0), ValueOf, Store,
+// RemoveName and RemoveAll.
+template <class V>
+class Contents : public DispatchObject<V>, public RequestScoped {
  public:
-  SessionValues(PageContext& c, bool statics) : c_(c), statics_(statics) {}
-  static const DispatchTable<SessionValues>& Table();
+  static const DispatchTable<V>& Table() {
+    static const auto table =
+        DispatchTable<V>(u"IVariantDictionary")
+            .Property(
+                u"Item", [](V& v, Args a) { return v.Get(a); },
+                [](V& v, Args a, const Variant& x) { v.Put(a, x); },
+                [](V& v, Args a, const Variant& x) { v.Put(a, x); })
+            .Property(u"Count", [](V& v, Args) { return Variant(static_cast<int32_t>(v.Count())); })
+            .Property(u"Key",
+                      [](V& v, Args a) {
+                        CheckArgCount(a, 1, 1);
+                        return Variant(String(StringView(v.NameAt(v.Position(a[0])))));
+                      })
+            .Method(u"Remove",
+                    [](V& v, Args a) {
+                      CheckArgCount(a, 1, 1);
+                      if (!IsPosition(a[0])) {
+                        v.RemoveName(ToString(a[0]));
+                      } else if (const int32_t i = ToLong(a[0]);
+                                 i >= 1 && static_cast<size_t>(i) <= v.Count()) {
+                        v.RemoveName(v.NameAt(static_cast<size_t>(i - 1)));
+                      }
+                      return Variant();
+                    })
+            .Method(u"RemoveAll",
+                    [](V& v, Args) {
+                      v.RemoveAll();
+                      return Variant();
+                    })
+            .Default(u"Item");
+    return table;
+  }
+
   Ref<Enumerator> NewEnum() override {
     std::vector<Variant> names;
-    for (size_t i = 0; i < table().size(); ++i)
-      names.emplace_back(String(StringView(table().NameAt(i))));
-    return MakeRef<ValueEnumerator>(std::move(names));
+    for (size_t i = 0, n = self().Count(); i < n; ++i)
+      names.emplace_back(String(StringView(self().NameAt(i))));
+    return MakeRef<ListEnumerator>(std::move(names));
   }
 
   Variant Get(Args a) {
     CheckArgCount(a, 1, 1);
-    if (a[0].is_numeric_type() && !a[0].is_string()) {
-      const int32_t i = ToLong(a[0]);
-      if (i < 1 || static_cast<size_t>(i) > table().size()) throw Error(kErrSubscript);
-      return table().ValueAt(static_cast<size_t>(i - 1)).ToVariant();
-    }
-    const StoredValue* v = table().Find(ToString(a[0]));
-    return v ? v->ToVariant() : Variant();
+    if (IsPosition(a[0])) return self().ValueAt(Position(a[0]));
+    return self().ValueOf(ToString(a[0]));
   }
   void Put(Args a, const Variant& v) {
     CheckArgCount(a, 1, 1);
+    self().Store(ToString(a[0]), v);
+  }
+
+ private:
+  static bool IsPosition(const Variant& index) {
+    return index.is_numeric_type() && !index.is_string();
+  }
+  // The index from 0 of a position from 1; raises 9 past either end.
+  size_t Position(const Variant& index) {
+    const int32_t i = ToLong(index);
+    if (i < 1 || static_cast<size_t>(i) > self().Count()) throw Error(kErrSubscript);
+    return static_cast<size_t>(i - 1);
+  }
+  V& self() { return static_cast<V&>(*this); }
+};
+
+// A view of one of a session's value tables.
+class SessionValues : public Contents<SessionValues> {
+ public:
+  SessionValues(PageContext& c, bool statics) : c_(c), statics_(statics) {}
+
+  size_t Count() { return table().size(); }
+  std::u16string NameAt(size_t i) { return table().NameAt(i); }
+  Variant ValueAt(size_t i) { return table().ValueAt(i).ToVariant(); }
+  Variant ValueOf(StringView name) {
+    const StoredValue* v = table().Find(name);
+    return v ? v->ToVariant() : Variant();
+  }
+  void Store(StringView name, const Variant& v) {
     if (statics_) throw Error(kErrNotSupported);
     // A session other servers share keeps data only; the error comes at the assignment.
-    table().Put(ToString(a[0]), StoredValue::From(v, !c_.store->shared(), "Session"));
+    table().Put(name, StoredValue::From(v, !c_.store->shared(), "Session"));
+  }
+  void RemoveName(StringView name) {
+    if (statics_) throw Error(kErrNotSupported);
+    table().Remove(name);
+  }
+  void RemoveAll() {
+    if (statics_) throw Error(kErrNotSupported);
+    table().Clear();
   }
 
  private:
@@ -47,43 +113,6 @@ class SessionValues : public DispatchObject<SessionValues>, public RequestScoped
   PageContext& c_;
   bool statics_;
 };
-
-const DispatchTable<SessionValues>& SessionValues::Table() {
-  using V = SessionValues;
-  static const auto table =
-      DispatchTable<V>(u"IVariantDictionary")
-          .Property(
-              u"Item", [](V& v, Args a) { return v.Get(a); },
-              [](V& v, Args a, const Variant& x) { v.Put(a, x); },
-              [](V& v, Args a, const Variant& x) { v.Put(a, x); })
-          .Property(u"Count",
-                    [](V& v, Args) { return Variant(static_cast<int32_t>(v.table().size())); })
-          .Property(
-              u"Key",
-              [](V& v, Args a) {
-                CheckArgCount(a, 1, 1);
-                const int32_t i = ToLong(a[0]);
-                if (i < 1 || static_cast<size_t>(i) > v.table().size()) throw Error(kErrSubscript);
-                return Variant(String(StringView(v.table().NameAt(static_cast<size_t>(i - 1)))));
-              })
-          .Method(u"Remove",
-                  [](V& v, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    if (a[0].is_numeric_type() && !a[0].is_string()) {
-                      v.table().RemoveAt(static_cast<size_t>(ToLong(a[0]) - 1));
-                    } else {
-                      v.table().Remove(ToString(a[0]));
-                    }
-                    return Variant();
-                  })
-          .Method(u"RemoveAll",
-                  [](V& v, Args) {
-                    v.table().Clear();
-                    return Variant();
-                  })
-          .Default(u"Item");
-  return table;
-}
 
 }  // namespace
 
@@ -205,80 +234,42 @@ const DispatchTable<Session>& Session::Table() {
   return table;
 }
 
-// Application.Contents and StaticObjects.
-class ApplicationValues : public DispatchObject<ApplicationValues>, public RequestScoped {
+// Application.Contents, in the store, and StaticObjects, in this process.
+class ApplicationValues : public Contents<ApplicationValues> {
  public:
   ApplicationValues(PageContext& c, bool statics) : c_(c), statics_(statics) {}
-  static const DispatchTable<ApplicationValues>& Table();
-  Ref<Enumerator> NewEnum() override {
-    std::vector<Variant> names;
-    for (const auto& n : state().Names())
-      names.emplace_back(String(StringView(n)));
-    return MakeRef<ValueEnumerator>(std::move(names));
-  }
   ApplicationState& state() { return c_.store->Application(); }
   const void* requester() const { return &c_; }
 
-  Variant Get(Args a) {
-    CheckArgCount(a, 1, 1);
-    if (statics_) {
-      const StoredValue* v = state().static_objects().Find(ToString(a[0]));
-      return v ? v->ToVariant() : Variant();
-    }
-    if (a[0].is_numeric_type() && !a[0].is_string()) {
-      const int32_t i = ToLong(a[0]);
-      if (i < 1 || static_cast<size_t>(i) > state().Count()) throw Error(kErrSubscript);
-      return state().Get(state().NameAt(static_cast<size_t>(i - 1)));
-    }
-    return state().Get(ToString(a[0]));
+  size_t Count() { return statics_ ? state().static_objects().size() : state().Count(); }
+  std::u16string NameAt(size_t i) {
+    return statics_ ? state().static_objects().NameAt(i) : state().NameAt(i);
   }
-  void Put(Args a, const Variant& v) {
-    CheckArgCount(a, 1, 1);
+  Variant ValueAt(size_t i) {
+    return statics_ ? state().static_objects().ValueAt(i).ToVariant() : state().Get(NameAt(i));
+  }
+  Variant ValueOf(StringView name) {
+    if (!statics_) return state().Get(name);
+    const StoredValue* v = state().static_objects().Find(name);
+    return v ? v->ToVariant() : Variant();
+  }
+  void Store(StringView name, const Variant& v) {
     if (statics_) throw Error(kErrNotSupported);
-    state().Put(ToString(a[0]), v, requester());
+    state().Put(name, v, requester());
+  }
+  void RemoveName(StringView name) {
+    if (statics_) throw Error(kErrNotSupported);
+    state().Remove(name, requester());
+  }
+  void RemoveAll() {
+    if (statics_) throw Error(kErrNotSupported);
+    state().RemoveAll(requester());
   }
 
  private:
   PageContext& c_;
   bool statics_;
 };
-
-const DispatchTable<ApplicationValues>& ApplicationValues::Table() {
-  using V = ApplicationValues;
-  static const auto table =
-      DispatchTable<V>(u"IVariantDictionary")
-          .Property(
-              u"Item", [](V& v, Args a) { return v.Get(a); },
-              [](V& v, Args a, const Variant& x) { v.Put(a, x); },
-              [](V& v, Args a, const Variant& x) { v.Put(a, x); })
-          .Property(u"Count",
-                    [](V& v, Args) { return Variant(static_cast<int32_t>(v.state().Count())); })
-          .Property(
-              u"Key",
-              [](V& v, Args a) {
-                CheckArgCount(a, 1, 1);
-                const int32_t i = ToLong(a[0]);
-                if (i < 1 || static_cast<size_t>(i) > v.state().Count()) throw Error(kErrSubscript);
-                return Variant(String(StringView(v.state().NameAt(static_cast<size_t>(i - 1)))));
-              })
-          .Method(u"Remove",
-                  [](V& v, Args a) {
-                    CheckArgCount(a, 1, 1);
-                    std::u16string name =
-                        a[0].is_numeric_type() && !a[0].is_string()
-                            ? v.state().NameAt(static_cast<size_t>(ToLong(a[0]) - 1))
-                            : std::u16string(ToString(a[0]).view());
-                    v.state().Remove(name, v.requester());
-                    return Variant();
-                  })
-          .Method(u"RemoveAll",
-                  [](V& v, Args) {
-                    v.state().RemoveAll(v.requester());
-                    return Variant();
-                  })
-          .Default(u"Item");
-  return table;
-}
 
 class Application : public DispatchObject<Application>, public RequestScoped {
  public:

@@ -168,28 +168,11 @@ bool IsValidUtf8(std::string_view bytes) {
   return true;
 }
 
-std::optional<std::string> PercentDecode(std::string_view text, bool plus_is_space) {
-  std::string out;
-  out.reserve(text.size());
-  for (size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (c == '+' && plus_is_space) {
-      out += ' ';
-    } else if (c != '%') {
-      out += c;
-    } else {
-      if (i + 2 >= text.size()) return std::nullopt;
-      const int hi = HexValue(text[i + 1]);
-      const int lo = HexValue(text[i + 2]);
-      if (hi < 0 || lo < 0) return std::nullopt;
-      out += static_cast<char>(hi * 16 + lo);
-      i += 2;
-    }
-  }
-  return out;
-}
+namespace {
 
-std::string PercentDecodeLenient(std::string_view text, bool plus_is_space) {
+// %XX escapes, and + for a space with `plus_is_space`; a % that starts no escape stays as it
+// is and sets `bad`.
+std::string Unescape(std::string_view text, bool plus_is_space, bool& bad) {
   std::string out;
   out.reserve(text.size());
   for (size_t i = 0; i < text.size(); ++i) {
@@ -198,18 +181,33 @@ std::string PercentDecodeLenient(std::string_view text, bool plus_is_space) {
       out += ' ';
       continue;
     }
-    if (c == '%' && i + 2 < text.size()) {
-      const int hi = HexValue(text[i + 1]);
-      const int lo = HexValue(text[i + 2]);
+    if (c == '%') {
+      const int hi = i + 2 < text.size() ? HexValue(text[i + 1]) : -1;
+      const int lo = i + 2 < text.size() ? HexValue(text[i + 2]) : -1;
       if (hi >= 0 && lo >= 0) {
         out += static_cast<char>(hi * 16 + lo);
         i += 2;
         continue;
       }
+      bad = true;
     }
     out += c;
   }
   return out;
+}
+
+}  // namespace
+
+std::optional<std::string> PercentDecode(std::string_view text, bool plus_is_space) {
+  bool bad = false;
+  std::string out = Unescape(text, plus_is_space, bad);
+  if (bad) return std::nullopt;
+  return out;
+}
+
+std::string PercentDecodeLenient(std::string_view text, bool plus_is_space) {
+  bool bad = false;
+  return Unescape(text, plus_is_space, bad);
 }
 
 std::string UrlEncode(std::string_view bytes) {

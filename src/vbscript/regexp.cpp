@@ -7,6 +7,7 @@
 #include <pcre2.h>
 
 #include "automation/convert.h"
+#include "automation/list_enumerator.h"
 #include "automation/safe_array.h"
 #include "vbscript/regexp_pattern.h"
 #include "vbscript/runtime_lib.h"
@@ -244,21 +245,6 @@ class SubMatches : public DispatchObject<SubMatches> {
 
  private:
   std::vector<Variant> groups_;
-};
-
-class ListEnumerator : public Enumerator {
- public:
-  explicit ListEnumerator(std::vector<Variant> items) : items_(std::move(items)) {}
-  bool Next(Variant& item) override {
-    if (at_ >= items_.size()) return false;
-    item = items_[at_++];
-    return true;
-  }
-  void Reset() override { at_ = 0; }
-
- private:
-  std::vector<Variant> items_;
-  size_t at_ = 0;
 };
 
 Ref<Enumerator> SubMatches::NewEnum() {

@@ -4,48 +4,15 @@
 // and keeps a screenshot of the welcome page.
 //
 //   node browser_test.mjs <quorvex binary> <site folder> <artefact folder>
-import { spawn } from 'node:child_process';
 import { mkdirSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
-import puppeteer from 'puppeteer-core';
+import { check, finish, launch, serve, text } from './harness.mjs';
 
 const [quorvex, site, artefacts] = process.argv.slice(2);
-const chromium = process.env.CHROMIUM || '/usr/bin/chromium';
-let failures = 0;
-let passes = 0;
 
-function check(what, actual, expected) {
-  if (actual === expected) {
-    passes++;
-    return;
-  }
-  failures++;
-  console.error(`FAIL ${what}: got ${JSON.stringify(actual)}, expected ${JSON.stringify(expected)}`);
-}
-
-// Starts the server and resolves with its port once it says where it listens.
-function serve() {
-  const child = spawn(quorvex, ['serve', site, '--port', '0', '--workers', '2'], { stdio: ['ignore', 'ignore', 'pipe'] });
-  return new Promise((resolve, reject) => {
-    let log = '';
-    child.stderr.on('data', (chunk) => {
-      log += chunk;
-      const m = /http:\/\/127\.0\.0\.1:(\d+)\//.exec(log);
-      if (m) resolve({ child, port: Number(m[1]) });
-    });
-    child.on('exit', (code) => reject(new Error(`quorvex serve exited with ${code}: ${log}`)));
-  });
-}
-
-const text = (page, selector) => page.$eval(selector, (e) => e.textContent);
-
-const { child, port } = await serve();
+const { child, port } = await serve(quorvex, site);
 const base = `http://127.0.0.1:${port}`;
-const browser = await puppeteer.launch({
-  executablePath: chromium,
-  headless: true,
-  args: ['--no-sandbox', '--disable-gpu', '--disable-dev-shm-usage'],
-});
+const browser = await launch();
 try {
   const page = await browser.newPage();
   await page.setViewport({ width: 900, height: 640 });
@@ -105,5 +72,4 @@ try {
   await browser.close();
   child.kill('SIGTERM');
 }
-console.log(`${passes} passed, ${failures} failed`);
-process.exit(failures ? 1 : 0);
+finish();

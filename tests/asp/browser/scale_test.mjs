@@ -4,43 +4,13 @@
 // through nginx, and signs out on the first.
 //
 //   node scale_test.mjs <quorvex binary> <site folder> <scripts/scale folder> <scratch folder> <artefact folder>
-import { execFileSync, spawn } from 'node:child_process';
+import { execFileSync } from 'node:child_process';
 import { mkdirSync, rmSync } from 'node:fs';
 import { join } from 'node:path';
-import puppeteer from 'puppeteer-core';
+import { check, fail, finish, launch, serve, text } from './harness.mjs';
 
 const [quorvex, site, scripts, scratch, artefacts] = process.argv.slice(2);
-const chromium = process.env.CHROMIUM || '/usr/bin/chromium';
-let failures = 0;
-let passes = 0;
-
-function check(what, actual, expected) {
-  if (actual === expected) {
-    passes++;
-    return;
-  }
-  failures++;
-  console.error(`FAIL ${what}: got ${JSON.stringify(actual)}, expected ${JSON.stringify(expected)}`);
-}
-
 const script = (name, ...args) => execFileSync(join(scripts, name), args, { encoding: 'utf8' }).trim();
-
-// Starts a server and resolves with it and its port once it says where it listens.
-function serve(state) {
-  const child = spawn(quorvex, ['serve', site, '--port', '0', '--workers', '2', '--state', state],
-    { stdio: ['ignore', 'ignore', 'pipe'] });
-  return new Promise((resolve, reject) => {
-    let log = '';
-    child.stderr.on('data', (chunk) => {
-      log += chunk;
-      const m = /http:\/\/127\.0\.0\.1:(\d+)\//.exec(log);
-      if (m) resolve({ child, port: Number(m[1]) });
-    });
-    child.on('exit', (code) => reject(new Error(`quorvex serve exited with ${code}: ${log}`)));
-  });
-}
-
-const text = (page, selector) => page.$eval(selector, (e) => e.textContent);
 
 rmSync(scratch, { recursive: true, force: true });
 mkdirSync(scratch, { recursive: true });
@@ -49,17 +19,13 @@ let browser;
 try {
   const redisPort = script('redis.sh', 'start', join(scratch, 'redis'));
   const state = `redis://127.0.0.1:${redisPort}`;
-  servers.push(await serve(state), await serve(state));
+  servers.push(await serve(quorvex, site, ['--state', state]), await serve(quorvex, site, ['--state', state]));
   const nginxPort = script('nginx.sh', 'start', join(scratch, 'nginx'), String(servers[0].port), String(servers[1].port));
   // Cookies belong to the host whatever the port, so one browser carries the session to all
   // three addresses.
   const [one, two, balanced] = [servers[0].port, servers[1].port, nginxPort].map((p) => `http://127.0.0.1:${p}`);
 
-  browser = await puppeteer.launch({
-    executablePath: chromium,
-    headless: true,
-    args: ['--no-sandbox', '--disable-gpu', '--disable-dev-shm-usage'],
-  });
+  browser = await launch();
   const page = await browser.newPage();
   await page.goto(`${one}/login.asp`);
   await page.type('#user', 'Zoë');
@@ -94,13 +60,11 @@ try {
   await page.goto(`${one}/welcome.asp`);
   check('session ended everywhere', new URL(page.url()).pathname, '/login.asp');
 } catch (e) {
-  failures++;
-  console.error(`FAIL ${e.stack || e}`);
+  fail(e);
 } finally {
   if (browser) await browser.close();
   for (const s of servers) s.child.kill('SIGTERM');
   try { script('nginx.sh', 'stop', join(scratch, 'nginx')); } catch {}
   try { script('redis.sh', 'stop', join(scratch, 'redis')); } catch {}
 }
-console.log(`${passes} passed, ${failures} failed`);
-process.exit(failures ? 1 : 0);
+finish();
