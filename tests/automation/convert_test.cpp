@@ -18,23 +18,6 @@ int ErrorOf(auto&& f) {
   return 0;
 }
 
-TEST(Convert, NumbersPrintAsCStrDoes) {
-  EXPECT_EQ(ToString(Variant(1.5)), u"1.5");
-  EXPECT_EQ(ToString(Variant(0.1 + 0.2)), u"0.3");
-  EXPECT_EQ(ToString(Variant(1.0 / 3.0)), u"0.333333333333333");
-  EXPECT_EQ(ToString(Variant(1e20)), u"1E+20");
-  EXPECT_EQ(ToString(Variant(1e-5)), u"1E-05");
-  EXPECT_EQ(ToString(Variant(123456789012345.0)), u"123456789012345");
-  EXPECT_EQ(ToString(Variant(1234567890123456.0)), u"1.23456789012346E+15");
-  EXPECT_EQ(ToString(Variant(-0.0)), u"0");
-  EXPECT_EQ(ToString(Variant(1.1f)), u"1.1");
-  EXPECT_EQ(ToString(Variant::Currency(-15000)), u"-1.5");
-  EXPECT_EQ(ToString(Variant::Currency(12345)), u"1.2345");
-  EXPECT_EQ(ToString(Variant(true)), u"True");
-  EXPECT_EQ(ToString(Variant()), u"");
-  EXPECT_EQ(ErrorOf([] { ToString(Variant::Null()); }), 94);
-}
-
 TEST(Convert, WholeNumbersRoundHalfToEvenAndOverflow) {
   EXPECT_EQ(ToInteger(Variant(2.5)), 2);
   EXPECT_EQ(ToInteger(Variant(3.5)), 4);
@@ -124,13 +107,6 @@ TEST(Convert, CurrencyFromTextIsExact) {
   EXPECT_EQ(ErrorOf([] { ToCurrency(Variant(u"922337203685477.5808")); }), 6);
   EXPECT_EQ(ErrorOf([] { ToCurrency(Variant(u"1e20")); }), 6);
   EXPECT_EQ(ErrorOf([] { ToCurrency(Variant(u"1,2x")); }), 13);
-}
-
-TEST(Convert, TypeNamesAsVBScriptShowsThem) {
-  EXPECT_EQ(TypeNameOf(Variant()), u"Empty");
-  EXPECT_EQ(TypeNameOf(Variant(int16_t{1})), u"Integer");
-  EXPECT_EQ(TypeNameOf(Variant::Nothing()), u"Nothing");
-  EXPECT_EQ(TypeNameOf(Variant::Date(0)), u"Date");
 }
 
 }  // namespace

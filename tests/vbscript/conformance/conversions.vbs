@@ -138,3 +138,7 @@ Dim rndSc : Set rndSc = CreateObject("MSScriptControl.ScriptControl") : rndSc.La
 CheckEach Array("Abs(rndSc.Eval(""Rnd"") - 0.7055475) < 1E-7", True, _
   "Abs(rndSc.Eval(""Rnd"") - 0.533424) < 1E-7", True, "Abs(rndSc.Eval(""Rnd(-1)"") - 0.224007) < 1E-6", True, _
   "Abs(Rnd(-1) - 0.224007) < 1E-6", True, "Rnd(-1) = rndSc.Eval(""Rnd(-1)"")", True)
+' Doubles print with at most 15 significant digits, a negative zero as 0.
+CheckEach Array("CStr(0.1 + 0.2)", "0.3", "CStr(1234567890123456)", "1.23456789012346E+15", _
+  "CStr(0 * -1.5)", "0", "CStr(CSng(1.1))", "1.1", "CStr(CCur(-1.5))", "-1.5", _
+  "CStr(CCur(1.2345))", "1.2345")

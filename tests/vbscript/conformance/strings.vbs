@@ -20,6 +20,8 @@ CheckEach Array("StrComp(ChrW(233), ""f"", vbTextCompare)", -1, _
   "StrComp(""co-op"", ""cop"", vbTextCompare)", -1, _
   "StrComp(""it's"", ""its"", vbTextCompare)", 1, _
   "StrComp(""a"" & Chr(1), ""a"", vbTextCompare)", 0, _
+  "StrComp(ChrW(&HFF21) & ChrW(&HFF42), ""aB"", vbTextCompare)", 0, _
+  "StrComp("""", Chr(2), vbTextCompare)", 0, "StrComp(""a"" & Chr(1) & ""b"" & Chr(127), ""ab"", 1)", 0, _
   "StrComp(""abc"", ""ABD"", vbTextCompare)", -1, "StrComp(""abc"", ""AB"", vbTextCompare)", 1, _
   "StrComp(""1"", 1.0, vbTextCompare)", 0, "StrComp(Empty, ""ABC"", vbTextCompare)", -1, _
   "StrComp(""a"", ""a"", ""1"")", 0)
