@@ -27,10 +27,8 @@ struct CustomViewOptions {
 
 void RunCustomView(const CustomViewOptions& o) {
   try {
-    Ref<Tyx> tyx = CreateTyx();
+    Ref<Tyx> tyx = OpenProject(o.project_file);
     const String file = String::FromUtf8(o.project_file);
-    LoadProjectFile(*tyx, file, [](Tyx&) {});
-    if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
     tyx->Services().LoadCustomView(*tyx, Variant(String::FromUtf8(o.name)),
                                    Variant(String::FromUtf8(o.sql)), Variant(o.copy_fields));
     if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());

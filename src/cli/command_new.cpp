@@ -37,6 +37,9 @@ struct NewOptions {
 // The nine arguments of Tyx.LoadDB. "odbc:NAME" names a data source whose user and password
 // come from the options, "access:FILE" an Access file read through DAO (with --password for a
 // protected file); everything else is a connection string once the short forms are expanded.
+// An Access file is read from its physical path; its DBPath, the folder of the application
+// that the generated pages find the copy in, stays empty: the copy goes beside the pages, as
+// a SQLite file's does, not into the application below a copy of the source's own folders.
 std::vector<Variant> LoadDbArguments(const NewOptions& o) {
   const bool odbc = o.source.rfind("odbc:", 0) == 0;
   const bool access = o.source.rfind("access:", 0) == 0;
@@ -45,7 +48,7 @@ std::vector<Variant> LoadDbArguments(const NewOptions& o) {
   return {
       Variant(odbc ? rest : String()),
       Variant(String(type)),
-      Variant(access ? rest : String()),
+      Variant(String()),
       Variant(access ? rest : String()),
       Variant(false),
       Variant(String::FromUtf8(o.user)),
@@ -71,7 +74,6 @@ String QuoteStyleOf(StringView dbms) {
       break;
   }
   const std::string name = ToUpper(String(dbms)).ToUtf8();
-  if (name.find("MARIADB") != std::string::npos) return u"Backquote";
   if (name.find("ACCESS") != std::string::npos || name.find("JET") != std::string::npos) {
     return u"Square Bracket";
   }

@@ -25,10 +25,8 @@ struct ReportOptions {
 
 void RunReport(const ReportOptions& o) {
   try {
-    Ref<Tyx> tyx = CreateTyx();
+    Ref<Tyx> tyx = OpenProject(o.project_file);
     const String file = String::FromUtf8(o.project_file);
-    LoadProjectFile(*tyx, file, [](Tyx&) {});
-    if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
     const bool made = tyx->Services().LoadReport(*tyx, Variant(String::FromUtf8(o.name)),
                                                  Variant(String::FromUtf8(o.from)));
     if (!made || !tyx->ProjErr().empty()) {

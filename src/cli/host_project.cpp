@@ -9,6 +9,7 @@
 #include "cli/commands.h"
 #include "persistence/project_file.h"
 #include "root/create_tyx.h"
+#include "schema/project_loader.h"
 #include "support/status.h"
 #include "support/tyx_vars.h"
 
@@ -38,6 +39,7 @@ Ref<Tyx> OpenProject(const std::string& project_file) {
     FailWith(e.description());
   }
   if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
+  ShareProjectSettings(*tyx);
   return tyx;
 }
 

@@ -187,9 +187,7 @@ int16_t CopyDatabase(Tyx& tyx, bool check_only) {
 }
 
 String StylesheetTemplatePath() {
-  // A settings store seeded by an older version lacks this option: the shipped one holds.
-  Variant setting = ReadRegValue(u"HKCU", Vars().SettingsKey, u"CssFile");
-  if (setting.is_empty()) setting = ReadRegValue(u"HKLM", Vars().SettingsKey, u"CssFile");
+  const Variant setting = ReadRegValue(u"HKCU", Vars().SettingsKey, u"CssFile");
   const String path = fs::NormalizeSeparators(setting.is_empty() ? String() : ToString(setting));
   if (path.empty() || path.view().starts_with(u"/")) return path;
   return fs::JoinPath(fs::FromNative(DataFolder()), path);

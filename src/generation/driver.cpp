@@ -1,6 +1,7 @@
 // The generation run, stage by stage.
 #include "generation/driver.h"
 
+#include <exception>
 #include <vector>
 
 #include "automation/convert.h"
@@ -290,33 +291,37 @@ void SaveCache(const Tyx& tyx, const RunFlags& run) {
   cache.WriteCacheFile();
 }
 
-// Stage 22, on every way out of a run. A cancel or a failed page raises through GenScript to
-// the host; the script host still goes with the run that made it, since it holds the project
-// and the host's objects, and left in the shared slot it would outlive them both and end
-// among the process's last destructors. A run started from a page function of another run (a
-// script may call GenScript) works in that run's host and leaves it to its owner.
+// What a run leaves however it ends. The cache lives from stage 3 to the run's end, so a cache
+// in place at the start means GenScript was called from a page function of a run under way
+// (a script may do that): such a run works in the outer run's host and leaves the host, and
+// the clean-up, to the outer run. A run that ends by an exception keeps its script host for
+// the next run, which takes it as it is; a host first left behind here is handed to
+// KeepScriptHostUntilExit, so that it can never outlive the program that ran it.
 class RunScope {
  public:
-  RunScope() : owner_(!Vars().TheScript) {}
+  RunScope()
+      : nested_(static_cast<bool>(Vars().TheCache)),
+        had_host_(static_cast<bool>(Vars().TheScript)),
+        exceptions_(std::uncaught_exceptions()) {}
   RunScope(const RunScope&) = delete;
   RunScope& operator=(const RunScope&) = delete;
   ~RunScope() {
-    if (!owner_) return;
+    if (nested_) return;
     TyxVars& vars = Vars();
     vars.TheCache.reset();
-    Ref<Object> script = std::move(vars.TheScript);
-    vars.TheScript = nullptr;
-    if (auto* host = dynamic_cast<TyScript*>(script.get())) {
-      try {
-        host->Reset();
-      } catch (...) {
-        // Dropping code can't fail in a way the run could still report; the host goes anyway.
-      }
-    }
+    const bool failed_hard = std::uncaught_exceptions() > exceptions_;
+    if (failed_hard && vars.TheScript && !had_host_) KeepScriptHostUntilExit();
+  }
+
+  // Stage 22 of a run that got past its sources: the script host goes.
+  void CleanUp() const {
+    if (!nested_) DropScriptHost();
   }
 
  private:
-  const bool owner_;
+  const bool nested_;
+  const bool had_host_;
+  const int exceptions_;
 };
 
 }  // namespace
@@ -365,6 +370,7 @@ void GenScript(Tyx& tyx) {
     RunControls(tyx, false);
     SharedStatus().CloseStatus();
   }
+  scope.CleanUp();
 }
 
 int16_t GenCheck(Tyx& tyx) {

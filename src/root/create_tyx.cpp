@@ -8,6 +8,7 @@
 #include "root/root_services.h"
 #include "script/system_library.h"
 #include "support/common.h"
+#include "support/registry.h"
 #include "support/tyx_vars.h"
 
 namespace qv {
@@ -17,9 +18,13 @@ Ref<Tyx> CreateTyx() {
   tyx->SetServices(std::make_shared<RootServices>());
   tyx->PrepareRoot();  // steps 2 to 7
   InstallSystemLibrary();
-  const TyxVars& vars = Vars();
-  const Variant language = ReadRegValue(u"HKCU", vars.SettingsKey, u"Language");
-  if (language.is_empty() || ToString(language).empty()) SeedUserRegistry();  // first run
+  // A first run is told by the user's own tree: ReadRegValue would answer from the shipped one.
+  cRegistry user;
+  user.ClassKey = kHkeyCurrentUser;
+  user.SectionKey = Vars().SettingsKey;
+  user.ValueKey = u"Language";
+  const Variant language = user.Value();
+  if (language.is_empty() || ToString(language).empty()) SeedUserRegistry();
   tyx->LoadDefault();
   return tyx;
 }

@@ -37,8 +37,9 @@ int16_t DateFormatCopy(const Tyx& tyx) {
   }
 }
 
-// Table and field defaults read these copies, not the settings bag.
-void CopySettings(const Tyx& tyx) {
+}  // namespace
+
+void ShareProjectSettings(const Tyx& tyx) {
   TyxVars& v = Vars();
   v.SqlQuoteStyle = tyx.SQLQuote();
   v.DefaultDateFormat = DateFormatCopy(tyx);
@@ -60,6 +61,8 @@ void CopySettings(const Tyx& tyx) {
   v.InlineDelete = tyx.InlineDelete();
   v.RepeatColumns = tyx.RepeatColumns();
 }
+
+namespace {
 
 void RefreshQuoteAndDateSettings(const Tyx& tyx) {
   Vars().SqlQuoteStyle = tyx.SQLQuote();
@@ -142,7 +145,7 @@ void LoadDB(Tyx& tyx, const LoadDbRequest& request) {
   TyxStatus& status = SharedStatus();
   status.ShowStatus(Variant(tyx.hwnd()), Variant(LengthMarked(vars.StatusTitle)));
   tyx.Databases().Add(tyx.CurrentDbName);
-  CopySettings(tyx);
+  ShareProjectSettings(tyx);
   int16_t result = 1;
   if (TyxDatabase* db = TheDatabase(tyx)) result = RunReader(*db, effective, u"");
   status.CloseStatus();

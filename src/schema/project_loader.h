@@ -30,6 +30,11 @@ void LoadDB(Tyx& tyx, Args args);
 void LoadTable(Tyx& tyx, StringView table_name);
 void UnLoadTable(Tyx& tyx, StringView table_name);
 void UnLoadDB(Tyx& tyx);
+// Copies the project's settings that table and field defaults read into their shared copies,
+// as LoadDB does before it reads. A host that adds tables to a project read from its file
+// (custom views, reports, synchronised tables) calls this first: Load refreshes only the quote
+// style and the date format, and new tables would otherwise start from empty copies.
+void ShareProjectSettings(const Tyx& tyx);
 // Adds each extension named under ExtensionsKey in the user's tree, with its template path.
 void LoadExtensionsFromRegistry(Tyx& tyx);
 

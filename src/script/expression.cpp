@@ -23,10 +23,7 @@ class OwnedScript {
  public:
   explicit OwnedScript(bool owns) : owns_(owns) {}
   ~OwnedScript() {
-    if (!owns_) return;
-    TyxVars& vars = Vars();
-    if (TyScript* script = CurrentScript()) script->Reset();
-    vars.TheScript = nullptr;
+    if (owns_) DropScriptHost();
   }
   OwnedScript(const OwnedScript&) = delete;
   OwnedScript& operator=(const OwnedScript&) = delete;

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include <cassert>
+#include <cstdlib>
 
 #include "automation/convert.h"
 #include "platform/fs.h"
@@ -116,6 +117,25 @@ ScriptSettings LoadScriptSettings() {
 
 TyScript* CurrentScript() {
   return dynamic_cast<TyScript*>(Vars().TheScript.get());
+}
+
+void DropScriptHost() noexcept {
+  TyxVars& vars = Vars();
+  const Ref<Object> host = std::move(vars.TheScript);
+  vars.TheScript = nullptr;
+  auto* script = dynamic_cast<TyScript*>(host.get());
+  if (!script) return;
+  try {
+    script->Reset();
+  } catch (...) {
+    // Dropping code reports nothing anybody could still act on; the host goes anyway.
+  }
+}
+
+void KeepScriptHostUntilExit() {
+  // Handlers registered with atexit run before the destructors of every static that was
+  // complete when they were registered: all that the host used while it ran.
+  std::atexit([] { DropScriptHost(); });
 }
 
 String BuildCommonCode() {

@@ -130,6 +130,16 @@ class TyScript : public DispatchObject<TyScript> {
 // The running script host (Vars().TheScript), or null between runs.
 TyScript* CurrentScript();
 
+// Resets the host in the shared slot and empties the slot: its code, modules and objects go,
+// and with them its hold on the project. Nothing when the slot is empty.
+void DropScriptHost() noexcept;
+
+// A host that a failed generation run leaves in the slot for the next run still holds the
+// project, and through it the host program's objects. Left to the slot's own end it would go
+// among the process's last destructors, after parts of the engine it needs. This makes sure
+// it goes at exit before any of them: call it once for each host left behind.
+void KeepScriptHostUntilExit();
+
 // The built-in common code: the module-level CTRL, TABLE and FIELD and the function
 // LoadCurrent(bInitType) that binds them.
 String BuildCommonCode();

@@ -149,6 +149,14 @@ Variant ReadRegValue(StringView root, StringView key, StringView name) {
   reg.SectionKey = String(key);
   reg.ValueKey = String(name);
   Variant value = reg.Value();
+  // A user's settings seeded by an older version lack the options added since: those read as
+  // shipped. A stored value is never Empty, so Empty means missing. Only the settings fall
+  // back; the user's extensions are the user's list, not the shipped one.
+  if (value.is_empty() && reg.ClassKey == kHkeyCurrentUser &&
+      EqualsNoCase(key, Vars().SettingsKey)) {
+    reg.ClassKey = kHkeyLocalMachine;
+    value = reg.Value();
+  }
   Vars().RegValueType = reg.ValueType;
   return value;
 }

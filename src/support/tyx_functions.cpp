@@ -105,7 +105,8 @@ int16_t FieldTypeClass(int32_t ado_type) {
 int32_t DatabaseKind(StringView dbms) {
   if (dbms == u"MS Jet" || dbms == u"ACCESS") return kDbAccess;
   if (ContainsNoCase(dbms, u"Microsoft") && ContainsNoCase(dbms, u"SQL")) return kDbSqlServer;
-  if (ContainsNoCase(dbms, u"MySQL")) return kDbMySql;
+  // MariaDB's own driver reports "MariaDB" for a server that speaks MySQL's SQL and quotes.
+  if (ContainsNoCase(dbms, u"MySQL") || ContainsNoCase(dbms, u"MariaDB")) return kDbMySql;
   if (ContainsNoCase(dbms, u"ORA")) return kDbOracle;
   return kDbOther;
 }

@@ -44,6 +44,16 @@ TEST(CustomCommands, CustomViewsAndReportsOnAProject) {
   const auto report = Quorvex(dir, {"report", "app.qvp", "Invoice report", "--from", "Invoice"});
   ASSERT_EQ(report.status, 0) << report.err;
   EXPECT_TRUE(Has(Quorvex(dir, {"tables", "app.qvp"}).out, "REPORT")) << report.out;
+  // Both start from the project's table defaults, as the loaded tables did.
+  const auto line_of = [&dir](const char* table, const std::string& name) {
+    const std::string out = Quorvex(dir, {"show", "app.qvp", table}).out;
+    const size_t at = out.find("\n" + name + " ");
+    return at == std::string::npos ? std::string() : out.substr(at, out.find('\n', at + 1) - at);
+  };
+  for (const char* setting : {"TblRecPerPage", "TblPagerStyle", "TblExportCsv", "TblRptIndent"}) {
+    EXPECT_EQ(line_of("Sales", setting), line_of("Invoice", setting)) << setting;
+    EXPECT_EQ(line_of("Invoice report", setting), line_of("Invoice", setting)) << setting;
+  }
 
   // Failures: the words on stderr, a non-zero exit, the file untouched.
   const std::string before = ReadAll(dir / "app.qvp");

@@ -44,6 +44,8 @@ TEST_P(ServerCommands, NewProjectAndWrongPassword) {
   ASSERT_EQ(tables.status, 0) << tables.err;
   EXPECT_TRUE(Has(tables.out, "line_no,order_id")) << tables.out;
   EXPECT_TRUE(Has(tables.out, "product_list")) << tables.out;
+  // A table of another database on the same server (MariaDB's performance_schema).
+  EXPECT_FALSE(Has(tables.out, "session_status")) << tables.out;
   const auto field = Quorvex(dir, {"show", "app.qvp", "categories", "name"});
   ASSERT_EQ(field.status, 0) << field.err;
   EXPECT_TRUE(Has(field.out, "FldUniqueIdx")) << field.out;

@@ -325,9 +325,10 @@ TEST_F(DriverTest, BrokenTemplatesEndTheRunHard) {
   Age(Script() / "list.htm", -120);  // older than its script: its includes are looked at
   EXPECT_EQ(HardFailure(), "Missing \"inc/none.htm\" in template folder \"" + Script().string() +
                                "\". Generation aborted.");
-  // The host goes with the run that made it, a failed one too: left in the shared slot it
-  // would hold the project past the host's own end.
-  EXPECT_FALSE(Vars().TheScript);
+  // The host stays for the next run, which takes it as it is: no second Initialize.
+  const Object* const kept_host = Vars().TheScript.get();
+  ASSERT_NE(kept_host, nullptr);
+  EXPECT_TRUE(CurrentScript()->IsInitialized());
 
   Files files = BasicPackage();
   files["list.htm"] = "before <!--##=TABLE.TblName";
@@ -351,8 +352,9 @@ TEST_F(DriverTest, BrokenTemplatesEndTheRunHard) {
   Pack(files);
   Answer({u"Overwrite"});
   EXPECT_EQ(HardFailure(), "Error in merging gone.htm. Generation aborted.");
+  EXPECT_EQ(Vars().TheScript.get(), kept_host);
 
-  // The next run starts a host of its own and translates what failed before.
+  // The next run goes on in that host, translates what failed before, and ends it.
   Pack(BasicPackage());
   Answer({u"Overwrite"});
   Run();

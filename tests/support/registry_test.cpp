@@ -355,8 +355,13 @@ TEST(RegistryTest, MachineTreeIsReadOnly) {
   // The short-root helpers: "HKLM" is the machine tree, anything else the user's.
   EXPECT_EQ(ReadRegValue(u"HKLM", kKey, u"RecPerPage").as_long(), 20);
   EXPECT_EQ(Vars().RegValueType, 4);
-  EXPECT_TRUE(ReadRegValue(u"HKCU", kKey, u"RecPerPage").is_empty());
-  EXPECT_EQ(Vars().RegValueType, 4);  // a missing value leaves the last type
+  // A setting missing from the user's tree (one seeded by an older version) reads as shipped;
+  // the user's extensions don't fall back, and a missing value leaves the last type.
+  EXPECT_EQ(ReadRegValue(u"HKCU", kKey, u"RecPerPage").as_long(), 20);
+  EXPECT_EQ(Vars().RegValueType, 4);
+  EXPECT_TRUE(ReadRegValue(u"HKCU", u"Software\\Quorvex\\5.3\\Extensions", u"Chart").is_empty());
+  EXPECT_TRUE(ReadRegValue(u"HKCU", kKey, u"NoSuchSetting").is_empty());
+  EXPECT_EQ(Vars().RegValueType, 4);
   WriteRegValue(u"whatever", kKey, u"RecPerPage", 4, Variant(int32_t{50}));
   EXPECT_EQ(ReadRegValue(u"", kKey, u"RecPerPage").as_long(), 50);
   try {

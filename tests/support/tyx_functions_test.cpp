@@ -50,6 +50,7 @@ TEST(DatabaseKindTest, TestsInOrderWithExactAccessNames) {
   EXPECT_EQ(DatabaseKind(u"SQL Server"), 5);  // needs "Microsoft" too
   EXPECT_EQ(DatabaseKind(u"MySQL"), 3);
   EXPECT_EQ(DatabaseKind(u"mysql 8.0"), 3);
+  EXPECT_EQ(DatabaseKind(u"MariaDB"), 3);  // what MariaDB's own driver reports
   EXPECT_EQ(DatabaseKind(u"Oracle"), 4);
   EXPECT_EQ(DatabaseKind(u"Corazon"), 4);
   EXPECT_EQ(DatabaseKind(u"PostgreSQL"), 5);

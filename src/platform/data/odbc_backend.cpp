@@ -564,8 +564,14 @@ class OdbcBackend final : public Backend {
 
   Rowset OpenSchema(int32_t schema_id, const std::vector<Variant>& restrictions) override {
     Rowset rowset = MakeSchemaRowset(schema_id);
-    const auto catalog = RestrictionText(restrictions, 0);
+    auto catalog = RestrictionText(restrictions, 0);
     const auto schema = RestrictionText(restrictions, 1);
+    // To MySQL-family drivers each database is a catalogue, and no catalogue means all of the
+    // server's: the connected database's tables would meet namesakes from every other one.
+    if (!catalog && IsMysql()) {
+      String current = Info(SQL_DATABASE_NAME);
+      if (!current.empty()) catalog = std::move(current);
+    }
     switch (schema_id) {
       case adSchemaTables:
         Tables(rowset, catalog, schema, RestrictionText(restrictions, 2));
