@@ -13,6 +13,7 @@
 #include "asp/http_types.h"
 #include "asp/page_compiler.h"
 #include "asp/response_stream.h"
+#include "asp/shared_object.h"
 #include "asp/state_store.h"
 #include "automation/dispatch.h"
 #include "vbscript/engine.h"
@@ -45,6 +46,7 @@ struct PageContext {
   // page reaches it after all (through Server.Execute, or code it builds).
   std::function<void()> open_session;
   StateStore* store = nullptr;
+  const std::vector<ApplicationObject>* application_objects = nullptr;  // global.asa's
   vbs::Engine* engine = nullptr;
   const vbs::ClassRegistry* classes = nullptr;
   // Runs another page of the site for Server.Execute/Transfer.

@@ -6,6 +6,7 @@
 #include "asp/asp_error.h"
 #include "asp/collections.h"
 #include "asp/intrinsics.h"
+#include "asp/shared_object.h"
 #include "asp/text_codec.h"
 #include "automation/convert.h"
 #include "vbscript/vm.h"
@@ -234,46 +235,51 @@ const DispatchTable<Session>& Session::Table() {
   return table;
 }
 
-// Application.Contents, in the store, and StaticObjects, in this process.
+// Application.Contents, in the store.
 class ApplicationValues : public Contents<ApplicationValues> {
  public:
-  ApplicationValues(PageContext& c, bool statics) : c_(c), statics_(statics) {}
+  explicit ApplicationValues(PageContext& c) : c_(c) {}
   ApplicationState& state() { return c_.store->Application(); }
   const void* requester() const { return &c_; }
 
-  size_t Count() { return statics_ ? state().static_objects().size() : state().Count(); }
-  std::u16string NameAt(size_t i) {
-    return statics_ ? state().static_objects().NameAt(i) : state().NameAt(i);
-  }
-  Variant ValueAt(size_t i) {
-    return statics_ ? state().static_objects().ValueAt(i).ToVariant() : state().Get(NameAt(i));
-  }
-  Variant ValueOf(StringView name) {
-    if (!statics_) return state().Get(name);
-    const StoredValue* v = state().static_objects().Find(name);
-    return v ? v->ToVariant() : Variant();
-  }
-  void Store(StringView name, const Variant& v) {
-    if (statics_) throw Error(kErrNotSupported);
-    state().Put(name, v, requester());
-  }
-  void RemoveName(StringView name) {
-    if (statics_) throw Error(kErrNotSupported);
-    state().Remove(name, requester());
-  }
-  void RemoveAll() {
-    if (statics_) throw Error(kErrNotSupported);
-    state().RemoveAll(requester());
-  }
+  size_t Count() { return state().Count(); }
+  std::u16string NameAt(size_t i) { return state().NameAt(i); }
+  Variant ValueAt(size_t i) { return state().Get(NameAt(i)); }
+  Variant ValueOf(StringView name) { return state().Get(name); }
+  void Store(StringView name, const Variant& v) { state().Put(name, v, requester()); }
+  void RemoveName(StringView name) { state().Remove(name, requester()); }
+  void RemoveAll() { state().RemoveAll(requester()); }
 
  private:
   PageContext& c_;
-  bool statics_;
+};
+
+// Application.StaticObjects: global.asa's application objects, in this process, each through a
+// view of this request's own.
+class ApplicationStatics : public Contents<ApplicationStatics> {
+ public:
+  explicit ApplicationStatics(const PageContext& c) : objects_(c.application_objects) {}
+
+  size_t Count() { return objects_ ? objects_->size() : 0; }
+  std::u16string NameAt(size_t i) { return (*objects_)[i].id; }
+  Variant ValueAt(size_t i) { return Variant(NewSharedView((*objects_)[i].instance)); }
+  Variant ValueOf(StringView name) {
+    for (size_t i = 0; i < Count(); ++i) {
+      if (EqualsNoCase((*objects_)[i].id, name)) return ValueAt(i);
+    }
+    return Variant();
+  }
+  void Store(StringView, const Variant&) { throw Error(kErrNotSupported); }
+  void RemoveName(StringView) { throw Error(kErrNotSupported); }
+  void RemoveAll() { throw Error(kErrNotSupported); }
+
+ private:
+  const std::vector<ApplicationObject>* objects_;
 };
 
 class Application : public DispatchObject<Application>, public RequestScoped {
  public:
-  explicit Application(PageContext& c) : contents_(MakeRef<ApplicationValues>(c, false)), c_(c) {}
+  explicit Application(PageContext& c) : contents_(MakeRef<ApplicationValues>(c)), c_(c) {}
   static const DispatchTable<Application>& Table();
 
  private:
@@ -298,7 +304,7 @@ const DispatchTable<Application>& Application::Table() {
                                     [](A& s, Args a, const Variant& v) { s.contents_->Put(a, v); })
                                 .Property(u"StaticObjects",
                                           [](A& s, Args a) {
-                                            auto statics = MakeRef<ApplicationValues>(s.c_, true);
+                                            auto statics = MakeRef<ApplicationStatics>(s.c_);
                                             if (!a.empty()) return statics->Get(a);
                                             return Variant(statics);
                                           })

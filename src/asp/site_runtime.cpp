@@ -120,6 +120,7 @@ class Worker {
 
  private:
   void AddObjects(PageContext& c, bool with_request);
+  void AddIntrinsics(vbs::Engine& engine, PageContext& c, bool with_request);
   void Execute(PageContext& c, std::string_view url);
   void RecordError(PageContext& c, const vbs::Engine& engine, const CompiledPage& page,
                    const qv::Error& e);
@@ -154,13 +155,20 @@ void Worker::AddObjects(PageContext& c, bool with_request) {
   c.engine = &engine_;
   c.classes = &engine_.Registry();
   engine_.SetTimeout(c.script_timeout * 1000);
+  AddIntrinsics(engine_, c, with_request);
+}
+
+void Worker::AddIntrinsics(vbs::Engine& engine, PageContext& c, bool with_request) {
+  c.application_objects = &runtime_.application_objects_;
   if (with_request) {
-    engine_.AddObject(u"Request", NewRequestObject(c));
-    engine_.AddObject(u"Response", NewResponseObject(c));
+    engine.AddObject(u"Request", NewRequestObject(c));
+    engine.AddObject(u"Response", NewResponseObject(c));
   }
-  engine_.AddObject(u"Server", NewServerObject(c));
-  engine_.AddObject(u"Session", NewSessionObject(c));
-  engine_.AddObject(u"Application", NewApplicationObject(c));
+  engine.AddObject(u"Server", NewServerObject(c));
+  engine.AddObject(u"Session", NewSessionObject(c));
+  engine.AddObject(u"Application", NewApplicationObject(c));
+  for (const ApplicationObject& o : runtime_.application_objects_)
+    engine.AddObject(o.id, NewSharedView(o.instance));
 }
 
 void Worker::RecordError(PageContext& c, const vbs::Engine& engine, const CompiledPage& page,
@@ -203,11 +211,7 @@ void Worker::Execute(PageContext& c, std::string_view url) {
   RegisterServerClasses(inner.Registry(), runtime_.connections_);
   inner.SetTimeout(engine_.Timeout());
   inner.vm().runtime().locale = engine_.vm().runtime().locale;
-  inner.AddObject(u"Request", NewRequestObject(c));
-  inner.AddObject(u"Response", NewResponseObject(c));
-  inner.AddObject(u"Server", NewServerObject(c));
-  inner.AddObject(u"Session", NewSessionObject(c));
-  inner.AddObject(u"Application", NewApplicationObject(c));
+  AddIntrinsics(inner, c, true);
   try {
     if (page->ado_constants) inner.AddObject(u"ADO Type Library", AdoConstantsObject(), true);
     inner.AddCode(page->script);
@@ -376,7 +380,21 @@ std::shared_ptr<const GlobalAsa> SiteRuntime::LastGlobalAsa() {
 
 void SiteRuntime::StartApplication(Worker& worker) {
   std::call_once(application_started_, [&] {
-    if (!CurrentGlobalAsa() || !store_->ClaimApplicationStart()) return;
+    const std::shared_ptr<const GlobalAsa> global = CurrentGlobalAsa();
+    if (!global) return;
+    // Every process has its own: objects do not travel between servers.
+    for (const StaticObjectDecl& decl : global->objects) {
+      if (!decl.application_scope) continue;
+      Ref<Object> object = worker.engine().Registry().Create(String::FromUtf8(decl.prog_id));
+      if (!object) {
+        std::cerr << "global.asa: the object " << decl.id << " names an unknown PROGID, "
+                  << decl.prog_id << "\n";
+        continue;
+      }
+      application_objects_.push_back({std::u16string(String::FromUtf8(decl.id).view()),
+                                      std::make_shared<SharedInstance>(std::move(object))});
+    }
+    if (!store_->ClaimApplicationStart()) return;
     PageContext c;
     c.site = &site_;
     c.store = store_.get();

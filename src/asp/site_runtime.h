@@ -15,6 +15,7 @@
 #include "asp/page_cache.h"
 #include "asp/page_threads.h"
 #include "asp/response_stream.h"
+#include "asp/shared_object.h"
 #include "asp/site.h"
 #include "asp/state_store.h"
 #include "platform/data/connection_pool.h"
@@ -79,6 +80,8 @@ class SiteRuntime {
   std::mutex global_mutex_;
   std::shared_ptr<const GlobalAsa> global_asa_;
   std::once_flag application_started_;
+  // global.asa's application objects, made once as the application starts.
+  std::vector<ApplicationObject> application_objects_;
   std::mutex workers_mutex_;
   std::vector<std::unique_ptr<Worker>> idle_;
   std::atomic<std::chrono::steady_clock::rep> last_sweep_{0};

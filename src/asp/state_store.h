@@ -119,12 +119,6 @@ class ApplicationState {
   virtual void Unlock(const void* requester) = 0;
   // Ends every hold of a request that is over.
   virtual void ReleaseAll(const void* requester) = 0;
-
-  // The application's <object> tags live in each process.
-  ValueTable& static_objects() { return static_objects_; }
-
- private:
-  ValueTable static_objects_;
 };
 
 // Raised when a store outside this process cannot be reached: the request answers 503 and the
