@@ -19,7 +19,7 @@ PACKAGES=(
   mdbtools mdbtools-dev odbc-mdbtools
   postgresql odbc-postgresql mariadb-server odbc-mariadb
   lua5.4
-  libmicrohttpd-dev chromium wrk nginx-light curl
+  libmicrohttpd-dev chromium wrk nginx-light curl lld
   libhiredis-dev redis-server
   libicu-dev libsodium-dev
 )
