@@ -199,38 +199,19 @@ Check CDate("1/15/2004 3 PM"), #1/15/2004 3:00:00 PM#, "hour with PM"
 Check FormatDateTime(#1/2/2003#, vbShortTime), "00:00", "short time of midnight"
 CheckError "x = FormatDateTime(Now, 5)", 5, "unknown format"
 
-' --- The date family: parts, serial arithmetic with roll-over, two-digit years, leap years,
-' DateAdd, DateDiff and DatePart with their week rules, and the 1033 texts.
+' --- The date family: two-digit years either side of the pivot, negative time parts, leap
+' years, the last week of a year, and the texts of one evening.
 Dim d
 d = CDate("3/7/2006 9:05:01 PM")
-CheckEach Array("CStr(d)", "3/7/2006 9:05:01 PM", "Year(d)", 2006, "Month(d)", 3, "Day(d)", 7, _
-  "Hour(d)", 21, "Minute(d)", 5, "Second(d)", 1, "Weekday(d)", 3, "Weekday(d, vbMonday)", 2, _
-  "Year(Null)", Null, "WeekdayName(1, True, vbMonday)", "Mon", _
-  "CStr(DateSerial(2006, 13, 1))", "1/1/2007", "CStr(DateSerial(2004, 3, 0))", "2/29/2004", _
+CheckEach Array("CStr(d)", "3/7/2006 9:05:01 PM", "Weekday(d, vbMonday)", 2, _
   "CStr(DateSerial(2006, 3, 0))", "2/28/2006", "CStr(DateSerial(29, 1, 1))", "1/1/2029", _
   "CStr(DateSerial(30, 1, 1))", "1/1/1930", "CStr(TimeSerial(12, -1, 0))", "11:59:00 AM", _
-  "CStr(TimeSerial(0, 0, 0))", "12:00:00 AM", "CStr(DateValue(""March 7, 2006""))", "3/7/2006", _
-  "CStr(TimeValue(""21:05""))", "9:05:00 PM", "IsDate(""2/29/2004"")", True, _
-  "IsDate(""2/29/2006"")", False)
-CheckEach Array("CStr(DateAdd(""m"", 1, #1/31/2006#))", "2/28/2006", _
-  "CStr(DateAdd(""yyyy"", 1, #2/29/2004#))", "2/28/2005", _
-  "CStr(DateAdd(""h"", 3, #3/7/2006 11:30:00 PM#))", "3/8/2006 2:30:00 AM", _
-  "CStr(DateAdd(""d"", -1, #1/1/2000#))", "12/31/1999", _
-  "DateDiff(""d"", #3/7/2006 11:00:00 PM#, #3/8/2006 1:00:00 AM#)", CLng(1), _
-  "DateDiff(""yyyy"", #12/31/2005#, #1/1/2006#)", CLng(1), _
-  "DateDiff(""m"", #1/31/2006#, #2/1/2006#)", CLng(1), _
-  "DateDiff(""ww"", #3/11/2006#, #3/12/2006#)", CLng(1), _
-  "DateDiff(""s"", #3/7/2006#, #3/8/2006#)", CLng(86400), "DatePart(""q"", #8/15/2006#)", 3, _
-  "DatePart(""y"", #12/31/2004#)", 366, "DatePart(""ww"", #12/31/2006#)", 53, _
-  "DatePart(""ww"", #1/3/2005#, vbMonday, vbFirstFourDays)", 1, _
-  "DatePart(""ww"", #12/29/2003#, vbMonday, vbFirstFourDays)", 1, _
-  "FormatDateTime(d, vbLongDate)", "Tuesday, March 7, 2006", _
-  "FormatDateTime(d, vbShortDate)", "3/7/2006", "FormatDateTime(d, vbLongTime)", "9:05:01 PM", _
-  "FormatDateTime(d, vbShortTime)", "21:05", "TypeName(Now)", "Date", _
-  "TypeName(Timer)", "Single", "Date = Int(Now) Or Date = Int(Now) - 1", True)
-
-CheckErrors Array("x = DateAdd(""x"", 1, Now)", 5, "x = CDate(""not a date"")", 13, _
-  "x = Year(""2/30/2006"")", 13)
+  "CStr(TimeSerial(0, 0, 0))", "12:00:00 AM", "CStr(TimeValue(""21:05""))", "9:05:00 PM", _
+  "IsDate(""2/29/2004"")", True, "IsDate(""2/29/2006"")", False, _
+  "DateDiff(""s"", #3/7/2006#, #3/8/2006#)", CLng(86400), "DatePart(""y"", #12/31/2004#)", 366, _
+  "DatePart(""ww"", #12/31/2006#)", 53, "FormatDateTime(d, vbLongDate)", "Tuesday, March 7, 2006", _
+  "FormatDateTime(d, vbShortTime)", "21:05")
+CheckErrors Array("x = CDate(""not a date"")", 13, "x = Year(""2/30/2006"")", 13)
 ' A fractional count is rounded half to even before it is added.
 CheckEach Array("DateAdd(""d"", 1.5, #1/1/2004#)", #1/3/2004#, _
   "DateAdd(""d"", 2.5, #1/1/2004#)", #1/3/2004#, "DateAdd(""d"", -1.5, #1/5/2004#)", #1/3/2004#, _

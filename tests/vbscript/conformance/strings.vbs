@@ -116,22 +116,11 @@ CheckErrors Array("x = InStrRev(""abc"", ""c"", 0)", 5, _
 CheckEach Array("Replace(""abc"", ""b"", ""x"", 4)", "", _
   "Escape(""a b+c/"" & ChrW(233))", "a%20b+c/%E9", "Unescape(""%41%u0042%zz"")", "AB%zz")
 
-' --- The string family as Windows runs it: Null and Empty arguments, zero and negative lengths,
-' compare modes, the types of the results.
-CheckEach Array("Len(""abc"")", CLng(3), "Len(Null)", Null, "Left(""abcdef"", 2)", "ab", _
-  "Left(Null, 1)", Null, "Right(""abcdef"", 2)", "ef", "Mid(""abcdef"", 3)", "cdef", _
-  "Mid(""abcdef"", 3, 2)", "cd", "Mid(""abc"", 9)", "", "UCase(Empty)", "", _
-  "LCase(""ÄBC"")", "äbc", "LTrim(""  a  "")", "a  ", "RTrim(""  a  "")", "  a", _
-  "String(2, 97)", "aa", "InStr(""abcabc"", ""c"")", CLng(3), _
-  "InStr(4, ""abcabc"", ""c"")", CLng(6), "InStr(1, ""ABC"", ""b"", vbTextCompare)", CLng(2), _
-  "InStr(Null, ""a"")", Null, "Replace(""a.b.c"", ""."", ""-"")", "a-b-c", _
-  "Replace(""abcabc"", ""a"", ""X"", 3)", "cXbc", _
-  "Replace(""AbA"", ""a"", ""x"", 1, -1, vbTextCompare)", "xbx", _
-  "StrComp(""a"", ""B"", vbTextCompare)", -1, "StrComp(""a"", Null)", Null, "AscW(""€"")", 8364, _
-  "Asc(""€"")", 128, "Chr(65)", "A", "ChrW(8364)", "€", "Escape(""a b&ü"")", "a%20b%26%FC", _
-  "Unescape(""%u20AC%41"")", "€A", "UBound(Split(""a b c"", "" "", 2))", CLng(1), _
-  "Join(Filter(Array(""ab"", ""cd"", ""abc""), ""ab""), "","")", "ab,abc", _
-  "Join(Filter(Array(""ab"", ""cd""), ""AB"", False, vbTextCompare), "","")", "cd")
+' --- The string family as Windows runs it: letters beyond ASCII, the euro sign both ways
+' through Windows-1252, and Escape of what is not a letter.
+CheckEach Array("LCase(""ÄBC"")", "äbc", "UCase(Empty)", "", "AscW(""€"")", 8364, "Asc(""€"")", 128, _
+  "ChrW(8364)", "€", "Escape(""a b&ü"")", "a%20b%26%FC", "Unescape(""%u20AC%41"")", "€A", _
+  "Replace(""AbA"", ""a"", ""x"", 1, -1, vbTextCompare)", "xbx")
 
 CheckErrors Array("x = Space(2147483648)", 7, "x = String(2147483648, ""x"")", 7, _
   "x = Chr(256)", 5, "x = Left(""abc"", Null)", 94, "x = StrReverse(Null)", 94, _
