@@ -176,13 +176,7 @@ Do While True
   Exit Do
 Loop
 Check n, 11, "Exit Do leaves one level"
-' Single-line If.
-a = 0 : b = 0 : c = 0
-If True Then a = 1 : b = 2 Else c = 3
-Check a & b & c, "120", "several statements on the Then side"
-a = 0 : b = 0 : c = 0
-If False Then a = 1 : b = 2 Else c = 3 : b = 4
-Check a & b & c, "043", "several statements on the Else side"
+' If on a fractional condition, and the first true ElseIf.
 If 0.1 Then r = "nonzero" Else r = "zero"
 Check r, "nonzero", "fractional condition"
 x = 5
