@@ -136,6 +136,9 @@ class Worker {
     String script;
   };
   std::unordered_map<const CompiledPage*, OwnScript> scripts_;
+  // Engines for Server.Execute and Transfer, by level of nesting.
+  std::vector<std::unique_ptr<vbs::Engine>> executes_;
+  size_t execute_depth_ = 0;
 };
 
 const String& Worker::ScriptOf(const std::shared_ptr<const CompiledPage>& page) {
@@ -203,30 +206,39 @@ void Worker::Execute(PageContext& c, std::string_view url) {
                   "Invalid URL form or fully-qualified absolute URL was used. Use relative URLs.");
   }
   std::shared_ptr<const CompiledPage> page = runtime_.pages_.Get(*file);
+  // The other page gets a namespace of its own but the same objects: an engine of the worker's
+  // for each level of nesting, which keeps the page's compiled form as the worker's own does.
+  if (executes_.size() <= execute_depth_) {
+    executes_.push_back(std::make_unique<vbs::Engine>());
+    RegisterServerClasses(executes_.back()->Registry(), runtime_.connections_);
+  }
+  vbs::Engine& inner = *executes_[execute_depth_];
   const fs::path saved = c.page_file;
   c.page_file = *file;
   c.pages.push_back(page);
-  // The other page gets a namespace of its own but the same objects.
-  vbs::Engine inner;
-  RegisterServerClasses(inner.Registry(), runtime_.connections_);
+  ++execute_depth_;
+  struct Leave {
+    Worker& w;
+    PageContext& c;
+    vbs::Engine& inner;
+    const fs::path& saved;
+    ~Leave() {
+      inner.Recycle();
+      --w.execute_depth_;
+      c.pages.pop_back();
+      c.page_file = saved;
+    }
+  } leave{*this, c, inner, saved};
   inner.SetTimeout(engine_.Timeout());
   inner.vm().runtime().locale = engine_.vm().runtime().locale;
   AddIntrinsics(inner, c, true);
   try {
     if (page->ado_constants) inner.AddObject(u"ADO Type Library", AdoConstantsObject(), true);
-    inner.AddCode(page->script);
+    inner.GlobalModule().AddCodeCached(ScriptOf(page));
   } catch (const qv::Error& e) {
     RecordError(c, inner, *page, e);
-    c.pages.pop_back();
-    c.page_file = saved;
-    throw;
-  } catch (...) {
-    c.pages.pop_back();
-    c.page_file = saved;
     throw;
   }
-  c.pages.pop_back();
-  c.page_file = saved;
 }
 
 void Worker::RunPage(PageContext& c, bool new_session) {
