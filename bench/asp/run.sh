@@ -19,15 +19,7 @@ cleanup() {
 }
 trap cleanup EXIT
 
-cp -r "$here/site" "$work/site"
-{
-  echo "CREATE TABLE product (id INTEGER PRIMARY KEY, name TEXT, price REAL, note TEXT);"
-  echo "BEGIN;"
-  for i in $(seq 1 1000); do
-    echo "INSERT INTO product VALUES ($i, 'Product <$i> & co', $((i * 3)).25, 'Note \"$i\" for the list');"
-  done
-  echo "COMMIT;"
-} | sqlite3 "$work/site/products.db"
+"$here/make_site.sh" "$work/site"
 
 free_port() { python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1",0)); print(s.getsockname()[1])'; }
 

@@ -1,0 +1,62 @@
+#!/usr/bin/env bash
+# The load test under ThreadSanitizer: `quorvex serve` from a build of the `tsan` preset runs
+# the benchmark site (hello, the ADODB list page, the list page with a session, an unbuffered
+# export) and the test site (Application with its lock and global.asa's shared object,
+# sessions, Server.Execute), each with wrk on several connections at once, then stops on
+# SIGINT so that the OnEnd events run too. Fails when ThreadSanitizer reported anything.
+#
+#   cmake --preset tsan && cmake --build build-tsan --target quorvex
+#   bench/asp/tsan.sh build-tsan [seconds per page]
+set -euo pipefail
+build=${1:?usage: tsan.sh BUILD_DIR [seconds]}
+seconds=${2:-5}
+here=$(cd "$(dirname "$0")" && pwd)
+root=$(cd "$here/../.." && pwd)
+quorvex=$build/src/cli/quorvex
+work=$(mktemp -d)
+pids=()
+cleanup() {
+  for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+"$here/make_site.sh" "$work/bench"
+cp -r "$root/tests/asp/site" "$work/test"
+free_port() { python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1",0)); print(s.getsockname()[1])'; }
+
+export TSAN_OPTIONS="halt_on_error=0 second_deadlock_stack=1 log_path=$work/tsan"
+bport=$(free_port)
+"$quorvex" serve "$work/bench" --port "$bport" --workers 2 --no-access-log 2>"$work/bench.log" &
+bpid=$!
+pids+=("$bpid")
+tport=$(free_port)
+"$quorvex" serve "$work/test" --port "$tport" --workers 2 --no-access-log 2>"$work/test.log" &
+tpid=$!
+pids+=("$tpid")
+for port in "$bport" "$tport"; do
+  for _ in $(seq 1 100); do
+    curl -sf -o /dev/null "http://127.0.0.1:$port/hello.asp" && break
+    sleep 0.2
+  done
+done
+
+# Pages in pairs, so that different pages run side by side too.
+load() { wrk -t2 -c8 -d"${seconds}s" "$1" | awk -v u="$1" '/Requests\/sec/ {printf "%-60s %s req/s\n", u, $2}'; }
+load "http://127.0.0.1:$bport/hello.asp" & load "http://127.0.0.1:$bport/list.asp?page=3"; wait
+load "http://127.0.0.1:$bport/list_session.asp" & load "http://127.0.0.1:$tport/application.asp"; wait
+load "http://127.0.0.1:$tport/session.asp?case=count" & load "http://127.0.0.1:$tport/server.asp?case=execute"; wait
+for _ in 1 2 3 4; do curl -s "http://127.0.0.1:$bport/export.asp" | wc -c >/dev/null & done
+load "http://127.0.0.1:$bport/list.asp?page=9"
+wait
+
+kill -INT "$bpid" "$tpid"
+wait "$bpid" "$tpid" || true
+pids=()
+reports=$(cat "$work"/tsan.* 2>/dev/null | grep -c '^WARNING: ThreadSanitizer' || true)
+if [ "$reports" != 0 ]; then
+  cat "$work"/tsan.*
+  echo "ThreadSanitizer: $reports reports"
+  exit 1
+fi
+echo "ThreadSanitizer: no reports"
