@@ -183,6 +183,7 @@ TEST_F(SecureApp, PasswordsAreHashedAndFailedLoginsSlowDown) {
   const std::string hash = Sql("SELECT Password FROM AppUser WHERE Login = 'margaret'");
   EXPECT_EQ(hash.substr(0, 10), "$argon2id$");
   EXPECT_EQ(Login("margaret", "margaret-pw").status, 302);
+  EXPECT_EQ(Sql("SELECT Password FROM AppUser WHERE Login = 'margaret'"), hash);
   EXPECT_EQ(Login("admin", "admin-pw").status, 302);
 
   // Three failures of a name are free; then even the right password waits.
