@@ -29,7 +29,10 @@ class SecureApp : public ::testing::Test {
         "Password TEXT, Email TEXT, Level TEXT DEFAULT 'Agent', RepId INTEGER);"
         "INSERT INTO AppUser VALUES (1, 'andrew', 'manager-pw', 'andrew@x.org', 'Manager', 1),"
         "(2, 'jane', 'jane-pw-3', 'jane@x.org', 'Agent', 3),"
-        "(3, 'margaret', 'margaret-pw', 'margaret@x.org', 'Agent', 4);";
+        "(3, 'margaret', 'margaret-pw', 'margaret@x.org', 'Agent', 4);"
+        // Customer 3 can't be deleted: a deletion of several that includes it rolls back.
+        "CREATE TRIGGER keep3 BEFORE DELETE ON Customer WHEN OLD.CustomerId = 3 "
+        "BEGIN SELECT RAISE(ABORT, 'kept'); END;";
     ASSERT_EQ(
         std::system(("sqlite3 " + (dir / "chinook.sqlite").string() + " \"" + sql + "\"").c_str()),
         0);
@@ -251,6 +254,10 @@ TEST_F(SecureApp, AuditTrailHasOneWholeLinePerChange) {
                                           "&x_FirstName=Ada&x_LastName=Lovelace&x_Email=ada%40x.org"
                                           "&x_SupportRepId=4");
   ASSERT_EQ(r.status, 302) << r.body;
+  // Deleting it with a customer that can't go deletes neither and writes no line.
+  r = app_->Post("/Customerdelete.asp", "qvtoken=" + token + "&qvconfirm=1&key=" + key + "&key=3");
+  EXPECT_EQ(r.status, 200);
+  EXPECT_EQ(Sql("SELECT LastName FROM Customer WHERE CustomerId = " + key), "Lovelace");
   r = app_->Post("/Customerdelete.asp", "qvtoken=" + token + "&qvconfirm=1&key=" + key);
   ASSERT_EQ(r.status, 302) << r.body;
   // A table without an audit trail writes none.
