@@ -176,15 +176,6 @@ Check Err.Source, "Account", "keeps its source"
 Check Err.Description, "negative", "and its description"
 On Error GoTo 0
 Check acct.Balance, 15, "the failed Let changed nothing"
-Class Bag
-  Public Items
-  Public Default Property Get Item(i)
-    Item = Items(i)
-  End Property
-End Class
-Set b = New Bag
-b.Items = Array("a", "b")
-CheckEach Array("b(1)", "b", "b.Items(0)", "a")
 Class Node
   Public Value
   Public NextNode
@@ -197,10 +188,6 @@ Set n1.NextNode = n2
 Check n1.NextNode.Value, 2, "chained member access"
 n1.NextNode.Value = 20
 CheckEach Array("n2.Value", 20, "TypeName(n2.NextNode)", "Empty", "IsObject(n1.NextNode)", True)
-Dim e
-Check TypeName(e), "Empty", "a declared variable starts Empty"
-Set e = Nothing
-CheckEach Array("TypeName(e)", "Nothing", "e Is Nothing", True)
 CheckError "Set x = 5", 424, "Set with a non-object"
 
 ' --- Class members as Windows binds them: properties with several arguments, default members
