@@ -97,7 +97,7 @@ For Each v In grid
 Next
 Check t, "abcd", "For Each goes down the first index first"
 nested = Array(Array(1, 2), Array(3))
-CheckEach Array("nested(0)(1)", 2, "UBound(nested(1))", CLng(0), "UBound(Array())", CLng(-1))
+CheckEach Array("UBound(nested(1))", CLng(0), "UBound(Array())", CLng(-1))
 Function MakeArrayOf()
   MakeArrayOf = Array(1, 2, 3)
 End Function

@@ -100,13 +100,6 @@ For Each v In Array("a", "b", "c")
   s = s & v
 Next
 Check s, "abc", "For Each over an array"
-Dim grid(1, 1)
-grid(0, 0) = 1 : grid(1, 0) = 2 : grid(0, 1) = 3 : grid(1, 1) = 4
-s = ""
-For Each v In grid
-  s = s & v
-Next
-Check s, "1234", "For Each over two dimensions, first index fastest"
 Set d = CreateObject("Scripting.Dictionary")
 d.Add "k1", 1
 d.Add "k2", 2
