@@ -37,6 +37,7 @@ void ApplyToRecord(const std::vector<ColumnFacts>& columns, TySchemaTable& table
     if (table.FindField(column.name)) {
       table.TblGen = false;
       table.read_error = u"two of its columns are named " + column.name;
+      table.repeated_column = column.name;
       continue;
     }
     TySchemaField& field = table.TblFields.fld[static_cast<size_t>(kept)];
@@ -52,6 +53,7 @@ void ApplyToRecord(const std::vector<ColumnFacts>& columns, TySchemaTable& table
     // Unknown means auto-incrementing here: the flag's test failed into its true branch in
     // the reader that projects were made with, and their checks rely on it.
     field.FldAutoIncrement = column.auto_increment.value_or(true);
+    field.auto_increment_known = column.auto_increment.has_value();
   }
   table.TblFldCnt = kept;
 }
@@ -68,6 +70,21 @@ bool ApplyToField(const ColumnFacts& column, TyxField& field) {
   field.SetFldAutoIncrement(*column.auto_increment);
   field.LoadFldDefault();
   return true;
+}
+
+std::vector<ColumnFacts> ColumnFactsOf(const TySchemaTable& table) {
+  std::vector<ColumnFacts> columns;
+  columns.reserve(static_cast<size_t>(table.TblFldCnt));
+  for (int16_t i = 0; i < table.TblFldCnt; ++i) {
+    const TySchemaField& field = table.TblFields.fld[static_cast<size_t>(i)];
+    ColumnFacts& column = columns.emplace_back();
+    column.name = field.FldName;
+    column.type = field.FldType;
+    column.defined_size = field.FldSize;
+    column.attributes = field.FldAttribute;
+    if (field.auto_increment_known) column.auto_increment = field.FldAutoIncrement;
+  }
+  return columns;
 }
 
 void ApplyToTable(const std::vector<ColumnFacts>& columns, TyxTable& table,

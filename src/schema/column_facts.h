@@ -35,6 +35,9 @@ std::vector<ColumnFacts> ReadColumnFacts(const data::Recordset& rs);
 // makes the record's TblGen False. TblFldCnt counts the columns kept.
 void ApplyToRecord(const std::vector<ColumnFacts>& columns, TySchemaTable& table);
 
+// The columns a record kept, as they were read: what a project table is built from.
+std::vector<ColumnFacts> ColumnFactsOf(const TySchemaTable& table);
+
 // A project field from one column (the body of LoadFld_ADO): name, type with its support and
 // quotes, size, the fixed facts of the ADO path, and then its defaults. Returns False when the
 // auto-increment flag couldn't be read: the field then keeps its old flag and lacks defaults.

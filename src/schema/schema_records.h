@@ -28,6 +28,9 @@ struct TySchemaField {
   String FldQuoteS;
   String FldQuoteE;
   String FldCaption;
+  // False when the provider couldn't tell whether the column auto-increments: the record then
+  // says it does, while a project field built from it keeps its old flag (see column_facts.h).
+  bool auto_increment_known = true;
 };
 
 struct TySchemaFields {
@@ -48,6 +51,10 @@ struct TySchemaTable {
   TySchemaFields TblFields;
   // Why TblGen is False, in the database's own words where it gave any; for a host's listing.
   String read_error;
+  // Whether the probe for the columns opened; TblGen alone can't tell that from a repeat.
+  bool columns_read = false;
+  // The last column name that the table repeats, or "".
+  String repeated_column;
 
   // The kept field of that exact name among the first TblFldCnt, or nullptr.
   TySchemaField* FindField(StringView name);

@@ -1,10 +1,7 @@
-// The ADO table loader.
+// The ADO table loader: a project table from its schema record.
 #include "schema/table_loader.h"
 
-#include "automation/convert.h"
 #include "schema/column_facts.h"
-#include "schema/key_reader.h"
-#include "schema/probe.h"
 #include "support/tyx_functions.h"
 #include "support/tyx_vars.h"
 
@@ -12,45 +9,31 @@ namespace qv {
 
 namespace {
 
-class FieldKeySink : public KeySink {
- public:
-  explicit FieldKeySink(TyxFields& fields) : fields_(fields) {}
-  void MarkPrimaryKey(StringView column) override {
-    if (TyxField* f = Find(column)) f->SetFldIsPrimaryKey(true);
-  }
-  void MarkRequired(StringView column) override {
-    if (TyxField* f = Find(column)) {
-      f->SetFldReq(true);
-      f->SetFldRequired(true);
-    }
-  }
-  void MarkUnique(StringView column) override {
-    if (TyxField* f = Find(column)) f->SetFldUniqueIdx(true);
-  }
-
- private:
-  TyxField* Find(StringView column) { return fields_.list().ByName(column); }
-  TyxFields& fields_;
-};
-
-String TextOf(const data::Recordset& rs, StringView column) {
-  const Variant& v = rs.Fields(column).Value();
-  return v.is_null() || v.is_empty() ? String() : ToString(v);
+// The fields built from the record's columns, with their defaults; a repeated name leaves its
+// words in TblError, the last repeat's words standing.
+void LoadFields(TyxTable& table, const TySchemaTable& record) {
+  const auto repeated = [&table](StringView name) {
+    table.SetTblGen(false);
+    table.SetTblError(DuplicateColumnText(name));
+  };
+  ApplyToTable(ColumnFactsOf(record), table, repeated);
+  if (!record.repeated_column.empty()) repeated(record.repeated_column);
 }
 
-// Probes the table and loads its columns; False when the probe could not be opened.
-bool LoadFields(TyxTable& table, data::Connection& cn) {
-  data::Recordset probe;
-  try {
-    probe.Open(ProbeStatement(Vars().CurrentTableSchema, table.TblName()), cn);
-  } catch (const Error&) {
-    return false;
+// The key, required and unique marks the record's key rowsets gave, set after the fields'
+// defaults as the rowsets were always read: a mark isn't undone by a default.
+void MarkKeys(TyxFields& fields, const TySchemaTable& record) {
+  for (int16_t i = 0; i < record.TblFldCnt; ++i) {
+    const TySchemaField& column = record.TblFields.fld[static_cast<size_t>(i)];
+    TyxField* field = fields.list().ByName(column.FldName);
+    if (!field) continue;
+    if (column.FldIsPrimaryKey) field->SetFldIsPrimaryKey(true);
+    if (column.FldReq) {
+      field->SetFldReq(true);
+      field->SetFldRequired(true);
+    }
+    if (column.FldUniqueIdx) field->SetFldUniqueIdx(true);
   }
-  ApplyToTable(ReadColumnFacts(probe), table, [&](const String& name) {
-    table.SetTblError(DuplicateColumnText(name));  // a later repeat replaces the words
-  });
-  probe.Close();
-  return true;
 }
 
 }  // namespace
@@ -61,27 +44,26 @@ String DuplicateColumnText(StringView column) {
          u"names to ensure correct generation!";
 }
 
-void Load_ADO(TyxTable& table, data::Connection& cn, const data::Recordset& rs,  // NOLINT
-              bool load_all) {
-  const int32_t kind = DatabaseKind(Vars().CurrentDbmsName);
-  table.SetTblName(TextOf(rs, u"TABLE_NAME"));
-  table.SetTblType(TextOf(rs, u"TABLE_TYPE"));
+void Load_ADO(TyxTable& table, const TySchemaTable& record, bool load_all,  // NOLINT
+              int32_t kind) {
+  table.SetTblName(record.TblName);
+  table.SetTblType(record.TblType);
   if (load_all && Vars().DynamicLoadDB) {
     table.SetTblGen(false);
     table.SetTblLoaded(false);
     return;
   }
   table.SetTblGen(true);
-  if (LoadFields(table, cn)) {
+  if (record.columns_read) {
+    LoadFields(table, record);
     table.SetTblLoaded(true);
   } else {
     table.SetTblGen(false);
   }
   if (table.TblType() == u"TABLE") {
-    FieldKeySink sink(table.Fields());
-    if (std::optional<String> key = ReadTableKeys(cn, table.TblName(), kind, sink)) {
-      table.SetTblKey(*key);
-    }
+    MarkKeys(table.Fields(), record);
+    // Access's key comes from its indexes, and a table without one keeps the key it had.
+    if (kind != kDbAccess || !record.TblKey.empty()) table.SetTblKey(record.TblKey);
   }
   table.LoadTableDefault();
 }

@@ -1,19 +1,20 @@
-// Load_ADO: one table or view of the ADO table rowset loaded into a project table: its name
-// and type, then (unless a dynamic full load only lists it) its fields through a probe, its
-// key, required and unique columns, and its defaults. Nothing here ends the load: a probe that
-// fails leaves the table without fields and TblGen False.
+// Load_ADO: one table or view of a schema read turned into a project table: its name and
+// type, then (unless a dynamic full load only lists it) its fields with their defaults, its
+// key, required and unique columns, and its own defaults. Nothing here ends the load: a table
+// whose probe failed stays without fields and with TblGen False.
 #pragma once
 
+#include <cstdint>
+
 #include "model/table.h"
-#include "platform/data/connection.h"
-#include "platform/data/recordset.h"
+#include "schema/schema_records.h"
 
 namespace qv {
 
-// `rs` stands on the table's row; `load_all` is True on a full load, False when exactly this
-// table is wanted. The owner of the row is the shared CurrentTableSchema.
-void Load_ADO(TyxTable& table, data::Connection& cn, const data::Recordset& rs,  // NOLINT
-              bool load_all);
+// `load_all` is True on a full load, False when exactly this table is wanted; `kind` is the
+// DatabaseKind of the source.
+void Load_ADO(TyxTable& table, const TySchemaTable& record, bool load_all,  // NOLINT
+              int32_t kind);
 
 // The text of TblError for a column name that a table repeats.
 String DuplicateColumnText(StringView column);

@@ -99,9 +99,13 @@ int16_t TyxSchema::ReadAdoSchema(StringView db_type, StringView db_name, StringV
                                  StringView pwd, StringView conn_str, StringView schema) {
   data::Connection cn;
   return UnderConnectionHandler(cn, [&]() -> int16_t {
-    AdoSourceRequest request{String(db_type),   String(db_name),  String(uid),
-                             String(pwd),       String(conn_str), /*record_reader=*/true,
-                             /*full_load=*/true};
+    AdoSourceRequest request{String(db_type),
+                             String(db_name),
+                             String(uid),
+                             String(pwd),
+                             String(conn_str),
+                             /*record_reader=*/!scope_.for_project,
+                             scope_.only_table.empty()};
     AdoSourceFacts facts;
     if (!OpenAdoSource(cn, request, facts)) return 1;
     db_.DBName = db_name;
@@ -130,14 +134,16 @@ int16_t TyxSchema::ReadAdoSchema(StringView db_type, StringView db_name, StringV
 
 int16_t TyxSchema::ReadTablesAndKeys(data::Connection& cn, StringView uid, StringView schema) {
   TyxStatus& status = SharedStatus();
-  status.DispStatus(Variant(String(u"Loading Database Tables/Views...")));
+  // A read of one table is part of a load that showed its progress already.
+  const bool whole = scope_.only_table.empty();
+  if (whole) status.DispStatus(Variant(String(u"Loading Database Tables/Views...")));
   std::unique_ptr<data::Recordset> rs = cn.OpenSchema(data::adSchemaTables);
   const int32_t total = rs->RecordCount();
   if (kind_ == kDbOracle) {
     String current = TextOrEmpty(CurrentSchema);
     if (!schema.empty()) {
       current = schema;
-    } else {
+    } else if (whole) {
       ChooseOracleSchema(*rs, uid, current, SchemaList);
     }
     CurrentSchema = Variant(current);
@@ -154,35 +160,38 @@ int16_t TyxSchema::ReadTablesAndKeys(data::Connection& cn, StringView uid, Strin
       const String owner = TextOrEmpty(rs->Fields(u"TABLE_SCHEMA").Value());
       const String name = TextOrEmpty(rs->Fields(u"TABLE_NAME").Value());
       const String type = TextOrEmpty(rs->Fields(u"TABLE_TYPE").Value());
-      const bool kept =
-          (type == u"TABLE" || type == u"VIEW") && (kind_ != kDbOracle || owner == current_schema);
+      const bool kept = (type == u"TABLE" || type == u"VIEW") &&
+                        (kind_ != kDbOracle || owner == current_schema) &&
+                        (whole || name == scope_.only_table);
       if (kept) {
         ++count;
         TySchemaTable& table = db_.tables.Tbl.emplace_back();
-        status.DispStatus(Variant(u"Loading " + type + u" " + name + u"..."));
+        if (whole) status.DispStatus(Variant(u"Loading " + type + u" " + name + u"..."));
         table.TblSeq = count;
         table.TblGen = true;
         table.TblName = name;
         table.TblType = type;
         table.TblUpdatable = true;
         probing = true;
-        ReadColumns(cn, table, owner);
+        Vars().CurrentTableSchema = owner;
+        if (scope_.columns) ReadColumns(cn, table, owner);
       }
     } catch (const Error&) {
-      if (!probing) throw;
+      if (!probing || scope_.for_project) throw;
     }
     ++done;
-    status.SetStatus(Variant(PercentOf(done, total)));
+    if (whole) status.SetStatus(Variant(PercentOf(done, total)));
     try {
       rs->MoveNext();
     } catch (const Error&) {
-      if (!probing) throw;
+      if (!probing || scope_.for_project) throw;
       break;
     }
   }
   rs->Close();
   db_.DBTblCnt = count;
 
+  if (!scope_.columns) return 0;
   for (TySchemaTable& table : db_.tables.Tbl) {
     if (table.TblType == u"TABLE") ReadKeys(cn, table);
   }
@@ -198,6 +207,7 @@ void TyxSchema::ReadColumns(data::Connection& cn, TySchemaTable& table, StringVi
     table.read_error = e.description();
     return;
   }
+  table.columns_read = true;
   ApplyToRecord(ReadColumnFacts(probe), table);
   probe.Close();
 }

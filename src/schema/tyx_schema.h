@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "automation/string.h"
@@ -17,13 +18,31 @@
 
 namespace qv {
 
+// How much of a source a read takes in, and for whom. The defaults are the difference
+// check's: every table and view with its columns and keys.
+struct SchemaReadScope {
+  // False: the names and types only, as a dynamic load lists its tables.
+  bool columns = true;
+  // Not empty: only the table or view of this exact name, without the source's own facts or
+  // the progress of a whole read.
+  String only_table;
+  // The read fills a project (LoadDB): the provider's DBMS name is taken as it stands and
+  // kept for the field defaults, and any failure outside a probe or a key ends the read.
+  bool for_project = false;
+};
+
 class TyxSchema {
  public:
+  TyxSchema() = default;
+  explicit TyxSchema(SchemaReadScope scope) : scope_(std::move(scope)) {}
+
   int16_t tblcnt() const { return db_.DBTblCnt; }
   // A copy of table i, from 1 to tblcnt(); any other index raises 9.
   TySchemaTable Tbl(int16_t i) const;
   const TySchemaDB& db() const { return db_; }
   bool loaded() const { return loaded_ == 1; }
+  // DatabaseKind of the source, once a read has connected.
+  int32_t kind() const { return kind_; }
 
   // Reads the whole data source of the type "ODBC" or "CONNECTIONSTRING" ("ACCESS" belongs to
   // the DAO reader). `db_name` becomes "DB" for a connection string.
@@ -51,6 +70,7 @@ class TyxSchema {
   void ReadColumns(data::Connection& cn, TySchemaTable& table, StringView owner);
   void ReadKeys(data::Connection& cn, TySchemaTable& table);
 
+  SchemaReadScope scope_;
   TySchemaDB db_;
   String DbmsNameUpper;
   Variant OdbcDatabase;
