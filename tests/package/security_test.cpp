@@ -290,5 +290,52 @@ TEST_F(SecureApp, AuditTrailHasOneWholeLinePerChange) {
       << lines[2];
 }
 
+TEST_F(SecureApp, DynamicUserLevelsTakeTheirRightsFromATable) {
+  // The same application with the rights in a table of the database: letters for agents, a
+  // number (all seven rights) for managers, no row for albums.
+  const sfs::path dir = *dir_ / "dynamic";
+  sfs::create_directories(dir / "home");
+  sfs::copy_file(*dir_ / "chinook.sqlite", dir / "chinook.sqlite");
+  const std::string sql =
+      "CREATE TABLE Priv (TableName TEXT, Level TEXT, Rights TEXT);"
+      "INSERT INTO Priv VALUES ('Customer', 'Agent', 'LV'), ('Customer', 'Manager', 127);";
+  ASSERT_EQ(
+      std::system(("sqlite3 " + (dir / "chinook.sqlite").string() + " \"" + sql + "\"").c_str()),
+      0);
+  using cli_testing::Quorvex;
+  ASSERT_EQ(Quorvex(dir, {"new", "app.qvp", "--db", "sqlite:" + (dir / "chinook.sqlite").string()})
+                .status,
+            0);
+  ASSERT_EQ(Quorvex(dir, {"set", "app.qvp", "SecType=Use Table", "SecTbl=AppUser",
+                          "SecLoginIDFld=Login", "SecPasswdFld=Password"})
+                .status,
+            0);
+  ASSERT_EQ(Quorvex(dir, {"set", "app.qvp", "--database", "SecUserLevelFld=Level",
+                          "SecuUserIDFld=RepId", "UseDynamicUserLevel=True",
+                          "UserLevelPrivTbl=Priv", "UserLevelPrivTblNameFld=TableName",
+                          "UserLevelPrivUserLevelFld=Level", "UserLevelPrivPrivFld=Rights"})
+                .status,
+            0);
+  ASSERT_EQ(
+      Quorvex(dir, {"set", "app.qvp", "--table", "Customer", "TblUserIDFld=SupportRepId"}).status,
+      0);
+  ASSERT_EQ(Quorvex(dir, {"generate", "app.qvp", "--dest", "site", "--overwrite", "all"}).status,
+            0);
+  ServedApp app(dir / "site");
+  const auto login = [&app](const std::string& name, const std::string& password) {
+    const std::string token = TokenOf(app.Get("/login.asp").body);
+    return app.Post("/login.asp", "qvtoken=" + token + "&username=" + name +
+                                      "&password=" + password + "&return=default.asp");
+  };
+  ASSERT_EQ(login("jane", "jane-pw-3").status, 302);
+  EXPECT_TRUE(Has(app.Get("/Customerlist.asp").body, "Records 1 to 20 of 21"));
+  EXPECT_EQ(app.Get("/Customeredit.asp?key=1").status, 403);
+  EXPECT_EQ(app.Get("/Albumlist.asp").status, 403);
+  app.cookie.clear();
+  ASSERT_EQ(login("andrew", "manager-pw").status, 302);
+  EXPECT_TRUE(Has(app.Get("/Customerlist.asp").body, "Records 1 to 20 of 59"));
+  EXPECT_EQ(app.Get("/Customeredit.asp?key=2").status, 200);
+}
+
 }  // namespace
 }  // namespace qv::package_testing

@@ -44,6 +44,14 @@ Function qvSecConstants()
   s = s & "Const qvSecChangePwd = " & CStr(qvSecFlag(PROJ.SecChangePwdPage)) & vbCrLf
   s = s & "Const qvSecForgotPwd = " & CStr(qvSecFlag(PROJ.SecForgetPwdPage)) & vbCrLf
   s = s & "Const qvAuditPath = " & qvQuoteVBS(qvSecAuditFolder()) & vbCrLf
+  ' Rights kept in a table of the database, per table and level, instead of TblSecurity.
+  s = s & "Const qvSecDynamic = " & CStr(qvSecFlag(qvSecDbSetting("UseDynamicUserLevel")) And _
+      qvSecDbSetting("UserLevelPrivTbl") <> "" And qvSecDbSetting("UserLevelPrivTblNameFld") <> "" And _
+      qvSecDbSetting("UserLevelPrivUserLevelFld") <> "" And qvSecDbSetting("UserLevelPrivPrivFld") <> "") & vbCrLf
+  s = s & "Const qvSecPrivTbl = " & qvQuoteVBS(qvSecDbSetting("UserLevelPrivTbl")) & vbCrLf
+  s = s & "Const qvSecPrivTblNameFld = " & qvQuoteVBS(qvSecDbSetting("UserLevelPrivTblNameFld")) & vbCrLf
+  s = s & "Const qvSecPrivLevelFld = " & qvQuoteVBS(qvSecDbSetting("UserLevelPrivUserLevelFld")) & vbCrLf
+  s = s & "Const qvSecPrivFld = " & qvQuoteVBS(qvSecDbSetting("UserLevelPrivPrivFld")) & vbCrLf
   qvSecConstants = qvIndentLines(s)
 End Function
 
