@@ -110,7 +110,7 @@ TEST_F(ChinookApp, EveryPageAnswersAndListsPageSortAndSearch) {
   // The search text is a parameter: quotes and wildcards find nothing and break nothing.
   r = app_->Get("/Artistlist.asp?q=AC%2FDC");
   EXPECT_TRUE(Has(r.body, "Records 1 to 1 of 1"));
-  r = app_->Get("/Artistlist.asp?q=AC%2FDC&export=csv");
+  r = app_->Get("/Artistexport.asp?q=AC%2FDC&export=csv");
   EXPECT_EQ(r.Header("Content-Type").substr(0, 8), "text/csv");
   EXPECT_EQ(r.body, "Artist Id,Name\r\n1,AC/DC\r\n");
   r = app_->Get("/Artistlist.asp?q=%27%20OR%201%3D1%20--");

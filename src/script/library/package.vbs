@@ -76,6 +76,7 @@ Function qvHasPage(tbl, page)
     Case "copy": qvHasPage = tbl.TblAdd And tbl.TblCopy And editable
     Case "edit": qvHasPage = tbl.TblEdit And editable
     Case "delete": qvHasPage = tbl.TblDelete And editable
+    Case "export": qvHasPage = tbl.TblList
     Case "search": qvHasPage = tbl.TblList And (UCase(tbl.TblSrchType) = "ADVANCED" Or UCase(tbl.TblSrchType) = "BOTH")
   End Select
 End Function

@@ -11,6 +11,7 @@ Function qvSearchTableDef(t)
   If kind = "ADVANCED" Or kind = "BOTH" Then
     If qvHasPage(t, "list") Then s = s & qvDefLine("qvTbl", "SearchPage", qvPageName(t, "search"), "")
   End If
+  If qvHasPage(t, "export") Then s = s & qvDefLine("qvTbl", "ExportPage", qvPageName(t, "export"), "")
   s = s & qvDefLine("qvTbl", "ExportExcel", CBool(t.TblExportExcel), False)
   s = s & qvDefLine("qvTbl", "ExportWord", CBool(t.TblExportWord), False)
   s = s & qvDefLine("qvTbl", "ExportXml", CBool(t.TblExportXml), False)
