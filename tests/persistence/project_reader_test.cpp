@@ -353,7 +353,7 @@ TEST_F(LoadTest, AccentedNamesInEveryDeclaredEncoding) {
   }
 }
 
-// A project of many tables and fields with varied values survives save, load and save.
+// A project of tables and fields with varied values survives save, load and save.
 TEST_F(LoadTest, LargeGeneratedProjectRoundTrips) {
   tyx_->AddProj(u"Large");
   tyx_->SetSmtpServer(u"localhost");
@@ -366,7 +366,7 @@ TEST_F(LoadTest, LargeGeneratedProjectRoundTrips) {
   db->SetDBQuoteE(u"]");
   const AdoType types[] = {adInteger,  adVarWChar, adBoolean, adDate,         adLongVarWChar,
                            adCurrency, adGUID,     adBigInt,  adLongVarBinary};
-  constexpr int kTables = 200;
+  constexpr int kTables = 24;  // size is the benchmark's business; variety is this test's
   constexpr int kFields = 20;
   for (int t = kTables; t >= 1; --t) {  // the list order is the reverse of the user's order
     const String name = u"Table " + NumberText(t) + u" \u00e9&<>";
@@ -398,9 +398,7 @@ TEST_F(LoadTest, LargeGeneratedProjectRoundTrips) {
   EXPECT_EQ(reopened->db()->Tables().Count(), kTables);
   const String second = PathOf("large2.qvp");
   SaveProjectFile(*reopened, second);
-  const std::string a = Bytes(first);
-  EXPECT_GT(a.size(), 4u * 1000 * 1000);
-  EXPECT_EQ(FirstDifference(Bytes(second), a), "");
+  EXPECT_EQ(FirstDifference(Bytes(second), Bytes(first)), "");
 }
 
 }  // namespace

@@ -169,26 +169,6 @@ TEST_F(SchemaReaderTest, NamesWithBlanksNeedTheChosenQuotes) {
   }
 }
 
-TEST_F(SchemaReaderTest, ChinookSample) {
-  TyxSchema schema;
-  Variant name;
-  Load(schema, u"Provider=SQLite;Data Source=" + String::FromUtf8(Chinook()), name);
-  ASSERT_EQ(Vars().ProjErr, u"");
-  ASSERT_EQ(schema.tblcnt(), 11);
-  const TySchemaTable* track = FindTable(schema, u"PlaylistTrack");
-  ASSERT_NE(track, nullptr);
-  EXPECT_EQ(track->TblKey, u"PlaylistId,TrackId");
-  const TySchemaTable* invoice = FindTable(schema, u"Invoice");
-  ASSERT_NE(invoice, nullptr);
-  EXPECT_EQ(invoice->TblKey, u"InvoiceId");
-  EXPECT_EQ(invoice->TblFields.fld[0].FldName, u"InvoiceId");
-  EXPECT_TRUE(invoice->TblFields.fld[0].FldAutoIncrement);
-  const TySchemaField* date = const_cast<TySchemaTable*>(invoice)->FindField(u"InvoiceDate");
-  ASSERT_NE(date, nullptr);
-  EXPECT_EQ(date->FldType, 135);
-  EXPECT_TRUE(date->FldReq);
-}
-
 TEST_F(SchemaReaderTest, LoadDbFailuresAndRepeats) {
   const auto dir = Scratch("reader-bad");
   {
