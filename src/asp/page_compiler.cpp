@@ -483,13 +483,15 @@ bool CompiledPage::IsCurrent() const {
   return true;
 }
 
-bool NamesSession(std::u16string_view script) {
-  constexpr std::u16string_view kWord = u"session";
-  for (size_t i = 0; i + kWord.size() <= script.size(); ++i) {
+// Whether `text` has `lower` in it, without regard to the case of ASCII letters.
+bool MentionsNoCase(std::u16string_view text, std::u16string_view lower) {
+  for (size_t i = 0; i + lower.size() <= text.size(); ++i) {
     size_t n = 0;
-    while (n < kWord.size() && (script[i + n] | 0x20) == kWord[n])
+    while (n < lower.size() &&
+           (text[i + n] == lower[n] ||
+            (text[i + n] >= u'A' && text[i + n] <= u'Z' && (text[i + n] | 0x20) == lower[n])))
       ++n;
-    if (n == kWord.size()) return true;
+    if (n == lower.size()) return true;
   }
   return false;
 }
@@ -500,7 +502,7 @@ CompiledPage CompilePage(const Site& site, const fs::path& file) {
   CompiledPage page;
   page.ado_constants = merged.ado_constants;
   WriteScript(merged, page, false, nullptr);
-  page.names_session = NamesSession(page.script);
+  page.names_session = MentionsNoCase(page.script, u"session");
   page.files = std::move(merged.files);
   const std::string script = String::ToUtf8(page.script);
   page.streams = ContainsNoCase(script, "flush") || ContainsNoCase(script, "buffer");
@@ -513,6 +515,7 @@ GlobalAsa CompileGlobalAsa(const Site& site, const fs::path& file) {
   GlobalAsa out;
   out.page.ado_constants = merged.ado_constants;
   WriteScript(merged, out.page, true, &out.objects);
+  out.session_on_end = MentionsNoCase(out.page.script, u"session_onend");
   out.page.files = std::move(merged.files);
   return out;
 }

@@ -89,6 +89,7 @@ struct StaticObjectDecl {
 struct GlobalAsa {
   CompiledPage page;
   std::vector<StaticObjectDecl> objects;
+  bool session_on_end = true;  // it may define Session_OnEnd
 };
 GlobalAsa CompileGlobalAsa(const Site& site, const std::filesystem::path& file);
 

@@ -5,6 +5,7 @@
 
 #include <cassert>
 #include <charconv>
+#include <cstdio>
 #include <stdexcept>
 
 #include "asp/state_store.h"
@@ -141,8 +142,8 @@ std::string RedisAddress::Text() const {
 RedisClient::RedisClient(RedisAddress address) : address_(std::move(address)) {}
 
 RedisClient::~RedisClient() {
-  for (redisContext* c : idle_)
-    redisFree(c);
+  for (const Connection& c : idle_)
+    redisFree(c.context);
 }
 
 void RedisClient::Fail(const std::string& why) {
@@ -198,67 +199,113 @@ redisContext* RedisClient::Dial() {
   Fail(why);
 }
 
-redisContext* RedisClient::Acquire(bool& pooled) {
+RedisClient::Connection RedisClient::Acquire(bool& pooled) {
   {
     std::lock_guard guard(mutex_);
     pooled = !idle_.empty();
     if (pooled) {
-      redisContext* c = idle_.back();
+      const Connection c = idle_.back();
       idle_.pop_back();
       return c;
     }
   }
-  return Dial();
+  return {Dial(), 0};
 }
 
-void RedisClient::Release(redisContext* context) {
+void RedisClient::Release(Connection connection) {
   std::lock_guard guard(mutex_);
   if (idle_.size() < kMostIdle) {
-    idle_.push_back(context);
+    idle_.push_back(connection);
     return;
   }
-  redisFree(context);
+  // Replies still to come are those of calls that asked for none: dropping them is no loss.
+  redisFree(connection.context);
 }
+
+namespace {
+
+bool Append(redisContext* c, const RedisCommand& command) {
+  assert(!command.empty());
+  std::vector<const char*> argv;
+  std::vector<size_t> lens;
+  argv.reserve(command.size());
+  lens.reserve(command.size());
+  for (std::string_view a : command) {
+    argv.push_back(a.data());
+    lens.push_back(a.size());
+  }
+  return redisAppendCommandArgv(c, static_cast<int>(argv.size()), argv.data(), lens.data()) ==
+         REDIS_OK;
+}
+
+// The reply of a call that did not wait for it: a failure goes to the log, as nobody waits.
+void Settle(const redisReply& r) {
+  if (r.type == REDIS_REPLY_ERROR)
+    std::fprintf(stderr, "state store: Redis: %.*s\n", static_cast<int>(r.len), r.str);
+}
+
+}  // namespace
 
 std::vector<RedisReply> RedisClient::Exchange(const std::vector<RedisCommand>& commands) {
   assert(!commands.empty());
-  std::vector<const char*> argv;
-  std::vector<size_t> lens;
   // A pooled connection may have died with a Redis that went away since: such a call is
   // tried once more on a new connection before it counts as a failure. Only a connection that
   // failed before any reply came back is retried, so no command runs twice.
   for (int attempt = 0;; ++attempt) {
     bool pooled = false;
-    redisContext* c = Acquire(pooled);
+    Connection c = Acquire(pooled);
     bool sent = true;
-    for (const RedisCommand& command : commands) {
-      assert(!command.empty());
-      argv.clear();
-      lens.clear();
-      for (std::string_view a : command) {
-        argv.push_back(a.data());
-        lens.push_back(a.size());
-      }
-      if (redisAppendCommandArgv(c, static_cast<int>(argv.size()), argv.data(), lens.data()) !=
-          REDIS_OK)
-        sent = false;
-    }
+    for (const RedisCommand& command : commands)
+      sent = sent && Append(c.context, command);
+    // The replies owed to earlier calls that did not wait come first, mostly in the same read.
     std::vector<RedisReply> out;
     out.reserve(commands.size());
     while (sent && out.size() < commands.size()) {
       void* raw = nullptr;
-      if (redisGetReply(c, &raw) != REDIS_OK || !raw) break;
+      if (redisGetReply(c.context, &raw) != REDIS_OK || !raw) break;
       auto* r = static_cast<redisReply*>(raw);
-      out.push_back(Copy(*r));
+      if (c.pending > 0) {
+        --c.pending;
+        Settle(*r);
+      } else {
+        out.push_back(Copy(*r));
+      }
       freeReplyObject(r);
     }
     if (out.size() == commands.size()) {
       Release(c);
       return out;
     }
-    const std::string why = c->errstr[0] ? c->errstr : "connection lost";
-    redisFree(c);
+    const std::string why = c.context->errstr[0] ? c.context->errstr : "connection lost";
+    redisFree(c.context);
     if (pooled && attempt == 0 && out.empty()) continue;
+    Fail(why);
+  }
+}
+
+void RedisClient::EvalNoWait(std::string_view script, const std::vector<std::string_view>& keys,
+                             const std::vector<std::string_view>& args) {
+  // By its text, not its hash: a Redis that restarted since would refuse the hash, and nobody
+  // waits to load the script again.
+  const std::string count = std::to_string(keys.size());
+  RedisCommand all{"EVAL", script, count};
+  all.insert(all.end(), keys.begin(), keys.end());
+  all.insert(all.end(), args.begin(), args.end());
+  for (int attempt = 0;; ++attempt) {
+    bool pooled = false;
+    Connection c = Acquire(pooled);
+    int done = 0;
+    bool written = Append(c.context, all);
+    while (written && !done)
+      written = redisBufferWrite(c.context, &done) == REDIS_OK;
+    if (written) {
+      ++c.pending;
+      Release(c);
+      return;
+    }
+    const std::string why = c.context->errstr[0] ? c.context->errstr : "connection lost";
+    redisFree(c.context);
+    if (pooled && attempt == 0) continue;
     Fail(why);
   }
 }

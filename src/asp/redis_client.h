@@ -62,20 +62,30 @@ class RedisClient {
   // finds the hash the server knows it by.
   RedisReply Eval(std::string_view script, const std::vector<std::string_view>& keys,
                   const std::vector<std::string_view>& args);
+  // Sends a script and returns without waiting for its reply, which the connection's next
+  // call reads on the way; an error reply then goes to the log. Raises StateUnavailable only
+  // when the script cannot be sent.
+  void EvalNoWait(std::string_view script, const std::vector<std::string_view>& keys,
+                  const std::vector<std::string_view>& args);
 
   const RedisAddress& address() const { return address_; }
 
  private:
+  struct Connection {
+    redisContext* context;
+    size_t pending;  // replies owed to calls that did not wait for them
+  };
+
   std::vector<RedisReply> Exchange(const std::vector<RedisCommand>& commands);
   std::string HashOf(std::string_view script, bool reload);
-  redisContext* Acquire(bool& pooled);
-  void Release(redisContext* context);
+  Connection Acquire(bool& pooled);
+  void Release(Connection connection);
   redisContext* Dial();
   [[noreturn]] void Fail(const std::string& why);
 
   const RedisAddress address_;
   std::mutex mutex_;
-  std::vector<redisContext*> idle_;
+  std::vector<Connection> idle_;
   std::unordered_map<const char*, std::string> hashes_;  // by the script text's address
   // After a failed dial, calls fail at once for a moment instead of each waiting for its own
   // connect to time out while the server is away.

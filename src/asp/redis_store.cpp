@@ -45,25 +45,31 @@ const std::string kApplicationLock = kPrefix + "application-lock";
 const std::string kApplicationStarted = kPrefix + "application-started";
 
 // KEYS: session, hold, ends, last. ARGV: token (empty for a session made by this request,
-// which nobody else knows yet), time-out in s, cookie, mode, image. Mode s writes the image, t
-// renews the expiry of an unchanged one, d deletes an abandoned session, n leaves it as it is.
-// 0, changing nothing, when the hold is no longer the request's own.
+// which nobody else knows yet), time-out in s, cookie, mode, image, whether to keep track of
+// when the session ends (for a Session_OnEnd), SessionID. Mode s writes the image, t renews
+// the expiry of an unchanged one, d deletes an abandoned session, n leaves it as it is. A
+// request whose hold is no longer its own changes nothing, and gets an error unless it had
+// nothing to keep.
 constexpr std::string_view kCloseScript = R"lua(
-if ARGV[1] ~= '' and redis.call('get', KEYS[2]) ~= ARGV[1] then return 0 end
 local mode = ARGV[4]
-if mode == 's' or mode == 't' then
-  if mode == 's' then
-    redis.call('set', KEYS[1], ARGV[5], 'EX', ARGV[2])
-    redis.call('hset', KEYS[4], ARGV[3], ARGV[5])
-  else
-    redis.call('expire', KEYS[1], ARGV[2])
-  end
-  local now = redis.call('time')
-  redis.call('zadd', KEYS[3], now[1] * 1000 + math.floor(now[2] / 1000) + ARGV[2] * 1000, ARGV[3])
+if ARGV[1] ~= '' and redis.call('get', KEYS[2]) ~= ARGV[1] then
+  if mode == 'n' then return 0 end
+  return redis.error_reply('session ' .. ARGV[7] .. ' was held past its lease and taken ' ..
+                           'over by another request: what its request changed is not kept')
+end
+if mode == 's' then
+  redis.call('set', KEYS[1], ARGV[5], 'EX', ARGV[2])
+  if ARGV[6] == '1' then redis.call('hset', KEYS[4], ARGV[3], ARGV[5]) end
+elseif mode == 't' then
+  redis.call('expire', KEYS[1], ARGV[2])
 elseif mode == 'd' then
   redis.call('del', KEYS[1])
   redis.call('zrem', KEYS[3], ARGV[3])
   redis.call('hdel', KEYS[4], ARGV[3])
+end
+if ARGV[6] == '1' and (mode == 's' or mode == 't') then
+  local now = redis.call('time')
+  redis.call('zadd', KEYS[3], now[1] * 1000 + math.floor(now[2] / 1000) + ARGV[2] * 1000, ARGV[3])
 end
 if ARGV[1] ~= '' then redis.call('del', KEYS[2]) end
 return 1
@@ -428,6 +434,9 @@ class RedisStateStore final : public StateStore {
     return session;
   }
 
+  // The request does not wait for the reply: by the time its client sends the next request,
+  // the script has run. Should the hold have been lost, the script writes nothing and the
+  // log tells.
   void CloseSession(SessionState& session, bool keep) override {
     std::string image;
     std::string_view mode = "n";
@@ -440,16 +449,11 @@ class RedisStateStore final : public StateStore {
     }
     if (!session.hold_token.empty()) keeper_.Drop(session.hold_token);
     const std::string timeout = std::to_string(int64_t{session.timeout_minutes} * 60);
-    const RedisReply r = redis_.Eval(
+    redis_.EvalNoWait(
         kCloseScript,
         {SessionKey(session.cookie), HoldKey(session.cookie), kSessionEnds, kSessionLast},
-        {session.hold_token, timeout, session.cookie, mode, image});
-    if (r.integer == 0 && mode != "n") {
-      throw StateUnavailable(
-          "Redis: session " + std::to_string(session.id) +
-          " was held by this request past its lease and taken over; what the request changed "
-          "is not kept");
-    }
+        {session.hold_token, timeout, session.cookie, mode, image, session.watch_end ? "1" : "0",
+         std::to_string(session.id)});
   }
 
   bool EndSession(SessionState& session) override {

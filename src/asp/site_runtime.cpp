@@ -623,6 +623,8 @@ HttpResponse SiteRuntime::RunCompiledPage(const HttpRequest& request, const fs::
         end.page_file = site_.root() / "global.asa";
         worker->RunEvent(end, u"Session_OnEnd", false);
       }
+      const std::shared_ptr<const GlobalAsa> global = LastGlobalAsa();
+      c.session->watch_end = global && global->session_on_end;
       store_->CloseSession(*c.session, !unavailable);
     } catch (const StateUnavailable& e) {
       std::cerr << "state store: " << e.what() << "\n";

@@ -91,6 +91,8 @@ struct SessionState {
   // that it writes back only a session that changed, and the token of its hold.
   std::string loaded_image;
   std::string hold_token;
+  // Whether a shared store keeps track of when the session ends: only a Session_OnEnd needs it.
+  bool watch_end = true;
 
   void Touch() { last_seen = std::chrono::steady_clock::now().time_since_epoch().count(); }
   bool ExpiredAt(std::chrono::steady_clock::time_point now) const {
