@@ -5,7 +5,9 @@
 # connection goes round a pool of 256 sessions made beforehand, so that requests of one
 # session seldom wait for each other. Prints requests per second and latency, and, since a
 # shared machine's other work moves those, the requests per CPU second of the processes that
-# serve them (quorvex, and redis-server for the Redis run); then the ratios.
+# serve them (quorvex, and redis-server for the Redis run); then the ratios. The Redis store
+# keeps track of when sessions end only for a Session_OnEnd, so the site runs with Redis once
+# as it is and once with a global.asa that has one.
 #
 #   bench/scale/run.sh BUILD_DIR [seconds per run]
 set -euo pipefail
@@ -23,22 +25,18 @@ cleanup() {
 }
 trap cleanup EXIT
 
-cp -r "$root/bench/asp/site" "$work/site"
-{
-  echo "CREATE TABLE product (id INTEGER PRIMARY KEY, name TEXT, price REAL, note TEXT);"
-  echo "BEGIN;"
-  for i in $(seq 1 1000); do
-    echo "INSERT INTO product VALUES ($i, 'Product <$i> & co', $((i * 3)).25, 'Note \"$i\" for the list');"
-  done
-  echo "COMMIT;"
-} | sqlite3 "$work/site/products.db"
+"$root/bench/asp/make_site.sh" "$work/site"
+cp -r "$work/site" "$work/site-onend"
+printf '<SCRIPT LANGUAGE="VBScript" RUNAT="Server">\nSub Session_OnEnd\nEnd Sub\n</SCRIPT>\n' \
+  >"$work/site-onend/global.asa"
 
 redis_port=$("$root/scripts/scale/redis.sh" start "$work/redis")
 
-# Starts `quorvex serve` with the options given and sets `port` to where it listens.
+# Starts `quorvex serve SITE` with the options given and sets `port` to where it listens.
 serve() {
-  local log=$work/serve${#pids[@]}.log
-  "$quorvex" serve "$work/site" --port 0 --workers 2 --no-access-log "$@" >/dev/null 2>"$log" &
+  local log=$work/serve${#pids[@]}.log site=$1
+  shift
+  "$quorvex" serve "$site" --port 0 --workers 2 --no-access-log "$@" >/dev/null 2>"$log" &
   pids+=($!)
   port=
   for _ in $(seq 1 100); do
@@ -108,18 +106,27 @@ measure() {
   if grep -q "Non-2xx" <<<"$out"; then echo "  ($(grep Non-2xx <<<"$out" | xargs))"; fi
 }
 
-serve
+serve "$work/site"
 memory_port=$port
 memory_pid=${pids[-1]}
-serve --state "redis://127.0.0.1:$redis_port"
+serve "$work/site" --state "redis://127.0.0.1:$redis_port"
 redis_port_q=$port
 redis_pids=("${pids[-1]}" "$(cat "$work/redis/redis.pid")")
+serve "$work/site-onend" --state "redis://127.0.0.1:$redis_port"
+onend_port=$port
+onend_pids=("${pids[-1]}" "$(cat "$work/redis/redis.pid")")
 sessions "$memory_port" "$work/memory.lua"
 sessions "$redis_port_q" "$work/redis.lua"
+sessions "$onend_port" "$work/onend.lua"
 [ "$(grep -c ASPSESSIONID "$work/redis.lua")" -eq 256 ] || { echo "sessions were not made" >&2; exit 1; }
 
+ratio() {
+  awk -v l="$1" -v m="$memory" -v r="$rps" -v mc="$memory_cpu" -v rc="$per_cpu" \
+    'BEGIN { printf "%s / memory: %.0f %% of the requests per second, %.0f %% per CPU second\n", l, 100 * r / m, 100 * rc / mc }'
+}
 measure "list_session.asp, sessions in memory" "$memory_port" "$work/memory.lua" "$memory_pid"
 memory=$rps memory_cpu=$per_cpu
 measure "list_session.asp, sessions in Redis" "$redis_port_q" "$work/redis.lua" "${redis_pids[@]}"
-awk -v m="$memory" -v r="$rps" -v mc="$memory_cpu" -v rc="$per_cpu" \
-  'BEGIN { printf "Redis / memory: %.0f %% of the requests per second, %.0f %% per CPU second\n", 100 * r / m, 100 * rc / mc }'
+ratio "Redis"
+measure "the same with a Session_OnEnd" "$onend_port" "$work/onend.lua" "${onend_pids[@]}"
+ratio "Redis with Session_OnEnd"
