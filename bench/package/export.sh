@@ -65,7 +65,7 @@ for t in small orders; do
   n=$(sqlite3 export.db "SELECT COUNT(*) FROM $t")
   for f in csv excel word xml html; do
     before=$(cpu)
-    out=$(curl -s -o body.out -w '%{http_code} %{time_total} %{size_download}' "$base/${t}list.asp?export=$f")
+    out=$(curl -s -o body.out -w '%{http_code} %{time_total} %{size_download}' "$base/${t}export.asp?export=$f")
     read -r status secs bytes <<<"$out"
     [ "$status" = 200 ] || { echo "$t $f: HTTP $status: $(tail -n 3 serve.log)"; continue; }
     lines=$(grep -c '' body.out)
