@@ -15,6 +15,7 @@
 #include "automation/convert.h"
 #include "automation/error.h"
 #include "cli/commands.h"
+#include "cli/host_charts.h"
 #include "cli/host_project.h"
 #include "platform/prompter.h"
 #include "support/data_folder.h"
@@ -114,6 +115,11 @@ std::string Seconds(std::chrono::steady_clock::duration elapsed) {
 void RunGenerate(const GenerateOptions& options) {
   Ref<Tyx> tyx = PrepareProject(options);
   TyxVars& vars = Vars();
+  vars.HostCharts = ChartsObject(LoadCharts(ChartFilePath(options.project_file)));
+  // The charts go with the run, not with the process's last destructors.
+  struct DropCharts {
+    ~DropCharts() { Vars().HostCharts = nullptr; }
+  } drop_charts;
   if (options.overwrite == "ask") tyx->SetPromptOnOverwrite(true);
   if (options.overwrite == "all") vars.OverwritePreset = u"O";
   if (options.overwrite == "skip") vars.OverwritePreset = u"S";

@@ -21,6 +21,7 @@ void AddEvalCommand(CLI::App& app);
 void AddSetCommand(CLI::App& app);
 void AddDefaultsCommand(CLI::App& app);
 void AddExtensionCommand(CLI::App& app);
+void AddChartCommand(CLI::App& app);
 void AddCheckCommand(CLI::App& app);
 void AddSyncCommand(CLI::App& app);
 void AddGenerateCommand(CLI::App& app);

@@ -26,6 +26,7 @@ int main(int argc, char** argv) {
   qv::cli::AddSetCommand(app);
   qv::cli::AddDefaultsCommand(app);
   qv::cli::AddExtensionCommand(app);
+  qv::cli::AddChartCommand(app);
   qv::cli::AddGenerateCommand(app);
   qv::cli::AddEvalCommand(app);
   qv::cli::AddScriptCommand(app);

@@ -21,6 +21,7 @@
 #include "support/data_folder.h"
 #include "support/status.h"
 #include "support/tyx_vars.h"
+#include "vbscript/engine.h"
 
 namespace qv {
 
@@ -218,6 +219,7 @@ void StartScriptHost(Tyx& tyx) {
     vars.TheScript = host;
     host->Initialize(Ref<Object>(&tyx), Ref<Object>(FirstDatabase(tyx)),
                      Ref<Object>(&RunControlList()), Ref<Object>(&RunLanguage()));
+    host->engine().AddObject(u"CHARTS", vars.HostCharts);
   }
   TyScript* script = CurrentScript();
   for (const Ref<TyxExtension>& extension : ExtensionsInOrder(tyx)) {

@@ -76,7 +76,7 @@ struct TyxVars {
   String CurrentDbmsName;     // DBDBMSName of the database: decides DatabaseKind
   String CurrentTableSchema;  // TABLE_SCHEMA of the schema row at hand
   String OracleConnStr;       // the Oracle connection form, for generated code
-  String StatusTitle;  // title text of the status window
+  String StatusTitle;         // title text of the status window
 
   // ---- System code page (LoadSystemCharset) ----
   Variant SystemCodePage;  // the code page as text: "65001" here
@@ -135,6 +135,9 @@ struct TyxVars {
   Ref<Object> TheLang;      // the language file (TyxLanguage)
   Ref<Object> TheControls;  // the project's control list (TyxControls) of the run, or null
   Ref<Object> Status;       // the status surface (TyxStatus), created on first use
+  // What the host hands to the templates of its runs as CHARTS (charts live outside the
+  // project); null gives them Nothing.
+  Ref<Object> HostCharts;
 
   // ---- Hooks that higher layers install ----
   SysCodeProvider GetCode;  // the system script text behind TyxStatus.GetSysCode
