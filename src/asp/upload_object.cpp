@@ -224,9 +224,12 @@ std::string StoreUpload(const fs::path& site_root, const fs::path& folder, std::
   std::error_code ec;
   const fs::path where = fs::weakly_canonical(folder, ec);
   const fs::path root = fs::weakly_canonical(site_root, ec);
-  if (ec || !fs::is_directory(where, ec)) Refuse("The upload folder does not exist.");
+  if (ec) Refuse("The upload folder does not exist.");
   const auto [end, _] = std::mismatch(root.begin(), root.end(), where.begin(), where.end());
   if (root.empty() || end != root.end()) Refuse("The upload folder lies outside the site.");
+  // A folder of the site that nobody has stored into yet is made on the first upload.
+  fs::create_directories(where, ec);
+  if (!fs::is_directory(where, ec)) Refuse("The upload folder does not exist.");
   const size_t dot = name.rfind('.');
   const std::string stem = dot == std::string::npos ? name : name.substr(0, dot);
   const std::string ext = dot == std::string::npos ? std::string() : name.substr(dot);

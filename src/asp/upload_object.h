@@ -31,7 +31,8 @@ std::string SafeFileName(std::string_view sent);
 // (".asp", ".asa", ".inc", ...). Such names are never stored, whatever a page allows.
 bool IsServerFileName(std::string_view name);
 
-// Writes `data` as a new file in `folder` (which must lie inside `site_root`) under
+// Writes `data` as a new file in `folder` (which must lie inside `site_root`, and is made when
+// missing) under
 // SafeFileName(sent), numbered "name-1.ext", "name-2.ext", ... when the name is taken, and
 // returns the name it got. Raises with the reason when the name is unsafe or the folder
 // wrong; the file is created exclusively, so two requests never share one.

@@ -560,7 +560,8 @@ If Err.Number <> 0 Then Response.Write "err=" & Err.Description Else Response.Wr
   EXPECT_TRUE(post("evil.asp", up).ends_with("err=Files of this type are never stored: evil.asp"));
   EXPECT_TRUE(post("x.png", root.parent_path().string())
                   .ends_with("err=The upload folder lies outside the site."));
-  EXPECT_TRUE(post("x.png", up + "/missing").ends_with("err=The upload folder does not exist."));
+  EXPECT_TRUE(post("x.png", (root / "store.asp").string())
+                  .ends_with("err=The upload folder does not exist."));
   EXPECT_FALSE(fs::exists(root / "up" / "evil.asp"));
   EXPECT_EQ(Get(site.port, "/up/Cat.PNG").status, 200);
   fs::remove_all(root);

@@ -7,13 +7,13 @@ Function qvApiQuote(s)
   out = ""
   For i = 1 To Len(s)
     c = Mid(s, i, 1)
-    Select Case AscW(c)
-      Case 34: out = out & "\"""
-      Case 92: out = out & "\\"
-      Case 60: out = out & "\u003c"
-      Case 0 To 31: out = out & "\u" & Right("000" & Hex(AscW(c)), 4)
-      Case Else: out = out & c
-    End Select
+    If c = """" Or c = "\" Then
+      out = out & "\" & c
+    ElseIf AscW(c) < 32 Or c = "<" Then
+      out = out & "\u" & Right("000" & Hex(AscW(c)), 4)
+    Else
+      out = out & c
+    End If
   Next
   qvApiQuote = """" & out & """"
 End Function

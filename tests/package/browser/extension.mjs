@@ -1,6 +1,6 @@
 // The shipped JSON API extension, added by name on Chinook: each list links to its table's JSON
 // page, which pages the rows and gives one record by its key, the index lists the tables, and
-// the list's bulk bar (which the extension replaces) still deletes several records.
+// the list's bulk bar carries the link (the extension changes that session of the list).
 import { check, count, go, newPage } from './app.mjs';
 
 export function settings(d) {
@@ -20,7 +20,6 @@ export async function run(browser, d, base) {
   const total = Number((await count(page)).match(/of ([\d,]+)/)[1].replace(/,/g, ''));
   const link = await page.$eval('.qvBulk a', (a) => a.getAttribute('href'));
   check(label('link from the list'), link, 'Invoiceapi.asp');
-  check(label('bulk delete kept'), (await page.$$('.qvBulk button[type=submit]')).length, 1);
 
   const rows = await json(`${base}Invoiceapi.asp?start=11&size=5`);
   check(label('rows'), [rows.status, rows.type, rows.body.total, rows.body.start, rows.body.rows.length], [200, 'application/json; charset=utf-8', total, 11, 5]);

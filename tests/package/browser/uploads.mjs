@@ -11,7 +11,7 @@ import { artefacts, check, go, newPage, submit } from './app.mjs';
 export function settings(d) {
   if (d.name !== 'sqlite') return [];
   return [
-    ['set', 'app.qvp', '--table', 'Employee', '--field', 'Fax', 'FldHtmlTag=FILE', 'FldViewTag=IMAGE', 'FldTagImgWidth=40', 'FldUploadPath=pictures'],
+    ['set', 'app.qvp', '--table', 'Employee', '--field', 'Fax', 'FldHtmlTag=FILE', 'FldViewTag=IMAGE', 'FldTagImgWidth=40', 'FldUploadPath=pictures/staff'],
     ['chart', 'add', 'app.qvp', 'Invoice', 'Sales by country', 'ChartXFldName=BillingCountry', 'ChartYFldName=Total', 'ChartSortType=4'],
     ['chart', 'add', 'app.qvp', 'Invoice', 'Share', 'ChartXFldName=BillingCountry', 'ChartType=6', 'ChartPosition=2'],
   ];
@@ -69,14 +69,15 @@ export async function run(browser, d, base) {
   check(label('saved'), page.url().endsWith('Employeelist.asp'), true);
   const img = await page.$$eval('table.qvGrid img.qvImage', (imgs) =>
     imgs.filter((i) => i.naturalWidth > 0).map((i) => ({ src: i.getAttribute('src'), width: i.getAttribute('width') })));
-  check(label('picture shown in the list'), img, [{ src: 'Employee_Fax.asp?key=2', width: '40' }]);
+  check(label('only the picture shown in the list'), img, [{ src: 'Employee_Fax.asp?key=2', width: '40' }]);
   const served = await page.evaluate(async (u) => {
     const r = await fetch(u);
     return { type: r.headers.get('content-type'), size: (await r.arrayBuffer()).byteLength };
   }, `${base}Employee_Fax.asp?key=2`);
   check(label('field page'), served, { type: 'image/png', size: bytes.length });
-  check(label('stored in its folder'), await go(page, `${base}pictures/upload-red.png`), 200);
+  check(label('stored in its folder'), await go(page, `${base}pictures/staff/upload-red.png`), 200);
   await go(page, `${base}Employeelist.asp`);
+  await page.$eval('table.qvGrid img.qvImage', (i) => i.scrollIntoView({ inline: 'center' }));
   await page.screenshot({ path: join(artefacts, 'sqlite-upload-list.png') });
 
   // A page the server would run is refused, whatever its last extension.
@@ -86,7 +87,7 @@ export async function run(browser, d, base) {
     await upload(page, base, file);
     const message = await page.$eval('#qv_x_Fax ~ .qvFieldError', (e) => e.textContent);
     check(label(`${name} refused`), /not allowed/.test(message), true);
-    check(label(`${name} not stored`), await go(page, `${base}pictures/${name}`), 404);
+    check(label(`${name} not stored`), await go(page, `${base}pictures/staff/${name}`), 404);
   }
   check(label('old picture kept'), await go(page, `${base}Employee_Fax.asp?key=2`), 200);
 
