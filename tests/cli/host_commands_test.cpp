@@ -215,6 +215,14 @@ TEST(EditingCommands, ExtensionsAndSavedDefaults) {
   EXPECT_TRUE(Has(gone.err, "Quorvex: Extension Charts not found!")) << gone.err;
   EXPECT_NE(Quorvex(dir, {"extension", "add", "app.qvp", ""}).status, 0);
   EXPECT_NE(Quorvex(dir, {"extension"}).status, 0);
+  // A shipped extension is found by its name alone; an unknown name says which there are.
+  ASSERT_EQ(Quorvex(dir, {"extension", "add", "app.qvp", "api"}).status, 0);
+  EXPECT_TRUE(Has(Quorvex(dir, {"extension", "list", "app.qvp"}).out, "api = api.zip\n"));
+  const auto unknown = Quorvex(dir, {"extension", "add", "app.qvp", "nope"});
+  EXPECT_NE(unknown.status, 0);
+  EXPECT_TRUE(Has(unknown.err, "No extension \"nope\" is shipped!")) << unknown.err;
+  EXPECT_TRUE(Has(unknown.err, "api")) << unknown.err;
+  ASSERT_EQ(Quorvex(dir, {"extension", "remove", "app.qvp", "api"}).status, 0);
 
   // Saved defaults: a project's registry-backed settings and its extensions become what new
   // projects start from; settings that never go to the store stay out.
@@ -239,5 +247,56 @@ TEST(EditingCommands, ExtensionsAndSavedDefaults) {
   EXPECT_NE(Quorvex(dir, {"defaults", "save", "missing.qvp"}).status, 0);
 }
 
+// Charts live beside the project file, never in it: added with defaults, changed in place,
+// refused with the reason for a wrong field or setting, listed, and removed (the last one
+// takes the file with it).
+TEST(EditingCommands, ChartsBesideTheProject) {
+  const auto dir = FreshDir("host-charts");
+  ChinookProject(dir);
+  const auto project_before = Slurp(dir / "app.qvp");
+  const auto added = Quorvex(dir, {"chart", "add", "app.qvp", "Invoice", "By country",
+                                   "ChartXFldName=BillingCountry", "ChartYFldName=Total"});
+  ASSERT_EQ(added.status, 0) << added.err;
+  ASSERT_EQ(
+      Quorvex(dir, {"chart", "add", "app.qvp", "Invoice", "By country", "ChartType=5"}).status, 0);
+  ASSERT_EQ(
+      Quorvex(dir, {"chart", "add", "app.qvp", "Genre", "Names", "ChartXFldName=Name"}).status, 0);
+  EXPECT_EQ(Slurp(dir / "app.qvp"), project_before);
+  const std::string file = Slurp(dir / "app.charts.xml");
+  EXPECT_TRUE(Has(file, "<Table Name=\"Invoice\">")) << file;
+  EXPECT_TRUE(Has(file, "ChartName=\"By country\"")) << file;
+  const std::string listed = Quorvex(dir, {"chart", "list", "app.qvp"}).out;
+  EXPECT_TRUE(Has(listed,
+                  "Invoice / By country: ShowChart=True ChartXFldName=BillingCountry "
+                  "ChartYFldName=Total ChartType=5 ChartWidth=600"))
+      << listed;
+  EXPECT_TRUE(Has(listed, "Genre / Names:")) << listed;
+
+  const auto wrong_field =
+      Quorvex(dir, {"chart", "add", "app.qvp", "Invoice", "X", "ChartXFldName=Nope"});
+  EXPECT_TRUE(Has(wrong_field.err, "ChartXFldName: field Nope not found in Invoice!"))
+      << wrong_field.err;
+  const auto no_x = Quorvex(dir, {"chart", "add", "app.qvp", "Invoice", "Y"});
+  EXPECT_TRUE(Has(no_x.err, "needs ChartXFldName")) << no_x.err;
+  const auto bad =
+      Quorvex(dir, {"chart", "add", "app.qvp", "Invoice", "By country", "ChartWidth=wide"});
+  EXPECT_TRUE(Has(bad.err, "Cannot set ChartWidth to 'wide'")) << bad.err;
+  EXPECT_TRUE(Has(Quorvex(dir, {"chart", "add", "app.qvp", "Invoice", "Z", "ChartVar=x"}).err,
+                  "Unknown chart setting ChartVar!"));
+  EXPECT_TRUE(
+      Has(Quorvex(dir, {"chart", "add", "app.qvp", "Nope", "Z"}).err, "Table Nope not found!"));
+  EXPECT_EQ(Slurp(dir / "app.charts.xml"), file);  // a refused change leaves the file alone
+
+  std::ofstream(dir / "broken.charts.xml") << "<Other/>";
+  std::filesystem::copy_file(dir / "app.qvp", dir / "broken.qvp");
+  EXPECT_TRUE(Has(Quorvex(dir, {"chart", "list", "broken.qvp"}).err, "it is no charts file."));
+
+  EXPECT_TRUE(Has(Quorvex(dir, {"chart", "remove", "app.qvp", "Invoice", "Nope"}).err,
+                  "Chart Nope of Invoice not found!"));
+  ASSERT_EQ(Quorvex(dir, {"chart", "remove", "app.qvp", "Invoice", "By country"}).status, 0);
+  ASSERT_EQ(Quorvex(dir, {"chart", "remove", "app.qvp", "Genre", "Names"}).status, 0);
+  EXPECT_FALSE(std::filesystem::exists(dir / "app.charts.xml"));
+  EXPECT_EQ(Quorvex(dir, {"chart", "list", "app.qvp"}).out, "");
+}
 }  // namespace
 }  // namespace qv
