@@ -1,8 +1,8 @@
 // File fields and charts on Chinook. An employee's Fax becomes an upload field shown as a
 // picture: a PNG uploaded through the edit form appears in the list, its field page hands it
 // back as image/png, and an uploaded .asp (plain or hidden behind ".jpg") is refused and never
-// lands where the server could run it. A chart of the invoices by country stands above the
-// invoice list and one on the report, drawn as SVG by the server.
+// lands where the server could run it; a deleted record's picture goes with it. A chart of the invoices by country stands above the
+// invoice list, a doughnut below it and bars on the report, drawn as SVG by the server.
 import { writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { deflateSync } from 'node:zlib';
@@ -14,6 +14,9 @@ export function settings(d) {
     ['set', 'app.qvp', '--table', 'Employee', '--field', 'Fax', 'FldHtmlTag=FILE', 'FldViewTag=IMAGE', 'FldTagImgWidth=40', 'FldUploadPath=pictures/staff'],
     ['chart', 'add', 'app.qvp', 'Invoice', 'Sales by country', 'ChartXFldName=BillingCountry', 'ChartYFldName=Total', 'ChartSortType=4'],
     ['chart', 'add', 'app.qvp', 'Invoice', 'Share', 'ChartXFldName=BillingCountry', 'ChartType=6', 'ChartPosition=2'],
+    ['report', 'app.qvp', 'CountrySales', '--from', 'Invoice'],
+    ['set', 'app.qvp', '--table', 'CountrySales', '--field', 'BillingCountry', 'FldGroupBy=1'],
+    ['chart', 'add', 'app.qvp', 'CountrySales', 'Countries', 'ChartXFldName=BillingCountry', 'ChartYFldName=Total', 'ChartType=2'],
   ];
 }
 
@@ -91,6 +94,18 @@ export async function run(browser, d, base) {
   }
   check(label('old picture kept'), await go(page, `${base}Employee_Fax.asp?key=2`), 200);
 
+  // A new record with a picture, then deleted: its file goes with it (DeleteUploadedFile).
+  await go(page, `${base}Employeeadd.asp`);
+  await page.type('#qv_x_LastName', 'Upload');
+  await page.type('#qv_x_FirstName', 'Test');
+  await (await page.$('#qv_x_Fax')).uploadFile(picture);
+  await submit(page, 'form.qvForm button[type=submit]');
+  check(label('second copy stored apart'), await go(page, `${base}pictures/staff/upload-red-1.png`), 200);
+  await go(page, `${base}Employeedelete.asp?key=9`);
+  await submit(page, 'form.qvForm button.qvDanger');
+  check(label('file deleted with its record'), await go(page, `${base}pictures/staff/upload-red-1.png`), 404);
+  check(label('other file kept'), await go(page, `${base}pictures/staff/upload-red.png?again`), 200);
+
   // The charts: columns above the invoices, a doughnut below, and one on the report.
   await go(page, `${base}Invoicelist.asp`);
   const charts = await page.$$eval('figure.qvChart', (fs) => fs.map((f) => ({
@@ -106,6 +121,8 @@ export async function run(browser, d, base) {
   check(label('largest first'), top.startsWith('USA: '), true);
   await page.$eval('figure.qvChart', (f) => f.scrollIntoView());
   await page.screenshot({ path: join(artefacts, 'sqlite-chart.png') });
+  await go(page, `${base}CountrySalesreport.asp`);
+  check(label('chart on the report'), await page.$$eval('figure.qvChart rect[fill-opacity]', (r) => r.length), 24);
   check(label('no script errors'), page.qvErrors, []);
   await page.close();
 }
