@@ -518,17 +518,32 @@ HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& fi
   } catch (const PageError& e) {
     error = e;
   }
-  if (!can_stream || !page || !page->streams)
+  if (!can_stream || !page)
     return RunCompiledPage(request, file, page, error ? &*error : nullptr, nullptr);
+  // A page of a session that a streaming page holds must not wait for it here: that page may
+  // be waiting for this very thread to send what it wrote. Such a page runs aside too (and
+  // this thread saw the other's mark, if both came through it, before it came here).
+  std::string cookie = page->directives.enable_session_state ? SessionCookieOf(request) : "";
+  bool aside = page->streams;
+  if (!cookie.empty()) {
+    std::lock_guard lock(streaming_mutex_);
+    aside = aside || streaming_sessions_.contains(cookie);
+    if (aside) streaming_sessions_.insert(cookie);
+  }
+  if (!aside) return RunCompiledPage(request, file, page, nullptr, nullptr);
   auto stream = std::make_shared<ResponseStream>();
   auto own = std::make_shared<const HttpRequest>(request);
-  threads_.Run([this, own, file, page, stream] {
+  threads_.Run([this, own, file, page, stream, cookie = std::move(cookie)] {
     HttpResponse rest;
     try {
       rest = RunCompiledPage(*own, file, page, nullptr, stream.get());
     } catch (const std::exception& e) {
       std::fprintf(stderr, "%s: %s\n", own->path.c_str(), e.what());
       rest = ErrorResponse(500, "Internal Server Error");
+    }
+    if (!cookie.empty()) {
+      std::lock_guard lock(streaming_mutex_);
+      streaming_sessions_.erase(streaming_sessions_.find(cookie));
     }
     stream->Finish(std::move(rest));
   });

@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "asp/http_types.h"
@@ -86,6 +88,9 @@ class SiteRuntime {
   std::vector<std::unique_ptr<Worker>> idle_;
   std::atomic<std::chrono::steady_clock::rep> last_sweep_{0};
   std::mutex sweep_mutex_;
+  // The session cookies of the pages running on `threads_`, once per page.
+  std::mutex streaming_mutex_;
+  std::unordered_multiset<std::string> streaming_sessions_;
   // Last: its threads may still run pages that use everything above.
   PageThreads threads_;
 };

@@ -210,23 +210,40 @@ TEST_F(ServeTest, ResponseMembers) {
 }
 
 TEST_F(ServeTest, FlushedAndUnbufferedOutputLeavesBeforeThePageEnds) {
-  // The page goes on only once the test has seen its first part arrive.
+  // The page goes on only once the test has seen its first part arrive. Meanwhile another
+  // page of its session comes to the server's only HTTP thread, which must not wait there for
+  // the session while the first page waits for that thread to send its next 200 KB.
+  Served one(kSite, false);
+  one.server.reset();
+  HttpOptions http;
+  http.port = 0;
+  http.threads = 1;
+  http.access_log = false;
+  one.server = std::make_unique<HttpServer>(*one.runtime, http);
+  one.server->Start();
+  const uint16_t at = one.server->port();
+  const std::string cookie =
+      "Cookie: " + SessionCookie(Get(at, "/session.asp?case=count")) + "\r\n";
   const fs::path go = fs::path(::testing::TempDir()) / ("asp-go-" + std::to_string(getpid()));
   fs::remove(go);
-  const int fd = test::Connect(port());
+  const int fd = test::Connect(at);
   ASSERT_GE(fd, 0);
   test::SendAll(fd, "GET /stream.asp?case=wait&go=" + go.string() +
-                        " HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n");
+                        " HTTP/1.1\r\nHost: x\r\nConnection: close\r\n" + cookie + "\r\n");
   std::string raw;
   ASSERT_TRUE(test::ReadUntil(fd, "first|", raw)) << raw;
   EXPECT_EQ(raw.find("second"), std::string::npos);
+  auto other =
+      std::async(std::launch::async, [&] { return Get(at, "/session.asp?case=count", cookie); });
   std::ofstream(go).put('x');
   test::ReadUntil(fd, {}, raw);
   close(fd);
   fs::remove(go);
   Reply waited = test::Parse(raw);
-  EXPECT_EQ(waited.body, "first|second\r\n");
+  EXPECT_TRUE(waited.body == "first|second" + std::string(200000, 'x') + "\r\n")
+      << waited.body.size() << " bytes: " << waited.body.substr(0, 20);
   EXPECT_EQ(waited.Header("Content-Type"), "text/plain; charset=utf-8");
+  EXPECT_EQ(other.get().body.substr(0, 2), "2|");
 
   // Once the head went out it stays as it was; Flush and Clear need the buffer.
   Reply rules = Get(port(), "/stream.asp?case=rules");

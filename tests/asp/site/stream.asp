@@ -10,7 +10,7 @@ Case "wait"
   Set fso = CreateObject("Scripting.FileSystemObject")
   started = Timer
   Do While Not fso.FileExists(Request.QueryString("go")) And Timer - started < 5 : Loop
-  Response.Write "second"
+  Response.Write "second" & String(200000, "x")
 Case "rules"
   Response.Write "a"
   Response.Flush
