@@ -43,12 +43,22 @@ done
 
 # Pages in pairs, so that different pages run side by side too.
 load() { wrk -t2 -c8 -d"${seconds}s" "$1" | awk -v u="$1" '/Requests\/sec/ {printf "%-60s %s req/s\n", u, $2}'; }
-load "http://127.0.0.1:$bport/hello.asp" & load "http://127.0.0.1:$bport/list.asp?page=3"; wait
-load "http://127.0.0.1:$bport/list_session.asp" & load "http://127.0.0.1:$tport/application.asp"; wait
-load "http://127.0.0.1:$tport/session.asp?case=count" & load "http://127.0.0.1:$tport/server.asp?case=execute"; wait
-for _ in 1 2 3 4; do curl -s "http://127.0.0.1:$bport/export.asp" | wc -c >/dev/null & done
+pair() {
+  load "$1" &
+  local first=$!
+  load "$2"
+  wait "$first"
+}
+pair "http://127.0.0.1:$bport/hello.asp" "http://127.0.0.1:$bport/list.asp?page=3"
+pair "http://127.0.0.1:$bport/list_session.asp" "http://127.0.0.1:$tport/application.asp"
+pair "http://127.0.0.1:$tport/session.asp?case=count" "http://127.0.0.1:$tport/server.asp?case=execute"
+exports=()
+for _ in 1 2 3 4; do
+  curl -s "http://127.0.0.1:$bport/export.asp" -o /dev/null &
+  exports+=($!)
+done
 load "http://127.0.0.1:$bport/list.asp?page=9"
-wait
+wait "${exports[@]}"
 
 kill -INT "$bpid" "$tpid"
 wait "$bpid" "$tpid" || true
