@@ -70,6 +70,14 @@ export async function run(browser, d, base) {
 
   await upload(page, base, picture);
   check(label('saved'), page.url().endsWith('Employeelist.asp'), true);
+  // Pictures load lazily and after the page: bring this one into view and let it arrive.
+  await page.$eval('img.qvImage[src="Employee_Fax.asp?key=2"]', (i) => i.scrollIntoView({ inline: 'center' }));
+  await page
+    .waitForFunction(() => {
+      const i = document.querySelector('img.qvImage[src="Employee_Fax.asp?key=2"]');
+      return i && i.complete && i.naturalWidth > 0;
+    }, { timeout: 20000 })
+    .catch(() => {});
   const img = await page.$$eval('table.qvGrid img.qvImage', (imgs) =>
     imgs.filter((i) => i.naturalWidth > 0).map((i) => ({ src: i.getAttribute('src'), width: i.getAttribute('width') })));
   check(label('only the picture shown in the list'), img, [{ src: 'Employee_Fax.asp?key=2', width: '40' }]);
