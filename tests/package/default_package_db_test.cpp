@@ -63,8 +63,8 @@ TEST_P(PackageOnServer, EveryPageAnswersAndARecordGoesRound) {
   r = app.Post("/order_linesedit.asp", "qvtoken=" + token + "&key=" + key +
                                            "&x_product_id=6&x_quantity=70000&x_unit_price=1"
                                            "&x_shipped=2024/02/30");
-  EXPECT_TRUE(Has(r.body, "quantity must be a whole number.")) << r.body;
-  EXPECT_TRUE(Has(r.body, "shipped must be a date (yyyy/mm/dd)."));
+  EXPECT_TRUE(Has(r.body, "Quantity must be a whole number.")) << r.body;
+  EXPECT_TRUE(Has(r.body, "Shipped must be a date (yyyy/mm/dd)."));
   r = app.Post("/order_linesedit.asp", "qvtoken=" + token + "&key=" + key +
                                            "&x_product_id=6&x_quantity=4&x_unit_price=1.25"
                                            "&x_shipped=");
