@@ -10,18 +10,7 @@
 set -euo pipefail
 build=${1:?usage: export.sh BUILD_DIR [rows]}
 rows=${2:-100000}
-quorvex=$(realpath "$build/src/cli/quorvex")
-work=$(mktemp -d)
-server=
-cleanup() {
-  [ -n "$server" ] && kill "$server" 2>/dev/null
-  rm -rf "$work"
-}
-trap cleanup EXIT
-cd "$work"
-export HOME="$work/home" XDG_CONFIG_HOME=
-mkdir -p home
-q() { "$quorvex" --quiet "$@" >/dev/null; }
+source "$(dirname "$0")/common.sh"
 
 # Orders with a text, a date, a number and a lookup to a small customer table.
 table() {

@@ -10,18 +10,7 @@
 set -euo pipefail
 build=${1:?usage: login.sh BUILD_DIR [logins]}
 n=${2:-20}
-quorvex=$(realpath "$build/src/cli/quorvex")
-work=$(mktemp -d)
-server=
-cleanup() {
-  [ -n "$server" ] && kill "$server" 2>/dev/null
-  rm -rf "$work"
-}
-trap cleanup EXIT
-cd "$work"
-export HOME="$work/home" XDG_CONFIG_HOME=
-mkdir -p home
-q() { "$quorvex" --quiet "$@" >/dev/null; }
+source "$(dirname "$0")/common.sh"
 
 # Names up to user$n, so that the brute-force counter of one name never comes in the way.
 {

@@ -14,20 +14,9 @@ set -euo pipefail
 build=${1:?usage: run.sh BUILD_DIR [seconds]}
 seconds=${2:-10}
 here=$(cd "$(dirname "$0")" && pwd)
-quorvex=$(realpath "$build/src/cli/quorvex")
 shared=${QV_SHARED_DATA:-$here/../../../shared/data}
 chinook=$(realpath "$shared/sqlite/chinook.sqlite")
-work=$(mktemp -d)
-server=
-cleanup() {
-  [ -n "$server" ] && kill "$server" 2>/dev/null
-  rm -rf "$work"
-}
-trap cleanup EXIT
-cd "$work"
-export HOME="$work/home" XDG_CONFIG_HOME=
-mkdir -p home
-q() { "$quorvex" --quiet "$@" >/dev/null; }
+source "$here/common.sh"
 
 # `timed LABEL COMMAND...`: runs it once and prints wall and CPU seconds.
 timed() {
