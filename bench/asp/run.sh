@@ -10,23 +10,11 @@ set -euo pipefail
 build=${1:?usage: run.sh BUILD_DIR [seconds]}
 seconds=${2:-10}
 here=$(cd "$(dirname "$0")" && pwd)
-quorvex=$build/src/cli/quorvex
-work=$(mktemp -d)
-pids=()
-cleanup() {
-  for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done
-  rm -rf "$work"
-}
-trap cleanup EXIT
+source "$here/common.sh"
 
 "$here/make_site.sh" "$work/site"
-
-free_port() { python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1",0)); print(s.getsockname()[1])'; }
-
-qport=$(free_port)
-"$quorvex" serve "$work/site" --port "$qport" --workers 2 --no-access-log 2>"$work/serve.log" &
-qpid=$!
-pids+=("$qpid")
+serve "$work/site"
+qport=$port qpid=$pid
 
 nport=$(free_port)
 mkdir -p "$work/nginx"
@@ -58,7 +46,7 @@ measure() {
   printf '%-34s %10s req/s   p50 %8s   p99 %8s\n' "$label" "$rps" "$p50" "$p99"
 }
 
-curl -sf "http://127.0.0.1:$qport/list.asp" >/dev/null || echo "(the list page fails: $(tail -n 1 "$work/serve.log"))"
+curl -sf "http://127.0.0.1:$qport/list.asp" >/dev/null || echo "(the list page fails: $(tail -n 1 "$log"))"
 measure "nginx static, 32 connections" "http://127.0.0.1:$nport/hello.txt" 2 32
 measure "hello.asp, 32 connections" "http://127.0.0.1:$qport/hello.asp" 2 32
 measure "list.asp, 32 connections" "http://127.0.0.1:$qport/list.asp?page=7" 2 32

@@ -12,34 +12,16 @@ build=${1:?usage: tsan.sh BUILD_DIR [seconds]}
 seconds=${2:-5}
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
-quorvex=$build/src/cli/quorvex
-work=$(mktemp -d)
-pids=()
-cleanup() {
-  for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done
-  rm -rf "$work"
-}
-trap cleanup EXIT
+source "$here/common.sh"
 
 "$here/make_site.sh" "$work/bench"
 cp -r "$root/tests/asp/site" "$work/test"
-free_port() { python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1",0)); print(s.getsockname()[1])'; }
 
 export TSAN_OPTIONS="halt_on_error=0 second_deadlock_stack=1 log_path=$work/tsan"
-bport=$(free_port)
-"$quorvex" serve "$work/bench" --port "$bport" --workers 2 --no-access-log 2>"$work/bench.log" &
-bpid=$!
-pids+=("$bpid")
-tport=$(free_port)
-"$quorvex" serve "$work/test" --port "$tport" --workers 2 --no-access-log 2>"$work/test.log" &
-tpid=$!
-pids+=("$tpid")
-for port in "$bport" "$tport"; do
-  for _ in $(seq 1 100); do
-    curl -sf -o /dev/null "http://127.0.0.1:$port/hello.asp" && break
-    sleep 0.2
-  done
-done
+serve "$work/bench"
+bport=$port bpid=$pid
+serve "$work/test"
+tport=$port tpid=$pid
 
 # Pages in pairs, so that different pages run side by side too.
 load() { wrk -t2 -c8 -d"${seconds}s" "$1" | awk -v u="$1" '/Requests\/sec/ {printf "%-60s %s req/s\n", u, $2}'; }

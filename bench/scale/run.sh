@@ -15,15 +15,8 @@ build=${1:?usage: run.sh BUILD_DIR [seconds]}
 seconds=${2:-10}
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/../.." && pwd)
-quorvex=$build/src/cli/quorvex
-work=$(mktemp -d)
-pids=()
-cleanup() {
-  for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done
-  "$root/scripts/scale/redis.sh" stop "$work/redis" || true
-  rm -rf "$work"
-}
-trap cleanup EXIT
+source "$root/bench/asp/common.sh"
+trap '"$root/scripts/scale/redis.sh" stop "$work/redis" || true; cleanup' EXIT
 
 "$root/bench/asp/make_site.sh" "$work/site"
 cp -r "$work/site" "$work/site-onend"
@@ -31,22 +24,6 @@ printf '<SCRIPT LANGUAGE="VBScript" RUNAT="Server">\nSub Session_OnEnd\nEnd Sub\
   >"$work/site-onend/global.asa"
 
 redis_port=$("$root/scripts/scale/redis.sh" start "$work/redis")
-
-# Starts `quorvex serve SITE` with the options given and sets `port` to where it listens.
-serve() {
-  local log=$work/serve${#pids[@]}.log site=$1
-  shift
-  "$quorvex" serve "$site" --port 0 --workers 2 --no-access-log "$@" >/dev/null 2>"$log" &
-  pids+=($!)
-  port=
-  for _ in $(seq 1 100); do
-    port=$(grep -o "http://127.0.0.1:[0-9]*" "$log" 2>/dev/null | head -n 1 | cut -d: -f3 || true)
-    [ -n "$port" ] && return
-    sleep 0.05
-  done
-  echo "quorvex serve did not start: $(cat "$log")" >&2
-  exit 1
-}
 
 # A wrk script going round 256 sessions of a server, each thread from its own place.
 sessions() {
