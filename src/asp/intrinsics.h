@@ -69,7 +69,7 @@ struct PageContext {
   std::optional<double> expires_absolute;
   std::string cache_control;
   std::string log_text;
-  std::string session_cookie;   // the Set-Cookie value of a session this request began
+  std::string session_cookie;   // the Set-Cookie value of a session this request began or renewed
   int32_t script_timeout = 90;  // seconds
   std::chrono::steady_clock::time_point started = std::chrono::steady_clock::now();
 
@@ -93,11 +93,15 @@ Ref<Object> NewApplicationObject(PageContext& context);
 // SetLocale, so that the same ids are taken and refused as in a script. False when refused.
 bool SetPageLocale(vbs::Engine& engine, int32_t lcid);
 
+// Raises ASP 0156 (from `object`) once the page's head has gone out.
+void CheckHeadersOpen(const PageContext& c, const char* object = "Response");
+
 // The status and headers of the page's response as they stand (no body).
 HttpResponse ResponseHead(const PageContext& c);
 
-// The Set-Cookie value of a response cookie.
+// The Set-Cookie value of a response cookie, and of the session's cookie.
 std::string CookieHeader(const ResponseCookie& cookie);
+std::string SessionCookieHeader(const SessionState& session);
 // A VBScript date as an HTTP date ("Wed, 25 Nov 2026 13:45:00 GMT").
 std::string HttpDate(double vb_date);
 std::string HttpDate(std::chrono::system_clock::time_point when);

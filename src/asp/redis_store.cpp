@@ -44,18 +44,25 @@ const std::string kApplicationSeq = kPrefix + "application-seq";
 const std::string kApplicationLock = kPrefix + "application-lock";
 const std::string kApplicationStarted = kPrefix + "application-started";
 
-// KEYS: session, hold, ends, last. ARGV: token (empty for a session made by this request,
-// which nobody else knows yet), time-out in s, cookie, mode, image, whether to keep track of
-// when the session ends (for a Session_OnEnd), SessionID. Mode s writes the image, t renews
-// the expiry of an unchanged one, d deletes an abandoned session, n leaves it as it is. A
-// request whose hold is no longer its own changes nothing, and gets an error unless it had
-// nothing to keep.
+// KEYS: session, hold, ends, last, and the session's key under the cookie it had before the
+// request renewed it (or the session's key again). ARGV: token (empty for a session made by
+// this request, which nobody else knows yet), time-out in s, cookie, mode, image, whether to
+// keep track of when the session ends (for a Session_OnEnd), SessionID, the cookie before the
+// renewal ('' for none). Mode s writes the image, t renews the expiry of an unchanged one, d
+// deletes an abandoned session, n leaves it as it is. A request whose hold is no longer its
+// own changes nothing, and gets an error unless it had nothing to keep. A renewed session
+// leaves its old key here, so the old cookie reaches nothing once the request is over.
 constexpr std::string_view kCloseScript = R"lua(
 local mode = ARGV[4]
 if ARGV[1] ~= '' and redis.call('get', KEYS[2]) ~= ARGV[1] then
   if mode == 'n' then return 0 end
   return redis.error_reply('session ' .. ARGV[7] .. ' was held past its lease and taken ' ..
                            'over by another request: what its request changed is not kept')
+end
+if ARGV[8] ~= '' and mode ~= 'n' then
+  redis.call('del', KEYS[5])
+  redis.call('zrem', KEYS[3], ARGV[8])
+  redis.call('hdel', KEYS[4], ARGV[8])
 end
 if mode == 's' then
   redis.call('set', KEYS[1], ARGV[5], 'EX', ARGV[2])
@@ -444,22 +451,38 @@ class RedisStateStore final : public StateStore {
       mode = "d";
     } else if (keep) {
       image = SessionImage(session);
-      mode = image == session.loaded_image ? "t" : "s";
+      // A renewed session has no image under its new cookie yet.
+      mode = image == session.loaded_image && session.renewed_from.empty() ? "t" : "s";
       if (mode == "t") image.clear();
     }
     if (!session.hold_token.empty()) keeper_.Drop(session.hold_token);
     const std::string timeout = std::to_string(int64_t{session.timeout_minutes} * 60);
+    // The hold was taken under the cookie the request came with.
+    const std::string& opened_as =
+        session.renewed_from.empty() ? session.cookie : session.renewed_from;
     redis_.EvalNoWait(
         kCloseScript,
-        {SessionKey(session.cookie), HoldKey(session.cookie), kSessionEnds, kSessionLast},
+        {SessionKey(session.cookie), HoldKey(opened_as), kSessionEnds, kSessionLast,
+         SessionKey(opened_as)},
         {session.hold_token, timeout, session.cookie, mode, image, session.watch_end ? "1" : "0",
-         std::to_string(session.id)});
+         std::to_string(session.id), session.renewed_from});
+  }
+
+  // The new cookie is known to nobody until the response carries it, so it needs no hold; the
+  // session moves to its key when the request closes it.
+  void RenewSession(SessionState& session) override {
+    const int32_t id = NewId();
+    if (session.renewed_from.empty()) session.renewed_from = session.cookie;
+    session.cookie = NewSessionCookie();
+    session.id = id;
   }
 
   bool EndSession(SessionState& session) override {
     // A session abandoned in its first request was never written: it ends here.
     if (session.loaded_image.empty()) return true;
-    return redis_.Eval(kEndScript, {kSessionEnds, kSessionLast}, {session.cookie}).integer == 1;
+    const std::string& stored_as =
+        session.renewed_from.empty() ? session.cookie : session.renewed_from;
+    return redis_.Eval(kEndScript, {kSessionEnds, kSessionLast}, {stored_as}).integer == 1;
   }
 
   std::vector<std::shared_ptr<SessionState>> TakeExpired(bool all) override {

@@ -15,17 +15,17 @@
 #include "automation/safe_array.h"
 
 namespace qv::asp {
-namespace {
 
-constexpr double kUnixEpochAsDate = 25569.0;  // 1970-01-01 as a VBScript date
-
-void CheckHeadersOpen(const PageContext& c) {
+void CheckHeadersOpen(const PageContext& c, const char* object) {
   if (c.headers_written) {
-    RaiseAspError("Response", "0156",
+    RaiseAspError(object, "0156",
                   "The HTTP headers are already written to the client browser. Any HTTP header "
                   "modifications must be made before writing page content.");
   }
 }
+namespace {
+
+constexpr double kUnixEpochAsDate = 25569.0;  // 1970-01-01 as a VBScript date
 
 void CheckBuffering(const PageContext& c) {
   if (!c.buffer) RaiseAspError("Response", "0159", "Buffering must be on.");

@@ -225,6 +225,17 @@ const DispatchTable<Session>& Session::Table() {
                 s.c_.session->code_page = cp;
                 s.c_.code_page = cp;
               })
+          // Not in classic ASP: a new cookie and SessionID for the same session, for a page
+          // to call when its user logs in or out (see the README).
+          .Method(u"Renew",
+                  [](S& s, Args a) {
+                    CheckArgCount(a, 0, 0);
+                    RequireSession(s.c_);
+                    CheckHeadersOpen(s.c_, "Session");
+                    s.c_.store->RenewSession(*s.c_.session);
+                    s.c_.session_cookie = SessionCookieHeader(*s.c_.session);
+                    return Variant();
+                  })
           .Method(u"Abandon",
                   [](S& s, Args) {
                     RequireSession(s.c_);

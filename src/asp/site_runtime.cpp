@@ -64,10 +64,6 @@ std::string SessionCookieOf(const HttpRequest& request) {
   return {};
 }
 
-std::string SessionCookieHeader(const SessionState& session) {
-  return std::string(kSessionCookie) + "=" + session.cookie + "; path=/; HttpOnly; SameSite=Lax";
-}
-
 // The failure code of an error: VBScript's own numbers stand under facility 0x800A.
 std::string Hex8(int32_t number) {
   char buffer[16];
@@ -78,6 +74,10 @@ std::string Hex8(int32_t number) {
 }
 
 }  // namespace
+
+std::string SessionCookieHeader(const SessionState& session) {
+  return std::string(kSessionCookie) + "=" + session.cookie + "; path=/; HttpOnly; SameSite=Lax";
+}
 
 HttpResponse ErrorResponse(int status, std::string_view reason) {
   HttpResponse r;

@@ -367,11 +367,35 @@ class MemoryStateStore final : public StateStore {
   std::shared_ptr<SessionState> OpenSession(std::string_view cookie, int32_t timeout_minutes,
                                             bool& is_new) override {
     std::shared_ptr<SessionState> session = Find(cookie);
+    if (session) {
+      session->busy.lock();
+      // Renewed by the request this one waited for: the old cookie no longer reaches it.
+      if (session->cookie != cookie) {
+        session->busy.unlock();
+        session = nullptr;
+      }
+    }
     is_new = !session;
-    if (!session) session = NewSession(timeout_minutes);
-    session->busy.lock();
+    if (!session) {
+      session = NewSession(timeout_minutes);
+      session->busy.lock();
+    }
     session->Touch();
     return session;
+  }
+
+  void RenewSession(SessionState& session) override {
+    std::lock_guard guard(mutex_);
+    const auto it = sessions_.find(session.cookie);
+    if (it == sessions_.end()) return;  // ended already (the sweep took it)
+    std::shared_ptr<SessionState> held = std::move(it->second);
+    assert(held.get() == &session);
+    sessions_.erase(it);
+    do {
+      session.cookie = NewSessionCookie();
+    } while (sessions_.count(session.cookie));
+    session.id = next_id_++;
+    sessions_.emplace(session.cookie, std::move(held));
   }
 
   void CloseSession(SessionState& session, bool) override {

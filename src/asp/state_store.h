@@ -91,6 +91,9 @@ struct SessionState {
   // that it writes back only a session that changed, and the token of its hold.
   std::string loaded_image;
   std::string hold_token;
+  // The cookie the session had when this request opened it, once RenewSession gave it another:
+  // a shared store moves the session from the old key to the new one when it closes.
+  std::string renewed_from;
   // Whether a shared store keeps track of when the session ends: only a Session_OnEnd needs it.
   bool watch_end = true;
 
@@ -141,6 +144,10 @@ class StateStore {
   // Keeps what the request changed (unless the session was abandoned, or `keep` is false for
   // a request that failed half way) and lets the next request of the session in.
   virtual void CloseSession(SessionState& session, bool keep) = 0;
+  // Gives the session that this request holds a new cookie and SessionID, keeping its values:
+  // from now on the old cookie reaches nothing, so that a cookie somebody planted or read
+  // before a login is worthless after it. Raises StateUnavailable as OpenSession does.
+  virtual void RenewSession(SessionState& session) = 0;
   // Takes an abandoned session out of the store; false when it has ended already, so that
   // Session_OnEnd runs once at most.
   virtual bool EndSession(SessionState& session) = 0;

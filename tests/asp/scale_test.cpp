@@ -261,6 +261,33 @@ TEST_F(ScaleTest, AbandonDeletesTheKeyAndEndsTheSessionOnce) {
   EXPECT_EQ(Get(nginx_port_, "/scale/ended.asp").body, std::to_string(ended_before + 2));
 }
 
+TEST_F(ScaleTest, RenewMovesTheSessionToANewKeyAndTheOldCookieReachesNothing) {
+  const std::string cookie = CookieOf(Get(servers_[0].port, "/session.asp?case=count"));
+  ASSERT_FALSE(cookie.empty());
+  const Reply renewed = Get(servers_[1].port, "/session.asp?case=renew", Header(cookie));
+  const std::string moved = CookieOf(renewed);
+  ASSERT_FALSE(moved.empty());
+  EXPECT_NE(moved, cookie);
+  EXPECT_EQ(renewed.body.substr(0, 2), "2|");
+  const auto key = [](const std::string& c) { return "quorvex:session:" + c.substr(13); };
+  EXPECT_EQ(Redis("exists " + key(cookie)), "0");
+  EXPECT_EQ(Redis("exists " + key(moved)), "1");
+  EXPECT_EQ(Redis("zscore quorvex:session-ends " + cookie.substr(13)), "");
+  EXPECT_EQ(Get(servers_[0].port, "/session.asp?case=count", Header(moved)).body.substr(0, 2),
+            "3|");
+  const Reply old = Get(servers_[1].port, "/session.asp?case=count", Header(cookie));
+  EXPECT_EQ(old.body.substr(0, 2), "1|");
+  EXPECT_NE(CookieOf(old), cookie);
+  // A renewed session ends once, under either cookie's record.
+  const std::string ended = Get(nginx_port_, "/scale/ended.asp").body;
+  const int ended_before = ended.empty() ? 0 : std::stoi(ended);
+  const std::string again =
+      CookieOf(Get(servers_[0].port, "/session.asp?case=renew", Header(moved)));
+  EXPECT_EQ(Get(servers_[1].port, "/session.asp?case=abandon", Header(again)).body, "abandoned");
+  EXPECT_EQ(Redis("exists " + key(again)), "0");
+  EXPECT_EQ(Get(nginx_port_, "/scale/ended.asp").body, std::to_string(ended_before + 1));
+}
+
 TEST_F(ScaleTest, RequestsOfOneSessionRunOneAtATimeAcrossServers) {
   const std::string cookie = CookieOf(Get(nginx_port_, "/scale/visit.asp"));
   ASSERT_FALSE(cookie.empty());

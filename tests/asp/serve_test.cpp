@@ -338,8 +338,23 @@ TEST_F(ServeTest, SessionsApplicationAndGlobalAsa) {
   EXPECT_EQ(Get(port(), "/session.asp?case=locale").body, "1033");
   EXPECT_EQ(Get(port(), "/session.asp?case=contents", with).body, "greeting;count;b;a;|3|two");
   EXPECT_EQ(Get(port(), "/session.asp?case=store-class", with).body, "True");
-  EXPECT_EQ(Get(port(), "/session.asp?case=abandon", with).body, "abandoned");
+  // Renew keeps the values under a new cookie and SessionID; the old cookie reaches nothing.
+  const std::string counted = Get(port(), "/session.asp?case=count", with).body;  // 3|welcome|id|n
+  const std::string id = counted.substr(10, counted.find('|', 10) - 10);
+  const Reply renewed = Get(port(), "/session.asp?case=renew", with);
+  const std::string moved = SessionCookie(renewed);
+  ASSERT_EQ(moved.size(), cookie.size()) << moved;
+  EXPECT_NE(moved, cookie);
+  EXPECT_EQ(renewed.body.substr(0, 2), "4|");
+  EXPECT_NE(renewed.body.substr(2), id);
+  EXPECT_FALSE(id.empty());
   EXPECT_EQ(Get(port(), "/session.asp?case=count", with).body.substr(0, 2), "1|");
+  EXPECT_EQ(Get(port(), "/session.asp?case=count", "Cookie: " + moved + "\r\n").body.substr(0, 2),
+            "5|");
+  EXPECT_EQ(Get(port(), "/session.asp?case=abandon", "Cookie: " + moved + "\r\n").body,
+            "abandoned");
+  EXPECT_EQ(Get(port(), "/session.asp?case=count", "Cookie: " + moved + "\r\n").body.substr(0, 2),
+            "1|");
 
   // started | contents | objects of a page refused | hits | hits in global.asa's own object
   const std::string application = Get(port(), "/application.asp").body;

@@ -175,8 +175,24 @@ TEST_F(SecureApp, NoPageWithoutLoginAndEachUserSeesOnlyWhatTheLevelAllows) {
                           std::sregex_iterator()),
             21);
 
-  // After logging out the session knows nobody.
+  // A login and a logout each give the session a new cookie: one known before (planted by
+  // somebody, or read off the wire) reaches neither the logged-in session nor the next one.
+  app_->cookie.clear();
+  const std::string form = TokenOf(app_->Get("/login.asp").body);
+  const std::string planted = app_->cookie;
+  ASSERT_EQ(
+      app_->Post("/login.asp", "qvtoken=" + form + "&username=jane&password=jane-pw-3").status,
+      302);
+  const std::string in = app_->cookie;
+  EXPECT_NE(in, planted);
+  app_->cookie = planted;
+  EXPECT_EQ(app_->Get("/Customerlist.asp").status, 302);
+  app_->cookie = in;
+  EXPECT_EQ(app_->Get("/Customerlist.asp").status, 200);
   EXPECT_EQ(app_->Get("/logout.asp").status, 302);
+  EXPECT_NE(app_->cookie, in);
+  EXPECT_EQ(app_->Get("/Customerlist.asp").status, 302);
+  app_->cookie = in;
   EXPECT_EQ(app_->Get("/Customerlist.asp").status, 302);
 }
 

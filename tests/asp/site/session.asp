@@ -24,6 +24,10 @@ Case "store-class"
   On Error Resume Next
   Set Session("thing") = New Thing
   Response.Write Err.Number <> 0
+Case "renew"
+  Session("count") = Session("count") + 1
+  Session.Renew
+  Response.Write Session("count") & "|" & Session.SessionID
 Case "abandon"
   Session.Abandon
   Response.Write "abandoned"
