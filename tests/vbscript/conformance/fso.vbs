@@ -46,7 +46,8 @@ ts.SkipLine
 CheckEach Array("ts.Read(3)", "sec", "ts.Column", CLng(4))
 ts.Close
 
-' Appending with the default format continues a Unicode file in Unicode.
+' Appending with the default format continues a Unicode file in Unicode; reading follows its
+' byte-order mark whatever format is asked for.
 Set ts = fso.CreateTextFile(root & "/u.txt", True, True)
 ts.Write "ab"
 ts.Close
@@ -54,7 +55,8 @@ Set ts = fso.OpenTextFile(root & "/u.txt", 8, False, -2)
 ts.Write "c"
 ts.Close
 CheckEach Array("fso.GetFile(root & ""/u.txt"").Size", CLng(8), _
-  "fso.OpenTextFile(root & ""/u.txt"", 1, False, -1).ReadAll", "abc")
+  "fso.OpenTextFile(root & ""/u.txt"", 1, False, -1).ReadAll", "abc", _
+  "fso.OpenTextFile(root & ""/u.txt"").ReadAll", "abc")
 
 Set ts = fso.OpenTextFile(root & "/made.txt", 1, True)
 Check ts.AtEndOfStream, True, "reading with the create flag makes an empty file"
@@ -128,5 +130,42 @@ CheckEach Array("TypeName(fso.GetStandardStream(1))", "TextStream", _
 fso.CopyFile root & "/lines.txt", root & "/lines.xyz"
 CheckEach Array("fso.GetFile(root & ""/lines.xyz"").Type", "XYZ File", _
   "fso.GetFileVersion(root & ""/lines.xyz"")", "")
+
+' Text goes out as UTF-8 with CR LF; a UTF-8 byte-order mark is read past.
+Set ts = fso.CreateTextFile(root & "\a.txt")
+ts.WriteLine "h" & ChrW(233) & "llo"
+ts.Write "x"
+ts.WriteBlankLines 2
+ts.Close
+Set ts = fso.OpenTextFile(root & "\a.txt")
+CheckEach Array("fso.GetFile(root & ""/a.txt"").Size", CLng(13), "ts.ReadLine", "h" & ChrW(233) & "llo", _
+  "ts.Line", CLng(2), "ts.Read(1)", "x", "ts.Column", CLng(2), "ts.AtEndOfLine", True)
+ts.SkipLine
+Check ts.ReadAll, vbCrLf, "ReadAll after SkipLine"
+ts.Close
+Set ts = fso.CreateTextFile(root & "/bom.txt")
+ts.Write ChrW(&HFEFF) & "ok" & vbLf & "next"
+ts.Close
+Set ts = fso.OpenTextFile(root & "/bom.txt")
+CheckEach Array("ts.ReadLine", "ok", "ts.ReadLine", "next")
+ts.Close
+
+' Files and folders as objects; MoveFile into a folder, never onto a file.
+Dim f, n
+fso.CreateFolder root & "/sub"
+fso.CreateTextFile(root & "/sub/two.log").Write "22"
+Set f = fso.GetFolder(root & "/sub")
+CheckEach Array("f.Name", "sub", "f.Size", CLng(2), _
+  "fso.GetFile(root & ""/sub/two.log"").ParentFolder.Path", f.Path, _
+  "fso.GetAbsolutePathName(""/x/./y/../z\"")", "/x/z")
+fso.MoveFile root & "/sub/two.log", root & "/"
+Check fso.FileExists(root & "/two.log"), True, "MoveFile into a folder"
+CheckError "fso.MoveFile root & ""/a.txt"", root & ""/two.log""", 58, "MoveFile onto a file"
+n = ""
+For Each f In fso.GetFolder(root).SubFolders
+  n = n & f.Name & ";"
+Next
+Check n, "c_dst;c_src1;dst;src1;src2;sub;", "SubFolders in name order"
+
 fso.DeleteFolder root
 Check fso.FolderExists(root), False, "DeleteFolder"
