@@ -11,6 +11,7 @@
 #include "ado/constants.h"
 #include "automation/convert.h"
 #include "automation/dispatch.h"
+#include "support/password_object.h"
 
 namespace qv::asp {
 
@@ -64,7 +65,7 @@ void RegisterServerClasses(vbs::ClassRegistry& registry, data::ConnectionPool& p
        {u"ADODB.Connection", u"ADODB.Connection.2.8", u"ADODB.Connection.6.0"})
     registry.Register(prog_id, pooled);
   registry.Register(u"Quorvex.Random", [] { return Ref<Object>(MakeRef<RandomObject>()); });
-  RegisterPasswordClass(registry);
+  if (PasswordHashesAvailable()) registry.Register(u"Quorvex.Password", NewPasswordObject);
   RegisterJournalClass(registry);
 }
 

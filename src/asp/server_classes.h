@@ -12,8 +12,7 @@ namespace qv::asp {
 // ADODB.Connection objects open and close through `pool`, which outlives the registry's
 // objects.
 void RegisterServerClasses(vbs::ClassRegistry& registry, data::ConnectionPool& pool);
-// Quorvex.Password (password_object.cpp) and Quorvex.Journal (journal_object.cpp).
-void RegisterPasswordClass(vbs::ClassRegistry& registry);
+// Quorvex.Journal (journal_object.cpp).
 void RegisterJournalClass(vbs::ClassRegistry& registry);
 // An object whose members are the ADO constants; added with its members as global names, it
 // makes them known to a page without compiling a Const statement per request.

@@ -14,6 +14,7 @@
 #include "platform/text_file.h"
 #include "script/system_library.h"
 #include "support/common.h"
+#include "support/password_object.h"
 #include "support/tyx_vars.h"
 #include "vbscript/engine.h"
 
@@ -187,6 +188,9 @@ TyScript::TyScript() : TyScript(LoadScriptSettings()) {}
 
 TyScript::TyScript(ScriptSettings settings)
     : engine_(std::make_unique<vbs::Engine>()), settings_(std::move(settings)) {
+  // Templates hash what the generated application must not carry as itself (a password).
+  if (PasswordHashesAvailable())
+    engine_->Registry().Register(u"Quorvex.Password", NewPasswordObject);
   InstallSystemLibrary();
 }
 

@@ -203,7 +203,16 @@ TEST_F(SecureApp, PasswordsAreHashedAndFailedLoginsSlowDown) {
   EXPECT_EQ(hash.substr(0, 10), "$argon2id$");
   EXPECT_EQ(Login("margaret", "margaret-pw").status, 302);
   EXPECT_EQ(Sql("SELECT Password FROM AppUser WHERE Login = 'margaret'"), hash);
+  // The fixed login's password is in no file of the application, only its hash.
+  for (const auto& entry : sfs::recursive_directory_iterator(*dir_ / "site")) {
+    if (entry.is_regular_file() && entry.path().extension() != ".sqlite") {
+      EXPECT_FALSE(Has(cli_testing::Slurp(entry.path()), "admin-pw")) << entry.path();
+    }
+  }
+  EXPECT_TRUE(Has(cli_testing::Slurp(*dir_ / "site/inc/qvlib.inc"),
+                  "Const qvSecFixedPasswd = \"$argon2id$"));
   EXPECT_EQ(Login("admin", "admin-pw").status, 302);
+  EXPECT_TRUE(Has(Login("admin", "admin-pw2").body, "is wrong"));
 
   // Three failures of a name are free; then even the right password waits.
   for (int i = 0; i < 3; ++i)

@@ -33,7 +33,7 @@ Function qvSecConstants()
   Dim s
   s = "Const qvSecMode = " & qvQuoteVBS(qvSecMode()) & vbCrLf
   s = s & "Const qvSecFixedLogin = " & qvQuoteVBS(Trim(PROJ.SecLoginID & "")) & vbCrLf
-  s = s & "Const qvSecFixedPasswd = " & qvQuoteVBS(PROJ.SecPasswd & "") & vbCrLf
+  s = s & "Const qvSecFixedPasswd = " & qvQuoteVBS(qvSecFixedHash()) & vbCrLf
   s = s & "Const qvSecUserTbl = " & qvQuoteVBS(Trim(PROJ.SecTbl & "")) & vbCrLf
   s = s & "Const qvSecLoginFld = " & qvQuoteVBS(Trim(PROJ.SecLoginIDFld & "")) & vbCrLf
   s = s & "Const qvSecPasswdFld = " & qvQuoteVBS(Trim(PROJ.SecPasswdFld & "")) & vbCrLf
@@ -53,6 +53,25 @@ Function qvSecConstants()
   s = s & "Const qvSecPrivLevelFld = " & qvQuoteVBS(qvSecDbSetting("UserLevelPrivUserLevelFld")) & vbCrLf
   s = s & "Const qvSecPrivFld = " & qvQuoteVBS(qvSecDbSetting("UserLevelPrivPrivFld")) & vbCrLf
   qvSecConstants = qvIndentLines(s)
+End Function
+
+' The project's fixed password as the application keeps it: a salted slow hash, so that the
+' pages (and whoever reads them) never hold the password itself. A SecPasswd that is a hash
+' already stays as it is; none gives "", which no password matches. The hash is made once per
+' run: every page that includes the constants gets the same one.
+Dim qvSecHashOf, qvSecHashMade
+
+Function qvSecFixedHash()
+  Dim pw
+  pw = PROJ.SecPasswd & ""
+  qvSecFixedHash = ""
+  If pw = "" Then Exit Function
+  If Left(pw, 10) = "$argon2id$" Then qvSecFixedHash = pw : Exit Function
+  If qvSecHashOf <> pw Or qvSecHashMade = "" Then
+    qvSecHashMade = CreateObject("Quorvex.Password").Hash(pw)
+    qvSecHashOf = pw
+  End If
+  qvSecFixedHash = qvSecHashMade
 End Function
 
 ' A Boolean setting that may be empty: only True is True.

@@ -1,5 +1,6 @@
-// Quorvex.Password: salted slow password hashes for pages, over libsodium's Argon2id, since
-// VBScript has nothing of the kind and a fast hash (or none) lets a stolen user table be read.
+// Quorvex.Password: salted slow password hashes for pages and for generation, over libsodium's
+// Argon2id, since VBScript has nothing of the kind and a fast hash (or none) lets a stolen
+// user table be read.
 //
 //   Hash(password)           a new hash text, "$argon2id$v=19$m=...,t=...,p=1$salt$hash",
 //                            salted afresh each time, so two equal passwords hash differently
@@ -11,14 +12,15 @@
 // Passwords are taken as UTF-8. One that is empty or longer than 4,096 characters is refused
 // by Hash (error 5) and never matches in Verify: nobody types such a password, and hashing
 // megabytes on request would be an easy way to keep the server busy.
+#include "support/password_object.h"
+
 #include <sodium.h>
 
 #include <string>
 
-#include "asp/server_classes.h"
 #include "automation/dispatch.h"
 
-namespace qv::asp {
+namespace qv {
 
 namespace {
 
@@ -75,10 +77,13 @@ class PasswordObject : public DispatchObject<PasswordObject> {
 
 }  // namespace
 
-void RegisterPasswordClass(vbs::ClassRegistry& registry) {
+bool PasswordHashesAvailable() {
   // Makes libsodium pick its random source; later calls return at once.
-  if (sodium_init() < 0) return;
-  registry.Register(u"Quorvex.Password", [] { return Ref<Object>(MakeRef<PasswordObject>()); });
+  return sodium_init() >= 0;
 }
 
-}  // namespace qv::asp
+Ref<Object> NewPasswordObject() {
+  return Ref<Object>(MakeRef<PasswordObject>());
+}
+
+}  // namespace qv
