@@ -69,19 +69,34 @@ Function qvKeyFields(list)
 End Function
 
 ' The detail tables whose master is this table, each with its list page and linking fields,
-' so that a master's list and view link to them.
+' so that a master's list and view link to them. Every page asks, and going through all tables
+' for each made a run's time grow with the square of their number: the tables that name any
+' master are found once a run (as the menu is made once), and only those are looked at.
+Dim qvDetailCandidates, qvDetailTables
+qvDetailTables = -1
+
 Function qvDetailsDef(t)
-  Dim s, i, d, m
+  Dim s, i, d, m, n
+  If qvDetailTables <> DB.Tables.Count Then
+    ReDim qvDetailCandidates(DB.Tables.Count)
+    n = 0
+    For i = 1 To DB.Tables.Count
+      Set d = DB.Tables.Seq(i)
+      If Not d Is Nothing Then
+        If Trim(d.TblMasterTbl) <> "" Then Set qvDetailCandidates(n) = d : n = n + 1
+      End If
+    Next
+    ReDim Preserve qvDetailCandidates(n)
+    qvDetailTables = DB.Tables.Count
+  End If
   s = ""
-  For i = 1 To DB.Tables.Count
-    Set d = DB.Tables.Seq(i)
-    If Not d Is Nothing Then
-      Set m = qvMasterOf(d)
-      If Not m Is Nothing Then
-        If StrComp(m.TblName, t.TblName, vbTextCompare) = 0 And qvHasPage(d, "list") Then
-          s = s & "qvTbl.AddDetail " & qvQuoteVBS(qvCaptionOf(d.TblCaption)) & ", " & qvQuoteVBS(qvPageIf(d, "list")) & ", " & _
-              qvQuoteVBS(qvKeyFields(d.TblMasterFld)) & ", " & qvQuoteVBS(qvKeyFields(d.TblDetailFld)) & vbCrLf
-        End If
+  For i = 0 To UBound(qvDetailCandidates) - 1
+    Set d = qvDetailCandidates(i)
+    Set m = qvMasterOf(d)
+    If Not m Is Nothing Then
+      If StrComp(m.TblName, t.TblName, vbTextCompare) = 0 And qvHasPage(d, "list") Then
+        s = s & "qvTbl.AddDetail " & qvQuoteVBS(qvCaptionOf(d.TblCaption)) & ", " & qvQuoteVBS(qvPageIf(d, "list")) & ", " & _
+            qvQuoteVBS(qvKeyFields(d.TblMasterFld)) & ", " & qvQuoteVBS(qvKeyFields(d.TblDetailFld)) & vbCrLf
       End If
     End If
   Next
