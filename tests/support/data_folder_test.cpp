@@ -1,7 +1,11 @@
-// Finding the data folder: the environment first, then the build tree this test runs in.
+// Finding the data folder (the environment first, then the build tree this test runs in) and
+// the home folder.
 #include "support/data_folder.h"
 
 #include <gtest/gtest.h>
+
+#include <pwd.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -33,15 +37,6 @@ TEST(DataFolderTest, EnvironmentThenTheBuildTree) {
     ::unsetenv("QUORVEX_DATA_DIR");
   }
 }
-
-}  // namespace
-}  // namespace qv
-
-#include <pwd.h>
-#include <unistd.h>
-
-namespace qv {
-namespace {
 
 TEST(HomeFolderTest, HomeThenTheAccount) {
   const char* saved = std::getenv("HOME");
