@@ -127,13 +127,10 @@ CheckEach Array("Fails_2(""x = CInt(""""a"""")"")", "13|Type mismatch|Microsoft 
   "Fails_2(""x = CLng(Null)"")", "94|Invalid use of Null|Microsoft VBScript runtime error", _
   "Fails_2(""Dim o : o.Name = 1"")", "424|Object required|Microsoft VBScript runtime error", _
   "Fails_2(""Set o = CreateObject(""""Scripting.Dictionary"""") : o.Add 1, 1 : o.Add 1, 2"")", "457|This key is already associated with an element of this collection|Microsoft VBScript runtime error")
-CheckErrors Array("Set o = CreateObject(""Scripting.Dictionary"") : o.Bogus", 438, _
-  "Set o = CreateObject(""Bogus.Thing"")", 429, "Dim o : Set o = Nothing : o.Name = 1", 424)
+CheckError "Dim o : Set o = Nothing : o.Name = 1", 424, "a member of Nothing"
 Check Fails_2("x = Array(1, 2)(0, 1)"), "9|Subscript out of range|Microsoft VBScript runtime error", "too many indices"
-Check Fails_2("Err.Raise 6"), "6|Overflow|Microsoft VBScript runtime error", "Err.Raise of a standard number takes its text"
 Check Fails_2("Err.Raise 5, ""Mine"""), "5|Invalid procedure call or argument|Mine", "own source, standard text"
 Check Fails_2("Err.Raise 5, , ""Own text"""), "5|Own text|Microsoft VBScript runtime error", "own text, standard source"
-Check Fails_2("Err.Raise vbObjectError + 513, ""App"", ""Custom"""), "-2147220991|Custom|App", "custom number"
 Check Fails_2("x = 1"), "0||", "no error"
 CheckError "Err.Raise 0", 5, "Err.Raise 0 is itself invalid"
 ' Handlers and the Err object across statements.
@@ -143,26 +140,10 @@ y = 2
 Check Err.Number, CLng(11), "a later good statement leaves Err alone"
 On Error Resume Next
 Check Err.Number, CLng(0), "On Error Resume Next clears Err"
-x = 1 / 0
-Err.Clear
-Check Err.Number, CLng(0), "Err.Clear"
-Err.Clear
 Err.Description = "only text"
 Check Err.Number, CLng(0), "setting the text alone keeps number 0"
 Err.Clear
 On Error GoTo 0
-Function Inner()
-  Inner = "start"
-  Dim z : z = 1 / 0
-  Inner = "never"
-End Function
-Function Outer()
-  On Error Resume Next
-  Dim r
-  r = Inner()
-  Outer = TypeName(r) & "|" & Err.Number
-End Function
-Check Outer(), "Empty|11", "the callee stops at its error; the caller's assignment is skipped"
 trace2 = Empty
 Sub Deep3()
   Err.Raise 1001, "Deep", "from deep"
@@ -211,13 +192,10 @@ CheckEach Array("TextOf(70)", "Permission denied", "TextOf(76)", "Path not found
   "TextOf(500)", "Variable is undefined", "TextOf(501)", "Illegal assignment", _
   "TextOf(32811)", "Element not found", "TextOf(5017)", "Syntax error in regular expression")
 ' Compile errors met through ExecuteGlobal.
-CheckErrors Array("x = 1 Then", 1025, "x = ""open", 1033, "x = (1", 1006, "x = [open", 1007, _
-  "Dim Dim", 1010, "Exit For", 1039, "For i = 1 To 2 : Next i", 1025, _
-  "Sub S8(a) : End Sub : S8(1, 2)", 1044, _
+CheckErrors Array("x = (1", 1006, "x = [open", 1007, "For i = 1 To 2 : Next i", 1025, _
   "Class K2 : Public Default Function A() : End Function : Public Default Function B() : End Function : End Class", 1052, _
   "Class K3 : Private Sub Class_Initialize(a) : End Sub : End Class", 1053, _
-  "Set x = New NoSuchClass", 506, "With 5 : .x = 1 : End With", 424, "Erase neverAssigned", 13, _
-  "Dim fixedArr(2) : ReDim fixedArr(3)", 10)
+  "With 5 : .x = 1 : End With", 424, "Erase neverAssigned", 13)
 ' Stack overflow is caught like any other error.
 Function Forever(n)
   Forever = Forever(n + 1)
@@ -354,25 +332,6 @@ Sub Headers()
 End Sub
 Headers
 
-' A procedure with its own handler keeps the error in Err for its caller; one without a
-' handler passes the error up, and the caller's handler resumes after the call.
-Dim trace
-Sub Inner_3(keepGoing)
-  If keepGoing Then On Error Resume Next
-  trace = 1
-  Fails_3
-  trace = 2
-End Sub
-Sub Outer_3(keepGoing)
-  On Error Resume Next
-  Inner_3 keepGoing
-  Check Err.Number, CLng(1000), "Err after the call (" & keepGoing & ")"
-End Sub
-Outer_3 True
-Check trace, 2, "the callee resumed after its own error"
-Outer_3 False
-Check trace, 1, "the callee stopped at the error"
-
 ' Err is cleared by On Error Resume Next / GoTo 0 and by Err.Clear, not by a successful call.
 Sub Handled()
   On Error Resume Next
@@ -427,8 +386,7 @@ CheckErrors Array("x = Escape(Null)", 94, "x = Unescape(Null)", 94, _
 Check DateValue(#3/4/2026 10:00#), #3/4/2026#, "DateValue of a date"
 CheckErrors Array("x = ChrB(256)", 6, "x = ChrB(-1)", 6, _
   "Dim held(1) : Set held(0) = Nothing : held(0)(0) = 1", 13, _
-  "Option Explicit" & vbLf & "Set o = New NoSuchClassHere", 500, _
-  "Set o = New NoSuchClassHere", 506)
+  "Option Explicit" & vbLf & "Set o = New NoSuchClassHere", 500)
 
 ' --- For Each over a call that failed under On Error Resume Next still starts, on nothing.
 Function FailsForEach()

