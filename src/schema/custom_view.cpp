@@ -52,11 +52,6 @@ void CopySourceSettings(const TyxDatabase& db, TyxTable& view) {
   });
 }
 
-void LoadColumns(TyxTable& table, data::Recordset& rs) {
-  ApplyToTable(ReadColumnFacts(rs), table,
-               [&](const String& name) { table.SetTblCustomError(DuplicateColumnText(name)); });
-}
-
 }  // namespace
 
 Variant CustomViewConnStr(const Tyx& tyx) {
@@ -102,59 +97,75 @@ void LoadCustomView(Tyx& tyx, StringView table_name, StringView sql, bool copy_f
   vars.ProjErr = String();
 }
 
+CustomViewRun RunCustomViewSql(data::Connection& cn, StringView sql) {
+  CustomViewRun run;
+  data::Recordset rs;
+  try {
+    rs.Open(sql, cn);
+  } catch (const Error& e) {
+    run.error = e.description();
+    return run;
+  }
+  run.ran = true;
+  run.columns = ReadColumnFacts(rs);
+  rs.Close();
+  return run;
+}
+
+bool CustomViewNameRefused(StringView table_name) {
+  return DatabaseKind(Vars().CurrentDbmsName) == kDbOracle &&
+         table_name.find(u' ') != StringView::npos;
+}
+
 int16_t LoadADOCustomView(TyxDatabase& db, StringView conn_str, StringView table_name,  // NOLINT
                           StringView sql) {
+  TyxTables& tables = db.Tables();
+  bool added = false;
   data::Connection cn;
-  try {
-    cn.Open(conn_str);
-    if (cn.State() != data::adStateOpen) return 1;
-    TyxTables& tables = db.Tables();
-    if (!tables.Add(table_name)) return 1;
-    TyxTable* table = tables.list().ByName(table_name);
-    if (!table) return 1;
-    table->SetTblLoaded(false);
-    Load_ADOCustomView(*table, cn, table_name, sql);
-    cn.Close();
-    if (!Vars().ProjErr.empty()) {
-      tables.Delete(table_name);
-      return 1;
-    }
-    return 0;
-  } catch (const Error& failure) {
-    Vars().ProjErr = AdoConnectionErrorText(cn.GetErrors(), failure, /*numbered=*/false);
-    cn.Close();
-    if (db.Tables().list().ByName(table_name)) db.Tables().Delete(table_name);
-    return 3;
-  }
+  const int16_t result = UnderConnectionHandler(
+      cn,
+      [&]() -> int16_t {
+        cn.Open(conn_str);
+        if (cn.State() != data::adStateOpen) return 1;
+        added = tables.Add(table_name);
+        TyxTable* table = added ? tables.list().ByName(table_name) : nullptr;
+        if (!table) return 1;
+        table->SetTblLoaded(false);
+        Load_ADOCustomView(*table, cn, table_name, sql);
+        return Vars().ProjErr.empty() ? 0 : 1;
+      },
+      /*numbered=*/false);
+  // A view that failed leaves no table behind.
+  if (result != 0 && added && tables.list().ByName(table_name)) tables.Delete(table_name);
+  return result;
 }
 
 void Load_ADOCustomView(TyxTable& table, data::Connection& cn, StringView table_name,  // NOLINT
                         StringView sql) {
   TyxVars& vars = Vars();
-  const int32_t kind = DatabaseKind(vars.CurrentDbmsName);
   table.SetTblName(String(table_name));
   table.SetTblType(u"CUSTOMVIEW");
   table.SetTblCustomSQL(String(sql));
   table.SetTblLoaded(true);
   table.SetTblGen(true);
-  if (kind == kDbOracle && table_name.find(u' ') != StringView::npos) {
+  if (CustomViewNameRefused(table_name)) {
     table.SetTblCustomError(vars.ProductTitle + u": Oracle Table/View Name [" + table_name +
                             u"] contain spaces,table not loaded!");
     table.SetTblGen(false);
+    return;
   }
-  if (!table.TblGen()) return;
-  data::Recordset rs;
-  try {
-    rs.Open(sql, cn);
-  } catch (const Error& e) {
+  const CustomViewRun run = RunCustomViewSql(cn, sql);
+  if (!run.ran) {
+    // The project's view keeps the database's words bare; a record's carry the product's
+    // name (TyxSchema::LoadADOCustomView).
     table.SetTblGen(false);
-    table.SetTblCustomError(e.description());
-    vars.ProjErr = e.description();
+    table.SetTblCustomError(run.error);
+    vars.ProjErr = run.error;
     table.LoadTableDefault();
     return;
   }
-  LoadColumns(table, rs);
-  rs.Close();
+  ApplyToTable(run.columns, table,
+               [&](const String& name) { table.SetTblCustomError(DuplicateColumnText(name)); });
   ParseCustomSql(table);
   table.SetTblCustomError(u"");
   table.LoadTableDefault();

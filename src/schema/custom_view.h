@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "automation/string.h"
 #include "automation/variant.h"
@@ -12,6 +13,7 @@
 #include "model/table.h"
 #include "model/tyx.h"
 #include "platform/data/connection.h"
+#include "schema/column_facts.h"
 
 namespace qv {
 
@@ -20,6 +22,19 @@ namespace qv {
 Variant CustomViewConnStr(const Tyx& tyx);
 
 void LoadCustomView(Tyx& tyx, StringView table_name, StringView sql, bool copy_fields);
+
+// The one run of a custom view's SQL that both the project's custom view and the record of
+// synchronisation are made from: its columns, or the database's words on why it didn't run.
+struct CustomViewRun {
+  bool ran = false;
+  String error;
+  std::vector<ColumnFacts> columns;
+};
+CustomViewRun RunCustomViewSql(data::Connection& cn, StringView sql);
+
+// True when the database can't take the name for a custom view (Oracle's can't hold a space);
+// the view's SQL is then never run.
+bool CustomViewNameRefused(StringView table_name);
 
 // TyxDatabase.LoadADOCustomView: 0 success, 1 the connection wasn't open or the name was
 // refused (or the SQL failed, whose words are in ProjErr), 3 the connection error handler ran.

@@ -1,5 +1,6 @@
-// The DAO loaders. One handler covers the whole of LoadDAODB: any failure after the view list
-// ends the load with result 1, whatever was added so far stays for the caller to drop.
+// LoadDAODB and the steps the Access reader and loader share. The file is read whole into
+// records first (dao_schema_reader.cpp), so a failure while reading leaves the project as it
+// was; what fails while the tables are built leaves what was added for the caller to drop.
 #include "schema/dao_loader.h"
 
 #include <memory>
@@ -10,7 +11,8 @@
 #include "platform/data/data_types.h"
 #include "platform/data/recordset.h"
 #include "platform/prompter.h"
-#include "schema/dao_indexes.h"
+#include "schema/table_loader.h"
+#include "schema/tyx_schema.h"
 #include "schema/view_analysis.h"
 #include "support/common.h"
 #include "support/status.h"
@@ -25,21 +27,17 @@ constexpr int32_t kAttrFixed = 16;     // adFldFixed
 constexpr int32_t kAttrAutoIncr = 4;   // the bit the original used for an auto-increment
 constexpr int32_t kAttrNullable = 32;  // adFldIsNullable
 
-bool FieldsAreRead(bool load_all) {
-  return !load_all || !Vars().DynamicLoadDB;
-}
-
 void WriteDatabaseProperties(TyxDatabase& db, const DaoLoadRequest& request,
-                             const data::AccessDatabase& file) {
+                             const TySchemaDB& read) {
   db.SetDBType(u"ACCESS");
   db.SetDBPath(request.path);
   db.SetDBUseServerMapPath(request.use_server_map_path);
   db.SetDBPhyPath(request.phy_path);
   db.SetDBUID(request.uid);
   db.SetDBPwd(request.pwd);
-  db.SetDBADOVer(data::AccessDatabase::EngineVersion());
+  db.SetDBADOVer(read.DBADOVer);
   db.SetDBDBMSName(u"ACCESS");
-  db.SetDBDBMSVer(file.Version());
+  db.SetDBDBMSVer(read.DBDBMSVer);
   db.SetDBOLEDBVer(u"N.A.");
   db.SetDBProviderName(u"N.A.");
   db.SetDBProviderVer(u"N.A.");
@@ -79,75 +77,25 @@ TyxTable* AddListed(TyxTables& tables, StringView name, StringView type) {
   return table;
 }
 
-class DaoProjectLoad {
- public:
-  DaoProjectLoad(TyxDatabase& db, const DaoLoadRequest& request)
-      : db_(db), request_(request), full_(request.table_name.empty()) {}
-
-  void Run() {
-    const Variant views = CollectDaoViewNames(request_.phy_path, request_.pwd);
-    if (full_) Status().DispStatus(Variant(String(u"Loading Database Tables...")));
-    const std::unique_ptr<data::AccessDatabase> file =
-        OpenDaoDatabase(request_.phy_path, request_.pwd);
-    if (full_) WriteDatabaseProperties(db_, request_, *file);
-    Vars().CurrentDbmsName = db_.DBDBMSName();
-    total_ = static_cast<double>(file->TableDefs().size() + file->QueryDefs().size());
-    for (const data::DaoTableDef& table_def : file->TableDefs()) {
-      if (IsLoadableTableDef(table_def)) LoadTable(table_def);
-      Count();
-    }
-    if (full_) Status().DispStatus(Variant(String(u"Loading Database Views...")));
-    for (const data::DaoQueryDef& query_def : file->QueryDefs()) {
-      if (IsInList(views, Variant(query_def.name))) LoadView(query_def);
-      Count();
-    }
+// A whole load adds each table and query it read; a load of one refreshes that one only. A
+// table whose definition lists no column stays as listed, a query is loaded regardless.
+void BuildTable(TyxDatabase& db, const TySchemaTable& record, bool full) {
+  TyxTables& tables = db.Tables();
+  const bool view = record.TblType == u"VIEW";
+  if (!view && record.TblFldCnt == 0) {
+    if (full) AddListed(tables, record.TblName, record.TblType);
+    return;
   }
-
- private:
-  static TyxStatus& Status() { return SharedStatus(); }
-
-  void Count() {
-    ++done_;
-    if (full_) Status().SetStatus(Variant(PercentOf(done_, total_)));
-  }
-
-  void LoadTable(const data::DaoTableDef& table_def) {
-    TyxTables& tables = db_.Tables();
-    if (full_) {
-      Status().DispStatus(Variant(u"Loading Table " + table_def.name + u"..."));
-      TyxTable* added = AddListed(tables, table_def.name, u"TABLE");
-      if (added && !table_def.fields.empty()) LoadTbl_DAO(*added, table_def, true);
-      return;
-    }
-    if (table_def.name != request_.table_name || table_def.fields.empty()) return;
-    if (TyxTable* table = tables.list().ByName(table_def.name))
-      LoadTbl_DAO(*table, table_def, false);
-  }
-
-  void LoadView(const data::DaoQueryDef& query_def) {
-    TyxTables& tables = db_.Tables();
-    if (full_) {
-      Status().DispStatus(Variant(u"Loading View " + query_def.name + u"..."));
-      if (TyxTable* added = AddListed(tables, query_def.name, u"VIEW"))
-        LoadView_DAO(*added, query_def, true);
-    } else if (query_def.name == request_.table_name) {
-      if (TyxTable* table = tables.list().ByName(query_def.name))
-        LoadView_DAO(*table, query_def, false);
-    } else {
-      return;
-    }
-    TyxTable* view = tables.list().ByName(query_def.name);
-    if (!view) return;
-    view->SetTblSQL(query_def.sql);
-    AnalyseViewSql(db_, *view, query_def.sql);
-  }
-
-  TyxDatabase& db_;
-  const DaoLoadRequest& request_;
-  const bool full_;
-  double total_ = 0;
-  double done_ = 0;
-};
+  TyxTable* table = full ? AddListed(tables, record.TblName, record.TblType)
+                         : tables.list().ByName(record.TblName);
+  if (table) Load_DAO(*table, record, full);
+  if (!view) return;
+  // The name may belong to a table the list had already, which then takes the query's SQL.
+  table = tables.list().ByName(record.TblName);
+  if (!table) return;
+  table->SetTblSQL(record.TblSQL);
+  AnalyseViewSql(db, *table, record.TblSQL);
+}
 
 }  // namespace
 
@@ -191,57 +139,24 @@ String DaoErrorText(const Error& failure) {
 
 int16_t LoadDAODB(TyxDatabase& db, const DaoLoadRequest& request) {  // NOLINT
   if (request.phy_path.empty()) return 0;
+  const bool full = request.table_name.empty();
+  SchemaReadScope scope;
+  scope.only_table = request.table_name;
+  scope.for_project = true;
+  TyxSchema schema(std::move(scope));
+  const int16_t result = schema.ReadDaoSchema(
+      request.path, request.phy_path, request.use_server_map_path, request.uid, request.pwd);
+  if (result != 0) return result;
   try {
-    DaoProjectLoad(db, request).Run();
+    if (full) WriteDatabaseProperties(db, request, schema.db());
+    Vars().CurrentDbmsName = db.DBDBMSName();
+    for (const TySchemaTable& record : schema.db().tables.Tbl)
+      BuildTable(db, record, full);
     return 0;
   } catch (const Error& failure) {
     Vars().ProjErr = DaoErrorText(failure);
     return 1;
   }
-}
-
-void LoadTbl_DAO(TyxTable& table, const data::DaoTableDef& table_def, bool load_all) {  // NOLINT
-  table.SetTblName(table_def.name);
-  table.SetTblType(u"TABLE");
-  if (!FieldsAreRead(load_all)) {
-    table.SetTblGen(false);
-    table.SetTblLoaded(false);
-    return;
-  }
-  TyxFields& fields = table.Fields();
-  for (const data::DaoField& column : table_def.fields) {
-    if (!fields.Add(column.name)) continue;
-    if (TyxField* field = fields.list().ByName(column.name)) LoadFld_DAO(*field, column);
-  }
-  const DaoIndexFacts indexes = ReadDaoIndexes(table_def.indexes);
-  for (const String& name : indexes.key_columns) {
-    if (TyxField* field = fields.list().ByName(name)) field->SetFldIsPrimaryKey(true);
-  }
-  if (indexes.key) table.SetTblKey(*indexes.key);
-  for (const String& name : indexes.unique_columns) {
-    if (TyxField* field = fields.list().ByName(name)) field->SetFldUniqueIdx(true);
-  }
-  table.SetTblGen(true);
-  table.LoadTableDefault();
-  table.SetTblLoaded(true);
-}
-
-void LoadView_DAO(TyxTable& table, const data::DaoQueryDef& query_def, bool load_all) {  // NOLINT
-  table.SetTblName(query_def.name);
-  table.SetTblType(u"VIEW");
-  if (!FieldsAreRead(load_all)) {
-    table.SetTblGen(false);
-    table.SetTblLoaded(false);
-    return;
-  }
-  TyxFields& fields = table.Fields();
-  for (const data::DaoField& column : query_def.fields) {
-    if (!fields.Add(column.name)) continue;
-    if (TyxField* field = fields.list().ByName(column.name)) LoadFld_DAO(*field, column);
-  }
-  table.SetTblGen(true);
-  table.LoadTableDefault();
-  table.SetTblLoaded(true);
 }
 
 int32_t MapDaoAttributes(const data::DaoField& column) {
@@ -250,26 +165,6 @@ int32_t MapDaoAttributes(const data::DaoField& column) {
   if ((column.attributes & data::dbAutoIncrField) != 0) bits |= kAttrAutoIncr;
   if (!column.required) bits |= kAttrNullable;
   return bits;
-}
-
-void LoadFld_DAO(TyxField& field, const data::DaoField& column) {  // NOLINT
-  field.SetFldName(column.name);
-  field.SetFieldSupportDao(static_cast<int16_t>(column.type));
-  field.SetFldSize(column.size);
-  field.SetFldUniqueIdx(false);
-  field.SetFldAttribute(MapDaoAttributes(column));
-  field.SetFldAutoIncrement((column.attributes & data::dbAutoIncrField) != 0);
-  field.SetFldDefault(column.default_value.is_empty() ? Variant(String()) : column.default_value);
-  field.SetFldZeroLen(column.allow_zero_length);
-  field.SetFldReq(column.required);
-  try {
-    const Variant caption = column.Properties(u"Caption");
-    const String text = caption.is_null() ? String() : ToString(caption);
-    if (!text.empty()) field.SetFldCaption(text);
-  } catch (const Error&) {
-    // A column without a caption keeps FldCaption empty until the defaults fill it.
-  }
-  field.LoadFldDefault();
 }
 
 bool IsInList(const Variant& list, const Variant& value) {

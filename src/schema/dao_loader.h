@@ -1,7 +1,7 @@
-// TyxDatabase.LoadDAODB and its table, view and field loaders: an Access file read through the
-// DAO-shaped layer of platform/data into the project. Only this path knows the index named
-// "PrimaryKey", DefaultValue, AllowZeroLength, Required and the column's "Caption". The stored
-// queries that ADOX lists as views become views, with their SQL analysed for a key.
+// TyxDatabase.LoadDAODB: an Access file read through the DAO-shaped layer of platform/data into
+// the project, by way of the records of TyxSchema's DAO reader. Only this path knows the index
+// named "PrimaryKey", DefaultValue, AllowZeroLength, Required and the column's "Caption". The
+// stored queries that ADOX lists as views become views, with their SQL analysed for a key.
 #pragma once
 
 #include <cstdint>
@@ -30,9 +30,6 @@ struct DaoLoadRequest {
 // with no product prefix, are in ProjErr.
 int16_t LoadDAODB(TyxDatabase& db, const DaoLoadRequest& request);  // NOLINT
 
-void LoadTbl_DAO(TyxTable& table, const data::DaoTableDef& table_def, bool load_all);   // NOLINT
-void LoadView_DAO(TyxTable& table, const data::DaoQueryDef& query_def, bool load_all);  // NOLINT
-void LoadFld_DAO(TyxField& field, const data::DaoField& column);                        // NOLINT
 // ADO FieldAttributeEnum bits of a DAO column: fixed 16, auto-increment 4, nullable 32.
 int32_t MapDaoAttributes(const data::DaoField& column);
 

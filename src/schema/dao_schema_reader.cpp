@@ -1,6 +1,8 @@
-// TyxSchema.ReadDaoSchema: an Access file into plain records, by the same steps as LoadDAODB
-// (tables, then the select queries that ADOX lists), without defaults. The loaded marker goes
-// up as soon as the file is open, so a failure after that still counts as a load.
+// TyxSchema.ReadDaoSchema: the one reader of an Access file. Its tables, then the select
+// queries that ADOX lists, become plain records with their fields, captions, defaults and index
+// marks. The difference check compares the project with them, and LoadDAODB builds the
+// project's tables from them, so the two can't read a file two ways. The loaded marker goes up
+// as soon as the file is open, so a failure after that still counts as a load.
 #include <memory>
 
 #include "automation/convert.h"
@@ -39,20 +41,30 @@ void ReadFieldRecord(TySchemaField& record, const data::DaoField& column, int16_
   }
 }
 
+// The columns the definition lists. mdbtools names two columns of a query by their bare
+// name ("CompanyName" of two tables): the first stays and the repeat is passed over, as the
+// project's fields can hold only one, so that a fresh load and a check agree. The file's
+// definition is the whole truth about the columns: the record counts as read even with none.
 void ReadFieldRecords(TySchemaTable& table, const std::vector<data::DaoField>& columns) {
+  table.columns_read = true;
+  if (columns.empty()) return;
   table.TblGen = true;
   table.TblUpdatable = true;
   table.TblFields.fld.assign(columns.size(), TySchemaField());
-  int16_t seq = 0;
+  int16_t kept = 0;
   for (const data::DaoField& column : columns) {
-    TySchemaField& record = table.TblFields.fld[static_cast<size_t>(seq)];
-    ++seq;
-    ReadFieldRecord(record, column, seq);
+    table.TblFldCnt = kept;  // FindField looks only at the columns kept so far
+    if (table.FindField(column.name)) continue;
+    TySchemaField& record = table.TblFields.fld[static_cast<size_t>(kept)];
+    ++kept;
+    ReadFieldRecord(record, column, kept);
   }
-  table.TblFldCnt = seq;
+  table.TblFldCnt = kept;
 }
 
-void ApplyIndexes(TySchemaTable& table, const std::vector<data::DaoIndex>& indexes) {
+// A table without an index named "PrimaryKey" leaves TblKey empty: the project's table then
+// keeps the key it had.
+void ReadIndexes(TySchemaTable& table, const std::vector<data::DaoIndex>& indexes) {
   const DaoIndexFacts facts = ReadDaoIndexes(indexes);
   for (const String& name : facts.key_columns) {
     if (TySchemaField* f = table.FindField(name)) f->FldIsPrimaryKey = true;
@@ -69,9 +81,12 @@ int16_t TyxSchema::ReadDaoSchema(StringView path, StringView phy_path, bool use_
                                  StringView uid, StringView pwd) {
   if (phy_path.empty()) return 0;
   TyxStatus& status = SharedStatus();
+  // A read of one table is part of a load that showed its progress already.
+  const bool whole = scope_.only_table.empty();
+  const auto wanted = [&](const String& name) { return whole || name == scope_.only_table; };
   try {
     const Variant views = CollectDaoViewNames(phy_path, pwd);
-    status.DispStatus(Variant(String(u"Loading Database Tables...")));
+    if (whole) status.DispStatus(Variant(String(u"Loading Database Tables...")));
     const std::unique_ptr<data::AccessDatabase> file = OpenDaoDatabase(phy_path, pwd);
     db_.DBType = u"ACCESS";
     db_.DBPath = path;
@@ -95,9 +110,10 @@ int16_t TyxSchema::ReadDaoSchema(StringView path, StringView phy_path, bool use_
     double done = 0;
     auto count = [&] {
       ++done;
-      status.SetStatus(Variant(PercentOf(done, total)));
+      if (whole) status.SetStatus(Variant(PercentOf(done, total)));
     };
-    auto add = [&](const String& name, StringView type) -> TySchemaTable& {
+    auto add = [&](const String& name, StringView type, StringView word) -> TySchemaTable& {
+      if (whole) status.DispStatus(Variant(u"Loading " + String(word) + u" " + name + u"..."));
       TySchemaTable& table = tables.emplace_back();
       table.TblSeq = static_cast<int16_t>(tables.size());
       table.TblName = name;
@@ -105,25 +121,23 @@ int16_t TyxSchema::ReadDaoSchema(StringView path, StringView phy_path, bool use_
       return table;
     };
     for (const data::DaoTableDef& table_def : file->TableDefs()) {
-      if (IsLoadableTableDef(table_def)) {
-        status.DispStatus(Variant(u"Loading Table " + table_def.name + u"..."));
-        TySchemaTable& table = add(table_def.name, u"TABLE");
-        if (!table_def.fields.empty()) {
-          ReadFieldRecords(table, table_def.fields);
-          ApplyIndexes(table, table_def.indexes);
-        }
+      if (IsLoadableTableDef(table_def) && wanted(table_def.name)) {
+        TySchemaTable& table = add(table_def.name, u"TABLE", u"Table");
+        ReadFieldRecords(table, table_def.fields);
+        if (table.TblFldCnt > 0) ReadIndexes(table, table_def.indexes);
       }
       count();
     }
-    status.DispStatus(Variant(String(u"Loading Database Views...")));
+    if (whole) status.DispStatus(Variant(String(u"Loading Database Views...")));
     for (const data::DaoQueryDef& query_def : file->QueryDefs()) {
-      if (IsInList(views, Variant(query_def.name))) {
-        status.DispStatus(Variant(u"Loading View " + query_def.name + u"..."));
-        TySchemaTable& view = add(query_def.name, u"VIEW");
+      if (IsInList(views, Variant(query_def.name)) && wanted(query_def.name)) {
+        TySchemaTable& view = add(query_def.name, u"VIEW", u"View");
         view.TblUpdatable = true;
-        if (!query_def.fields.empty()) ReadFieldRecords(view, query_def.fields);
+        ReadFieldRecords(view, query_def.fields);
         view.TblSQL = query_def.sql;
-        AnalyseViewSql(tables, view, query_def.sql);
+        // A project weighs its view against its own tables, loaded before or not (LoadDAODB);
+        // a record against the records read so far.
+        if (!scope_.for_project) AnalyseViewSql(tables, view, query_def.sql);
       }
       count();
     }

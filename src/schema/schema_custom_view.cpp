@@ -1,27 +1,17 @@
 // TyxSchema.LoadADOCustomView: the columns of a custom view as one record, which the custom
-// view comparison of synchronisation reads. No origin is worked out: the records have no
-// place for one.
+// view comparison of synchronisation reads, from the same run of its SQL as a loaded custom
+// view (custom_view.h). No origin is worked out here: the records have no place for one, and
+// synchronisation traces the columns on the project's view afterwards.
 #include "automation/convert.h"
 #include "platform/data/connection.h"
 #include "platform/data/data_types.h"
-#include "platform/data/recordset.h"
 #include "schema/column_facts.h"
 #include "schema/connection_error.h"
+#include "schema/custom_view.h"
 #include "schema/tyx_schema.h"
 #include "support/tyx_vars.h"
 
 namespace qv {
-
-namespace {
-
-bool ContainsNoCase(StringView text, StringView part) {
-  for (size_t i = 0; i + part.size() <= text.size(); ++i) {
-    if (EqualsNoCase(text.substr(i, part.size()), part)) return true;
-  }
-  return false;
-}
-
-}  // namespace
 
 int16_t TyxSchema::LoadADOCustomView(StringView conn_str, StringView table_name, StringView sql) {
   TyxVars& vars = Vars();
@@ -40,21 +30,19 @@ int16_t TyxSchema::LoadADOCustomView(StringView conn_str, StringView table_name,
         table.TblName = table_name;
         table.TblType = u"CUSTOMVIEW";
         table.TblUpdatable = true;
-        if (ContainsNoCase(DbmsNameUpper, u"ORA") && table_name.find(u' ') != StringView::npos) {
+        if (CustomViewNameRefused(table_name)) {
           table.TblGen = false;
           vars.ProjErr = vars.ProductTitle + u": Invalid Oracle Custom View Name";
-        }
-        if (!table.TblGen) return 0;
-        data::Recordset rs;
-        try {
-          rs.Open(sql, cn);
-        } catch (const Error& e) {
-          table.TblGen = false;
-          vars.ProjErr = vars.ProductTitle + u": " + e.description();
           return 0;
         }
-        ApplyToRecord(ReadColumnFacts(rs), table);
-        rs.Close();
+        const CustomViewRun run = RunCustomViewSql(cn, sql);
+        if (!run.ran) {
+          table.TblGen = false;
+          vars.ProjErr = vars.ProductTitle + u": " + run.error;
+          return 0;
+        }
+        table.columns_read = true;
+        ApplyToRecord(run.columns, table);
         return 0;
       },
       /*numbered=*/false);

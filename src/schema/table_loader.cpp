@@ -1,4 +1,5 @@
-// The ADO table loader: a project table from its schema record.
+// The table loaders: a project table from its schema record, with the fields made in the way
+// of the record's source.
 #include "schema/table_loader.h"
 
 #include "schema/column_facts.h"
@@ -36,16 +37,11 @@ void MarkKeys(TyxFields& fields, const TySchemaTable& record) {
   }
 }
 
-}  // namespace
-
-String DuplicateColumnText(StringView column) {
-  return Vars().ProductTitle + u": Duplicate Column Name - " + column +
-         u" found! ASP scripts may not be generated correctly! Please rename duplicated field "
-         u"names to ensure correct generation!";
-}
-
-void Load_ADO(TyxTable& table, const TySchemaTable& record, bool load_all,  // NOLINT
-              int32_t kind) {
+// The steps of every table built from its record: `load_fields` adds the fields with their
+// defaults, in the way of the record's source.
+template <class LoadFields>
+void LoadFromRecord(TyxTable& table, const TySchemaTable& record, bool load_all, int32_t kind,
+                    LoadFields&& load_fields) {
   table.SetTblName(record.TblName);
   table.SetTblType(record.TblType);
   if (load_all && Vars().DynamicLoadDB) {
@@ -55,7 +51,7 @@ void Load_ADO(TyxTable& table, const TySchemaTable& record, bool load_all,  // N
   }
   table.SetTblGen(true);
   if (record.columns_read) {
-    LoadFields(table, record);
+    load_fields();
     table.SetTblLoaded(true);
   } else {
     table.SetTblGen(false);
@@ -66,6 +62,52 @@ void Load_ADO(TyxTable& table, const TySchemaTable& record, bool load_all,  // N
     if (kind != kDbAccess || !record.TblKey.empty()) table.SetTblKey(record.TblKey);
   }
   table.LoadTableDefault();
+}
+
+}  // namespace
+
+String DuplicateColumnText(StringView column) {
+  return Vars().ProductTitle + u": Duplicate Column Name - " + column +
+         u" found! ASP scripts may not be generated correctly! Please rename duplicated field "
+         u"names to ensure correct generation!";
+}
+
+void Load_ADO(TyxTable& table, const TySchemaTable& record, bool load_all,  // NOLINT
+              int32_t kind) {
+  LoadFromRecord(table, record, load_all, kind, [&] { LoadFields(table, record); });
+}
+
+void Load_DAO(TyxTable& table, const TySchemaTable& record, bool load_all) {  // NOLINT
+  LoadFromRecord(table, record, load_all, kDbAccess, [&] {
+    TyxFields& fields = table.Fields();
+    for (int16_t i = 0; i < record.TblFldCnt; ++i) {
+      const TySchemaField& column = record.TblFields.fld[static_cast<size_t>(i)];
+      // A name already taken is passed over without a word: Access can't hold two.
+      if (!fields.Add(column.FldName)) continue;
+      if (TyxField* field = fields.list().ByName(column.FldName)) LoadFld_DAO(*field, column);
+    }
+  });
+}
+
+void LoadFld_DAO(TyxField& field, const TySchemaField& column) {  // NOLINT
+  field.SetFldName(column.FldName);
+  field.SetFldType(column.FldType);
+  field.SetFldSupport(column.FldSupport);
+  // A type without code keeps the quotes the field had.
+  if (column.FldSupport) {
+    field.SetFldQuoteS(column.FldQuoteS);
+    field.SetFldQuoteE(column.FldQuoteE);
+  }
+  field.SetFldSize(column.FldSize);
+  field.SetFldUniqueIdx(false);
+  field.SetFldAttribute(column.FldAttribute);
+  field.SetFldAutoIncrement(column.FldAutoIncrement);
+  field.SetFldDefault(column.FldDefault);
+  field.SetFldZeroLen(column.FldZeroLen);
+  field.SetFldReq(column.FldReq);
+  // A column without a caption keeps FldCaption empty until the defaults fill it.
+  if (!column.FldCaption.empty()) field.SetFldCaption(column.FldCaption);
+  field.LoadFldDefault();
 }
 
 }  // namespace qv
