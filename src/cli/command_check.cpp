@@ -34,6 +34,7 @@ void RunCheck(const std::string& project_file) {
     throw CLI::RuntimeError(kExitSchemaUnreadable);
   }
   PrintDifferences(found, stdout);
+  const int listed = CountListed(found);
   int broken = 0;  // counted 0 by the check, yet they won't generate until mended
   for (const SchemaDifference& d : found) {
     if (d.kind == SchemaDifference::kCustomViewBroken ||
@@ -41,17 +42,17 @@ void RunCheck(const std::string& project_file) {
       ++broken;
     }
   }
-  if (count == 0 && broken == 0) {
+  if (count == 0 && listed == 0) {
     std::printf("%s: no differences\n", project_file.c_str());
     return;
   }
-  if (count == 0) {
+  if (count == 0 && listed == broken) {
     std::printf("%s: the tables agree, but %d custom views or reports no longer run\n",
                 project_file.c_str(), broken);
     throw CLI::RuntimeError(kExitFailure);
   }
-  std::printf("%s: %d differences (run 'quorvex sync' to merge them)\n", project_file.c_str(),
-              count);
+  std::printf("%s: %s, listed above one per line (run 'quorvex sync' to merge them)\n",
+              project_file.c_str(), DifferencesText(listed).c_str());
   throw CLI::RuntimeError(kExitFailure);
 }
 

@@ -57,4 +57,16 @@ void PrintDifferences(const DifferenceList& found, std::FILE* out) {
   }
 }
 
+int CountListed(const DifferenceList& found) {
+  int count = 0;
+  for (const SchemaDifference& d : found) {
+    if (d.kind != SchemaDifference::kUnreadable) ++count;
+  }
+  return count;
+}
+
+std::string DifferencesText(int count) {
+  return std::to_string(count) + (count == 1 ? " difference" : " differences");
+}
+
 }  // namespace qv::cli

@@ -217,7 +217,8 @@ int32_t CheckTables(Tyx& tyx, const TyxSchema& schema, DifferenceList* details) 
                             record.TblType,
                             {},
                             {},
-                            ToString(Variant(record.TblFldCnt)) + u" fields"});
+                            ToString(Variant(record.TblFldCnt)) +
+                                (record.TblFldCnt == 1 ? u" field" : u" fields")});
       }
       continue;
     }
