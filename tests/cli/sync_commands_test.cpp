@@ -62,6 +62,8 @@ TEST(SyncCommands, CheckListsAndSyncMerges) {
   EXPECT_TRUE(Has(check.out, "- field customers.city")) << check.out;
   EXPECT_TRUE(Has(check.out, "+ table orders")) << check.out;
   EXPECT_TRUE(Has(check.out, "- table old_orders")) << check.out;
+  // The summary counts the lines, not the check's weights (a new field weighs three).
+  EXPECT_TRUE(Has(check.out, "shop.qvp: 4 differences, listed above one per line")) << check.out;
 
   // A --map that names nothing is refused and the file stays as it was.
   const std::string before = Slurp(dir / "shop.qvp");
