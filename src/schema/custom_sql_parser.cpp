@@ -3,25 +3,15 @@
 // answer for any column the list doesn't name, when they stand for exactly one table.
 #include "schema/custom_sql_parser.h"
 
-#include <initializer_list>
-
 namespace qv {
 
 namespace {
 
-bool IsAnyWord(const SqlToken& t, std::initializer_list<StringView> words) {
-  if (t.kind != SqlToken::kWord) return false;
-  for (StringView w : words) {
-    if (EqualsNoCase(t.text, w)) return true;
-  }
-  return false;
-}
-
 // Words that end an expression or join its parts, and so can't be or precede an alias.
 bool IsExpressionWord(const SqlToken& t) {
-  return IsAnyWord(t, {u"NULL", u"END",  u"TRUE",     u"FALSE",   u"IS",   u"NOT",    u"AND",
-                       u"OR",   u"LIKE", u"IN",       u"BETWEEN", u"ELSE", u"THEN",   u"WHEN",
-                       u"CASE", u"AS",   u"DISTINCT", u"MOD",     u"XOR",  u"ESCAPE", u"COLLATE"});
+  return t.IsAnyWord({u"NULL", u"END",  u"TRUE",     u"FALSE",   u"IS",   u"NOT",    u"AND",
+                      u"OR",   u"LIKE", u"IN",       u"BETWEEN", u"ELSE", u"THEN",   u"WHEN",
+                      u"CASE", u"AS",   u"DISTINCT", u"MOD",     u"XOR",  u"ESCAPE", u"COLLATE"});
 }
 
 // The only table the FROM clause names, if it names one.

@@ -10,6 +10,7 @@
 #include "schema/connection_error.h"
 #include "schema/custom_sql_parser.h"
 #include "schema/dao_loader.h"
+#include "schema/project_loader.h"
 #include "schema/table_loader.h"
 #include "support/status.h"
 #include "support/tyx_functions.h"
@@ -79,9 +80,7 @@ void LoadCustomView(Tyx& tyx, StringView table_name, StringView sql, bool copy_f
     return;
   }
   TyxStatus& status = SharedStatus();
-  vars.StatusTitle = vars.ProductTitle + u" - Loading " + table_name + u"...";
-  status.ShowStatus2(Variant(tyx.hwnd()), Variant(LengthMarked(vars.StatusTitle)));
-  status.DispStatus(Variant(String(u"Please wait...")));
+  ShowTableStatus(tyx, u"Loading", table_name);
   RefreshQuoteAndDateSettings(tyx);
   // A project opened from its file has not read the database: its kind comes from the file.
   if (vars.CurrentDbmsName.empty()) vars.CurrentDbmsName = db->DBDBMSName();

@@ -11,6 +11,7 @@
 #include "platform/data/data_types.h"
 #include "platform/data/recordset.h"
 #include "platform/prompter.h"
+#include "schema/database_loader.h"
 #include "schema/table_loader.h"
 #include "schema/tyx_schema.h"
 #include "schema/view_analysis.h"
@@ -35,15 +36,7 @@ void WriteDatabaseProperties(TyxDatabase& db, const DaoLoadRequest& request,
   db.SetDBPhyPath(request.phy_path);
   db.SetDBUID(request.uid);
   db.SetDBPwd(request.pwd);
-  db.SetDBADOVer(read.DBADOVer);
-  db.SetDBDBMSName(u"ACCESS");
-  db.SetDBDBMSVer(read.DBDBMSVer);
-  db.SetDBOLEDBVer(u"N.A.");
-  db.SetDBProviderName(u"N.A.");
-  db.SetDBProviderVer(u"N.A.");
-  SetQuoteChars(u"ACCESS");
-  db.SetDBQuoteS(ToString(Vars().DbQuoteOpen));
-  db.SetDBQuoteE(ToString(Vars().DbQuoteClose));
+  WriteSourceFacts(db, read);
 }
 
 // OpenDatabase(name, exclusive, read-only, connect) where the layer takes DAO's four

@@ -28,14 +28,7 @@ void WriteSourceProperties(TyxDatabase& db, const AdoLoadRequest& request,
     db.SetDBPwd(request.pwd);
   }
   if (request.db_type == u"CONNECTIONSTRING") db.SetDBConnstr(request.conn_str);
-  db.SetDBADOVer(read.DBADOVer);
-  db.SetDBDBMSName(read.DBDBMSName);
-  db.SetDBDBMSVer(read.DBDBMSVer);
-  db.SetDBOLEDBVer(read.DBOLEDBVer);
-  db.SetDBProviderName(read.DBProviderName);
-  db.SetDBProviderVer(read.DBProviderVer);
-  db.SetDBQuoteS(ToString(Vars().DbQuoteOpen));
-  db.SetDBQuoteE(ToString(Vars().DbQuoteClose));
+  WriteSourceFacts(db, read);
   if (schema.kind() == kDbOracle && odbc) db.SetDBConnstrOra(Vars().OracleConnStr);
 }
 
@@ -55,6 +48,17 @@ void BuildTables(TyxDatabase& db, const TyxSchema& schema, bool full) {
 }
 
 }  // namespace
+
+void WriteSourceFacts(TyxDatabase& db, const TySchemaDB& read) {
+  db.SetDBADOVer(read.DBADOVer);
+  db.SetDBDBMSName(read.DBDBMSName);
+  db.SetDBDBMSVer(read.DBDBMSVer);
+  db.SetDBOLEDBVer(read.DBOLEDBVer);
+  db.SetDBProviderName(read.DBProviderName);
+  db.SetDBProviderVer(read.DBProviderVer);
+  db.SetDBQuoteS(ToString(Vars().DbQuoteOpen));
+  db.SetDBQuoteE(ToString(Vars().DbQuoteClose));
+}
 
 int16_t LoadADODB(TyxDatabase& db, const AdoLoadRequest& request) {  // NOLINT
   const bool full = request.table_name.empty();

@@ -7,6 +7,7 @@
 
 #include "automation/string.h"
 #include "model/database.h"
+#include "schema/schema_records.h"
 
 namespace qv {
 
@@ -19,6 +20,10 @@ struct AdoLoadRequest {
   String table_name;  // empty: a full load
   String schema;      // the Oracle owner to read; empty lets the reader settle it
 };
+
+// What every full load writes into the database from the source it read: the versions and
+// names the provider reported, and the quotes of the DBMS (SetQuoteChars has run).
+void WriteSourceFacts(TyxDatabase& db, const TySchemaDB& read);
 
 // 0 success, 1 the connection was not open after Open, 3 the connection error handler ran
 // (its words are in ProjErr).

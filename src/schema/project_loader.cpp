@@ -202,6 +202,14 @@ void LoadTable(Tyx& tyx, StringView table_name) {
   vars.ProjErr = String();
 }
 
+void ShowTableStatus(const Tyx& tyx, StringView step, StringView table_name) {
+  TyxVars& vars = Vars();
+  vars.StatusTitle = vars.ProductTitle + u" - " + step + u" " + table_name + u"...";
+  TyxStatus& status = SharedStatus();
+  status.ShowStatus2(Variant(tyx.hwnd()), Variant(LengthMarked(vars.StatusTitle)));
+  status.DispStatus(Variant(String(u"Please wait...")));
+}
+
 void UnLoadTable(Tyx& tyx, StringView table_name) {
   TyxVars& vars = Vars();
   TyxTable* table = FindLoadedTable(tyx, table_name);
@@ -211,9 +219,7 @@ void UnLoadTable(Tyx& tyx, StringView table_name) {
     return;
   }
   TyxStatus& status = SharedStatus();
-  vars.StatusTitle = vars.ProductTitle + u" - Unloading " + table_name + u"...";
-  status.ShowStatus2(Variant(tyx.hwnd()), Variant(LengthMarked(vars.StatusTitle)));
-  status.DispStatus(Variant(String(u"Please wait...")));
+  ShowTableStatus(tyx, u"Unloading", table_name);
   std::vector<String> names;
   table->Fields().list().ForEach([&](TyxField& f) { names.push_back(f.FldName()); });
   for (const String& name : names)

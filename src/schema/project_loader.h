@@ -35,6 +35,9 @@ void UnLoadDB(Tyx& tyx);
 // (custom views, reports, synchronised tables) calls this first: Load refreshes only the quote
 // style and the date format, and new tables would otherwise start from empty copies.
 void ShareProjectSettings(const Tyx& tyx);
+// The status window of one step on one table: "<product> - <step> <table>..." over
+// "Please wait...". Closed by the caller's CloseStatus.
+void ShowTableStatus(const Tyx& tyx, StringView step, StringView table_name);
 // Adds each extension named under ExtensionsKey in the user's tree, with its template path.
 void LoadExtensionsFromRegistry(Tyx& tyx);
 

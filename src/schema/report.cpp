@@ -1,6 +1,7 @@
 // Tyx.LoadReport.
 #include "schema/report.h"
 
+#include "schema/project_loader.h"
 #include "support/status.h"
 #include "support/tyx_vars.h"
 
@@ -51,9 +52,7 @@ bool LoadReport(Tyx& tyx, StringView table_name, StringView from_table_name) {
     return false;
   }
   TyxStatus& status = SharedStatus();
-  vars.StatusTitle = vars.ProductTitle + u" - Loading " + table_name + u"...";
-  status.ShowStatus2(Variant(tyx.hwnd()), Variant(LengthMarked(vars.StatusTitle)));
-  status.DispStatus(Variant(String(u"Please wait...")));
+  ShowTableStatus(tyx, u"Loading", table_name);
   // The source stays alive across the Add, which may move the collection's storage.
   const Ref<TyxTable> keep(source);
   if (!tables.Add(table_name)) {

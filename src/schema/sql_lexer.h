@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <optional>
 #include <vector>
 
@@ -19,6 +20,12 @@ struct SqlToken {
   size_t end = 0;
 
   bool IsWord(StringView word) const { return kind == kWord && EqualsNoCase(text, word); }
+  bool IsAnyWord(std::initializer_list<StringView> words) const {
+    for (StringView w : words) {
+      if (IsWord(w)) return true;
+    }
+    return false;
+  }
   bool IsSymbol(char16_t c) const { return kind == kSymbol && text.size() == 1 && text[0] == c; }
   // A name: a plain word or a quoted one.
   bool IsName() const { return kind == kWord || kind == kQuotedName; }

@@ -2,33 +2,23 @@
 // text it cannot follow gives no result, which the analysers report as "not analysed".
 #include "schema/sql_select.h"
 
-#include <initializer_list>
-
 namespace qv {
 
 namespace {
 
-bool IsAnyWord(const SqlToken& t, std::initializer_list<StringView> words) {
-  if (t.kind != SqlToken::kWord) return false;
-  for (StringView w : words) {
-    if (EqualsNoCase(t.text, w)) return true;
-  }
-  return false;
-}
-
 // Words that end a FROM clause.
 bool EndsFrom(const SqlToken& t) {
   return t.IsSymbol(u';') ||
-         IsAnyWord(t, {u"WHERE", u"GROUP", u"HAVING", u"ORDER", u"UNION", u"INTERSECT", u"EXCEPT",
-                       u"MINUS", u"LIMIT", u"WITH", u"PIVOT", u"FETCH", u"OFFSET", u"WINDOW",
-                       u"FOR", u"QUALIFY"});
+         t.IsAnyWord({u"WHERE", u"GROUP", u"HAVING", u"ORDER", u"UNION", u"INTERSECT", u"EXCEPT",
+                      u"MINUS", u"LIMIT", u"WITH", u"PIVOT", u"FETCH", u"OFFSET", u"WINDOW", u"FOR",
+                      u"QUALIFY"});
 }
 
 // Words that can't be a table alias written without AS.
 bool IsClauseWord(const SqlToken& t) {
   return EndsFrom(t) ||
-         IsAnyWord(t, {u"JOIN", u"INNER", u"LEFT", u"RIGHT", u"FULL", u"CROSS", u"OUTER", u"ON",
-                       u"NATURAL", u"USING", u"AS", u"FROM", u"SELECT", u"STRAIGHT_JOIN"});
+         t.IsAnyWord({u"JOIN", u"INNER", u"LEFT", u"RIGHT", u"FULL", u"CROSS", u"OUTER", u"ON",
+                      u"NATURAL", u"USING", u"AS", u"FROM", u"SELECT", u"STRAIGHT_JOIN"});
 }
 
 String UpperAscii(StringView word) {
@@ -69,8 +59,8 @@ class SelectReader {
     }
     for (; i < n; i = Step(i)) {
       const SqlToken& t = At(i);
-      if (IsAnyWord(t, {u"GROUP", u"HAVING"})) s_.grouped = true;
-      if (IsAnyWord(t, {u"UNION", u"INTERSECT", u"EXCEPT", u"MINUS"})) s_.set_operation = true;
+      if (t.IsAnyWord({u"GROUP", u"HAVING"})) s_.grouped = true;
+      if (t.IsAnyWord({u"UNION", u"INTERSECT", u"EXCEPT", u"MINUS"})) s_.set_operation = true;
     }
     return std::move(s_);
   }
@@ -105,14 +95,14 @@ class SelectReader {
       if (t.IsWord(u"DISTINCT")) {
         s_.distinct = true;
         ++i;
-      } else if (IsAnyWord(t, {u"DISTINCTROW", u"ALL"})) {
+      } else if (t.IsAnyWord({u"DISTINCTROW", u"ALL"})) {
         ++i;
       } else if (t.IsWord(u"TOP")) {
         ++i;
         if (i >= n) return false;
         i = Step(i);
         if (i < n && At(i).IsWord(u"PERCENT")) ++i;
-        if (i < n && IsAnyWord(At(i), {u"WITH"}) && i + 1 < n && At(i + 1).IsWord(u"TIES")) i += 2;
+        if (i < n && At(i).IsAnyWord({u"WITH"}) && i + 1 < n && At(i + 1).IsWord(u"TIES")) i += 2;
       } else {
         return true;
       }
@@ -190,7 +180,7 @@ class SelectReader {
     size_t j = i;
     if (j < end && At(j).IsWord(u"NATURAL")) ++j;
     String type = u"INNER";
-    if (j < end && IsAnyWord(At(j), {u"INNER", u"LEFT", u"RIGHT", u"FULL", u"CROSS"})) {
+    if (j < end && At(j).IsAnyWord({u"INNER", u"LEFT", u"RIGHT", u"FULL", u"CROSS"})) {
       type = UpperAscii(At(j).text);
       ++j;
       if (j < end && At(j).IsWord(u"OUTER")) ++j;
