@@ -4,6 +4,8 @@
 // the whole compile is linear in the size of the page.
 #include "asp/page_compiler.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cassert>
 #include <cctype>
@@ -107,6 +109,16 @@ bool ContainsNoCase(std::string_view text, std::string_view lower_word) {
   return FindNoCase(text, lower_word, 0) != std::string_view::npos;
 }
 
+// When the file was last written, and its size: one stat, as the check for changes before
+// every request makes it. False when the file is gone.
+bool StatSource(const fs::path& file, int64_t& modified, uintmax_t& size) {
+  struct stat st;
+  if (::stat(file.c_str(), &st) != 0) return false;
+  modified = static_cast<int64_t>(st.st_mtim.tv_sec) * 1'000'000'000 + st.st_mtim.tv_nsec;
+  size = static_cast<uintmax_t>(st.st_size);
+  return true;
+}
+
 // A file's bytes as UTF-8: a UTF-8 byte-order mark goes, UTF-16 with a mark is converted, and
 // bytes that are no UTF-8 are read in the page's code page (Windows Latin when it names none).
 std::string LoadSource(const fs::path& file, int code_page, SourceFile& info) {
@@ -115,9 +127,9 @@ std::string LoadSource(const fs::path& file, int code_page, SourceFile& info) {
     throw PageError("ASP 0126", "The file '" + file.filename().string() + "' cannot be read.", file,
                     0);
   std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  std::error_code ec;
   info.path = file;
-  info.modified = fs::last_write_time(file, ec);
+  uintmax_t size = 0;
+  StatSource(file, info.modified, size);
   info.size = bytes.size();
   if (bytes.starts_with("\xEF\xBB\xBF")) return bytes.substr(3);
   if (bytes.starts_with("\xFF\xFE"))
@@ -473,12 +485,11 @@ SourcePosition CompiledPage::Origin(int32_t line) const {
 }
 
 bool CompiledPage::IsCurrent() const {
-  std::error_code ec;
   for (const SourceFile& f : files) {
-    const auto modified = fs::last_write_time(f.path, ec);
-    if (ec || modified != f.modified) return false;
-    const auto size = fs::file_size(f.path, ec);
-    if (ec || size != f.size) return false;
+    int64_t modified = 0;
+    uintmax_t size = 0;
+    if (!StatSource(f.path, modified, size) || modified != f.modified || size != f.size)
+      return false;
   }
   return true;
 }

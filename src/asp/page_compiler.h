@@ -16,7 +16,7 @@ namespace qv::asp {
 // A file a page was made from, as it was when the page was compiled.
 struct SourceFile {
   std::filesystem::path path;
-  std::filesystem::file_time_type modified;
+  int64_t modified = 0;  // nanoseconds since the epoch
   uintmax_t size = 0;
 };
 

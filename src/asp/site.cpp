@@ -3,6 +3,8 @@
 // is what keeps symbolic links from leading out.
 #include "asp/site.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -51,8 +53,10 @@ bool Site::Inside(const fs::path& canonical) const {
   return true;
 }
 
-std::optional<fs::path> Site::Walk(fs::path at, std::string_view relative, bool must_exist) const {
+std::optional<fs::path> Site::Walk(fs::path at, std::string_view relative, bool must_exist,
+                                   bool* plain) const {
   if (relative.find('\0') != std::string_view::npos) return std::nullopt;
+  bool exact = true;
   size_t pos = 0;
   while (pos <= relative.size()) {
     size_t next = relative.find_first_of("/\\", pos);
@@ -63,6 +67,7 @@ std::optional<fs::path> Site::Walk(fs::path at, std::string_view relative, bool 
     if (segment == "..") {
       if (at == root_) return std::nullopt;  // never above the root
       at = at.parent_path();
+      exact = false;
       continue;
     }
     std::optional<fs::path> entry = FindEntry(at, segment);
@@ -71,16 +76,51 @@ std::optional<fs::path> Site::Walk(fs::path at, std::string_view relative, bool 
       at /= std::string(segment);
       continue;
     }
-    at = *entry;
+    if (entry->filename() != segment) exact = false;
+    at = std::move(*entry);
   }
   std::error_code ec;
-  const fs::path canonical = must_exist ? fs::canonical(at, ec) : fs::weakly_canonical(at, ec);
+  fs::path canonical = must_exist ? fs::canonical(at, ec) : fs::weakly_canonical(at, ec);
   if (ec || !Inside(canonical)) return std::nullopt;
+  if (plain) *plain = exact && canonical == at;
   return canonical;
 }
 
+std::optional<Site::Found> Site::Find(std::string_view url_path) const {
+  // The map only grows with paths that exist, but a client can spell one path in endless ways
+  // ("/./a", "//a"): past this many, it starts over.
+  constexpr size_t kMaxKnown = 4096;
+  const std::string key(url_path);
+  std::optional<Known> known;
+  {
+    std::lock_guard guard(known_mutex_);
+    if (auto it = known_.find(key); it != known_.end()) known = it->second;
+  }
+  struct stat st;
+  if (known) {
+    // A file removed, or replaced, or reached now through a folder that became a link, has
+    // another identity or none: then the path is walked again.
+    if (::stat(known->path.c_str(), &st) == 0 && st.st_dev == known->device &&
+        st.st_ino == known->inode)
+      return Found{std::move(known->path), S_ISDIR(st.st_mode), S_ISREG(st.st_mode)};
+    std::lock_guard guard(known_mutex_);
+    known_.erase(key);
+  }
+  bool plain = false;
+  std::optional<fs::path> path = Walk(root_, url_path, true, &plain);
+  if (!path || ::stat(path->c_str(), &st) != 0) return std::nullopt;
+  if (plain) {
+    std::lock_guard guard(known_mutex_);
+    if (known_.size() >= kMaxKnown) known_.clear();
+    known_.insert_or_assign(key, Known{*path, st.st_dev, st.st_ino});
+  }
+  return Found{std::move(*path), S_ISDIR(st.st_mode), S_ISREG(st.st_mode)};
+}
+
 std::optional<fs::path> Site::Resolve(std::string_view url_path) const {
-  return Walk(root_, url_path, true);
+  std::optional<Found> found = Find(url_path);
+  if (!found) return std::nullopt;
+  return std::move(found->path);
 }
 
 std::optional<fs::path> Site::ResolveRelative(const fs::path& base,

@@ -3,15 +3,26 @@
 // any case), never a file outside it, and never one that holds code or data.
 #pragma once
 
+#include <sys/types.h>
+
 #include <filesystem>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 namespace qv::asp {
 
 class Site {
  public:
+  // What a URL path names: the canonical path of a file or folder inside the site.
+  struct Found {
+    std::filesystem::path path;
+    bool is_directory = false;
+    bool is_regular = false;
+  };
+
   // `root` must be an existing folder.
   explicit Site(const std::filesystem::path& root);
 
@@ -19,7 +30,8 @@ class Site {
 
   // The file or folder a decoded URL path names ("/shop/Default.ASP"), or nothing when there is
   // none inside the site. ".." segments, NUL bytes and symbolic links that lead out all count
-  // as none.
+  // as none. Safe to call from several threads.
+  std::optional<Found> Find(std::string_view url_path) const;
   std::optional<std::filesystem::path> Resolve(std::string_view url_path) const;
   // A path relative to a folder of the site, as an include names it ("../inc/x.inc"), resolved
   // the same way; `base` is a folder inside the site.
@@ -38,11 +50,25 @@ class Site {
   static bool IsPage(const std::filesystem::path& file);
 
  private:
+  // A path found before, with the identity of the file it named then.
+  struct Known {
+    std::filesystem::path path;
+    dev_t device;
+    ino_t inode;
+  };
+
+  // `plain`, when given, is set when every segment named an entry exactly and no symbolic link
+  // or ".." took part: only such a result stays right for as long as its file is the same.
   std::optional<std::filesystem::path> Walk(std::filesystem::path at, std::string_view relative,
-                                            bool must_exist) const;
+                                            bool must_exist, bool* plain = nullptr) const;
   bool Inside(const std::filesystem::path& canonical) const;
 
   std::filesystem::path root_;  // canonical
+  // URL paths resolved before. Walking a path costs a look at every segment and every folder
+  // above the root on each request; a path in here costs one stat, which also tells whether
+  // the file it named is still there and still the same file.
+  mutable std::mutex known_mutex_;
+  mutable std::unordered_map<std::string, Known> known_;
 };
 
 // The Content-Type of a static file, from its extension.

@@ -440,11 +440,11 @@ void SiteRuntime::EndSessions(Worker& worker, bool all) {
 }
 
 HttpResponse SiteRuntime::Handle(const HttpRequest& request, bool can_stream) {
-  const std::optional<fs::path> found = site_.Resolve(request.path);
+  std::optional<Site::Found> found = site_.Find(request.path);
   if (!found) return ErrorResponse(404, "Not Found");
-  fs::path file = *found;
-  std::error_code ec;
-  if (fs::is_directory(file, ec)) {
+  fs::path file = std::move(found->path);
+  bool regular = found->is_regular;
+  if (found->is_directory) {
     if (request.path.empty() || request.path.back() != '/') {
       HttpResponse r = ErrorResponse(301, "Moved Permanently");
       r.headers.emplace_back(
@@ -454,9 +454,10 @@ HttpResponse SiteRuntime::Handle(const HttpRequest& request, bool can_stream) {
     const auto document = site_.DefaultDocument(file);
     if (!document) return ErrorResponse(403, "Forbidden");
     file = *document;
+    std::error_code ec;
+    regular = fs::is_regular_file(file, ec);
   }
-  if (!fs::is_regular_file(file, ec) || site_.IsHidden(file))
-    return ErrorResponse(404, "Not Found");
+  if (!regular || site_.IsHidden(file)) return ErrorResponse(404, "Not Found");
   if (Site::IsPage(file)) return RunPage(request, file, can_stream);
   if (request.method != "GET" && request.method != "HEAD") {
     HttpResponse r = ErrorResponse(405, "Method Not Allowed");

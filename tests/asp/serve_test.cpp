@@ -116,11 +116,30 @@ TEST_F(ServeTest, SymbolicLinksOutOfTheSiteAreNotFollowed) {
   fs::create_symlink(root / "outside.txt", root / "site/link.txt");
   fs::create_directory_symlink(root, root / "site/up");
   fs::create_symlink(root / "site/inside.txt", root / "site/alias.txt");
+  fs::create_directories(root / "site/folder");
+  fs::create_directories(root / "elsewhere");
+  std::ofstream(root / "site/folder/page.txt") << "in folder";
+  std::ofstream(root / "elsewhere/page.txt") << "private";
+  std::ofstream(root / "site/Mixed.txt") << "any case";
   Served s(root / "site", false);
   EXPECT_EQ(Get(s.port, "/inside.txt").body, "public");
   EXPECT_EQ(Get(s.port, "/alias.txt").body, "public");
   EXPECT_EQ(Get(s.port, "/link.txt").status, 404);
   EXPECT_EQ(Get(s.port, "/up/outside.txt").status, 404);
+  // A path served before is looked at again as the folder changes under it: a removed file is
+  // gone, a new one in its place is served, a folder turned into a link that leads out leads
+  // nowhere, and a name found in another case gives way to the exact name once that exists.
+  EXPECT_EQ(Get(s.port, "/folder/page.txt").body, "in folder");
+  EXPECT_EQ(Get(s.port, "/mixed.txt").body, "any case");
+  fs::remove(root / "site/inside.txt");
+  EXPECT_EQ(Get(s.port, "/inside.txt").status, 404);
+  std::ofstream(root / "site/inside.txt") << "new";
+  EXPECT_EQ(Get(s.port, "/inside.txt").body, "new");
+  fs::remove_all(root / "site/folder");
+  fs::create_directory_symlink(root / "elsewhere", root / "site/folder");
+  EXPECT_EQ(Get(s.port, "/folder/page.txt").status, 404);
+  std::ofstream(root / "site/mixed.txt") << "exact";
+  EXPECT_EQ(Get(s.port, "/mixed.txt").body, "exact");
 }
 
 TEST_F(ServeTest, RequestCollections) {
