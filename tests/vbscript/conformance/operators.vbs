@@ -98,34 +98,31 @@ CheckError "x = 10 ^ 308 * 10", 6, "Double overflow in a product"
 ' than ^, 0 / 0 overflows, Null in the logical operators.
 Dim n
 n = 3
-CheckEach Array("-n ^ 2", CDbl(9), "-3 ^ 2", CDbl(9), "2 * 3 ^ 2", CDbl(18), _
+CheckEach Array("-n ^ 2", CDbl(9), "2 * 3 ^ 2", CDbl(18), _
   "-(3 ^ 2)", CDbl(-9))
-CheckErrors Array("n = 0 / 0", 6, "n = 1 / 0", 11, "n = 1 \ 0", 11, "n = 1 Mod 0", 11)
-CheckEach Array("TypeName(Null Eqv True)", "Null", "Null And False", False, "Null Or True", True, _
-  """ab"" & Null", "ab")
-CheckErrors Array("n = 5 Is Nothing", 424, "Set n = 5", 424)
+CheckError "n = 0 / 0", 6, "0 / 0 overflows"
+CheckEach Array("TypeName(Null Eqv True)", "Null", "Null And False", False, "Null Or True", True)
 Check 1 = 1 = True, True, "comparisons chain from the left"
 ' True and False are not number literals that would convert text: these compare without error.
 CheckEach Array(""""" = True = False", True, """true"" <> True", True, _
   "Not ("""" <> False = False)", True)
 
 ' --- How operators convert mixed operands: text and numbers, Booleans, dates, Empty and objects.
-CheckEach Array("""3"" * ""4""", CDbl(12), """3"" - 1", CDbl(2), "TypeName(""3"" * 2)", "Double", _
+CheckEach Array("""3"" - 1", CDbl(2), "TypeName(""3"" * 2)", "Double", _
   """ 5 "" + 1", CDbl(6), """&H10"" + 0", CDbl(16), """1e2"" * 1", CDbl(100), "True * 2", -2, _
   "TypeName(True * 2)", "Integer", "False + CLng(1)", CLng(1), "1 & True", "1True", _
   """Value: "" & 1.5", "Value: 1.5", "0.1 + 0.2 = 0.3", False, _
-  "CStr(1 / 3)", "0.333333333333333", "1E+20 & """"", "1E+20", "0.00001 & """"", "1E-05")
+  "1E+20 & """"", "1E+20")
 d = #1/31/2004#
 CheckEach Array("d + 1", #2/1/2004#, "TypeName(d + 1)", "Date", _
-  "TypeName(d - #1/1/2004#)", "Double", "d - #1/1/2004#", CDbl(30), "TypeName(d - 1)", "Date", _
-  "CLng(#1/1/1900#)", CLng(2), "Empty & """"", "", "TypeName(Empty * 1)", "Integer", _
-  "CCur(1.5) * 2", CCur(3), "TypeName(CCur(1) * 1.5)", "Double", _
+  "TypeName(d - #1/1/2004#)", "Double", "d - #1/1/2004#", CDbl(30), _
+  "CLng(#1/1/1900#)", CLng(2), "Empty & """"", "", _
   "TypeName(CCur(1) / 2)", "Double", "CByte(255) And CByte(15)", CByte(15), _
   "Not ""True""", False)
 s = "10"
 n = 9
 CheckEach Array("s > n", True, "n < s", True, "s = 10", True, """10"" = n + 1", True)
-CheckErrors Array("x = ""abc"" * 1", 13, "x = Null + """"", 0, "Dim a(1) : x = a + 1", 13)
+CheckErrors Array("x = Null + """"", 0, "Dim a(1) : x = a + 1", 13)
 Set dict = CreateObject("Scripting.Dictionary")
 CheckError "x = dict + 1", 450, "a default member that needs an argument"
 Set re = New RegExp

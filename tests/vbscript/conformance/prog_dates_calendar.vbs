@@ -39,10 +39,8 @@ Check Join(days, " "), "Mon Tue Wed Thu Fri Sat Sun", "a week from a Monday"
 Check DateDiff("d", "1/1/2000", "1/31/2000"), CLng(30), "DateDiff of dates in text"
 
 ' Dates are numbers underneath.
-CheckEach Array("CDbl(#1/1/1900#)", CDbl(2), "CLng(#1/1/2000#)", CLng(36526), _
-  "CStr(CDate(36526.5))", "1/1/2000 12:00:00 PM", _
-  "TypeName(#1/1/2000# + 1)", "Date", "TypeName(#1/1/2000# - #12/25/1999#)", "Double", _
-  "#1/1/2000# - #12/25/1999#", CDbl(7), "TypeName(Int(#1/1/2000 6:00 PM#))", "Date", _
+CheckEach Array("CStr(CDate(36526.5))", "1/1/2000 12:00:00 PM", _
+  "TypeName(Int(#1/1/2000 6:00 PM#))", "Date", _
   "IsDate(""2/29/2020"") And Not IsDate(""2/30/2020"")", True, "IsDate(""31/12/2020"")", True, _
   "Not IsDate(""hello"") And Not IsDate("""")", True, _
   "CStr(CDate(""2021/03/05 14:00""))", "3/5/2021 2:00:00 PM", _
