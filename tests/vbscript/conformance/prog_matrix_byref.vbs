@@ -125,19 +125,3 @@ Function Grown()
   Call Bump(Grown)
 End Function
 CheckEach Array("Accumulate(50)", CLng(52), "Grown()", 12)
-
-' An array held in an element of an array variable is changed where it lives.
-Dim rows(1), grid
-rows(0) = Array("a", 0)
-rows(0)(1) = 5
-Check rows(0)(1), 5, "assigning into an array inside an array element"
-Set rows(1) = Nothing
-rows(1) = Array(Empty, Empty)
-Set rows(1)(0) = New Matrix
-Check TypeName(rows(1)(0)), "Matrix", "Set into an array inside an array element"
-grid = Array(Array(1, 2), Array(3, 4))
-grid(1)(0) = 30
-Check grid(1)(0) + grid(0)(1), 32, "a variable holding arrays of arrays"
-ReDim Preserve grid(2)
-Check UBound(grid), CLng(2), "the outer array is not left locked"
-CheckError "Dim flat : flat = Array(42) : flat(0)(0) = 5", 13, "an element that is no array"

@@ -80,25 +80,3 @@ CheckErrors Array("ReDim Preserve m(3, 5)", 9, _
   "Dim fixedArr(3) : ReDim Preserve fixedArr(5)", 10)
 ReDim m(1)
 Check UBound(m), CLng(1), "ReDim without Preserve may change the rank"
-
-' Arrays are copied on assignment, and Erase empties a fixed array in place.
-Dim copy
-copy = nums
-copy(0) = "changed"
-Check nums(0), -1, "the original is untouched by a change to its copy"
-Dim fixed(3)
-fixed(0) = 1: fixed(1) = "x"
-Erase fixed
-CheckEach Array("UBound(fixed)", CLng(3), "IsEmpty(fixed(1))", True)
-Erase m
-CheckError "Dim u : u = UBound(m)", 9, "an erased dynamic array has no bounds"
-
-' Arrays of arrays, and the Filter function over the sorted words.
-Dim jag
-jag = Array(Array(1, 2), Array(3, Array(4, 5)))
-CheckEach Array("jag(1)(1)(0)", 4, _
-  "Join(Filter(words, ""an"", True, vbTextCompare), "","")", "banana", _
-  "UBound(Filter(words, ""e"", False))", CLng(0))
-Dim empt
-empt = Array()
-Check UBound(empt) - LBound(empt), CLng(-1), "an empty array"

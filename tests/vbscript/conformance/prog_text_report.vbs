@@ -28,13 +28,7 @@ CheckEach Array("lines(0)", "Widget      |          2.50|    3|            7.50"
   "PadL(FormatNumber(-total, 2, , True), 16)", "  (2,001,267.07)", _
   "String(3, ""="") & String(2, 65) & Space(2) & ""|""", "===AA  |")
 
-CheckEach Array("FormatPercent(1.5, 0)", "150%", "FormatNumber(123, 2, vbFalse)", "123.00", _
-  "FormatNumber(-0.5, 2, vbFalse)", "-.50", "FormatNumber("".5"")", "0.50", _
-  "FormatNumber(1234567.891, 1, , , vbFalse)", "1234567.9", _
-  "FormatDateTime(#3/4/2005 13:05:09#)", "3/4/2005 1:05:09 PM", _
-  "FormatDateTime(#3/4/2005 13:05:09#, vbLongDate)", "Friday, March 4, 2005", _
-  "FormatDateTime(#3/4/2005 13:05:09#, vbShortTime)", "13:05", _
-  "FormatDateTime(#1/1/2000#)", "1/1/2000", "FormatDateTime(0.5, vbLongTime)", "12:00:00 PM")
+CheckEach Array("FormatNumber("".5"")", "0.50", "FormatNumber(1234567.891, 1, , , vbFalse)", "1234567.9")
 
 ' A string builder and the searches over its result.
 Dim sb
@@ -43,20 +37,11 @@ For i = 1 To 5
   sb = sb & Chr(64 + i) & CStr(i * i) & ";"
 Next
 CheckEach Array("sb", "A1;B4;C9;D16;E25;", "Len(sb)", CLng(17), "InStr(sb, ""C9"")", CLng(7), _
-  "InStrRev(sb, "";"", -1)", CLng(17), "InStr(3, sb, "";"")", CLng(3), "Mid(sb, 4, 3)", "B4;", _
-  "UCase(StrReverse(sb))", ";52E;61D;9C;4B;1A", _
-  "Replace(""a-b-c-d"", ""-"", ""+"", 2, 2)", "+b+c-d", _
-  "Replace(""aAaA"", ""a"", ""x"", 1, -1, vbTextCompare)", "xxxx", _
-  """["" & LTrim(""  x  "") & ""]["" & RTrim(""  x  "") & ""]""", "[x  ][  x]", _
-  "Trim(vbTab & ""x"") <> ""x""", True)
-
+  "InStrRev(sb, "";"", -1)", CLng(17), "Mid(sb, 4, 3)", "B4;", _
+  "UCase(StrReverse(sb))", ";52E;61D;9C;4B;1A")
 Dim parts
 parts = Split("  one  two three ", " ")
 CheckEach Array("UBound(parts)", CLng(6), "Join(parts, ""|"")", "||one||two|three|")
-parts = Split("a,b,,c", ",", 2)
-CheckEach Array("parts(1)", "b,,c", _
-  "StrComp(""abc"", ""ABC"") & StrComp(""abc"", ""ABC"", 1) & StrComp(""a"", ""b"")", "10-1", _
-  "InStrRev(""abcabc"", ""bc"", 4)", CLng(2))
 
 ' The byte forms count two bytes to each character.
 Dim field

@@ -32,16 +32,7 @@ Next
 Dim s : s = "5"
 CheckEach Array("True + 1", 0, "Empty + 1", 1, "s + 5", CDbl(10), "s & 5", "55", _
   """a"" & True & 1.5 & #1/1/2001#", "aTrue1.51/1/2001", "Null & ""x""", "x", _
-  "IsNull(Null + 1)", True, "IsNull(Null And True) And (Null Or True)", True, _
-  "TypeName(CSng(1) + CLng(1))", "Double", "TypeName(CSng(1) + CInt(1))", "Single", _
-  "TypeName(-""3"")", "Double", "TypeName(Not CByte(1))", "Byte", "3 And 5", 1, "3 Xor 5", 6)
-
-' Comparisons of mixed types.
-CheckEach Array("""B"" < ""a""", True, "2 < ""10""", True, "Not (""2"" < ""10"")", True, _
-  "1 = ""1""", True, "Empty = 0 And Empty = """"", True, "IsNull(Null = Null)", True, _
-  "CBool(""true"") And Not CBool(""False"") And CBool(0.1)", True)
-CheckErrors Array("Dim b : b = CBool(""maybe"")", 13, "Dim b : b = ""abc"" + 1", 13, _
-  "Dim b : b = CByte(-1)", 6, "Dim b : b = Array(1) + 1", 13, "Dim b : b = CStr(Null)", 94)
+  "IsNull(Null + 1)", True, "IsNull(Null And True) And (Null Or True)", True, "1 = ""1""", True)
 
 ' The logical operators read Empty as a Long 0; arithmetic reads it as an Integer 0.
 Dim unset
