@@ -3,6 +3,7 @@
 
 #include <hiredis/hiredis.h>
 
+#include <algorithm>
 #include <cassert>
 #include <charconv>
 #include <cstdio>
@@ -53,15 +54,11 @@ RedisReply Copy(const redisReply& r) {
       out.integer = r.integer;
       break;
     case REDIS_REPLY_STRING:
-      out.type = RedisReply::Type::Text;
-      out.text.assign(r.str, r.len);
-      break;
     case REDIS_REPLY_STATUS:
-      out.type = RedisReply::Type::Status;
-      out.text.assign(r.str, r.len);
-      break;
     case REDIS_REPLY_ERROR:
-      out.type = RedisReply::Type::Error;
+      out.type = r.type == REDIS_REPLY_STRING   ? RedisReply::Type::Text
+                 : r.type == REDIS_REPLY_STATUS ? RedisReply::Type::Status
+                                                : RedisReply::Type::Error;
       out.text.assign(r.str, r.len);
       break;
     case REDIS_REPLY_ARRAY:
@@ -139,11 +136,21 @@ std::string RedisAddress::Text() const {
 
 // --- the pool ----------------------------------------------------------------------------------
 
-RedisClient::RedisClient(RedisAddress address) : address_(std::move(address)) {}
+RedisClient::RedisClient(RedisAddress address)
+    : address_(std::move(address)), sender_([this] { SendLater(); }) {}
 
 RedisClient::~RedisClient() {
-  for (const Connection& c : idle_)
+  {
+    std::lock_guard guard(mutex_);
+    stopping_ = true;
+  }
+  send_wake_.notify_all();
+  sender_.join();
+  // Queued scripts are a request's last word on its session: they go out before the end.
+  for (Connection& c : idle_) {
+    if (c.unsent) Send(c);
     redisFree(c.context);
+  }
 }
 
 void RedisClient::Fail(const std::string& why) {
@@ -204,22 +211,88 @@ RedisClient::Connection RedisClient::Acquire(bool& pooled) {
     std::lock_guard guard(mutex_);
     pooled = !idle_.empty();
     if (pooled) {
-      const Connection c = idle_.back();
+      Connection c = std::move(idle_.back());
       idle_.pop_back();
       return c;
     }
   }
-  return {Dial(), 0};
+  Connection c;
+  c.context = Dial();
+  return c;
 }
 
 void RedisClient::Release(Connection connection) {
-  std::lock_guard guard(mutex_);
-  if (idle_.size() < kMostIdle) {
-    idle_.push_back(connection);
-    return;
+  bool pooled = false;
+  bool wake = false;
+  {
+    std::lock_guard guard(mutex_);
+    if (idle_.size() < kMostIdle) {
+      pooled = true;
+      wake = connection.unsent && sender_asleep_;
+      if (wake) sender_asleep_ = false;
+      idle_.push_back(std::move(connection));
+    }
   }
-  // Replies still to come are those of calls that asked for none: dropping them is no loss.
+  if (wake) send_wake_.notify_one();
+  if (pooled) return;
+  // Replies still to come are those of calls that asked for none: dropping them is no loss,
+  // but their commands must go out first.
+  if (connection.unsent) Send(connection);
   redisFree(connection.context);
+}
+
+// Writes what is queued on a connection without reading anything; false when it failed.
+bool RedisClient::Send(Connection& connection) {
+  int done = 0;
+  while (!done) {
+    if (redisBufferWrite(connection.context, &done) != REDIS_OK) return false;
+  }
+  connection.unsent = false;
+  return true;
+}
+
+// Scripts queued on a connection that no call took up within kSendDelay go out from here. Busy
+// workers seldom leave it any: their next call takes the connection first.
+void RedisClient::SendLater() {
+  constexpr int kRoundsBeforeSleep = 100;
+  int quiet_rounds = 0;
+  std::unique_lock guard(mutex_);
+  for (;;) {
+    if (quiet_rounds == kRoundsBeforeSleep) {
+      sender_asleep_ = true;
+      send_wake_.wait(guard, [this] { return !sender_asleep_ || stopping_; });
+      quiet_rounds = 0;
+    }
+    send_wake_.wait_for(guard, kSendDelay, [this] { return stopping_; });
+    if (stopping_) return;
+    // Only scripts that waited their time: a worker about to call takes the others along.
+    const auto due = std::chrono::steady_clock::now() - kSendDelay;
+    std::vector<Connection> waiting;
+    bool any = false;
+    for (auto it = idle_.begin(); it != idle_.end();) {
+      any = any || it->unsent;
+      if (!it->unsent || it->queued_at > due) {
+        ++it;
+        continue;
+      }
+      waiting.push_back(std::move(*it));
+      it = idle_.erase(it);
+    }
+    quiet_rounds = any ? 0 : quiet_rounds + 1;
+    if (waiting.empty()) continue;
+    guard.unlock();
+    for (Connection& c : waiting) {
+      if (Send(c)) continue;
+      std::fprintf(stderr, "state store: Redis at %s: %s\n", address_.Text().c_str(),
+                   c.context->errstr[0] ? c.context->errstr : "connection lost");
+      redisFree(c.context);
+      c.context = nullptr;
+    }
+    guard.lock();
+    for (Connection& c : waiting) {
+      if (c.context) idle_.push_back(std::move(c));
+    }
+  }
 }
 
 namespace {
@@ -238,12 +311,6 @@ bool Append(redisContext* c, const RedisCommand& command) {
          REDIS_OK;
 }
 
-// The reply of a call that did not wait for it: a failure goes to the log, as nobody waits.
-void Settle(const redisReply& r) {
-  if (r.type == REDIS_REPLY_ERROR)
-    std::fprintf(stderr, "state store: Redis: %.*s\n", static_cast<int>(r.len), r.str);
-}
-
 }  // namespace
 
 std::vector<RedisReply> RedisClient::Exchange(const std::vector<RedisCommand>& commands) {
@@ -257,23 +324,29 @@ std::vector<RedisReply> RedisClient::Exchange(const std::vector<RedisCommand>& c
     bool sent = true;
     for (const RedisCommand& command : commands)
       sent = sent && Append(c.context, command);
-    // The replies owed to earlier calls that did not wait come first, mostly in the same read.
+    // The replies owed to earlier calls that did not wait come first, mostly in the same read;
+    // a failure among them goes to the log, as nobody waits for it.
     std::vector<RedisReply> out;
     out.reserve(commands.size());
     while (sent && out.size() < commands.size()) {
       void* raw = nullptr;
       if (redisGetReply(c.context, &raw) != REDIS_OK || !raw) break;
+      c.unsent = false;
       auto* r = static_cast<redisReply*>(raw);
-      if (c.pending > 0) {
-        --c.pending;
-        Settle(*r);
-      } else {
+      if (c.pending == 0) {
         out.push_back(Copy(*r));
+      } else {
+        --c.pending;
+        if (r->type == REDIS_REPLY_ERROR) {
+          std::fprintf(stderr, "state store: Redis: %.*s\n", static_cast<int>(r->len), r->str);
+          // Scripts flushed by hand: the next ones go by their text again.
+          if (std::string_view(r->str, r->len).starts_with("NOSCRIPT")) c.scripts.clear();
+        }
       }
       freeReplyObject(r);
     }
     if (out.size() == commands.size()) {
-      Release(c);
+      Release(std::move(c));
       return out;
     }
     const std::string why = c.context->errstr[0] ? c.context->errstr : "connection lost";
@@ -284,30 +357,32 @@ std::vector<RedisReply> RedisClient::Exchange(const std::vector<RedisCommand>& c
 }
 
 void RedisClient::EvalNoWait(std::string_view script, const std::vector<std::string_view>& keys,
-                             const std::vector<std::string_view>& args) {
-  // By its text, not its hash: a Redis that restarted since would refuse the hash, and nobody
-  // waits to load the script again.
+                             const std::vector<std::string_view>& args, bool at_once) {
+  const std::string hash = HashOf(script, false);
   const std::string count = std::to_string(keys.size());
-  RedisCommand all{"EVAL", script, count};
+  bool pooled = false;
+  Connection c = Acquire(pooled);
+  // Nobody waits to load the script again should the server refuse the hash: a connection
+  // that has not run it yet sends its text, which the server keeps by the hash too.
+  const bool known =
+      std::find(c.scripts.begin(), c.scripts.end(), script.data()) != c.scripts.end();
+  RedisCommand all{known ? "EVALSHA" : "EVAL", known ? std::string_view(hash) : script, count};
   all.insert(all.end(), keys.begin(), keys.end());
   all.insert(all.end(), args.begin(), args.end());
-  for (int attempt = 0;; ++attempt) {
-    bool pooled = false;
-    Connection c = Acquire(pooled);
-    int done = 0;
-    bool written = Append(c.context, all);
-    while (written && !done)
-      written = redisBufferWrite(c.context, &done) == REDIS_OK;
-    if (written) {
-      ++c.pending;
-      Release(c);
-      return;
-    }
+  if (!Append(c.context, all)) {
+    redisFree(c.context);
+    Fail("out of memory");
+  }
+  if (!known) c.scripts.push_back(script.data());
+  ++c.pending;
+  if (!c.unsent) c.queued_at = std::chrono::steady_clock::now();
+  c.unsent = true;
+  if (at_once && !Send(c)) {
     const std::string why = c.context->errstr[0] ? c.context->errstr : "connection lost";
     redisFree(c.context);
-    if (pooled && attempt == 0) continue;
     Fail(why);
   }
+  Release(std::move(c));
 }
 
 RedisReply RedisClient::Run(const RedisCommand& args) {

@@ -2,17 +2,21 @@
 // connection stays open for the next call, so a worker that is busy keeps using the same one.
 // Each call is one round trip: one command, several commands sent together (Pipeline), or a
 // script, which the server keeps by its hash after the first call, so that later calls send
-// the hash instead of the text. A connection that fails is dropped and the call raises
+// the hash instead of the text. A call that waits for no reply (EvalNoWait) costs no round
+// trip of its own: it rides along with the connection's next call, or goes out alone a moment
+// later when none comes. A connection that fails is dropped and the call raises
 // StateUnavailable, so the next call dials again and the server recovers by itself when Redis
 // is back.
 #pragma once
 
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <unordered_map>
 #include <vector>
 
@@ -62,24 +66,35 @@ class RedisClient {
   // finds the hash the server knows it by.
   RedisReply Eval(std::string_view script, const std::vector<std::string_view>& keys,
                   const std::vector<std::string_view>& args);
-  // Sends a script and returns without waiting for its reply, which the connection's next
-  // call reads on the way; an error reply then goes to the log. Raises StateUnavailable only
-  // when the script cannot be sent.
+  // Queues a script on a connection and returns without waiting: it goes out with that
+  // connection's next call, or within kSendDelay when there is none (before returning with
+  // `at_once`), and its reply is read by a later call on the way; an error reply then goes to
+  // the log. Raises StateUnavailable only when the script cannot be queued.
   void EvalNoWait(std::string_view script, const std::vector<std::string_view>& keys,
-                  const std::vector<std::string_view>& args);
+                  const std::vector<std::string_view>& args, bool at_once = false);
 
   const RedisAddress& address() const { return address_; }
 
+  // How long a queued script waits for a call to ride along with before it goes out alone.
+  static constexpr std::chrono::microseconds kSendDelay{1000};
+
  private:
   struct Connection {
-    redisContext* context;
-    size_t pending;  // replies owed to calls that did not wait for them
+    redisContext* context = nullptr;
+    size_t pending = 0;   // replies owed to calls that did not wait for them
+    bool unsent = false;  // such calls still in the output buffer, since `queued_at`
+    std::chrono::steady_clock::time_point queued_at;
+    // Scripts this connection ran or sent by their text: its server knows their hash, since a
+    // server that restarted would have closed the connection.
+    std::vector<const char*> scripts;
   };
 
   std::vector<RedisReply> Exchange(const std::vector<RedisCommand>& commands);
   std::string HashOf(std::string_view script, bool reload);
   Connection Acquire(bool& pooled);
   void Release(Connection connection);
+  static bool Send(Connection& connection);
+  void SendLater();
   redisContext* Dial();
   [[noreturn]] void Fail(const std::string& why);
 
@@ -90,6 +105,13 @@ class RedisClient {
   // After a failed dial, calls fail at once for a moment instead of each waiting for its own
   // connect to time out while the server is away.
   std::atomic<std::chrono::steady_clock::rep> quiet_until_{0};
+  // The sender of queued scripts that found no call to ride along with. It looks every
+  // kSendDelay while there are any, and sleeps (`sender_asleep_`) once there have been none for
+  // a while, so that a busy server's calls never have to wake it.
+  std::condition_variable send_wake_;
+  bool sender_asleep_ = false;
+  bool stopping_ = false;
+  std::thread sender_;  // last: starts when the rest is ready
 };
 
 }  // namespace qv::asp

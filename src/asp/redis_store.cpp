@@ -441,9 +441,11 @@ class RedisStateStore final : public StateStore {
     return session;
   }
 
-  // The request does not wait for the reply: by the time its client sends the next request,
-  // the script has run. Should the hold have been lost, the script writes nothing and the
-  // log tells.
+  // The request does not wait for the reply, nor, mostly, sends the script by itself: it goes
+  // with the next call on the connection, or a moment later. The hold keeps the session's next
+  // request out until then, wherever it comes; a new or renewed cookie has no hold, so its
+  // session goes out at once, before the cookie can come back. Should the hold have been lost, the
+  // script writes nothing and the log tells.
   void CloseSession(SessionState& session, bool keep) override {
     std::string image;
     std::string_view mode = "n";
@@ -465,7 +467,8 @@ class RedisStateStore final : public StateStore {
         {SessionKey(session.cookie), HoldKey(opened_as), kSessionEnds, kSessionLast,
          SessionKey(opened_as)},
         {session.hold_token, timeout, session.cookie, mode, image, session.watch_end ? "1" : "0",
-         std::to_string(session.id), session.renewed_from});
+         std::to_string(session.id), session.renewed_from},
+        session.hold_token.empty() || !session.renewed_from.empty());
   }
 
   // The new cookie is known to nobody until the response carries it, so it needs no hold; the

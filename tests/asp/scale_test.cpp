@@ -201,24 +201,31 @@ TEST_F(ScaleTest, ASessionWrittenOnOneServerIsReadOnTheOtherWithEveryKindOfValue
   EXPECT_LE(ttl, 7 * 60);
 
   // A request that only reads the session opens it in one round trip (hold, its lease left,
-  // image) and closes it with one script, whose reply it does not wait for, renewing the
-  // expiry without writing the image; one that changes it writes it. A sweep or a lease
-  // renewal may come along.
+  // image) and closes it with one script, which goes out with the next call or a moment later,
+  // renewing the expiry without writing the image; one that changes it writes it. A sweep or a
+  // lease renewal may come along.
   auto before = CommandCalls();
-  ASSERT_EQ(Get(servers_[0].port, "/scale/values.asp", Header(cookie)).status, 200);
-  auto after = CommandCalls();
+  std::map<std::string, long> after;
   const auto delta = [&](const std::string& c) { return after[c] - before[c]; };
   const auto scripts = [&] {
-    return delta("evalsha") - delta("zrangebyscore") - delta("pexpire") + delta("eval");
+    return delta("evalsha") + delta("eval") - delta("zrangebyscore") - delta("pexpire");
   };
+  const auto closed = [&](long expires, long sets) {
+    for (int i = 0; i < 100; ++i) {
+      after = CommandCalls();
+      if (delta("expire") == expires && delta("set") == sets) return;
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+  };
+  ASSERT_EQ(Get(servers_[0].port, "/scale/values.asp", Header(cookie)).status, 200);
+  closed(1, 1);
   EXPECT_EQ(scripts(), 1);
-  EXPECT_EQ(delta("eval"), 1);
   EXPECT_EQ(delta("set"), 1);  // the hold only
   EXPECT_EQ(delta("pttl"), 1);
   EXPECT_EQ(delta("expire"), 1);
   before = after;
   ASSERT_EQ(Get(servers_[1].port, "/session.asp?case=count", Header(cookie)).status, 200);
-  after = CommandCalls();
+  closed(0, 2);
   EXPECT_EQ(scripts(), 1);
   EXPECT_EQ(delta("set"), 2);  // the hold and the image
   EXPECT_EQ(delta("expire"), 0);
