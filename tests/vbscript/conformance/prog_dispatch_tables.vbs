@@ -115,11 +115,6 @@ With sh
   seen = seen & " " & .Name & " " & .Origin.X & " " & .Corners(1).X
 End With
 Check seen, "7 box box! 3 7", "nested With blocks"
-With New Point
-  .X = 9
-  seen = .X
-End With
-Check seen, 9, "With on a new object"
 Dim pts(2), i
 For i = 0 To 2
   Set pts(i) = New Point
@@ -151,5 +146,3 @@ CheckError "If False Then" & vbLf & "ElseIf True Then" & vbLf & " branch = 0 End
   "nor in an ElseIf block whose statements start on the next line"
 CheckError "If False Then" & vbLf & " branch = 0" & vbLf & "Else End If", 1024, _
   "End If straight after Else has no statement to follow"
-If True Then branch = "single" Else branch = "no" End If
-Check branch, "single", "a single-line If may end with End If"

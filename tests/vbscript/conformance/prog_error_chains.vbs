@@ -109,16 +109,6 @@ Check Err.Number, CLng(11), "a run-time error in Execute"
 Err.Clear
 On Error GoTo 0
 
-Check Eval("2 * 21"), 42, "Eval of an expression"
-Execute "Function Sq(n) : Sq = n * n : End Function"
-Check Sq(7), 49, "a function defined by Execute"
-ExecuteGlobal "Dim gz : gz = 5"
-Check gz, 5, "a variable defined by ExecuteGlobal"
-Check Eval("x = 1"), False, "= in Eval compares"
-
-CheckErrors Array("Dim arr(2) : arr(5) = 1", 9, "Set q = ""notobj""", 424, _
-  "n = CInt(""abc"")", 13, "n = CInt(40000)", 6, "Err.Raise 0", 5)
-
 ' Eval gives back a value that is not text as it is; Execute wants text; an object stands for
 ' its default value; GetRef wants a name as text.
 Class CodeHolder

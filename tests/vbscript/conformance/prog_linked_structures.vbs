@@ -127,7 +127,6 @@ Function MakeNode(v)
 End Function
 freed = ""
 CheckEach Array("MakeNode(""temp"").Value", "temp", "freed", "temp;")
-CheckError "Dim nothingVar : Set nothingVar = Nothing : nothingVar.Value = 1", 424, "a member of Nothing"
 
 ' Property Let receives an object as it is; Set needs a Property Set.
 Class Slot
