@@ -1,5 +1,6 @@
-// Template text to function code (TranslateText), Parse on the project root with its owned or
-// shared script host, FldSrchOprs, and `quorvex eval` on a saved project.
+// Template text to function code (TranslateText; the generation suite pins whole translated
+// pages), Parse on the project root with its owned or shared script host, FldSrchOprs, and
+// `quorvex eval` on a saved project.
 #include <sys/wait.h>
 
 #include "root/create_tyx.h"
@@ -13,47 +14,6 @@ namespace {
 
 using Translate = ScriptFixture;
 using ParseText = ScriptFixture;
-
-TEST_F(Translate, PiecesBecomeArrayElementsReferencesAndStatementsInTemplateOrder) {
-  Ref<TyxLanguage> lang = MakeRef<TyxLanguage>();
-  Write("lang.xml",
-        "<Quorvex.language><phrase id='Save' value='Say \"save\"'/></Quorvex.language>");
-  Vars().TheLang = lang;
-  ASSERT_TRUE(lang->Load(Path("lang.xml")));
-
-  TranslatorState only_text;
-  TranslateText(only_text, u"<td>\r\n\"x\"</td>");
-  EXPECT_EQ(only_text.ArrayCount, 1);
-  EXPECT_EQ(only_text.ArrayInit, u"qvAr(1) = \"<td>\"&vbCrLf&\"\"\"x\"\"</td>\"\r\n");
-  EXPECT_EQ(only_text.PendingExpr, u" & qvAr(1)");
-  only_text.Flush();
-  EXPECT_EQ(only_text.ScriptCode, u"qvOut = qvOut & qvAr(1)\r\n");
-  EXPECT_EQ(only_text.PendingExpr, u"");
-
-  TranslatorState empty;
-  TranslateText(empty, u"");
-  EXPECT_EQ(empty.ArrayCount, 0);
-  EXPECT_EQ(empty.ScriptCode, u"");
-
-  // Tags in a row add to one expression; a script tag splits it; phrases are looked up now
-  // (quotes doubled) and dynamic ones are left to run time as written.
-  TranslatorState mixed;
-  TranslateText(mixed,
-                u"<!--##=a##--><!--##=b##--><!--## If x Then ##-->A<!--##@Save##-->"
-                u"<!--##$\"id\" & n##-->\r\n  <!--##~Rows##-->");
-  EXPECT_EQ(
-      mixed.ScriptCode,
-      u"qvOut = qvOut & a & b\r\n If x Then \r\nqvOut = qvOut & qvAr(1) & \"Say \"\"save\"\"\""
-      u" & LANG.Phrase(\"id\" & n) & qvAr(2)\r\nqvIndentWrk = \"  \"\r\n");
-  EXPECT_EQ(mixed.PendingExpr, u" & Rows");
-  EXPECT_EQ(mixed.ArrayInit, u"qvAr(1) = \"A\"\r\nqvAr(2) = \"\"&vbCrLf&\"  \"\r\n");
-
-  // A broken text adds nothing and leaves the parser's words.
-  TranslatorState broken;
-  TranslateText(broken, u"x<!--##=a");
-  EXPECT_EQ(broken.ArrayCount, 0);
-  EXPECT_EQ(ProjErr(), "***Incomplete Block at line 1 column 2! Generation failed!");
-}
 
 TEST_F(Translate, OutputGoesThroughAUserFunctionOnlyWhenNoSystemFunctionHasThePlainName) {
   ScriptSettings settings;
