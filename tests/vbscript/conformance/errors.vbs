@@ -144,20 +144,6 @@ Err.Description = "only text"
 Check Err.Number, CLng(0), "setting the text alone keeps number 0"
 Err.Clear
 On Error GoTo 0
-trace2 = Empty
-Sub Deep3()
-  Err.Raise 1001, "Deep", "from deep"
-End Sub
-Sub Deep2()
-  Deep3
-  trace2 = "deep2 went on"
-End Sub
-Function Deep1()
-  On Error Resume Next
-  Deep2
-  Deep1 = Err.Number & "|" & Err.Description & "|" & Err.Source
-End Function
-CheckEach Array("Deep1()", "1001|from deep|Deep", "TypeName(trace2)", "Empty")
 Function ResumeInLoop()
   On Error Resume Next
   Dim i, n
@@ -331,20 +317,6 @@ Sub Headers()
   Check x, "failed case", "error in a Case expression runs that Case"
 End Sub
 Headers
-
-' Err is cleared by On Error Resume Next / GoTo 0 and by Err.Clear, not by a successful call.
-Sub Handled()
-  On Error Resume Next
-  Err.Raise 1001
-End Sub
-Sub CallsHandled()
-  On Error Resume Next
-  Handled
-  Check Err.Number, CLng(1001), "an error handled inside a callee is still in Err after it returns"
-  On Error GoTo 0
-  Check Err.Number, CLng(0), "On Error GoTo 0 clears Err"
-End Sub
-CallsHandled
 
 ' Nothing where a value is wanted is error 91.
 Sub NothingValues()

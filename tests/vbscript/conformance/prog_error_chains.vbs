@@ -54,15 +54,6 @@ Swallows
 Check Err.Number, CLng(13), "an error a Sub resumed past is still in Err afterwards"
 Err.Clear
 
-Err.Raise 9
-Check Err.Description, "Subscript out of range", "Err.Raise fills in VBScript's text"
-Err.Clear
-Err.Raise 5, "MySource"
-Check Err.Source & "|" & Err.Description, "MySource|Invalid procedure call or argument", "a source of our own"
-Err.Clear
-Err.Raise vbObjectError + 42, "App", "custom"
-Check Err.Number - vbObjectError, CLng(42), "numbers offset by vbObjectError"
-Err.Clear
 Err.Number = 11
 Check Err.Description, "", "setting the number alone leaves no text"
 Err.Clear
