@@ -67,21 +67,6 @@ Next
 CheckEach Array("report", "IT:2:100000:50,000.00;HR:2:122001:61,000.50;Ops:1:75000:75,000.00;", _
   "byDept.Items()(1)(0).Name", "Dana", "TypeName(byDept(""IT""))", "Variant()")
 
-' Zero-padded and hexadecimal identifiers.
-CheckEach Array("Right(""000"" & 7, 3)", "007", "Right(""00"" & Hex(255), 4)", "00FF", _
-  "LCase(Hex(48879))", "beef", _
-  """EMP-"" & Right(String(5, ""0"") & CStr(staff(4).Salary \ 1000), 5)", "EMP-00075")
-
-Function Range(n)
-  Dim r(), i
-  ReDim r(n - 1)
-  For i = 0 To n - 1
-    r(i) = i * i
-  Next
-  Range = r
-End Function
-CheckEach Array("UBound(Range(5))", CLng(4), "Range(4)(3)", 9, "Join(Range(3), ""-"")", "0-1-4")
-
 ' A public field that holds a plain value cannot be indexed from outside.
 CheckErrors Array("Dim idxProbe : idxProbe = staff(0).Name(0)", 438, _
   "staff(0).Salary(1) = 5", 438)
