@@ -23,6 +23,7 @@
 #include <thread>
 #include <unordered_map>
 
+#include "asp/multipart.h"
 #include "asp/response_stream.h"
 #include "asp/site_runtime.h"
 #include "asp/text_codec.h"
@@ -81,6 +82,14 @@ MHD_Result CollectPost(void* cls, MHD_ValueKind, const char* key, const char* fi
     request.form.back().second.append(data, size);
   }
   return MHD_YES;
+}
+
+// A multipart body whose boundary the library refused (one character) is split here.
+void SplitRefusedMultipart(HttpRequest& request) {
+  const std::string* type = request.Header("Content-Type");
+  if (!type || type->find("multipart/form-data") == std::string::npos) return;
+  if (const std::optional<std::string> boundary = MultipartBoundary(*type))
+    SplitMultipart(request.body, *boundary, request);
 }
 
 // A peer that closed its end shows as a hang-up or as a readable socket with nothing to read;
@@ -301,6 +310,7 @@ struct HttpServer::Impl {
     if (ex->status) return MHD_YES;  // answered already
     if (ex->too_large) return Send(connection, *ex, ErrorResponse(413, "Payload Too Large"));
     if (!SplitTarget(ex->request)) return Send(connection, *ex, ErrorResponse(400, "Bad Request"));
+    if (!ex->post) SplitRefusedMultipart(ex->request);
     HttpResponse response;
     try {
       response = runtime.Handle(ex->request, true);

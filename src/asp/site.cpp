@@ -10,6 +10,8 @@
 #include <cctype>
 #include <system_error>
 
+#include "support/common.h"
+
 namespace qv::asp {
 namespace fs = std::filesystem;
 namespace {
@@ -167,6 +169,17 @@ bool Site::IsHidden(const fs::path& file) const {
   if (std::find(kExtensions.begin(), kExtensions.end(), ext) != kExtensions.end()) return true;
   const std::string name = file.filename().string();
   return !name.empty() && name.back() == '~';
+}
+
+bool Site::InUploadFolder(const fs::path& file) const {
+  // A few stats per page request; kept uncached, so that a marker put into a folder holds
+  // from the next request on.
+  std::error_code ec;
+  for (fs::path folder = file.parent_path(); folder != root_ && Inside(folder);
+       folder = folder.parent_path()) {
+    if (fs::exists(folder / kUploadFolderMarker, ec)) return true;
+  }
+  return false;
 }
 
 bool Site::IsPage(const fs::path& file) {

@@ -48,6 +48,9 @@ class Site {
   // anything inside the site whose name starts with a dot.
   bool IsHidden(const std::filesystem::path& file) const;
   static bool IsPage(const std::filesystem::path& file);
+  // Whether a file lies in a folder that receives uploads (one below the root holding the
+  // marker file, or any folder inside such a one): no page there is ever run.
+  bool InUploadFolder(const std::filesystem::path& file) const;
 
  private:
   // A path found before, with the identity of the file it named then.

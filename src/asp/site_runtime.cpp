@@ -201,7 +201,7 @@ void Worker::Execute(PageContext& c, std::string_view url) {
   const auto file = runtime_.site().Resolve(target);
   std::error_code ec;
   if (!file || !fs::is_regular_file(*file, ec) || runtime_.site().IsHidden(*file) ||
-      !Site::IsPage(*file)) {
+      !Site::IsPage(*file) || runtime_.site().InUploadFolder(*file)) {
     RaiseAspError("Server", "0228",
                   "Invalid URL form or fully-qualified absolute URL was used. Use relative URLs.");
   }
@@ -458,7 +458,10 @@ HttpResponse SiteRuntime::Handle(const HttpRequest& request, bool can_stream) {
     regular = fs::is_regular_file(file, ec);
   }
   if (!regular || site_.IsHidden(file)) return ErrorResponse(404, "Not Found");
-  if (Site::IsPage(file)) return RunPage(request, file, can_stream);
+  if (Site::IsPage(file)) {
+    if (site_.InUploadFolder(file)) return ErrorResponse(403, "Forbidden");
+    return RunPage(request, file, can_stream);
+  }
   if (request.method != "GET" && request.method != "HEAD") {
     HttpResponse r = ErrorResponse(405, "Method Not Allowed");
     r.headers.emplace_back("Allow", "GET, HEAD");

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <fstream>
 #include <memory>
 #include <vector>
 
@@ -17,6 +18,7 @@
 #include "asp/text_codec.h"
 #include "automation/convert.h"
 #include "platform/data/type_mapping.h"
+#include "support/common.h"
 
 namespace qv::asp {
 namespace fs = std::filesystem;
@@ -216,6 +218,20 @@ bool IsServerFileName(std::string_view name) {
   return false;
 }
 
+namespace {
+
+// Marks a folder below the root as one that receives uploads, so that the server runs no page
+// that lands there by another way; the root itself never, which would stop every page.
+void MarkUploadFolder(const fs::path& root, const fs::path& folder) {
+  if (folder.lexically_normal() == root.lexically_normal()) return;
+  const fs::path marker = folder / kUploadFolderMarker;
+  std::error_code ec;
+  if (fs::exists(marker, ec)) return;
+  std::ofstream(marker) << "quorvex serve runs no page in this folder: it holds uploads.\n";
+}
+
+}  // namespace
+
 std::string StoreUpload(const fs::path& site_root, const fs::path& folder, std::string_view sent,
                         std::string_view data) {
   const std::string name = SafeFileName(sent);
@@ -230,6 +246,7 @@ std::string StoreUpload(const fs::path& site_root, const fs::path& folder, std::
   // A folder of the site that nobody has stored into yet is made on the first upload.
   fs::create_directories(where, ec);
   if (!fs::is_directory(where, ec)) Refuse("The upload folder does not exist.");
+  MarkUploadFolder(root, where);
   const size_t dot = name.rfind('.');
   const std::string stem = dot == std::string::npos ? name : name.substr(0, dot);
   const std::string ext = dot == std::string::npos ? std::string() : name.substr(dot);

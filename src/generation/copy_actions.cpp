@@ -41,13 +41,28 @@ size_t FindNoCase(StringView text, StringView what, size_t from = 0) {
 }
 
 // Creates a folder the generated application expects (uploads, audit trail) below the root,
-// unless its name would climb out of the root.
-void CreateAppFolder(StringView app_root, StringView setting) {
+// unless its name would climb out of the root; gives its path, or "" when none was made.
+String CreateAppFolder(StringView app_root, StringView setting) {
   StringView name = TrimBlanks(setting);
   if (name.starts_with(u"~")) name.remove_prefix(1);
-  if (name.empty()) return;
+  if (name.empty()) return String();
   const String path = String(app_root) + fs::NormalizeSeparators(name);
-  if (PathIsInside(app_root.empty() ? StringView(u".") : app_root, path)) CreateFolders(path);
+  if (!PathIsInside(app_root.empty() ? StringView(u".") : app_root, path)) return String();
+  CreateFolders(path);
+  return path;
+}
+
+// An upload folder, marked as one: a script that lands in it (by whatever way) is never run
+// as a page. The root itself is never marked, which would stop every page.
+void CreateUploadFolder(StringView app_root, StringView setting) {
+  const String path = CreateAppFolder(app_root, setting);
+  if (path.empty() ||
+      fs::ToNative(path).lexically_normal() ==
+          fs::ToNative(app_root.empty() ? StringView(u".") : app_root).lexically_normal())
+    return;
+  const String marker = fs::JoinPath(path, String::FromUtf8(kUploadFolderMarker));
+  if (!fs::FileExists(marker))
+    WriteTextFile(marker, u"quorvex serve runs no page in this folder: it holds uploads.\r\n");
 }
 
 // The database file a generated application needs beside it: an Access file, the data file of
@@ -114,7 +129,14 @@ int16_t CopyDatabase(Tyx& tyx, bool check_only) {
   const String app_root = WithTrailingSlash(AppRootOf(tyx));
   // A dry run leaves the disk alone, these two folders included.
   if (!check_only) {
-    CreateAppFolder(app_root, tyx.UploadPath());
+    CreateUploadFolder(app_root, tyx.UploadPath());
+    for (int16_t t = 1; t <= db->Tables().Count(); ++t) {
+      const Ref<TyxTable> table = db->Tables().Seq(t);
+      for (int16_t f = 1; table && f <= table->Fields().Count(); ++f) {
+        const Ref<TyxField> field = table->Fields().Seq(f);
+        if (field) CreateUploadFolder(app_root, field->FldUploadPath());
+      }
+    }
     CreateAppFolder(app_root, tyx.AuditTrailPath());
   }
 

@@ -4,11 +4,17 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "automation/string.h"
 #include "automation/variant.h"
 
 namespace qv {
+
+// The file that marks a folder of an application as one that receives uploads: `quorvex serve`
+// runs no page in such a folder or below it, however the page got there. Generation puts it
+// into the upload folders it makes, and the upload object into every folder it stores in.
+inline constexpr std::string_view kUploadFolderMarker = ".quorvex-uploads";
 
 // Splits a name into words at blanks, "-", "_" and where upper case follows lower case:
 // "CustomerID" -> "Customer ID", "order_date" -> "order date", "Item2" -> "Item 2".

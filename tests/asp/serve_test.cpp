@@ -581,7 +581,7 @@ TEST_F(ServeTest, UploadObjectStoresFilesSafely) {
   std::ofstream(root / "store.asp") << R"(<%@ ENABLESESSIONSTATE=False %><%
 Dim up, f, name
 Set up = Server.CreateObject("Quorvex.Upload")
-Response.Write "count=" & up.Count & ";"
+Response.Write "note=" & Request.Form("note") & ";count=" & up.Count & ";"
 If up.File("empty") Is Nothing Then Response.Write "empty=none;"
 Set f = up.File("PIC")
 Response.Write "name=" & f.FileName & ";safe=" & f.SafeName & ";ext=" & f.Extension & ";type=" & _
@@ -592,19 +592,29 @@ If Err.Number <> 0 Then Response.Write "err=" & Err.Description Else Response.Wr
 %>)";
   Served site(root, false);
   const std::string up = (root / "up").string();
-  const auto post = [&](const std::string& file_name, const std::string& dir) {
+  // Boundaries of any length from 1 to 70 characters, quoted or not.
+  const auto post = [&](const std::string& file_name, const std::string& dir,
+                        const std::string& b = "XyZ", const std::string& sent = "XyZ") {
     const std::string body =
-        "--XyZ\r\nContent-Disposition: form-data; name=\"empty\"; filename=\"\"\r\n"
-        "Content-Type: application/octet-stream\r\n\r\n\r\n"
-        "--XyZ\r\nContent-Disposition: form-data; name=\"pic\"; filename=\"" +
-        file_name + "\"\r\nContent-Type: image/png\r\n\r\n" + std::string("\x89PNG\0\r\n", 7) +
-        "\r\n--XyZ--\r\n";
-    return Post(site.port, "/store.asp?dir=" + dir, "multipart/form-data; boundary=XyZ", body).body;
+        "--" + b + "\r\nContent-Disposition: form-data; name=\"empty\"; filename=\"\"\r\n" +
+        "Content-Type: application/octet-stream\r\n\r\n\r\n--" + b +
+        "\r\nContent-Disposition: form-data; name=\"note\"\r\n\r\na-b\r\n--" + b +
+        "\r\nContent-Disposition: form-data; name=\"pic\"; filename=\"" + file_name +
+        "\"\r\nContent-Type: image/png\r\n\r\n" + std::string("\x89PNG\0\r\n", 7) + "\r\n--" + b +
+        "--\r\n";
+    return Post(site.port, "/store.asp?dir=" + dir, "multipart/form-data; boundary=" + sent, body)
+        .body;
   };
   EXPECT_EQ(post("C:\\pics\\Cat.PNG", up),
-            "count=1;empty=none;name=Cat.PNG;safe=Cat.PNG;ext=png;type=image/png;size=7;bytes=7;"
-            "saved=Cat.PNG");
+            "note=a-b;count=1;empty=none;name=Cat.PNG;safe=Cat.PNG;ext=png;type=image/png;size=7;"
+            "bytes=7;saved=Cat.PNG");
   EXPECT_TRUE(post("Cat.PNG", up).ends_with("saved=Cat-1.PNG"));
+  for (const auto& [b, sent] : std::vector<std::pair<std::string, std::string>>{
+           {"-", "-"}, {"Q", "\"Q\""}, {std::string(70, 'b'), std::string(70, 'b')}}) {
+    EXPECT_TRUE(
+        post("Dog.png", up, b, sent).starts_with("note=a-b;count=1;empty=none;name=Dog.png"))
+        << sent;
+  }
   std::ifstream stored(root / "up" / "Cat-1.PNG", std::ios::binary);
   EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stored), {}),
             std::string("\x89PNG\0\r\n", 7));
@@ -615,6 +625,18 @@ If Err.Number <> 0 Then Response.Write "err=" & Err.Description Else Response.Wr
                   .ends_with("err=The upload folder does not exist."));
   EXPECT_FALSE(fs::exists(root / "up" / "evil.asp"));
   EXPECT_EQ(Get(site.port, "/up/Cat.PNG").status, 200);
+  // A folder that took an upload runs no page, nor do the folders inside it, however the page
+  // got there; the rest of the site runs as before.
+  fs::create_directories(root / "up/sub");
+  for (const char* planted : {"up/run.asp", "up/sub/run.asp", "run.asp"})
+    std::ofstream(root / planted) << "<% Response.Write \"ran\" %>";
+  for (const char* target : {"/up/run.asp", "/UP/Run.asp", "/up/sub/run.asp"}) {
+    const Reply r = Get(site.port, target);
+    EXPECT_EQ(r.status, 403) << target;
+    EXPECT_EQ(r.body.find("ran"), std::string::npos) << target;
+  }
+  EXPECT_EQ(Get(site.port, "/run.asp").body, "ran");
+  EXPECT_EQ(Get(site.port, "/up/.quorvex-uploads").status, 404);
   fs::remove_all(root);
 }
 

@@ -7,7 +7,7 @@
 //
 // Each feature area is a module in browser/ (app.mjs holds what they share). A module may
 // export `settings(d)`, the quorvex commands it needs on the project before generation, and
-// `run(browser, d, base)`, its checks on the served application; the driver generates and
+// `run(browser, d, base, site)`, its checks on the served application; the driver generates and
 // serves each database once for all modules, in the order of their file names, in one
 // browser. Naming modules on the command line runs only those. QV_DB_DIR names the test
 // servers' folder (scripts/db/start.sh); a server that is down is reported and skipped.
@@ -59,7 +59,7 @@ try {
     launched.push(server.child);
     for (const m of modules) {
       const at = Date.now();
-      if (m.run) await m.run(browser, d, server.base);
+      if (m.run) await m.run(browser, d, server.base, join(dir, 'app'));
       console.log(`${d.name} ${m.name}: ${((Date.now() - at) / 1000).toFixed(1)} s`);
     }
     console.log(`${d.name}: ${((Date.now() - started) / 1000).toFixed(1)} s`);

@@ -119,6 +119,7 @@ TEST_F(SecureApp, NoPageWithoutLoginAndEachUserSeesOnlyWhatTheLevelAllows) {
     }
   }
   EXPECT_GT(pages, 50u);
+  EXPECT_TRUE(sfs::exists(*dir_ / "site/upload/.quorvex-uploads"));  // no page runs there
   // Every page works for the administrator, who may do everything.
   ASSERT_EQ(Login("admin", "admin-pw").status, 302);
   for (const auto& entry : sfs::directory_iterator(*dir_ / "site")) {

@@ -1,7 +1,7 @@
 // File fields and charts on Chinook. An employee's Fax becomes an upload field shown as a
 // picture: a PNG uploaded through the edit form appears in the list, its field page hands it
-// back as image/png, and an uploaded .asp (plain or hidden behind ".jpg") is refused and never
-// lands where the server could run it; a deleted record's picture goes with it. A chart of the invoices by country stands above the
+// back as image/png, an uploaded .asp (plain or hidden behind ".jpg") is refused and never
+// lands where the server could run it, nor does one put there by other means run; a deleted record's picture goes with it. A chart of the invoices by country stands above the
 // invoice list, a doughnut below it and bars on the report, drawn as SVG by the server.
 import { writeFileSync } from 'node:fs';
 import { join } from 'node:path';
@@ -61,10 +61,13 @@ async function upload(page, base, file) {
   await submit(page, 'form.qvForm button[type=submit]');
 }
 
-export async function run(browser, d, base) {
+export async function run(browser, d, base, site) {
   if (d.name !== 'sqlite') return;
   const page = await newPage(browser);
   const label = (what) => `uploads: ${what}`;
+  // A page put into an upload folder by other means than an upload never runs there.
+  writeFileSync(join(site, 'pictures/staff/planted.asp'), '<% Response.Write "ran" %>');
+  check(label('planted page not run'), await go(page, `${base}pictures/staff/planted.asp`), 403);
   const picture = join(artefacts, 'upload-red.png');
   const bytes = png(picture);
 
