@@ -222,6 +222,30 @@ TEST_F(SecureApp, PasswordsAreHashedAndFailedLoginsSlowDown) {
   EXPECT_EQ(r.status, 200);
   EXPECT_TRUE(Has(r.body, "Too many failed logins. Please try again in ")) << r.body;
 
+  // The counters expire after an hour and stay at most 1000, the least recently failed going
+  // first. A page of the test's own fills them with 1000, the first `old` of them two hours
+  // old, and tells how many there are and whether x0 and x2 are among them.
+  std::ofstream(*dir_ / "site/counters.asp") << R"(<%
+Dim t, i, lines(), fails
+t = DateDiff("s", #1/1/2000#, Now())
+If Request("old") <> "" Then
+  ReDim lines(999)
+  For i = 0 To 999
+    lines(i) = "n:x" & i & "|1|" & (t - 7200 * Abs(i < CInt(Request("old"))))
+  Next
+  Application("qvFails") = Join(lines, vbLf)
+End If
+fails = vbLf & Application("qvFails")
+Response.Write UBound(Split(fails, vbLf)) & "|" & (InStr(fails, vbLf & "n:x0|") > 0) & "|" & _
+  (InStr(fails, vbLf & "n:x2|") > 0)
+%>)";
+  app_->Get("/counters.asp?old=400");
+  EXPECT_TRUE(Has(Login("nobody", "x").body, "is wrong"));
+  EXPECT_EQ(app_->Get("/counters.asp").body, "602|False|False");
+  app_->Get("/counters.asp?old=0");
+  EXPECT_TRUE(Has(Login("nobody", "x").body, "is wrong"));
+  EXPECT_EQ(app_->Get("/counters.asp").body, "1000|False|True");
+
   // A registered user's password is stored hashed; the name can't be taken twice.
   app_->cookie.clear();
   std::string token = TokenOf(app_->Get("/register.asp").body);
