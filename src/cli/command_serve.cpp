@@ -127,16 +127,29 @@ void AddServeCommand(CLI::App& app) {
       ->capture_default_str()
       ->check(CLI::PositiveNumber);
   cmd->add_option("--state", args->state,
-                  "Where sessions and Application live: memory, or redis://host:port[/db] to "
-                  "share them between servers")
+                  "Where sessions and Application live: memory (this server only), or "
+                  "redis://[[user]:password@]host[:port][/db] to share them between servers (the "
+                  "password may come from QUORVEX_REDIS_PASSWORD instead)")
+      ->type_name("STORE")
       ->capture_default_str();
-  cmd->add_option("--state-lease", args->state_lease,
-                  "Seconds a server that died holding a session or Application.Lock in Redis "
-                  "blocks the others")
-      ->capture_default_str()
-      ->check(CLI::Range(0.1, 3600.0));
+  CLI::Option* lease =
+      cmd->add_option("--state-lease", args->state_lease,
+                      "With --state redis://: seconds a server that died holding a session or "
+                      "Application.Lock blocks the others (0.1 to 3600)")
+          ->type_name("SECONDS")
+          ->capture_default_str()
+          ->check(CLI::Range(0.1, 3600.0).description(""));
   cmd->add_flag("--no-access-log", args->quiet_log, "Do not log each request on stderr");
-  cmd->callback([args] { Serve(*args); });
+  cmd->callback([args, lease] {
+    // A lease taken for granted where nothing is shared would mislead: say so.
+    if (lease->count() > 0 && args->state == "memory") {
+      std::fprintf(stderr,
+                   "quorvex serve: --state-lease applies to state shared through Redis: give "
+                   "--state redis://host:port as well\n");
+      throw CLI::RuntimeError(kExitFailure);
+    }
+    Serve(*args);
+  });
 }
 
 }  // namespace qv::cli

@@ -469,23 +469,25 @@ TEST(ScaleState, RedisAddressesAndWhatServeSaysAboutWrongOnes) {
   EXPECT_EQ(b.user, "app");
   EXPECT_EQ(b.password, "secret");
 
-  const auto refused = [&](const std::string& state) {
+  const auto refused = [&](const std::string& options) {
     int status = 0;
     const std::string out = Shell(
-        std::string(QV_QUORVEX) + " serve " + kSite + " --port 0 --state '" + state + "' 2>&1",
-        &status);
-    EXPECT_NE(status, 0) << state;
+        std::string(QV_QUORVEX) + " serve " + kSite + " --port 0 " + options + " 2>&1", &status);
+    EXPECT_NE(status, 0) << options;
     return out;
   };
-  EXPECT_EQ(refused("redis://127.0.0.1:99999"),
+  EXPECT_EQ(refused("--state redis://127.0.0.1:99999"),
             "quorvex serve: --state: the Redis port '99999' is no number from 1 to 65535");
-  EXPECT_EQ(refused("rediss://127.0.0.1"),
+  EXPECT_EQ(refused("--state rediss://127.0.0.1"),
             "quorvex serve: --state: TLS to Redis (rediss://) is not supported");
-  EXPECT_EQ(refused("redis://127.0.0.1/x"),
+  EXPECT_EQ(refused("--state redis://127.0.0.1/x"),
             "quorvex serve: --state: the Redis database 'x' is no number from 0 up");
-  EXPECT_EQ(refused("memcached://x"),
+  EXPECT_EQ(refused("--state memcached://x"),
             "quorvex serve: --state: 'memcached://x' is no Redis address: use "
             "redis://host:port[/db]");
+  EXPECT_EQ(refused("--state-lease 5"),
+            "quorvex serve: --state-lease applies to state shared through Redis: give --state "
+            "redis://host:port as well");
 }
 
 TEST(ScaleState, DamagedImagesAreRefusedNotTrusted) {
