@@ -40,6 +40,13 @@ class ChinookApp : public ::testing::Test {
                   .status,
               0);
     ASSERT_EQ(Quorvex(dir, {"set", "app.qvp", "--table", "Track", "TblInlineEdit=True"}).status, 0);
+    // A lookup that follows another field: representatives of the customer's country.
+    ASSERT_EQ(Quorvex(dir, {"set", "app.qvp", "--table", "Customer", "--field", "SupportRepId",
+                            "FldHtmlTag=SELECT", "FldTagLnkTbl=Employee", "FldTagLnkFld=EmployeeId",
+                            "FldTagLnkDisplay=LastName", "FldParentSelect=Country",
+                            "FldSelectFilterFld=Country"})
+                  .status,
+              0);
     // The user's code file replaces the footer of the layout.
     std::ofstream(dir / "user.vbs") << "Function USER_qvFooter(text)\r\n"
                                        "  USER_qvFooter = \"Chinook &amp; \" & text\r\n"
@@ -158,6 +165,16 @@ TEST_F(ChinookApp, AddRefuseEditCopyDeleteAGenre) {
   EXPECT_TRUE(Has(r.body, "value=\"Kept\""));
   EXPECT_TRUE(Has(r.body, "Please enter Unit Price."));
   EXPECT_TRUE(Has(r.body, "Media Type Id must be a whole number."));
+
+  // The server holds a dependent lookup to its parent's choice as the browser does.
+  const std::string customer =
+      "qvtoken=" + token + "&x_FirstName=Ann&x_LastName=Lee&x_Email=a%40b.c";
+  r = app_->Post("/Customeradd.asp", customer + "&x_Country=USA&x_SupportRepId=3");
+  EXPECT_TRUE(Has(r.body, "Support Rep Id is not valid.")) << r.body;
+  EXPECT_TRUE(Has(app_->Get("/Customerlist.asp?q=Lee").body, "No records match"));
+  EXPECT_EQ(app_->Post("/Customeradd.asp", customer + "&x_Country=Canada&x_SupportRepId=3").status,
+            302);
+  EXPECT_EQ(app_->Post("/Customeradd.asp", customer + "&x_Country=&x_SupportRepId=3").status, 302);
 
   r = app_->Post("/Genreedit.asp", "qvtoken=" + token + "&key=" + key + "&x_Name=Cool+Jazz");
   EXPECT_EQ(r.status, 302);
