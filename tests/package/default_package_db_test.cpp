@@ -1,6 +1,7 @@
 // The default template package on the PostgreSQL and MariaDB test servers through ODBC: every
-// page answers, and a record with a key of two columns, a decimal and a date goes through
-// add, a refused edit, edit and delete. Skips when a server is not up.
+// page answers, a record with a key of two columns, a decimal and a date goes through add, a
+// refused edit, edit and delete, and the audit trail names the key the server made for an
+// added record. Skips when a server is not up.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -35,8 +36,15 @@ TEST_P(PackageOnServer, EveryPageAnswersAndARecordGoesRound) {
   setenv("ODBCSYSINI", odbc.c_str(), 1);
   setenv("ODBCINI", (odbc + "/odbc.ini").c_str(), 1);
   const auto dir = cli_testing::FreshDir(std::string("package-") + GetParam().name);
-  const cli_testing::Run run = Generate(dir, std::string("odbc:") + GetParam().dsn,
-                                        "ODBCSYSINI=" + odbc + " ODBCINI=" + odbc + "/odbc.ini");
+  const std::string env = "ODBCSYSINI=" + odbc + " ODBCINI=" + odbc + "/odbc.ini";
+  using cli_testing::Quorvex;
+  ASSERT_EQ(
+      Quorvex(dir, {"new", "app.qvp", "--db", std::string("odbc:") + GetParam().dsn}, env).status,
+      0);
+  ASSERT_EQ(
+      Quorvex(dir, {"set", "app.qvp", "--table", "products", "TblAuditTrail=True"}, env).status, 0);
+  const cli_testing::Run run =
+      Quorvex(dir, {"generate", "app.qvp", "--dest", "site", "--overwrite", "all"}, env);
   ASSERT_EQ(run.status, 0) << run.err;
   ServedApp app(dir / "site");
 
@@ -75,6 +83,20 @@ TEST_P(PackageOnServer, EveryPageAnswersAndARecordGoesRound) {
   r = app.Post("/order_linesdelete.asp", "qvtoken=" + token + "&qvconfirm=1&key=" + key);
   EXPECT_EQ(r.status, 302);
   EXPECT_EQ(app.Get("/order_linesview.asp?key=" + key).status, 404);
+
+  // The audit trail names the key the server gave an added product.
+  const std::string name = "Audit " + std::to_string(getpid());
+  r = app.Post("/productsadd.asp",
+               "qvtoken=" + token + "&x_discontinued=0&x_name=Audit+" + std::to_string(getpid()));
+  ASSERT_EQ(r.status, 302) << r.body;
+  std::string trail;
+  for (const auto& entry : sfs::directory_iterator(dir / "site/audit"))
+    trail += cli_testing::Slurp(entry.path());
+  std::smatch m;
+  ASSERT_TRUE(std::regex_search(trail, m, std::regex("\tproducts\tadd\t(\\d+)\tname=" + name)))
+      << trail;
+  EXPECT_TRUE(Has(app.Get("/productsview.asp?key=" + m[1].str()).body, name));
+  app.Post("/productsdelete.asp", "qvtoken=" + token + "&qvconfirm=1&key=" + m[1].str());
 }
 
 INSTANTIATE_TEST_SUITE_P(Servers, PackageOnServer,

@@ -328,7 +328,7 @@ TEST_F(SecureApp, AuditTrailHasOneWholeLinePerChange) {
       lines[0],
       std::regex(
           "^" + when +
-          "add\t\t.*FirstName=Ada; LastName=Tab\\\\tLine\\\\r\\\\nNext;.*SupportRepId=4\r$")))
+          "add\t" + key + "\t.*FirstName=Ada; LastName=Tab\\\\tLine\\\\r\\\\nNext;.*SupportRepId=4\r$")))
       << lines[0];
   EXPECT_TRUE(std::regex_search(
       lines[1], std::regex("^" + when + "edit\t" + key +
