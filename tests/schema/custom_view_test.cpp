@@ -8,6 +8,7 @@
 #include "schema/custom_view.h"
 #include "schema/project_loader.h"
 #include "schema/report.h"
+#include "schema/tyx_schema.h"
 #include "schema_test_support.h"
 #include "support/scratch_home.h"
 #include "support/tyx_vars.h"
@@ -149,6 +150,11 @@ TEST_F(CustomViewTest, OracleNamesWithBlanksAndPasswordedAccessFiles) {
   EXPECT_EQ(Table(u"my view")->Fields().Count(), 0);
   EXPECT_EQ(Table(u"my view")->TblCustomError(),
             u"Quorvex: Oracle Table/View Name [my view] contain spaces,table not loaded!");
+  // The record of synchronisation follows the same rule, in its own words.
+  TyxSchema record;
+  EXPECT_EQ(record.LoadADOCustomView(Db().DBConnstr(), u"my view", u"SELECT id FROM customers"), 0);
+  EXPECT_EQ(Vars().ProjErr, u"Quorvex: Invalid Oracle Custom View Name");
+  EXPECT_FALSE(record.Tbl(1).TblGen);
   UnLoadDB(*tyx_);
 
   // A password goes into both connection forms; the file is read all the same.
