@@ -121,6 +121,8 @@ void ListUnreadable(const TyxDatabase& db, bool dynamic) {
       why = "its columns could not be read (try another --quote style)";
     } else if (!t.TblGen() && !t.TblError().empty()) {
       why = t.TblError().ToUtf8();
+    } else if (t.Fields().Count() == 0) {
+      why = "the database names none of its columns";
     } else {
       return;
     }

@@ -47,7 +47,10 @@ void ReadFieldRecord(TySchemaField& record, const data::DaoField& column, int16_
 // definition is the whole truth about the columns: the record counts as read even with none.
 void ReadFieldRecords(TySchemaTable& table, const std::vector<data::DaoField>& columns) {
   table.columns_read = true;
-  if (columns.empty()) return;
+  if (columns.empty()) {
+    table.read_error = u"the database names none of its columns";
+    return;
+  }
   table.TblGen = true;
   table.TblUpdatable = true;
   table.TblFields.fld.assign(columns.size(), TySchemaField());
