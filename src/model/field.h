@@ -36,8 +36,6 @@ class TyxField : public BagObject<TyxField> {
   void LoadFldDefault();
   // Stores an ADO type in FldType and sets FldSupport and the quote pair from it.
   void SetFieldSupport(int16_t ado_type);
-  // Maps a DAO type to FldType and sets FldSupport and the quote pair.
-  void SetFieldSupportDao(int16_t dao_type);
 
  private:
   void SetFieldTagDefaults();

@@ -215,37 +215,4 @@ void TyxField::SetFieldSupport(int16_t ado_type) {
   SetFldSupport(false);
 }
 
-void TyxField::SetFieldSupportDao(int16_t dao_type) {
-  struct DaoMapping {
-    int16_t dao;
-    int16_t ado;
-    bool support;
-    const char16_t* quote;  // nullptr: the quotes stay as they were
-  };
-  static constexpr DaoMapping kMappings[] = {
-      {1, adBoolean, true, u""},        {2, adUnsignedTinyInt, true, u""},
-      {3, adSmallInt, true, u""},       {4, adInteger, true, u""},
-      {5, adCurrency, true, u""},       {6, adSingle, true, u""},
-      {7, adDouble, true, u""},         {8, adDBTimeStamp, true, u"#"},
-      {9, adBinary, false, nullptr},    {10, adVarWChar, true, u"'"},
-      {11, adLongVarBinary, true, u""}, {12, adLongVarWChar, true, u"'"},
-      {15, adGUID, true, u"'"},         {16, adBigInt, true, u""},
-      {18, adChar, true, u"'"},         {19, adNumeric, true, u""},
-      {20, adNumeric, true, u""},       {21, adDouble, true, u""},
-      {22, adDBTimeStamp, true, u"#"},  {23, adDBTimeStamp, true, u"#"},
-  };
-  for (const DaoMapping& m : kMappings) {
-    if (m.dao != dao_type) continue;
-    SetFldType(m.ado);
-    SetFldSupport(m.support);
-    if (m.quote) {
-      SetFldQuoteS(m.quote);
-      SetFldQuoteE(m.quote);
-    }
-    return;
-  }
-  SetFldType(-1);
-  SetFldSupport(false);
-}
-
 }  // namespace qv

@@ -171,26 +171,6 @@ TEST_F(FieldTest, UnsupportedTypeAndOddNames) {
   EXPECT_TRUE(f->FldRequired());
 }
 
-TEST_F(FieldTest, DaoTypesMapToAdoTypes) {
-  Ref<TyxField> f = MakeRef<TyxField>();
-  f->SetFieldSupportDao(8);
-  EXPECT_EQ(f->FldType(), adDBTimeStamp);
-  EXPECT_EQ(f->FldQuoteS(), u"#");
-  f->SetFieldSupportDao(11);  // a long binary column has no quotes on this path
-  EXPECT_EQ(f->FldType(), adLongVarBinary);
-  EXPECT_TRUE(f->FldSupport());
-  EXPECT_EQ(f->FldQuoteS(), u"");
-  f->SetFieldSupportDao(10);
-  EXPECT_EQ(f->FldQuoteS(), u"'");
-  f->SetFieldSupportDao(17);  // unknown: -1, and the quotes keep what they held
-  EXPECT_EQ(f->FldType(), -1);
-  EXPECT_FALSE(f->FldSupport());
-  EXPECT_EQ(f->FldQuoteS(), u"'");
-  f->SetFieldSupportDao(9);
-  EXPECT_EQ(f->FldType(), adBinary);
-  EXPECT_FALSE(f->FldSupport());
-}
-
 TEST_F(FieldTest, ListKeepsSeqContiguousAndApartFromListOrder) {
   Ref<TyxFields> list = MakeRef<TyxFields>();
   for (auto* n : {u"A", u"B", u"C", u"D"})

@@ -10,6 +10,7 @@
 #include "model/tyx.h"
 #include "platform/data/data_types.h"
 #include "schema/dao_loader.h"
+#include "schema/field_types.h"
 #include "schema/project_loader.h"
 #include "schema_test_support.h"
 #include "support/scratch_home.h"
@@ -237,6 +238,24 @@ TEST(DaoRulesTest, TablesTakenListsAndAttributes) {
   f.attributes = 0;
   f.required = false;
   EXPECT_EQ(MapDaoAttributes(f), 32);
+
+  // The DAO types in the ADO vocabulary, as records and project fields both take them.
+  TySchemaField r;
+  SetSchemaFieldTypeDao(r, data::dbDate);
+  EXPECT_EQ(r.FldType, data::adDBTimeStamp);
+  EXPECT_EQ(r.FldQuoteS, u"#");
+  SetSchemaFieldTypeDao(r, data::dbLongBinary);  // a long binary has no quotes on this path
+  EXPECT_EQ(r.FldType, data::adLongVarBinary);
+  EXPECT_TRUE(r.FldSupport);
+  EXPECT_EQ(r.FldQuoteS, u"");
+  SetSchemaFieldTypeDao(r, data::dbText);
+  SetSchemaFieldTypeDao(r, 17);  // unknown: -1, and the quotes keep what they held
+  EXPECT_EQ(r.FldType, -1);
+  EXPECT_FALSE(r.FldSupport);
+  EXPECT_EQ(r.FldQuoteS, u"'");
+  SetSchemaFieldTypeDao(r, data::dbBinary);
+  EXPECT_EQ(r.FldType, data::adBinary);
+  EXPECT_FALSE(r.FldSupport);
 
   EXPECT_EQ(JetConnectionString(u"/a/b.mdb", u""),
             u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=/a/b.mdb;");
