@@ -56,6 +56,23 @@ export function serve(dir, env) {
   });
 }
 
+// The film database of a test server (app_db.sh), the same on both.
+function film(name, server, more = {}) {
+  return {
+    name,
+    db: () => appDb(server),
+    table: 'film',
+    key: 'film_id',
+    text: 'title',
+    lookup: { field: 'genre_id', table: 'genre', key: 'genre_id', display: 'name', pick: 'Western' },
+    date: 'released',
+    number: 'price',
+    required: 'title',
+    rows: 23,
+    ...more,
+  };
+}
+
 // The three databases, and which table and fields the modules use on each.
 export const databases = [
   {
@@ -71,31 +88,8 @@ export const databases = [
     required: 'Total',
     rows: 412,
   },
-  {
-    name: 'postgresql',
-    db: () => appDb('pg'),
-    table: 'film',
-    key: 'film_id',
-    text: 'title',
-    lookup: { field: 'genre_id', table: 'genre', key: 'genre_id', display: 'name', pick: 'Western' },
-    date: 'released',
-    number: 'price',
-    required: 'title',
-    rows: 23,
-    language: 'German',
-  },
-  {
-    name: 'mariadb',
-    db: () => appDb('maria'),
-    table: 'film',
-    key: 'film_id',
-    text: 'title',
-    lookup: { field: 'genre_id', table: 'genre', key: 'genre_id', display: 'name', pick: 'Western' },
-    date: 'released',
-    number: 'price',
-    required: 'title',
-    rows: 23,
-  },
+  film('postgresql', 'pg', { language: 'German' }),
+  film('mariadb', 'maria'),
 ];
 
 function appDb(kind) {
