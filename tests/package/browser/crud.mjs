@@ -16,6 +16,39 @@ export function settings(d) {
   ];
 }
 
+// A wide list keeps its links in view over the columns that scroll beneath them. Counts the
+// rows where the column cut by the links' edge still shows a strip of its text beside them:
+// the strip is taken from a screenshot and must be of one colour.
+async function sliversBesideLinks(page) {
+  const strips = await page.$$eval('table.qvGrid tr', (rows) => rows.flatMap((row) => {
+    const links = row.querySelector('.qvActions');
+    if (!links) return [];
+    const edge = links.getBoundingClientRect().left;
+    const cut = [...row.children].find((c) => c !== links && c.getBoundingClientRect().left < edge && c.getBoundingClientRect().right > edge);
+    if (!cut) return [];
+    const r = cut.getBoundingClientRect();
+    const x = Math.max(r.left + 1, edge - 18);
+    return edge - 2 - x < 2 ? [] : [{ x: x + window.scrollX, y: r.top + 1 + window.scrollY, width: edge - 2 - x, height: r.height - 2 }];
+  }));
+  let slivers = 0;
+  for (const clip of strips) {
+    const shot = await page.screenshot({ clip, encoding: 'base64' });
+    const plain = await page.evaluate(async (png) => {
+      const img = new Image();
+      img.src = `data:image/png;base64,${png}`;
+      await img.decode();
+      const canvas = Object.assign(document.createElement('canvas'), { width: img.width, height: img.height });
+      const g = canvas.getContext('2d');
+      g.drawImage(img, 0, 0);
+      const px = g.getImageData(0, 0, img.width, img.height).data;
+      for (let i = 4; i < px.length; i += 4) if (px[i] !== px[0] || px[i + 1] !== px[1] || px[i + 2] !== px[2]) return false;
+      return true;
+    }, shot);
+    if (!plain) slivers++;
+  }
+  return slivers;
+}
+
 export async function run(browser, d, base) {
   const page = await browser.newPage();
   await page.setViewport({ width: 1100, height: 800 });
@@ -34,6 +67,7 @@ export async function run(browser, d, base) {
   check(label('rows on the second page'), second.length, 10);
   check(label('second page differs'), second[0] !== first[0], true);
   await page.screenshot({ path: join(artefacts, `${d.name}-list.png`), fullPage: true });
+  check(label('no sliver of a column beside the links'), await sliversBesideLinks(page), 0);
 
   // Sorting by the text column, up and then down.
   const sortLink = `table.qvGrid thead th a[href*="order="][href*="${d.text}&"]`;
