@@ -360,29 +360,35 @@ void RedisClient::EvalNoWait(std::string_view script, const std::vector<std::str
                              const std::vector<std::string_view>& args, bool at_once) {
   const std::string hash = HashOf(script, false);
   const std::string count = std::to_string(keys.size());
-  bool pooled = false;
-  Connection c = Acquire(pooled);
-  // Nobody waits to load the script again should the server refuse the hash: a connection
-  // that has not run it yet sends its text, which the server keeps by the hash too.
-  const bool known =
-      std::find(c.scripts.begin(), c.scripts.end(), script.data()) != c.scripts.end();
-  RedisCommand all{known ? "EVALSHA" : "EVAL", known ? std::string_view(hash) : script, count};
-  all.insert(all.end(), keys.begin(), keys.end());
-  all.insert(all.end(), args.begin(), args.end());
-  if (!Append(c.context, all)) {
-    redisFree(c.context);
-    Fail("out of memory");
-  }
-  if (!known) c.scripts.push_back(script.data());
-  ++c.pending;
-  if (!c.unsent) c.queued_at = std::chrono::steady_clock::now();
-  c.unsent = true;
-  if (at_once && !Send(c)) {
+  // A write to a pooled connection that died with a Redis that went away since is tried once
+  // more on a new one, as in Exchange.
+  for (int attempt = 0;; ++attempt) {
+    bool pooled = false;
+    Connection c = Acquire(pooled);
+    // Nobody waits to load the script again should the server refuse the hash: a connection
+    // that has not run it yet sends its text, which the server keeps by the hash too.
+    const bool known =
+        std::find(c.scripts.begin(), c.scripts.end(), script.data()) != c.scripts.end();
+    RedisCommand all{known ? "EVALSHA" : "EVAL", known ? std::string_view(hash) : script, count};
+    all.insert(all.end(), keys.begin(), keys.end());
+    all.insert(all.end(), args.begin(), args.end());
+    bool queued = Append(c.context, all);
+    if (queued) {
+      if (!known) c.scripts.push_back(script.data());
+      ++c.pending;
+      if (!c.unsent) c.queued_at = std::chrono::steady_clock::now();
+      c.unsent = true;
+      queued = !at_once || Send(c);
+    }
+    if (queued) {
+      Release(std::move(c));
+      return;
+    }
     const std::string why = c.context->errstr[0] ? c.context->errstr : "connection lost";
     redisFree(c.context);
+    if (pooled && attempt == 0) continue;
     Fail(why);
   }
-  Release(std::move(c));
 }
 
 RedisReply RedisClient::Run(const RedisCommand& args) {
