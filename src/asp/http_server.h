@@ -17,7 +17,11 @@ struct HttpOptions {
   uint16_t port = 8080;  // 0: any free port
   unsigned threads = 0;  // 0: one per core
   size_t max_body = 16u << 20;
-  size_t header_memory = 64u << 10;  // request line and headers must fit in this
+  // Each connection's memory in the library. About half of it holds the request line and
+  // headers (64 KB take a 32 KB cookie). The library clears all of it before every request
+  // of a kept-alive connection, some 7 % of a trivial page's time; but a smaller size would
+  // refuse headers that browsers send and that other servers take.
+  size_t header_memory = 64u << 10;
   unsigned connection_limit = 1024;
   unsigned connection_timeout = 30;  // seconds of silence before a connection is closed
   bool access_log = true;

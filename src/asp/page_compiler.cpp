@@ -15,6 +15,8 @@
 #include <sstream>
 
 #include "asp/text_codec.h"
+#include "vbscript/errors.h"
+#include "vbscript/lexer.h"
 
 namespace qv::asp {
 namespace fs = std::filesystem;
@@ -507,6 +509,37 @@ bool MentionsNoCase(std::u16string_view text, std::u16string_view lower) {
   return false;
 }
 
+namespace {
+
+// Whether the page's code may send output before it ends: it names Flush or Buffer, or it runs
+// code made from strings that name them. Such a page costs a thread of its own per request, so
+// the words in comments, and in strings that stay text, must not count. Code that does not
+// even tokenize fails when it is compiled; its text decides until then.
+bool MayStream(const std::u16string& script) {
+  std::vector<vbs::Token> tokens;
+  try {
+    tokens = vbs::Tokenize(script);
+  } catch (const Error&) {
+    return MentionsNoCase(script, u"flush") || MentionsNoCase(script, u"buffer");
+  }
+  bool runs_strings = false;
+  bool strings_name = false;
+  for (const vbs::Token& t : tokens) {
+    if (t.kind == vbs::Tok::Text) {
+      strings_name =
+          strings_name || MentionsNoCase(t.text, u"flush") || MentionsNoCase(t.text, u"buffer");
+      continue;
+    }
+    if (t.kind != vbs::Tok::Ident) continue;
+    if (EqualsNoCase(t.text, u"flush") || EqualsNoCase(t.text, u"buffer")) return true;
+    runs_strings = runs_strings || EqualsNoCase(t.text, u"execute") ||
+                   EqualsNoCase(t.text, u"executeglobal") || EqualsNoCase(t.text, u"eval");
+  }
+  return runs_strings && strings_name;
+}
+
+}  // namespace
+
 CompiledPage CompilePage(const Site& site, const fs::path& file) {
   Merger merged(site, DeclaredCodePage(file));
   merged.Add(file, 0);
@@ -515,8 +548,7 @@ CompiledPage CompilePage(const Site& site, const fs::path& file) {
   WriteScript(merged, page, false, nullptr);
   page.names_session = MentionsNoCase(page.script, u"session");
   page.files = std::move(merged.files);
-  const std::string script = String::ToUtf8(page.script);
-  page.streams = ContainsNoCase(script, "flush") || ContainsNoCase(script, "buffer");
+  page.streams = MayStream(page.script);
   return page;
 }
 

@@ -46,7 +46,8 @@ struct CompiledPage {
   std::vector<TextBlock> blocks;
   PageDirectives directives;
   bool ado_constants = false;  // the page names the ADO type library
-  // The page's code names Flush or Buffer: its output may leave before it ends.
+  // The page's code uses Flush or Buffer (not merely mentions them in a comment or a text):
+  // its output may leave before it ends.
   bool streams = false;
   // The word "Session" is somewhere in the script (code, text or a string): a page without it
   // can only reach the session through a page it runs with Server.Execute or code it builds.

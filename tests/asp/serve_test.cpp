@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include "asp/http_server.h"
+#include "asp/page_compiler.h"
 #include "asp/site_runtime.h"
 #include "asp/upload_object.h"
 #include "http_client.h"
@@ -432,6 +433,32 @@ TEST_F(ServeTest, PageCompilation) {
     EXPECT_EQ(plain.body.find(".inc"), std::string::npos) << plain.body;
     EXPECT_EQ(plain.body.find("line"), std::string::npos) << plain.body;
     EXPECT_EQ(plain.body.find("Invalid"), std::string::npos) << plain.body;
+  }
+}
+
+TEST_F(ServeTest, OnlyPagesWhoseCodeFlushesRunAside) {
+  const fs::path root =
+      fs::path(std::getenv("QV_TEST_SCRATCH") ? std::getenv("QV_TEST_SCRATCH") : "/tmp") /
+      "asp-streams";
+  fs::remove_all(root);
+  fs::create_directories(root);
+  const std::pair<const char*, bool> pages[] = {
+      {"<% ' Response.Flush would send it now\r\nx = \"Buffer\" %>flush, buffer", false},
+      {"<% Response.Write \"Response.Flush\" %>", false},
+      {"<% Response.Flush %>", true},
+      {"<% response.BUFFER = False %>", true},
+      {"<% With Response\r\n.Flush\r\nEnd With %>", true},
+      {"<% Execute \"Response.\" & \"Flush\" %>", true},
+      {"<!--#include file=\"flush.inc\"-->", true},
+      {"<% x = \"flush %>", true},  // no code to read: the text decides
+  };
+  std::ofstream(root / "flush.inc") << "<% Response.Flush %>";
+  const Site site(root);
+  int n = 0;
+  for (const auto& [text, streams] : pages) {
+    const fs::path file = root / ("p" + std::to_string(n++) + ".asp");
+    std::ofstream(file) << text;
+    EXPECT_EQ(CompilePage(site, file).streams, streams) << text;
   }
 }
 
