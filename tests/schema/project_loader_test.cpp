@@ -16,7 +16,6 @@
 namespace qv {
 namespace {
 
-using schema_testing::Chinook;
 using schema_testing::MakeSqliteFile;
 using schema_testing::Scratch;
 using schema_testing::SqliteConnectionString;
@@ -120,21 +119,6 @@ TEST_F(ProjectLoaderTest, FullLoadFillsTablesFieldsAndDefaults) {
   LoadShop();
   EXPECT_EQ(Vars().ProjErr, u"database already loaded!");
   EXPECT_EQ(tyx_->Databases().Count(), 1);
-}
-
-TEST_F(ProjectLoaderTest, ChinookKeysAndCaptions) {
-  LoadDB(*tyx_, ConnectionString(u"Provider=SQLite;Data Source=" + String::FromUtf8(Chinook())));
-  ASSERT_EQ(Vars().ProjErr, u"");
-  ASSERT_EQ(Db()->Tables().Count(), 11);
-  EXPECT_EQ(TableNamed(u"PlaylistTrack")->TblKey(), u"PlaylistId,TrackId");
-  EXPECT_EQ(TableNamed(u"InvoiceLine")->TblCaption(), u"Invoice Line");
-  TyxField* date = FieldOf(u"Invoice", u"InvoiceDate");
-  ASSERT_NE(date, nullptr);
-  EXPECT_EQ(date->FldType(), 135);
-  EXPECT_TRUE(date->FldRequired());
-  EXPECT_EQ(date->FldCaption(), u"Invoice Date");
-  EXPECT_TRUE(FieldOf(u"Invoice", u"InvoiceId")->FldIsPrimaryKey());
-  EXPECT_FALSE(FieldOf(u"Invoice", u"CustomerId")->FldIsPrimaryKey());
 }
 
 TEST_F(ProjectLoaderTest, DynamicLoadListsTablesAndLoadsThemOneByOne) {

@@ -11,7 +11,6 @@
 namespace qv {
 namespace {
 
-using schema_testing::Chinook;
 using schema_testing::MakeSqliteFile;
 using schema_testing::Scratch;
 using schema_testing::SqliteConnectionString;

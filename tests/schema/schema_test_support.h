@@ -25,10 +25,6 @@ inline std::filesystem::path Scratch(const std::string& name) {
   return data::testing::ScratchDir("schema-" + name);
 }
 
-inline std::string Chinook() {
-  return data::testing::SharedData("sqlite/chinook.sqlite");
-}
-
 // Every test starts from the shared variables of a new process, with no status output and a
 // prompter that answers from `answers`.
 class SchemaTest : public ::testing::Test {
