@@ -257,16 +257,15 @@ void RunSync(const SyncOptions& o) {
   }
   PrintDifferences(found, stdout);
   const int listed = CountListed(found);
-  const std::string merged =
-      listed == 0
-          ? std::string("no differences")
-          : DifferencesText(listed) + (o.dry_run ? " to merge" : " merged") + ", listed above";
+  const std::string summary =
+      listed == 0 ? std::string("no differences")
+                  : DifferencesText(listed) + (o.dry_run ? " to merge" : "") + ", listed above";
   if (o.dry_run) {
-    std::printf("%s: dry run, nothing written (%s)\n", o.project_file.c_str(), merged.c_str());
+    std::printf("%s: dry run, nothing written (%s)\n", o.project_file.c_str(), summary.c_str());
     return;
   }
   SaveAtomically(*tyx, o.project_file);
-  std::printf("%s: synchronised with the database (%s)\n", o.project_file.c_str(), merged.c_str());
+  std::printf("%s: synchronised with the database (%s)\n", o.project_file.c_str(), summary.c_str());
 }
 
 }  // namespace
