@@ -252,18 +252,22 @@ bool RedisClient::Send(Connection& connection) {
 }
 
 // Scripts queued on a connection that no call took up within kSendDelay go out from here. Busy
-// workers seldom leave it any: their next call takes the connection first.
+// workers seldom leave it any, since their next call takes the connection first: while they
+// take them all, it looks less and less often (up to 8 kSendDelay), and costs a busy server
+// few wakeups.
 void RedisClient::SendLater() {
   constexpr int kRoundsBeforeSleep = 100;
+  constexpr int kMostBackoff = 3;
   int quiet_rounds = 0;
+  int backoff = 0;
   std::unique_lock guard(mutex_);
   for (;;) {
     if (quiet_rounds == kRoundsBeforeSleep) {
       sender_asleep_ = true;
       send_wake_.wait(guard, [this] { return !sender_asleep_ || stopping_; });
-      quiet_rounds = 0;
+      quiet_rounds = backoff = 0;
     }
-    send_wake_.wait_for(guard, kSendDelay, [this] { return stopping_; });
+    send_wake_.wait_for(guard, kSendDelay * (1 << backoff), [this] { return stopping_; });
     if (stopping_) return;
     // Only scripts that waited their time: a worker about to call takes the others along.
     const auto due = std::chrono::steady_clock::now() - kSendDelay;
@@ -279,6 +283,7 @@ void RedisClient::SendLater() {
       it = idle_.erase(it);
     }
     quiet_rounds = any ? 0 : quiet_rounds + 1;
+    backoff = waiting.empty() ? std::min(backoff + 1, kMostBackoff) : 0;
     if (waiting.empty()) continue;
     guard.unlock();
     for (Connection& c : waiting) {

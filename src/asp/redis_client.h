@@ -67,15 +67,16 @@ class RedisClient {
   RedisReply Eval(std::string_view script, const std::vector<std::string_view>& keys,
                   const std::vector<std::string_view>& args);
   // Queues a script on a connection and returns without waiting: it goes out with that
-  // connection's next call, or within kSendDelay when there is none (before returning with
-  // `at_once`), and its reply is read by a later call on the way; an error reply then goes to
+  // connection's next call, or a few kSendDelay later when there is none (before returning
+  // with `at_once`), and its reply is read by a later call on the way; an error reply then goes to
   // the log. Raises StateUnavailable only when the script cannot be queued.
   void EvalNoWait(std::string_view script, const std::vector<std::string_view>& keys,
                   const std::vector<std::string_view>& args, bool at_once = false);
 
   const RedisAddress& address() const { return address_; }
 
-  // How long a queued script waits for a call to ride along with before it goes out alone.
+  // How long a queued script waits at least for a call to ride along with before it goes out
+  // alone.
   static constexpr std::chrono::microseconds kSendDelay{1000};
 
  private:
@@ -105,7 +106,7 @@ class RedisClient {
   // After a failed dial, calls fail at once for a moment instead of each waiting for its own
   // connect to time out while the server is away.
   std::atomic<std::chrono::steady_clock::rep> quiet_until_{0};
-  // The sender of queued scripts that found no call to ride along with. It looks every
+  // The sender of queued scripts that found no call to ride along with. It looks every few
   // kSendDelay while there are any, and sleeps (`sender_asleep_`) once there have been none for
   // a while, so that a busy server's calls never have to wake it.
   std::condition_variable send_wake_;
