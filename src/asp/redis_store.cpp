@@ -444,7 +444,8 @@ class RedisStateStore final : public StateStore {
   // The request does not wait for the reply, nor, mostly, sends the script by itself: it goes
   // with the next call on the connection, or a moment later. The hold keeps the session's next
   // request out until then, wherever it comes; a new or renewed cookie has no hold, so its
-  // session goes out at once, before the cookie can come back. Should the hold have been lost, the
+  // session goes out at once, before the cookie can come back, and so does the rare
+  // abandoned one, whose key then goes as the page ends. Should the hold have been lost, the
   // script writes nothing and the log tells.
   void CloseSession(SessionState& session, bool keep) override {
     std::string image;
@@ -468,7 +469,7 @@ class RedisStateStore final : public StateStore {
          SessionKey(opened_as)},
         {session.hold_token, timeout, session.cookie, mode, image, session.watch_end ? "1" : "0",
          std::to_string(session.id), session.renewed_from},
-        session.hold_token.empty() || !session.renewed_from.empty());
+        session.hold_token.empty() || !session.renewed_from.empty() || session.abandoned);
   }
 
   // The new cookie is known to nobody until the response carries it, so it needs no hold; the
