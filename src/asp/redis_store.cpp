@@ -1,7 +1,8 @@
-// The Redis store. A request costs two round trips: opening its session (take the hold and
-// read the image, two commands sent together) and closing it (one script: write the image only
-// when it changed, renew the expiry, drop the hold). Each Application write is one script too,
-// which waits while another request holds Application.Lock. Scripts go by their hash.
+// The Redis store. A request costs one round trip: opening its session (take the hold and read
+// the image, two commands sent together). Closing it is one script (write the image only when
+// it changed, renew the expiry, drop the hold) that nobody waits for, sent along with the
+// server's next call. Each Application write is one script too, which waits while another
+// request holds Application.Lock. Scripts go by their hash.
 //
 // Holds carry a token and a lease. While a request runs, a thread of its process renews the
 // leases it holds, so only a process that died or hangs loses them; a request whose hold was
@@ -547,18 +548,18 @@ class RedisStateStore final : public StateStore {
     for (;;) {
       // The image comes along even while another request holds the session: one round trip
       // for the common case, and the image of a miss is thrown away.
-      const std::vector<RedisReply> r =
-          redis_.Pipeline({{"SET", hold, token, "NX", "PX", lease}, {"PTTL", hold}, {"GET", key}});
+      std::vector<RedisReply> r =
+          redis_.Pipeline({{"SET", hold, token, "NX", "PX", lease}, {"GET", key}});
       for (const RedisReply& each : r) {
         if (each.is_error()) throw StateUnavailable("Redis: " + each.text);
       }
       if (r[0].is_nil()) {
-        backoff.Wait(r[1].integer);
+        backoff.Wait(0);
         continue;
       }
-      if (!r[2].is_nil() && ReadSessionImage(r[2].text, session)) {
+      if (!r[1].is_nil() && ReadSessionImage(r[1].text, session)) {
         session.cookie = std::string(cookie);
-        session.loaded_image = r[2].text;
+        session.loaded_image = std::move(r[1].text);
         session.hold_token = token;
         keeper_.Hold(hold, token, leases_.session);
         return true;
