@@ -34,7 +34,7 @@ std::optional<std::string> Parameter(std::string_view header, std::string_view n
         TrimBlanks(rest.substr(name.size())).starts_with('=')) {
       rest = TrimBlanks(rest.substr(rest.find('=') + 1));
       std::string value;
-      if (!rest.starts_with('"')) return std::string(rest.substr(0, rest.find(';')));
+      if (!rest.starts_with('"')) return std::string(TrimBlanks(rest.substr(0, rest.find(';'))));
       for (size_t i = 1; i < rest.size() && rest[i] != '"'; ++i) {
         if (rest[i] == '\\' && i + 1 < rest.size()) ++i;
         value += rest[i];
