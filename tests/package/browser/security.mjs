@@ -51,10 +51,13 @@ export async function run(browser, d, base) {
     await go(page, app + 'Customerlist.asp');
     check('a stranger is sent to the login', new URL(page.url()).pathname, '/login.asp');
     await page.screenshot({ path: join(artefacts, 'security-login.png'), fullPage: true });
+    const sessionCookie = async () => (await page.cookies()).find((c) => c.name === 'ASPSESSIONID')?.value;
+    const before = await sessionCookie();
     await page.type('#qv_username', 'andrew');
     await page.type('#qv_password', 'manager-pw');
     await submit(page, 'form.qvLogin button[type=submit]');
     check('the login returns to the list', new URL(page.url()).pathname, '/Customerlist.asp');
+    check('the login gives the session a new cookie', before !== undefined && (await sessionCookie()) !== before, true);
     check('a manager sees every customer', (await count(page)).includes('59'), true);
     check('a manager has the employees in the menu', (await menu(page)).includes('Employee'), true);
 
