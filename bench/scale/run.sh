@@ -10,7 +10,7 @@
 # A shared machine's other work moves requests per second, so each round also takes the CPU
 # time per request of the processes that serve them (quorvex, and redis-server for Redis).
 # Rounds alternate the stores; the summary gives the median of each figure and of the ratios,
-# with the load average before and after, so that runs on a busy machine show as such.
+# with `uptime` before and after, so that runs on a busy machine show as such.
 #
 #   bench/scale/run.sh BUILD_DIR [seconds per measurement] [rounds]
 set -euo pipefail
@@ -104,7 +104,8 @@ median() { tr ' ' '\n' | grep . | sort -g | awk '{ v[NR] = $1 } END { print (NR 
 # Percent of the memory figure: requests per second as they are, CPU time per request inverted.
 percent() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.1f", 100 * a / b }'; }
 
-echo "list_session.asp, $rounds rounds of ${seconds} s per store; load average before: $(cut -d' ' -f1-3 /proc/loadavg)"
+echo "list_session.asp, $rounds rounds of ${seconds} s per store"
+echo "before: $(uptime)"
 declare -A figures
 for round in $(seq 1 "$rounds"); do
   echo "round $round"
@@ -120,7 +121,7 @@ for round in $(seq 1 "$rounds"); do
   figures[onend_wall]+=" $(percent "$rps" "$memory_rps")"
   figures[onend_per_cpu]+=" $(percent "$memory_cpu" "$cpu_us")"
 done
-echo "load average after: $(cut -d' ' -f1-3 /proc/loadavg)"
+echo "after: $(uptime)"
 echo "medians of $rounds rounds:"
 for store in memory redis onend; do
   case $store in
