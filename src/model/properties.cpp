@@ -40,6 +40,13 @@ bool TyProperties::Add(StringView name, StringView data_type, bool reg_save, int
   return true;
 }
 
+void TyProperties::CopySyncedTo(TyProperties& target) const {
+  ForEach([&](TyProperty& from) {
+    if (!from.Sync()) return;
+    if (TyProperty* to = target.Find(from.Name())) to->SetValue(from.Value());
+  });
+}
+
 void TyProperties::Register(const PropertyLayout& layout) {
   if (Count() == 0) {
     std::vector<Variant> values = TyProperty::MakeBlock(layout.descriptors());

@@ -22,6 +22,10 @@ class TyProperties : public DispatchObject<TyProperties> {
            int32_t reg_format = 0, bool file_save = true, bool sync = true);
   // Registers every line of a layout, in order. An empty bag takes the layout over whole.
   void Register(const PropertyLayout& layout);
+  // Gives each entry of `target` the value of this bag's entry of its name, where that entry
+  // follows synchronisation (Sync): how a field takes over the settings of the column it
+  // comes from.
+  void CopySyncedTo(TyProperties& target) const;
   int32_t Count() const { return collection_->Count(); }
   // A Boolean: False for an empty text or a name that PropertyExist does not find.
   Variant Delete(const Variant& index);

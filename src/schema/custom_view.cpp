@@ -46,10 +46,7 @@ void CopySourceSettings(const TyxDatabase& db, TyxTable& view) {
     if (!source || !source->TblLoaded()) return;
     TyxField* column = source->Fields().list().ByName(field.FldSourceField());
     if (!column) return;
-    column->Properties().ForEach([&](TyProperty& from) {
-      if (!from.Sync()) return;
-      if (TyProperty* to = field.Properties().Find(from.Name())) to->SetValue(from.Value());
-    });
+    column->Properties().CopySyncedTo(field.Properties());
   });
 }
 

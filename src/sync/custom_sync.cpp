@@ -106,10 +106,7 @@ void SyncReport(Tyx& tyx, StringView table_name) {
 }
 
 void SyncProperties(const TyProperties& source, TyProperties& target) {
-  source.ForEach([&](TyProperty& from) {
-    if (!from.Sync()) return;
-    if (TyProperty* to = target.Find(from.Name())) to->SetValue(from.Value());
-  });
+  source.CopySyncedTo(target);
 }
 
 }  // namespace qv
