@@ -12,14 +12,25 @@
 
 namespace qv {
 
-void SyncCustomViews(Tyx& tyx) {
+namespace {
+
+// Runs `sync` on every table of one TblType under its progress window, then numbers the
+// tables afresh.
+void SyncEach(Tyx& tyx, StringView type, StringView progress_suffix,
+              void (*sync)(Tyx&, StringView)) {
   TyxDatabase* db = CurrentDatabase(tyx);
   if (!db) return;
   FillSharedDefaults(tyx);
-  ProgressWindow progress(tyx, u" - Synchronizing Custom Views...");
-  for (const String& name : TableNamesOfType(*db, u"CUSTOMVIEW"))
-    SyncCustom(tyx, name);
+  ProgressWindow progress(tyx, progress_suffix);
+  for (const String& name : TableNamesOfType(*db, type))
+    sync(tyx, name);
   db->Tables().SetSeq(1);
+}
+
+}  // namespace
+
+void SyncCustomViews(Tyx& tyx) {
+  SyncEach(tyx, u"CUSTOMVIEW", u" - Synchronizing Custom Views...", &SyncCustom);
 }
 
 void SyncCustom(Tyx& tyx, StringView table_name) {
@@ -50,13 +61,7 @@ void SyncCustom(Tyx& tyx, StringView table_name) {
 }
 
 void SyncReports(Tyx& tyx) {
-  TyxDatabase* db = CurrentDatabase(tyx);
-  if (!db) return;
-  FillSharedDefaults(tyx);
-  ProgressWindow progress(tyx, u" - Synchronizing Reports...");
-  for (const String& name : TableNamesOfType(*db, u"REPORT"))
-    SyncReport(tyx, name);
-  db->Tables().SetSeq(1);
+  SyncEach(tyx, u"REPORT", u" - Synchronizing Reports...", &SyncReport);
 }
 
 void SyncReport(Tyx& tyx, StringView table_name) {
