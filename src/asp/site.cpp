@@ -1,6 +1,8 @@
 // Resolution walks the path one segment at a time so that every step can fall back to a
 // case-insensitive match; the canonical result is then checked to lie inside the root, which
-// is what keeps symbolic links from leading out.
+// is what keeps symbolic links from leading out. A request's path that was walked before is
+// only checked to name the same file still (see Find), since the walk costs a look at every
+// folder from the file system's root on.
 #include "asp/site.h"
 
 #include <sys/stat.h>
