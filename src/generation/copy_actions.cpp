@@ -48,8 +48,20 @@ String CreateAppFolder(StringView app_root, StringView setting) {
   if (name.empty()) return String();
   const String path = String(app_root) + fs::NormalizeSeparators(name);
   if (!PathIsInside(app_root.empty() ? StringView(u".") : app_root, path)) return String();
-  CreateFolders(path);
-  return path;
+  // The run stops here, with the folder named: a bare "Path not found" would leave the user
+  // guessing which of the application's folders could not be made. A file standing where a
+  // folder belongs doesn't always make the library report a failure, hence the second look.
+  String failure;
+  try {
+    CreateFolders(path);
+    if (!fs::FolderExists(path)) failure = StandardErrorText(kErrPathNotFound);
+  } catch (const Error& e) {
+    failure = e.description();
+  }
+  if (failure.empty()) return path;
+  Vars().ProjErr =
+      Vars().ProductTitle + u": Creating folder \"" + Absolute(path) + u"\" failed! " + failure;
+  return String();
 }
 
 // An upload folder, marked as one: a script that lands in it (by whatever way) is never run
@@ -61,8 +73,13 @@ void CreateUploadFolder(StringView app_root, StringView setting) {
           fs::ToNative(app_root.empty() ? StringView(u".") : app_root).lexically_normal())
     return;
   const String marker = fs::JoinPath(path, String::FromUtf8(kUploadFolderMarker));
-  if (!fs::FileExists(marker))
+  if (fs::FileExists(marker)) return;
+  try {
     WriteTextFile(marker, u"quorvex serve runs no page in this folder: it holds uploads.\r\n");
+  } catch (const Error& e) {
+    Vars().ProjErr =
+        Vars().ProductTitle + u": Writing file \"" + marker + u"\" failed! " + e.description();
+  }
 }
 
 // The database file a generated application needs beside it: an Access file, the data file of
@@ -130,14 +147,15 @@ int16_t CopyDatabase(Tyx& tyx, bool check_only) {
   // A dry run leaves the disk alone, these two folders included.
   if (!check_only) {
     CreateUploadFolder(app_root, tyx.UploadPath());
-    for (int16_t t = 1; t <= db->Tables().Count(); ++t) {
+    for (int16_t t = 1; t <= db->Tables().Count() && vars.ProjErr.empty(); ++t) {
       const Ref<TyxTable> table = db->Tables().Seq(t);
       for (int16_t f = 1; table && f <= table->Fields().Count(); ++f) {
         const Ref<TyxField> field = table->Fields().Seq(f);
         if (field) CreateUploadFolder(app_root, field->FldUploadPath());
       }
     }
-    CreateAppFolder(app_root, tyx.AuditTrailPath());
+    if (vars.ProjErr.empty()) CreateAppFolder(app_root, tyx.AuditTrailPath());
+    if (!vars.ProjErr.empty()) return 0;
   }
 
   StringView db_path = TrimBlanks(db->DBPath());
