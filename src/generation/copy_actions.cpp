@@ -72,8 +72,6 @@ void CreateUploadFolder(StringView app_root, StringView setting) {
       fs::ToNative(path).lexically_normal() ==
           fs::ToNative(app_root.empty() ? StringView(u".") : app_root).lexically_normal())
     return;
-  // A folder that could not be made is reported where the pages are written, by their path.
-  if (!fs::FolderExists(path)) return;
   const String marker = fs::JoinPath(path, String::FromUtf8(kUploadFolderMarker));
   if (fs::FileExists(marker)) return;
   try {
