@@ -63,6 +63,7 @@ void RunShow(const ShowOptions& o) {
     LoadProjectFile(*tyx, String::FromUtf8(o.project_file), [](Tyx&) {});
     if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
     if (o.table.empty()) {
+      if (!o.field.empty()) FailWith(title + u": --field needs --table!");
       PrintBag(tyx->Properties());
       return;
     }
@@ -91,8 +92,10 @@ void AddShowCommand(CLI::App& app) {
   CLI::App* cmd =
       app.add_subcommand("show", "Show the settings of a project, one of its tables or a field");
   cmd->add_option("project-file", options->project_file, "The project file")->required();
-  cmd->add_option("table", options->table, "A table or view of the project");
-  cmd->add_option("field", options->field, "A field of that table");
+  // Named as `set` names them too, so that `show P --table T --field F` reads back what
+  // `set P --table T --field F ...` wrote.
+  cmd->add_option("table,--table", options->table, "A table or view of the project");
+  cmd->add_option("field,--field", options->field, "A field of that table");
   cmd->callback([options] { RunShow(*options); });
 }
 

@@ -41,13 +41,26 @@ struct SyncOptions {
 // New name to old name, per table for fields; tables and views under the scope "".
 using RenameMap = std::map<std::pair<String, String>, String>;
 
+// What the mapping dialogs were answered, from --map or on the terminal, in the order asked:
+// the list of differences shows an added and a removed name, and this says they were one.
+struct Rename {
+  String scope;  // the table of a renamed field, "" for a table or view
+  String old_name;
+  String new_name;
+};
+using RenameLog = std::vector<Rename>;
+
 // Answers the mapping dialog from --map and the key question from --keep-keys/--update-keys,
 // and leaves every other question to the prompter it wraps. A mapping cancelled on the
 // terminal maps nothing: taken as it stands it would pair old and new names by position.
 class SyncPrompter : public Prompter {
  public:
-  SyncPrompter(std::unique_ptr<Prompter> base, RenameMap renames, std::optional<bool> keep_keys)
-      : base_(std::move(base)), renames_(std::move(renames)), keep_keys_(keep_keys) {}
+  SyncPrompter(std::unique_ptr<Prompter> base, RenameMap renames, std::optional<bool> keep_keys,
+               std::shared_ptr<RenameLog> log)
+      : base_(std::move(base)),
+        renames_(std::move(renames)),
+        keep_keys_(keep_keys),
+        log_(std::move(log)) {}
 
   Reply Ask(const Prompt& prompt) override {
     if (prompt.kind == Prompt::kMapNames) return AskMap(prompt);
@@ -63,6 +76,15 @@ class SyncPrompter : public Prompter {
 
  private:
   Reply AskMap(const Prompt& prompt) {
+    Reply reply = PickMap(prompt);
+    const String scope = ScopeOf(prompt.title);
+    for (size_t i = 0; i < reply.map.size() && i < prompt.new_names.size(); ++i) {
+      if (reply.map[i] && *reply.map[i] < prompt.names.size())
+        log_->push_back({scope, prompt.names[*reply.map[i]], prompt.new_names[i]});
+    }
+    return reply;
+  }
+  Reply PickMap(const Prompt& prompt) {
     if (renames_.empty()) {
       Reply reply = base_->Ask(prompt);
       if (!reply.cancelled) return reply;
@@ -95,7 +117,16 @@ class SyncPrompter : public Prompter {
   std::unique_ptr<Prompter> base_;
   RenameMap renames_;
   std::optional<bool> keep_keys_;
+  std::shared_ptr<RenameLog> log_;
 };
+
+void PrintRenames(const RenameLog& log) {
+  for (const Rename& r : log) {
+    const std::string what = r.scope.empty() ? std::string() : "field " + r.scope.ToUtf8() + ".";
+    std::printf("= %s%s renamed to %s (its settings kept)\n", what.c_str(),
+                r.old_name.ToUtf8().c_str(), r.new_name.ToUtf8().c_str());
+  }
+}
 
 bool Listed(const DifferenceList& found, SchemaDifference::Kind kind, StringView table,
             StringView field = {}) {
@@ -230,6 +261,7 @@ void RunSync(const SyncOptions& o) {
   }
   Ref<Tyx> tyx = OpenProject(o.project_file);
   DifferenceList found;
+  const auto renamed = std::make_shared<RenameLog>();
   try {
     // One read of the schema: the check lists it, the options are judged against it, and the
     // synchronisation applies it.
@@ -243,8 +275,8 @@ void RunSync(const SyncOptions& o) {
     RenameMap renames = ParseMaps(o.maps, found, schema, *tyx);
     std::optional<bool> keep_keys;
     if (o.keep_keys || o.update_keys) keep_keys = o.keep_keys;
-    SetCurrentPrompter(
-        std::make_unique<SyncPrompter>(TakeCurrentPrompter(), std::move(renames), keep_keys));
+    SetCurrentPrompter(std::make_unique<SyncPrompter>(TakeCurrentPrompter(), std::move(renames),
+                                                      keep_keys, renamed));
     SynchronizeDB(*tyx, schema);
   } catch (const Error& e) {
     FailWith(e.description());
@@ -256,6 +288,7 @@ void RunSync(const SyncOptions& o) {
     throw CLI::RuntimeError(kExitSchemaUnreadable);
   }
   PrintDifferences(found, stdout);
+  PrintRenames(*renamed);
   const int listed = CountListed(found);
   const std::string summary =
       listed == 0 ? std::string("no differences")

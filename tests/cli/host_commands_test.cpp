@@ -154,6 +154,10 @@ TEST(EditingCommands, SetChangesProjectTableAndFieldSettings) {
   EXPECT_TRUE(Has(Quorvex(dir, {"show", "app.qvp"}).out, "= shop.css\n"));
   EXPECT_TRUE(Has(Quorvex(dir, {"show", "app.qvp", "Invoice"}).out, "= Bills\n"));
   EXPECT_TRUE(Has(Quorvex(dir, {"show", "app.qvp", "Invoice", "Total"}).out, "= Sum due\n"));
+  EXPECT_TRUE(Has(Quorvex(dir, {"show", "app.qvp", "--table", "Invoice", "--field", "Total"}).out,
+                  "= Sum due\n"));
+  EXPECT_TRUE(Has(Quorvex(dir, {"show", "app.qvp", "--field", "Total"}).err,
+                  "Quorvex: --field needs --table!"));
 
   // Each failure names its cause, exits non-zero and leaves the file exactly as it was.
   const std::string before = Slurp(project);

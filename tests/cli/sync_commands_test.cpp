@@ -82,6 +82,10 @@ TEST(SyncCommands, CheckListsAndSyncMerges) {
   const auto sync = Quorvex(
       dir, {"sync", "shop.qvp", "--map", "orders.amount=total", "--map", "orders=old_orders"});
   ASSERT_EQ(sync.status, 0) << sync.err;
+  EXPECT_TRUE(Has(sync.out,
+                  "= old_orders renamed to orders (its settings kept)\n"
+                  "= field orders.total renamed to amount (its settings kept)\n"))
+      << sync.out;
   EXPECT_EQ(Quorvex(dir, {"check", "shop.qvp"}).status, 0);
   EXPECT_TRUE(Has(Quorvex(dir, {"show", "shop.qvp", "orders"}).out, "Orders"));
   EXPECT_TRUE(Has(Quorvex(dir, {"show", "shop.qvp", "orders", "amount"}).out, "Sum due"));
