@@ -1,10 +1,10 @@
-# 100,000 dict insertions, then 100,000 look-ups.
+# 300,000 dict insertions, then 300,000 look-ups.
 def main():
     d = {}
-    for i in range(100000):
+    for i in range(300000):
         d["key" + str(i)] = i
     total = 0
-    for i in range(100000):
+    for i in range(300000):
         total += d["key" + str(i)]
     print(total)
 main()

@@ -6,6 +6,6 @@ Function Fib(n)
   End If
 End Function
 Sub Main()
-  WScript.Echo Fib(30)
+  WScript.Echo Fib(35)
 End Sub
 Main

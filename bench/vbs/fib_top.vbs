@@ -7,5 +7,5 @@ Function Fib(n)
   End If
 End Function
 Dim r
-r = Fib(30)
+r = Fib(35)
 WScript.Echo r

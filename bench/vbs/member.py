@@ -7,7 +7,7 @@ class Counter:
 def main():
     c = Counter()
     s = 0
-    for i in range(1, 3000001):
+    for i in range(1, 9000001):
         s = s + c.Value
     print(s)
 main()

@@ -3,7 +3,7 @@ Dim c, i, s
 Set c = CreateObject("QuorvexVbs.Counter")
 c.Value = 3
 s = 0
-For i = 1 To 3000000
+For i = 1 To 9000000
   s = s + c.Value
 Next
 WScript.Echo s
