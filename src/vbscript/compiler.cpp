@@ -1093,8 +1093,9 @@ class ProcCompiler {
     loops_.push_back({ExitKind::For, {}});
     Block(s.blocks[0]);
     MarkStatement(s.line, s.column);
-    Emit(Op::ForNext, 0, r.index, static_cast<uint32_t>(hidden), VarKindOf(r.kind),
-         static_cast<int32_t>(body));
+    const uint8_t kind = VarKindOf(r.kind);
+    Emit(kind == kVarGlobal ? Op::ForNextGlobal : Op::ForNext, 0, r.index,
+         static_cast<uint32_t>(hidden), kind, static_cast<int32_t>(body));
     PatchB(init, Here());
     EndLoop();
   }

@@ -167,6 +167,36 @@ size_t FuseGlobalLoad(Proc& proc, size_t i, const Inside& inside) {
   return 0;
 }
 
+// Tells each LoadGlobalLeft the operators of its statement and where it ends, once the
+// instructions after it have their fused forms, so that it need not decode them as it runs.
+template <class Inside>
+void ShapeLeftSequences(Proc& proc, const Inside& inside) {
+  auto& code = proc.code;
+  for (size_t i = 0; i + 1 < code.size(); ++i) {
+    Instr& in = code[i];
+    if (in.op != Op::LoadGlobalLeft) continue;
+    const Instr& right = code[i + 1];
+    const unsigned inner =
+        static_cast<unsigned>(right.op) - static_cast<unsigned>(Op::LoadGlobalAddOp);
+    const int32_t covered = 3 + ((right.flags & kFusedGlobal) ? 1 : 0);
+    const size_t at = i + 1 + static_cast<size_t>(covered);
+    unsigned store = kLeftNoStore;
+    uint8_t flags = 0;
+    if (inside(at)) {
+      const unsigned op =
+          static_cast<unsigned>(code[at].op) - static_cast<unsigned>(Op::AddStoreGlobal);
+      if (op <= 2) {
+        store = op;
+        if (code[at].n == in.a) flags = kLeftStoresBack;
+      }
+    }
+    in.n = static_cast<uint16_t>(inner << kLeftInner | unsigned{right.n} << kLeftOuter |
+                                 store << kLeftStore);
+    in.b = covered;
+    in.flags = flags;
+  }
+}
+
 }  // namespace
 
 void FuseInstructions(Proc& proc) {
@@ -264,6 +294,7 @@ void FuseInstructions(Proc& proc) {
     }
     ++i;
   }
+  ShapeLeftSequences(proc, inside);
 }
 
 }  // namespace qv::vbs

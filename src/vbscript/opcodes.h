@@ -110,6 +110,7 @@ namespace qv::vbs {
   /* Loops; flags VarKind, a: variable slot, n: first hidden local, b: jump target. */            \
   COLD(ForInit)                                                                                   \
   HOT(ForNext)                                                                                    \
+  HOT(ForNextGlobal) /* ForNext whose counter is a module variable */                             \
   COLD(ForEachInit)                                                                               \
   COLD(ForEachNext)                                                                               \
   COLD(OnError) /* a: 1 resume next, 0 goto 0 */                                                  \
@@ -148,7 +149,9 @@ namespace qv::vbs {
   HOT(LoadGlobalAddOp)                                                                            \
   HOT(LoadGlobalSubOp)                                                                            \
   HOT(LoadGlobalMulOp)                                                                            \
-  /* LoadGlobal whose value is the left operand of the LoadGlobalAddOp..MulOp after it */         \
+  /* LoadGlobal whose value is the left operand of the LoadGlobalAddOp..MulOp after it; n: the     \
+     statement's shape (kLeftInner..kLeftStore), b: how far the operator that ends it stands      \
+     from that LoadGlobalAddOp..MulOp, flags kLeftStoresBack when it stores to the loaded one */  \
   HOT(LoadGlobalLeft)                                                                             \
   HOT(LoadGlobalAddStore) /* LoadGlobal, AddK|AddL, StoreLocal|StoreGlobal */                     \
   HOT(LoadGlobalSubStore)                                                                         \
@@ -195,6 +198,15 @@ inline constexpr uint8_t kFusedLocal = 2;
 inline constexpr uint8_t kFusedImmediate = 4;
 inline constexpr uint8_t kFusedGlobal = 8;
 inline constexpr uint8_t kFusedStoreGlobal = 16;
+// The shape of a LoadGlobalLeft statement, `x = l op1 (y op2 k) op3 m`: op2 (0 Add, 1 Sub,
+// 2 Mul) in bits 0-1, op1 in bits 2-3 and op3 in bits 4-5, whose kLeftNoStore says that no
+// AddStoreGlobal..MulStoreGlobal ends the statement.
+inline constexpr unsigned kLeftInner = 0;
+inline constexpr unsigned kLeftOuter = 2;
+inline constexpr unsigned kLeftStore = 4;
+inline constexpr unsigned kLeftNoStore = 3;
+// The statement stores its result back to l.
+inline constexpr uint8_t kLeftStoresBack = 1;
 
 struct Instr {
   Op op = Op::Nop;

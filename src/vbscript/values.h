@@ -226,44 +226,52 @@ template <class F, class G>
 }
 
 // An Integer, Long or Double held in registers between two operations, so that a value that
-// only feeds the next operator never makes the round trip through a stack slot.
+// only feeds the next operator never makes the round trip through a stack slot. `real` holds
+// the value as a Double whatever its type, so that an operation with a Double operand reads
+// both operands without asking which of them is whole.
 struct Number {
   unsigned type;  // VarType::Integer, Long or Double
-  int64_t whole;
+  int64_t whole;  // for Integer and Long
   double real;
 };
 [[gnu::always_inline]] inline bool NumberOf(const Variant& v, Number& n) {
   n.type = TypeOf(v);
   if (IsWhole(n.type)) {
     n.whole = WholeOf(v);
+    n.real = static_cast<double>(n.whole);
     return true;
   }
   if (n.type != static_cast<unsigned>(VarType::Double)) return false;
+  n.whole = 0;
   n.real = v.as_double();
   return true;
 }
 [[gnu::always_inline]] inline Number NumberOfInteger(int32_t k) {
-  return Number{static_cast<unsigned>(VarType::Integer), k, 0};
+  return Number{static_cast<unsigned>(VarType::Integer), k, static_cast<double>(k)};
 }
 // a op b by the rules of PutResult: Integer and Integer stay Integer while they fit, whole
-// numbers widen to Long and then Double, Doubles must stay finite.
+// numbers widen to Long and then Double. A Double may come out infinite or NaN: a chain of
+// these operations keeps it so, and FiniteNumber checks the chain's result once.
 template <class F, class G>
 [[gnu::always_inline]] inline Number Compute(const Number& a, const Number& b, F whole, G real) {
   constexpr unsigned kInteger = static_cast<unsigned>(VarType::Integer);
   constexpr unsigned kLong = static_cast<unsigned>(VarType::Long);
   constexpr unsigned kDouble = static_cast<unsigned>(VarType::Double);
-  if (IsWhole(a.type) && IsWhole(b.type)) {
+  // Both types are Integer (2), Long (3) or Double (5): only two whole ones make 2 or 3.
+  if (IsWhole(a.type | b.type)) {
     const int64_t r = whole(a.whole, b.whole);
-    if (a.type == kInteger && b.type == kInteger && r == static_cast<int16_t>(r))
-      return Number{kInteger, r, 0};
-    if (r == static_cast<int32_t>(r)) return Number{kLong, r, 0};
-    return Number{kDouble, 0, static_cast<double>(r)};
+    const double d = static_cast<double>(r);
+    if ((a.type | b.type) == kInteger && r == static_cast<int16_t>(r))
+      return Number{kInteger, r, d};
+    if (r == static_cast<int32_t>(r)) return Number{kLong, r, d};
+    return Number{kDouble, 0, d};
   }
-  const double x = a.type == kDouble ? a.real : static_cast<double>(a.whole);
-  const double y = b.type == kDouble ? b.real : static_cast<double>(b.whole);
-  const double r = real(x, y);
-  if (!std::isfinite(r)) Raise(kErrOverflow);
-  return Number{kDouble, 0, r};
+  return Number{kDouble, 0, real(a.real, b.real)};
+}
+// The result of a chain of Compute calls, which overflowed when it is no finite number.
+[[gnu::always_inline]] inline const Number& FiniteNumber(const Number& n) {
+  if (!std::isfinite(n.real)) Raise(kErrOverflow);
+  return n;
 }
 // Writes a Number into a slot known to own nothing.
 [[gnu::always_inline]] inline void PutNumber(Variant& dst, const Number& n) {

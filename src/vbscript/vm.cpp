@@ -607,6 +607,7 @@ void Vm::Execute(Frame& f) {
     assert(!proc.stmt_start[static_cast<size_t>(ip - code) - 1] || sp == floor); \
     goto* targets[static_cast<uint8_t>(ip[-1].op)];                              \
   } while (0)
+  Variant* counter;  // a For loop's, between the two entries to its step and the step
   QV_NEXT();
   for (;;) {
   generic:
@@ -1227,17 +1228,19 @@ void Vm::Execute(Frame& f) {
         if (!ForContinues(var, locals[ip[-1].n], locals[ip[-1].n + 1])) ip = code + ip[-1].b;
         break;
       }
-      case Op::ForNext:
-      L_ForNext : {
-        Variant* counter;
-        const uint8_t counter_kind = ip[-1].flags & kVarKindMask;
-        if (counter_kind == kVarLocal) {
-          counter = &locals[ip[-1].a];
-        } else if (counter_kind == kVarGlobal && globals[ip[-1].a]->kind == SlotKind::Variable) {
-          counter = &globals[ip[-1].a]->value;
+      case Op::ForNextGlobal:
+      L_ForNextGlobal:
+        if (GlobalSlot& slot = *globals[ip[-1].a]; slot.kind == SlotKind::Variable) {
+          counter = &slot.value;
         } else {
           counter = &VarRef(f, ip[-1].flags, ip[-1].a);
         }
+        goto for_next;
+      case Op::ForNext:
+      L_ForNext:
+        counter = (ip[-1].flags & kVarKindMask) == kVarLocal ? &locals[ip[-1].a]
+                                                             : &VarRef(f, ip[-1].flags, ip[-1].a);
+      for_next : {
         Variant& var = *counter;
         const Variant& step = locals[ip[-1].n + 1];
         const Variant& end = locals[ip[-1].n];
@@ -1543,40 +1546,43 @@ void Vm::Execute(Frame& f) {
         // changes nothing the script can see. The sum stays in registers, and goes straight
         // into the variable when the statement ends by storing it with one more operator.
         const Instr& right = ip[0];
-        const int covered = 3 + ((right.flags & kFusedGlobal) ? 1 : 0);
-        const GlobalSlot& left_slot = *globals[ip[-1].a];
+        GlobalSlot& left_slot = *globals[ip[-1].a];
         const GlobalSlot& x_slot = *globals[right.a];
         if (!IsReadable(left_slot) || !IsReadable(x_slot)) [[unlikely]]
           goto L_LoadGlobal;
-        const Variant* const left = &left_slot.value;
-        const Variant* const x = &x_slot.value;
-        Number l{}, xv{}, k{};
-        if (!NumberOf(*left, l) || !NumberOf(*x, xv) ||
+        Number l, xv, k;
+        if (!NumberOf(left_slot.value, l) || !NumberOf(x_slot.value, xv) ||
             !OperandNumber(right, locals, consts, globals, k))
           goto L_LoadGlobal;
-        const Number inner =
-            right.op == Op::LoadGlobalAddOp   ? Compute(xv, k, QV_WHOLE(+), QV_REAL(+))
-            : right.op == Op::LoadGlobalSubOp ? Compute(xv, k, QV_WHOLE(-), QV_REAL(-))
-                                              : Compute(xv, k, QV_WHOLE(*), QV_REAL(*));
-        const Number sum = right.n == 0   ? Compute(l, inner, QV_WHOLE(+), QV_REAL(+))
-                           : right.n == 1 ? Compute(l, inner, QV_WHOLE(-), QV_REAL(-))
-                                          : Compute(l, inner, QV_WHOLE(*), QV_REAL(*));
-        const Instr& after = ip[covered];
-        const unsigned store =
-            static_cast<unsigned>(after.op) - static_cast<unsigned>(Op::AddStoreGlobal);
-        if (store <= 2) {
-          GlobalSlot& target = *globals[after.n];
-          if (target.kind == SlotKind::Variable && IsPlain(target.value) &&
-              OperandNumber(after, locals, consts, globals, k)) {
+        const unsigned shape = ip[-1].n;
+        const unsigned inner = shape >> kLeftInner & 3;
+        const Number y = inner == 0   ? Compute(xv, k, QV_WHOLE(+), QV_REAL(+))
+                         : inner == 1 ? Compute(xv, k, QV_WHOLE(-), QV_REAL(-))
+                                      : Compute(xv, k, QV_WHOLE(*), QV_REAL(*));
+        const unsigned outer = shape >> kLeftOuter & 3;
+        const Number sum = outer == 0   ? Compute(l, y, QV_WHOLE(+), QV_REAL(+))
+                           : outer == 1 ? Compute(l, y, QV_WHOLE(-), QV_REAL(-))
+                                        : Compute(l, y, QV_WHOLE(*), QV_REAL(*));
+        const int32_t covered = ip[-1].b;
+        if (const unsigned store = shape >> kLeftStore; store != kLeftNoStore) {
+          const Instr& after = ip[covered];
+          // Stored back to the left variable, which held a number: no value to release.
+          GlobalSlot* target = &left_slot;
+          bool plain = left_slot.kind == SlotKind::Variable;
+          if (!(ip[-1].flags & kLeftStoresBack)) {
+            target = globals[after.n];
+            plain = target->kind == SlotKind::Variable && IsPlain(target->value);
+          }
+          if (plain && OperandNumber(after, locals, consts, globals, k)) {
             const Number r = store == 0   ? Compute(sum, k, QV_WHOLE(+), QV_REAL(+))
                              : store == 1 ? Compute(sum, k, QV_WHOLE(-), QV_REAL(-))
                                           : Compute(sum, k, QV_WHOLE(*), QV_REAL(*));
-            PutNumber(target.value, r);
+            PutNumber(target->value, FiniteNumber(r));
             ip += covered + 2;
             QV_NEXT();
           }
         }
-        PutNumber(*sp++, sum);
+        PutNumber(*sp++, FiniteNumber(sum));
         ip += covered;
         QV_NEXT();
       }
