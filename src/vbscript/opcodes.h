@@ -115,7 +115,7 @@ namespace qv::vbs {
   COLD(ForEachNext)                                                                               \
   COLD(OnError) /* a: 1 resume next, 0 goto 0 */                                                  \
   COLD(Raise) /* a: run-time error number */                                                      \
-  COLD(Return)                                                                                    \
+  HOT(Return)                                                                                     \
   /* Fused sequences (see fuse.h), written over the first instruction of the sequence; the */     \
   /* instructions they cover stay in place for jumps that land on them. a: the loaded */          \
   /* variable (for AddStore..MulStore: the operator's operand), b: the operator's operand or */   \

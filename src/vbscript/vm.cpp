@@ -109,6 +109,33 @@ constexpr IntrinsicName kIntrinsics[] = {
   return NumberOf(consts[in.b], n);
 }
 
+// The member a site names on an object, from the site's cache while the object's kind is the
+// one it saw last.
+[[gnu::always_inline]] inline DispId MemberId(MemberSite& site, Object& object) {
+  const void* key = object.MemberCacheKey();
+  if (key && site.key == key) return site.id;
+  const DispId id = object.GetIdOfName(site.name);
+  if (id == kDispIdUnknown) RaiseNamed(kErrNotSupported, site.name);
+  site.key = key;
+  site.id = id;
+  return id;
+}
+
+// Pops the two numbers of a sum into dst, a slot that may own a value; false, with nothing
+// done, when they are no Integer, Long or Double.
+[[gnu::always_inline]] inline bool PopSum(Variant& dst, Variant*& sp) {
+  Operands o;
+  const int kind = LoadOperands(sp[-2], sp[-1], o);
+  if (!kind) return false;
+  PutResult<true>(
+      dst, kind, o, [](int64_t p, int64_t q) { return p + q; },
+      [](double p, double q) { return p + q; });
+  sp -= 2;
+  new (sp) Variant();
+  new (sp + 1) Variant();
+  return true;
+}
+
 }  // namespace
 
 // --- set-up ----------------------------------------------------------------------------------
@@ -479,17 +506,7 @@ Variant Vm::CallMember(Frame& f, const Instr& in, Variant* base) {
   if (!target.is_object()) Raise(kErrObjectRequired);
   Object* object = target.as_object();
   if (!object) Raise(kErrObjectRequired);
-  MemberSite& site = f.proc->sites[in.a];
-  const void* key = object->MemberCacheKey();
-  DispId id;
-  if (key && site.key == key) {
-    id = site.id;
-  } else {
-    id = object->GetIdOfName(site.name);
-    if (id == kDispIdUnknown) RaiseNamed(kErrNotSupported, site.name);
-    site.key = key;
-    site.id = id;
-  }
+  const DispId id = MemberId(f.proc->sites[in.a], *object);
   const bool get = (in.flags & kWantResult) && !(in.flags & kEmptyParens);
   Variant r =
       object->Invoke(id, get ? (kInvokeMethod | kInvokeGet) : kInvokeMethod, Args(base + 1, in.n));
@@ -609,6 +626,10 @@ void Vm::Execute(Frame& f) {
   } while (0)
   Variant* counter;  // a For loop's, between the two entries to its step and the step
   QV_NEXT();
+  // Handlers that differ only in their operator come from one macro per family (QV_ARITH,
+  // QV_COMPARE, QV_BINARY...), which expands to the code written out by hand. The short ones
+  // that remain look alike only in their case label, jump label and QV_NEXT around a line of
+  // their own.
   for (;;) {
   generic:
     switch (ip[-1].op) {
@@ -704,23 +725,20 @@ void Vm::Execute(Frame& f) {
         break;
       case Op::ArgElem: {
         Variant* base = sp - ip[-1].n;
-        if ((ip[-1].flags & kVarKindMask) == kVarGlobal) {
-          // A global name may be a function: then this is a call, and its result goes by value.
-          GlobalSlot& s = Resolve(*globals[ip[-1].a], proc);
-          if (s.kind != SlotKind::Variable) {
-            Variant value = CallSlot(f, s, base, ip[-1].n, static_cast<uint32_t>(ip[-1].b), true);
-            if (ip[-1].b) ReleaseLocks(base, sp);
-            while (sp > base)
-              Drop(*--sp);
-            *sp = std::move(value);
-            refs_[sp - stack_] = nullptr;
-            ++sp;
-            break;
-          }
+        // A global name may be a function: then this is a call, and its result goes by value,
+        // as does what the indexes pick from anything but an array.
+        Variant value;
+        Variant* target = nullptr;
+        if (GlobalSlot* s = (ip[-1].flags & kVarKindMask) == kVarGlobal
+                                ? &Resolve(*globals[ip[-1].a], proc)
+                                : nullptr;
+            s && s->kind != SlotKind::Variable) {
+          value = CallSlot(f, *s, base, ip[-1].n, static_cast<uint32_t>(ip[-1].b), true);
+        } else if (target = &VarRef(f, ip[-1].flags, ip[-1].a); !target->is_array()) {
+          value = ApplyIndex(*target, Args(base, ip[-1].n), true);
+          target = nullptr;
         }
-        Variant& target = VarRef(f, ip[-1].flags, ip[-1].a);
-        if (!target.is_array()) {
-          Variant value = ApplyIndex(target, Args(base, ip[-1].n), true);
+        if (!target) {
           if (ip[-1].b) ReleaseLocks(base, sp);
           while (sp > base)
             Drop(*--sp);
@@ -729,7 +747,7 @@ void Vm::Execute(Frame& f) {
           ++sp;
           break;
         }
-        SafeArray* array = target.mutable_array();
+        SafeArray* array = target->mutable_array();
         if (ip[-1].n > kMaxArrayDimensions) Raise(kErrSubscript);
         int32_t idx[kMaxArrayDimensions];
         for (uint32_t i = 0; i < ip[-1].n; ++i)
@@ -781,39 +799,22 @@ void Vm::Execute(Frame& f) {
         AppendInPlace(VarRef(f, ip[-1].flags, ip[-1].a), v);
         break;
       }
-      case Op::Add:
-      L_Add : {
-        Variant& a = sp[-2];
-        const Variant& b = sp[-1];
-        if (!FastArith(
-                a, b, [](int64_t x, int64_t y) { return x + y; },
-                [](double x, double y) { return x + y; }))
-          a = OpAdd(a, b);
-        Drop(*--sp);
-        QV_NEXT();
-      }
-      case Op::Sub:
-      L_Sub : {
-        Variant& a = sp[-2];
-        const Variant& b = sp[-1];
-        if (!FastArith(
-                a, b, [](int64_t x, int64_t y) { return x - y; },
-                [](double x, double y) { return x - y; }))
-          a = OpSub(a, b);
-        Drop(*--sp);
-        QV_NEXT();
-      }
-      case Op::Mul:
-      L_Mul : {
-        Variant& a = sp[-2];
-        const Variant& b = sp[-1];
-        if (!FastArith(
-                a, b, [](int64_t x, int64_t y) { return x * y; },
-                [](double x, double y) { return x * y; }))
-          a = OpMul(a, b);
-        Drop(*--sp);
-        QV_NEXT();
-      }
+#define QV_ARITH(NAME, OP)                                       \
+  case Op::NAME:                                                 \
+    L_##NAME : {                                                 \
+      Variant& a = sp[-2];                                       \
+      const Variant& b = sp[-1];                                 \
+      if (!FastArith(                                            \
+              a, b, [](int64_t x, int64_t y) { return x OP y; }, \
+              [](double x, double y) { return x OP y; }))        \
+        a = Op##NAME(a, b);                                      \
+      Drop(*--sp);                                               \
+      QV_NEXT();                                                 \
+    }
+        QV_ARITH(Add, +)
+        QV_ARITH(Sub, -)
+        QV_ARITH(Mul, *)
+#undef QV_ARITH
       case Op::Div: {
         // Integer, Long and Double always divide to a Double; zero divisors, Singles and
         // everything else take the general rules with their errors.
@@ -836,18 +837,15 @@ void Vm::Execute(Frame& f) {
         Drop(*--sp);
         break;
       }
-      case Op::IntDiv:
-        sp[-2] = OpIntDiv(sp[-2], sp[-1]);
-        (--sp)->Clear();
-        break;
-      case Op::Mod:
-        sp[-2] = OpMod(sp[-2], sp[-1]);
-        (--sp)->Clear();
-        break;
-      case Op::Pow:
-        sp[-2] = OpPow(sp[-2], sp[-1]);
-        (--sp)->Clear();
-        break;
+// The operators without an inline path: the general rules on the two values on the stack.
+#define QV_BINARY(NAME)                \
+  case Op::NAME:                       \
+    sp[-2] = Op##NAME(sp[-2], sp[-1]); \
+    (--sp)->Clear();                   \
+    break;
+        QV_BINARY(IntDiv)
+        QV_BINARY(Mod)
+        QV_BINARY(Pow)
       case Op::Concat:
       L_Concat:
         // a & b & c: the text made by the first & is the stack's alone, so the next ones
@@ -859,108 +857,52 @@ void Vm::Execute(Frame& f) {
         }
         Drop(*--sp);
         break;
-      case Op::Eq:
-      L_Eq:
-        if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x == y; }))
-          sp[-2] = OpCompare(0, sp[-2], sp[-1], ip[-1].flags);
-        Drop(*--sp);
-        break;
-      case Op::Ne:
-      L_Ne:
-        if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x != y; }))
-          sp[-2] = OpCompare(1, sp[-2], sp[-1], ip[-1].flags);
-        Drop(*--sp);
-        break;
-      case Op::Lt:
-      L_Lt:
-        if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x < y; }))
-          sp[-2] = OpCompare(2, sp[-2], sp[-1], ip[-1].flags);
-        Drop(*--sp);
-        break;
-      case Op::Le:
-      L_Le:
-        if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x <= y; }))
-          sp[-2] = OpCompare(3, sp[-2], sp[-1], ip[-1].flags);
-        Drop(*--sp);
-        break;
-      case Op::Gt:
-      L_Gt:
-        if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x > y; }))
-          sp[-2] = OpCompare(4, sp[-2], sp[-1], ip[-1].flags);
-        Drop(*--sp);
-        break;
-      case Op::Ge:
-      L_Ge:
-        if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x >= y; }))
-          sp[-2] = OpCompare(5, sp[-2], sp[-1], ip[-1].flags);
-        Drop(*--sp);
-        break;
+#define QV_COMPARE(NAME, INDEX, OP)                                                              \
+  case Op::NAME:                                                                                 \
+    L_##NAME : if (!FastCompare(sp[-2], sp[-1], [](auto x, auto y) { return x OP y; })) sp[-2] = \
+                   OpCompare(INDEX, sp[-2], sp[-1], ip[-1].flags);                               \
+    Drop(*--sp);                                                                                 \
+    break;
+        QV_COMPARE(Eq, 0, ==)
+        QV_COMPARE(Ne, 1, !=)
+        QV_COMPARE(Lt, 2, <)
+        QV_COMPARE(Le, 3, <=)
+        QV_COMPARE(Gt, 4, >)
+        QV_COMPARE(Ge, 5, >=)
+#undef QV_COMPARE
       case Op::Is:
         sp[-2] = Variant(OpIs(sp[-2], sp[-1]));
         (--sp)->Clear();
         break;
-      case Op::And:
-        sp[-2] = OpAnd(sp[-2], sp[-1]);
-        (--sp)->Clear();
-        break;
-      case Op::Or:
-        sp[-2] = OpOr(sp[-2], sp[-1]);
-        (--sp)->Clear();
-        break;
-      case Op::Xor:
-        sp[-2] = OpXor(sp[-2], sp[-1]);
-        (--sp)->Clear();
-        break;
-      case Op::Eqv:
-        sp[-2] = OpEqv(sp[-2], sp[-1]);
-        (--sp)->Clear();
-        break;
-      case Op::Imp:
-        sp[-2] = OpImp(sp[-2], sp[-1]);
-        (--sp)->Clear();
-        break;
+        QV_BINARY(And)
+        QV_BINARY(Or)
+        QV_BINARY(Xor)
+        QV_BINARY(Eqv)
+        QV_BINARY(Imp)
+#undef QV_BINARY
       case Op::Neg:
         sp[-1] = OpNeg(sp[-1]);
         break;
       case Op::Not:
         sp[-1] = OpNot(sp[-1]);
         break;
-      case Op::AddK:
-      L_AddK:
-      case Op::AddL:
-      L_AddL : {
-        Variant& a = sp[-1];
-        const Variant& b = ip[-1].op == Op::AddK ? consts[ip[-1].a] : locals[ip[-1].a];
-        if (!FastArith(
-                a, b, [](int64_t x, int64_t y) { return x + y; },
-                [](double x, double y) { return x + y; }))
-          a = OpAdd(a, b);
-        QV_NEXT();
-      }
-      case Op::SubK:
-      L_SubK:
-      case Op::SubL:
-      L_SubL : {
-        Variant& a = sp[-1];
-        const Variant& b = ip[-1].op == Op::SubK ? consts[ip[-1].a] : locals[ip[-1].a];
-        if (!FastArith(
-                a, b, [](int64_t x, int64_t y) { return x - y; },
-                [](double x, double y) { return x - y; }))
-          a = OpSub(a, b);
-        QV_NEXT();
-      }
-      case Op::MulK:
-      L_MulK:
-      case Op::MulL:
-      L_MulL : {
-        Variant& a = sp[-1];
-        const Variant& b = ip[-1].op == Op::MulK ? consts[ip[-1].a] : locals[ip[-1].a];
-        if (!FastArith(
-                a, b, [](int64_t x, int64_t y) { return x * y; },
-                [](double x, double y) { return x * y; }))
-          a = OpMul(a, b);
-        QV_NEXT();
-      }
+// The same with the right operand a constant or a local.
+#define QV_ARITH_KL(NAME, OP)                                                            \
+  case Op::NAME##K:                                                                      \
+  case Op::NAME##L:                                                                      \
+    L_##NAME##K : L_##NAME##L : {                                                        \
+      Variant& a = sp[-1];                                                               \
+      const Variant& b = ip[-1].op == Op::NAME##K ? consts[ip[-1].a] : locals[ip[-1].a]; \
+      if (!FastArith(                                                                    \
+              a, b, [](int64_t x, int64_t y) { return x OP y; },                         \
+              [](double x, double y) { return x OP y; }))                                \
+        a = Op##NAME(a, b);                                                              \
+      QV_NEXT();                                                                         \
+    }
+        QV_ARITH_KL(Add, +)
+        QV_ARITH_KL(Sub, -)
+        QV_ARITH_KL(Mul, *)
+#undef QV_ARITH_KL
 #define QV_FUSED_COMPARE(K, L, INDEX, EXPR)                                        \
   case Op::K:                                                                      \
   case Op::L:                                                                      \
@@ -983,26 +925,29 @@ void Vm::Execute(Frame& f) {
         if (ip[-1].a < ip - code) CheckTime();
         ip = code + ip[-1].a;
         QV_NEXT();
-      case Op::JmpFalse:
-      L_JmpFalse : {
-        const bool t = Truth(sp[-1]);
-        Drop(*--sp);
-        if (!t) {
-          if (ip[-1].a < ip - code) CheckTime();
-          ip = code + ip[-1].a;
-        }
-        QV_NEXT();
-      }
-      case Op::JmpTrue:
-      L_JmpTrue : {
-        const bool t = Truth(sp[-1]);
-        Drop(*--sp);
-        if (t) {
-          if (ip[-1].a < ip - code) CheckTime();
-          ip = code + ip[-1].a;
-        }
-        QV_NEXT();
-      }
+#define QV_JUMP_IF(NAME, WHEN)                 \
+  case Op::NAME:                               \
+    L_##NAME : {                               \
+      const bool t = Truth(sp[-1]);            \
+      Drop(*--sp);                             \
+      if (t == (WHEN)) {                       \
+        if (ip[-1].a < ip - code) CheckTime(); \
+        ip = code + ip[-1].a;                  \
+      }                                        \
+      QV_NEXT();                               \
+    }
+        QV_JUMP_IF(JmpFalse, false)
+        QV_JUMP_IF(JmpTrue, true)
+#undef QV_JUMP_IF
+// The end of a call whose arguments stand from `from` on: they go, arrays passed by their
+// elements are unlocked, and the result stays when the caller uses it.
+#define QV_END_CALL(from, result)                              \
+  do {                                                         \
+    if (ip[-1].b) ReleaseLocks(from, sp);                      \
+    while (sp > (from))                                        \
+      (--sp)->Clear();                                         \
+    if (ip[-1].flags & kWantResult) *sp++ = std::move(result); \
+  } while (0)
       case Op::CallGlobal:
       L_CallGlobal : {
         Variant* args = sp - ip[-1].n;
@@ -1019,31 +964,23 @@ void Vm::Execute(Frame& f) {
           QV_NEXT();
         }
         Variant r = CallSlot(f, s, args, ip[-1].n, ip[-1].b, ip[-1].flags & kWantResult);
-        if (ip[-1].b) ReleaseLocks(args, sp);
-        while (sp > args)
-          (--sp)->Clear();
-        if (ip[-1].flags & kWantResult) *sp++ = std::move(r);
+        QV_END_CALL(args, r);
         break;
       }
       case Op::CallMethod: {
         Variant* args = sp - ip[-1].n;
         Variant r = CallMethod(f, ip[-1].a, args, ip[-1].n, ip[-1].b, ip[-1].flags & kWantResult);
-        if (ip[-1].b) ReleaseLocks(args, sp);
-        while (sp > args)
-          (--sp)->Clear();
-        if (ip[-1].flags & kWantResult) *sp++ = std::move(r);
+        QV_END_CALL(args, r);
         break;
       }
       case Op::CallMember:
       L_CallMember : {
         Variant* base = sp - ip[-1].n - 1;
         Variant r = CallMember(f, ip[-1], base);
-        if (ip[-1].b) ReleaseLocks(base, sp);
-        while (sp > base)
-          (--sp)->Clear();
-        if (ip[-1].flags & kWantResult) *sp++ = std::move(r);
+        QV_END_CALL(base, r);
         break;
       }
+#undef QV_END_CALL
       case Op::Index:
       L_Index : {
         Variant* args = sp - ip[-1].n;
@@ -1106,17 +1043,7 @@ void Vm::Execute(Frame& f) {
         const Variant& target = base[0];
         if (!target.is_object() || !target.as_object()) Raise(kErrObjectRequired);
         Object* object = target.as_object();
-        MemberSite& site = proc.sites[ip[-1].a];
-        const void* key = object->MemberCacheKey();
-        DispId id;
-        if (key && site.key == key) {
-          id = site.id;
-        } else {
-          id = object->GetIdOfName(site.name);
-          if (id == kDispIdUnknown) RaiseNamed(kErrNotSupported, site.name);
-          site.key = key;
-          site.id = id;
-        }
+        const DispId id = MemberId(proc.sites[ip[-1].a], *object);
         const bool is_set = ip[-1].flags & kSetFlag;
         if (is_set) {
           CheckSetValue(sp[-1]);
@@ -1330,6 +1257,7 @@ void Vm::Execute(Frame& f) {
       case Op::Raise:
         Raise(ip[-1].a);
       case Op::Return:
+      L_Return:
         return;
         // The fused forms: the fast path when every operand is a plain number, else the first
         // instruction's own work, after which the covered ones run as compiled.
@@ -1591,16 +1519,7 @@ void Vm::Execute(Frame& f) {
       case Op::AddPopStoreGlobal:
       L_AddPopStoreGlobal : {
         GlobalSlot& s = *globals[ip[-1].n];
-        Operands o;
-        if (const int kind = s.kind == SlotKind::Variable && IsPlain(s.value)
-                                 ? LoadOperands(sp[-2], sp[-1], o)
-                                 : 0) {
-          PutResult<true>(
-              s.value, kind, o, [](int64_t p, int64_t q) { return p + q; },
-              [](double p, double q) { return p + q; });
-          sp -= 2;
-          new (sp) Variant();
-          new (sp + 1) Variant();
+        if (s.kind == SlotKind::Variable && IsPlain(s.value) && PopSum(s.value, sp)) {
           ++ip;
           QV_NEXT();
         }
@@ -1621,14 +1540,7 @@ void Vm::Execute(Frame& f) {
 #undef QV_FUSED_X
       case Op::AddPopStore:
       L_AddPopStore : {
-        Operands o;
-        if (const int kind = LoadOperands(sp[-2], sp[-1], o)) {
-          PutResult<true>(
-              locals[ip[-1].n], kind, o, [](int64_t p, int64_t q) { return p + q; },
-              [](double p, double q) { return p + q; });
-          sp -= 2;
-          new (sp) Variant();
-          new (sp + 1) Variant();
+        if (PopSum(locals[ip[-1].n], sp)) {
           ++ip;
           QV_NEXT();
         }
