@@ -1,0 +1,77 @@
+' Statements of a page body that update module variables in one go, `t = t + a * 2 - 1` and
+' its kin, and For loops counting in a module variable: every operator in every place, stores
+' that cannot take the short way, and counters that change under the loop.
+Dim t, a, b, e, i, o, sc, terminated
+terminated = 0
+Class Counted
+  Private Sub Class_Terminate()
+    terminated = terminated + 1
+  End Sub
+End Class
+
+' Each operator as the inner, the joining and the final one, with a module variable inside.
+t = 4 : a = 3 : t = t * (a - 1) + 1
+Check t, 9, "t * (a - 1) + 1"
+t = 1 : a = 2 : t = (t + a * 2) * 3
+Check t, 15, "(t + a * 2) * 3"
+t = 1 : a = 3 : b = 2 : t = t + a * b - 1
+Check t, 6, "t + a * b - 1, the inner operand a module variable"
+t = 10 : a = 2 : e = t - (a + 1) * 2
+Check e, 4, "the result stored to another variable"
+t = 1 : a = 2
+CheckTrue t + a * 2 > 4, "the result compared instead of stored"
+
+' Stores that take the general way: a variable holding text or an object, a constant.
+t = 1 : a = 3 : e = "text" : e = t + a * 2 - 1
+Check e, 6, "text replaced by the number"
+Set e = New Counted
+e = t + a * 2 - 1
+CheckEach Array("e", 6, "terminated", 1)
+On Error Resume Next
+vbLong = vbLong + a * 2 - 1
+Check Err.Number, CLng(501), "a constant is no variable"
+Check vbLong, 3, "and keeps its value"
+Err.Clear
+
+' An overflow anywhere in the statement stores nothing.
+t = 1E+308 : a = 3 : t = t + a * 1 + 1E+308
+CheckEach Array("Err.Number", CLng(6), "t", 1E+308)
+Err.Clear
+e = 5 : t = 1E+308 : e = t + a * 1E+308 - 1
+CheckEach Array("Err.Number", CLng(6), "e", 5)
+Err.Clear
+On Error GoTo 0
+
+' Counters: Integer while they fit, then Long; stepping down; changed inside the loop.
+For i = 1 To 10 : Next
+Check i, 11, "an Integer counter"
+For i = 32760 To 32770 : Next
+Check i, CLng(32771), "widened to Long"
+For i = 10 To 1 Step -3 : Next
+Check i, -2, "stepping down"
+For i = 1 To 5
+  If i = 2 Then i = "4"
+Next
+Check i, CDbl(6), "text put in the counter"
+For i = 1 To 5
+  If i = 2 Then i = 3.5
+Next
+Check i, 5.5, "a Double put in the counter"
+For undeclared = 1 To 3 : Next
+Check undeclared, 4, "a counter never declared"
+On Error Resume Next
+For i = 1 To 3
+  If i = 2 Then ExecuteGlobal "Function i() : i = 9 : End Function"
+Next
+Check Err.Number, CLng(501), "a counter that became a function"
+Err.Clear
+On Error GoTo 0
+
+' The time limit stops a For loop counting in a module variable.
+Set sc = CreateObject("MSScriptControl.ScriptControl")
+sc.Language = "VBScript"
+sc.Timeout = 100
+On Error Resume Next
+sc.AddCode "Dim fi : For fi = 1 To 2000000000 : Next"
+Check Err.Number, -2147467260, "time limit"
+On Error GoTo 0
