@@ -234,15 +234,18 @@ void Vm::CallInPlace(const Proc& proc, ScriptObject* me, Variant* base, uint32_t
   // Recursion without loops never jumps backwards: calls count towards the time limit too.
   CheckTime();
   Frame f{&proc, base, refs_ + (base - stack_), me, false};
-  for (uint32_t i = 0; i < proc.nparams; ++i) {
-    if (!proc.byref[i]) continue;
-    if (i < 32 && (mask >> i & 1) && f.refs[i]) {
+  // Read once: the stores to the frame's references below could otherwise alias them.
+  const uint8_t* const byref = proc.byref.data();
+  Variant** const refs = f.refs;
+  for (uint32_t i = 0; i < argc; ++i) {
+    if (!byref[i]) continue;
+    if (i < 32 && (mask >> i & 1) && refs[i]) {
       base[i].Clear();
     } else {
-      f.refs[i] = &base[i];
+      refs[i] = &base[i];
     }
     // A ByRef parameter is either the caller's variable or its own copy, never nothing.
-    assert(f.refs[i]);
+    assert(refs[i]);
   }
   // The result travels bit for bit, so that no count changes hands, and as the type word and
   // the payload that the procedure's last store wrote: one 16-byte copy of them would stall.
