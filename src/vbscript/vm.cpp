@@ -730,18 +730,15 @@ void Vm::Execute(Frame& f) {
         Variant* base = sp - ip[-1].n;
         // A global name may be a function: then this is a call, and its result goes by value,
         // as does what the indexes pick from anything but an array.
-        Variant value;
-        Variant* target = nullptr;
-        if (GlobalSlot* s = (ip[-1].flags & kVarKindMask) == kVarGlobal
-                                ? &Resolve(*globals[ip[-1].a], proc)
-                                : nullptr;
-            s && s->kind != SlotKind::Variable) {
-          value = CallSlot(f, *s, base, ip[-1].n, static_cast<uint32_t>(ip[-1].b), true);
-        } else if (target = &VarRef(f, ip[-1].flags, ip[-1].a); !target->is_array()) {
-          value = ApplyIndex(*target, Args(base, ip[-1].n), true);
-          target = nullptr;
-        }
-        if (!target) {
+        GlobalSlot* const s = (ip[-1].flags & kVarKindMask) == kVarGlobal
+                                  ? &Resolve(*globals[ip[-1].a], proc)
+                                  : nullptr;
+        const bool call = s && s->kind != SlotKind::Variable;
+        Variant* const target = call ? nullptr : &VarRef(f, ip[-1].flags, ip[-1].a);
+        if (call || !target->is_array()) {
+          Variant value =
+              call ? CallSlot(f, *s, base, ip[-1].n, static_cast<uint32_t>(ip[-1].b), true)
+                   : ApplyIndex(*target, Args(base, ip[-1].n), true);
           if (ip[-1].b) ReleaseLocks(base, sp);
           while (sp > base)
             Drop(*--sp);
