@@ -17,18 +17,36 @@ int Usage() {
   return 2;
 }
 
+// The files added so far, each with its text: an error raised inside a prelude's procedure,
+// called from the script, is reported under the prelude's name and line.
+struct LoadedFile {
+  std::string shown;
+  qv::String code;
+};
+
+const std::string& NameOfError(const std::vector<LoadedFile>& loaded, const qv::String& code) {
+  for (const LoadedFile& file : loaded) {
+    if (file.code == code) return file.shown;
+  }
+  return loaded.back().shown;  // code built at run time (Execute, Eval): the file that ran it
+}
+
 // Adds a file's code; false (after printing the report) when it fails.
-bool RunFile(qv::vbs::Engine& engine, const std::string& path, const std::string& shown) {
+bool RunFile(qv::vbs::Engine& engine, const std::string& path, const std::string& shown,
+             std::vector<LoadedFile>& loaded) {
   qv::String code;
   if (!qv::cli::ReadScriptFile(path, code)) {
     std::fprintf(stderr, "Input Error: Can not find script file \"%s\".\n", shown.c_str());
     return false;
   }
+  loaded.push_back({shown, code});
   try {
     engine.AddCode(code);
   } catch (const qv::Error&) {
     std::fflush(stdout);
-    std::fprintf(stderr, "%s\n", qv::cli::ErrorReport(shown, engine.Error()).c_str());
+    const qv::vbs::ScriptError& error = engine.Error();
+    std::fprintf(stderr, "%s\n",
+                 qv::cli::ErrorReport(NameOfError(loaded, error.Code()), error).c_str());
     return false;
   }
   return true;
@@ -74,11 +92,12 @@ int main(int argc, char** argv) {
   auto wscript =
       qv::MakeRef<qv::cli::WScriptObject>(engine, qv::String::FromUtf8(full), std::move(arguments));
   engine.AddObject(u"WScript", wscript);
+  std::vector<LoadedFile> loaded;
   try {
     for (const auto& p : preludes) {
-      if (!RunFile(engine, p, FullPath(p))) return 1;
+      if (!RunFile(engine, p, FullPath(p), loaded)) return 1;
     }
-    if (!RunFile(engine, script, full)) return 1;
+    if (!RunFile(engine, script, full, loaded)) return 1;
   } catch (const qv::cli::ScriptQuit& quit) {
     std::fflush(stdout);
     return quit.code;

@@ -294,6 +294,7 @@ auto Engine::Guard(StringView code, F&& body) -> decltype(body()) {
     error_.line_ = e.line();
     error_.column_ = e.column();
     error_.text_ = LineText(code, e.line());
+    error_.code_ = String(code);
     throw;
   } catch (const qv::Error& e) {
     error_.number_ = e.number();
@@ -310,6 +311,7 @@ auto Engine::Guard(StringView code, F&& body) -> decltype(body()) {
       error_.line_ = site.line;
       error_.column_ = site.column;
       error_.text_ = site.text;
+      error_.code_ = site.code;
     }
     vm->err().number = e.number();
     vm->err().description = error_.description_;

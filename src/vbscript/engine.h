@@ -39,6 +39,9 @@ class ScriptError {
   int32_t Line() const { return line_; }
   int32_t Column() const { return column_; }
   const String& Text() const { return text_; }
+  // The whole text the error lies in, as AddCode or Eval took it: a host that added several
+  // files tells by it which one to name.
+  const String& Code() const { return code_; }
   void Clear() { *this = ScriptError(); }
 
  private:
@@ -49,6 +52,7 @@ class ScriptError {
   int32_t line_ = 0;
   int32_t column_ = 0;
   String text_;
+  String code_;
 };
 
 // A module: the global one ("Global") or a named one ("System", "Validate", "$User"), each

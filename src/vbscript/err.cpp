@@ -105,6 +105,7 @@ void Vm::RecordSite(const Frame& f, size_t pc, int32_t number) {
   site_.line = p.lines.empty() ? 0 : p.lines[pc];
   site_.column = p.columns.empty() ? 0 : p.columns[pc];
   // The text of that line of the source.
+  site_.code = p.source;
   const StringView src = p.source.view();
   int32_t line = 1;
   size_t start = 0;

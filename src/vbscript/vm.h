@@ -31,6 +31,7 @@ struct ErrorSite {
   int32_t line = 0;
   int32_t column = 0;
   String text;     // the source line
+  String code;     // the whole text that line belongs to, as it was added
   String subject;  // for "Object required": the variable that held no object
 };
 
