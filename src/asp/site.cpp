@@ -138,13 +138,14 @@ std::optional<fs::path> Site::MapPath(std::string_view url_path) const {
   return Walk(root_, url_path, false);
 }
 
-std::optional<fs::path> Site::DefaultDocument(const fs::path& folder) const {
+std::optional<Site::Found> Site::DefaultDocument(std::string_view folder_url) const {
   static constexpr std::array<std::string_view, 4> kNames = {"default.asp", "index.asp",
                                                              "index.html", "index.htm"};
-  std::error_code ec;
+  // Through Find, so that a folder's page costs what any other page does; the names before
+  // the one found are looked for again each time, so that one made later takes over.
   for (std::string_view name : kNames) {
-    std::optional<fs::path> entry = FindEntry(folder, name);
-    if (entry && fs::is_regular_file(*entry, ec)) return Walk(folder, name, true);
+    std::optional<Found> found = Find(std::string(folder_url) + std::string(name));
+    if (found && found->is_regular) return found;
   }
   return std::nullopt;
 }

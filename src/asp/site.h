@@ -37,8 +37,9 @@ class Site {
   // the same way; `base` is a folder inside the site.
   std::optional<std::filesystem::path> ResolveRelative(const std::filesystem::path& base,
                                                        std::string_view relative) const;
-  // The file a folder serves for its URL: default.asp, index.asp, index.html, index.htm.
-  std::optional<std::filesystem::path> DefaultDocument(const std::filesystem::path& folder) const;
+  // The file a folder serves for its URL (which ends in "/"): default.asp, index.asp,
+  // index.html, index.htm.
+  std::optional<Found> DefaultDocument(std::string_view folder_url) const;
   // The site-relative URL path of a file inside the site ("/shop/list.asp").
   std::string UrlPathOf(const std::filesystem::path& file) const;
   // Where Server.MapPath points: like Resolve, but the file need not exist.

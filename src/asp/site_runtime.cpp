@@ -451,11 +451,10 @@ HttpResponse SiteRuntime::Handle(const HttpRequest& request, bool can_stream) {
           "Location", request.raw_path + "/" + (request.query.empty() ? "" : "?" + request.query));
       return r;
     }
-    const auto document = site_.DefaultDocument(file);
+    std::optional<Site::Found> document = site_.DefaultDocument(request.path);
     if (!document) return ErrorResponse(403, "Forbidden");
-    file = *document;
-    std::error_code ec;
-    regular = fs::is_regular_file(file, ec);
+    file = std::move(document->path);
+    regular = true;
   }
   if (!regular || site_.IsHidden(file)) return ErrorResponse(404, "Not Found");
   if (Site::IsPage(file)) {

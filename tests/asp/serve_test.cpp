@@ -141,6 +141,11 @@ TEST_F(ServeTest, SymbolicLinksOutOfTheSiteAreNotFollowed) {
   EXPECT_EQ(Get(s.port, "/folder/page.txt").status, 404);
   std::ofstream(root / "site/mixed.txt") << "exact";
   EXPECT_EQ(Get(s.port, "/mixed.txt").body, "exact");
+  // A folder's default document made later takes over from the one it served.
+  std::ofstream(root / "site/index.htm") << "index";
+  EXPECT_EQ(Get(s.port, "/").body, "index");
+  std::ofstream(root / "site/default.asp") << "default";
+  EXPECT_EQ(Get(s.port, "/").body, "default");
 }
 
 TEST_F(ServeTest, RequestCollections) {
