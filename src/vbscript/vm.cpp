@@ -1412,6 +1412,19 @@ void Vm::Execute(Frame& f) {
   case Op::LoadGlobal##NAME##Store:                                                        \
     L_LoadGlobal##NAME##Store : {                                                          \
       Operands o;                                                                          \
+      if ((ip[-1].flags & kFusedStoreGlobal) && ip[-1].n == ip[-1].a) {                    \
+        /* s = s + k: one slot, asked once whether it holds a variable; a value that */    \
+        /* passes as an operand is a number, so the store has nothing to release. */       \
+        Variant& v = globals[ip[-1].a]->value;                                             \
+        if (globals[ip[-1].a]->kind != SlotKind::Variable) [[unlikely]]                    \
+          goto L_LoadGlobal;                                                               \
+        if (const int kind = LoadFusedGlobal(ip[-1], v, locals, consts, globals, o)) {     \
+          PutResult<false>(v, kind, o, QV_WHOLE(OP), QV_REAL(OP));                         \
+          ip += 2 + QV_COVERED();                                                          \
+          QV_NEXT();                                                                       \
+        }                                                                                  \
+        goto L_LoadGlobal;                                                                 \
+      }                                                                                    \
       QV_GLOBAL_X(x);                                                                      \
       QV_STORE_TARGET(dst);                                                                \
       if (const int kind = LoadFusedGlobal(ip[-1], *x, locals, consts, globals, o)) {      \

@@ -1,7 +1,7 @@
 ' Statements of a page body that update module variables in one go, `t = t + a * 2 - 1` and
 ' its kin, and For loops counting in a module variable: every operator in every place, stores
 ' that cannot take the short way, and counters that change under the loop.
-Dim t, a, b, e, i, o, sc, terminated
+Dim t, a, b, e, i, o, sc, terminated, c
 terminated = 0
 Class Counted
   Private Sub Class_Terminate()
@@ -39,6 +39,35 @@ CheckEach Array("Err.Number", CLng(6), "t", 1E+308)
 Err.Clear
 e = 5 : t = 1E+308 : e = t + a * 1E+308 - 1
 CheckEach Array("Err.Number", CLng(6), "e", 5)
+Err.Clear
+On Error GoTo 0
+
+' A variable updated from itself, `c = c + k`: it widens, takes text and Empty, stays Null, and
+' keeps its value on overflow; a constant refuses, and a variable that became a function
+' in the middle of a loop is called from then on.
+c = 32766 : c = c + 1 : c = c + 1
+Check c, CLng(32768), "Integer to Long"
+c = 2147483647 : c = c - -1
+Check c, 2147483648, "Long to Double"
+c = "5" : c = c + 1
+Check c, CDbl(6), "text"
+c = Empty : c = c + 1
+Check c, 1, "Empty"
+c = Null : c = c + 1
+CheckTrue IsNull(c), "Null"
+On Error Resume Next
+c = 1E+308 : c = c * 10
+CheckEach Array("Err.Number", CLng(6), "c", 1E+308)
+Err.Clear
+vbLong = vbLong + 1
+CheckEach Array("Err.Number", CLng(501), "vbLong", 3)
+Err.Clear
+c = 0
+For i = 1 To 3
+  c = c + 1
+  If i = 2 Then ExecuteGlobal "Function c() : c = 9 : End Function"
+Next
+CheckEach Array("Err.Number", CLng(501), "c", 9)
 Err.Clear
 On Error GoTo 0
 
