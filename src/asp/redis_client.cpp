@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cstdio>
 #include <stdexcept>
+#include <utility>
 
 #include "asp/state_store.h"
 
@@ -305,12 +306,11 @@ namespace {
 // Writes the command in Redis's wire form here rather than through hiredis's own formatting,
 // which grows its buffer a piece at a time through a printf of its own and showed in the
 // profile of every request; hiredis then only copies it to the connection's output.
-bool Append(redisContext* c, const RedisCommand& command) {
+void AppendWire(std::string& wire, const RedisCommand& command) {
   assert(!command.empty());
-  size_t size = 16;
+  size_t size = wire.size() + 16;
   for (std::string_view a : command)
     size += a.size() + 16;
-  std::string wire;
   wire.reserve(size);
   char digits[24];
   const auto number = [&](char lead, size_t n) {
@@ -324,30 +324,67 @@ bool Append(redisContext* c, const RedisCommand& command) {
     wire += a;
     wire += "\r\n";
   }
+}
+
+bool Append(redisContext* c, const RedisCommand& command) {
+  std::string wire;
+  AppendWire(wire, command);
   return redisAppendFormattedCommand(c, wire.data(), wire.size()) == REDIS_OK;
 }
 
 }  // namespace
 
-std::vector<RedisReply> RedisClient::Exchange(const std::vector<RedisCommand>& commands) {
+RedisClient::Started& RedisClient::Started::operator=(Started&& other) noexcept {
+  if (this == &other) return *this;
+  if (client_ && connection_.context) redisFree(connection_.context);
+  client_ = std::exchange(other.client_, nullptr);
+  connection_ = std::move(other.connection_);
+  other.connection_.context = nullptr;
+  pooled_ = other.pooled_;
+  sent_ = other.sent_;
+  wire_ = std::move(other.wire_);
+  count_ = other.count_;
+  return *this;
+}
+
+RedisClient::Started::~Started() {
+  if (client_ && connection_.context) redisFree(connection_.context);
+}
+
+// Takes a connection and writes the call's commands, with whatever the connection had queued,
+// in one piece; a failed write shows when Finish reads.
+void RedisClient::Launch(Started& call) {
+  call.connection_ = Acquire(call.pooled_);
+  call.sent_ = redisAppendFormattedCommand(call.connection_.context, call.wire_.data(),
+                                           call.wire_.size()) == REDIS_OK &&
+               Send(call.connection_);
+}
+
+RedisClient::Started RedisClient::Start(const std::vector<RedisCommand>& commands) {
   assert(!commands.empty());
+  Started call;
+  for (const RedisCommand& command : commands)
+    AppendWire(call.wire_, command);
+  call.count_ = commands.size();
+  Launch(call);
+  call.client_ = this;
+  return call;
+}
+
+std::vector<RedisReply> RedisClient::Finish(Started& call) {
+  assert(call.active());
   // A pooled connection may have died with a Redis that went away since: such a call is
   // tried once more on a new connection before it counts as a failure. Only a connection that
   // failed before any reply came back is retried, so no command runs twice.
   for (int attempt = 0;; ++attempt) {
-    bool pooled = false;
-    Connection c = Acquire(pooled);
-    bool sent = true;
-    for (const RedisCommand& command : commands)
-      sent = sent && Append(c.context, command);
+    Connection& c = call.connection_;
     // The replies owed to earlier calls that did not wait come first, mostly in the same read;
     // a failure among them goes to the log, as nobody waits for it.
     std::vector<RedisReply> out;
-    out.reserve(commands.size());
-    while (sent && out.size() < commands.size()) {
+    out.reserve(call.count_);
+    while (call.sent_ && out.size() < call.count_) {
       void* raw = nullptr;
       if (redisGetReply(c.context, &raw) != REDIS_OK || !raw) break;
-      c.unsent = false;
       auto* r = static_cast<redisReply*>(raw);
       if (c.pending == 0) {
         out.push_back(Copy(*r));
@@ -361,15 +398,30 @@ std::vector<RedisReply> RedisClient::Exchange(const std::vector<RedisCommand>& c
       }
       freeReplyObject(r);
     }
-    if (out.size() == commands.size()) {
+    if (out.size() == call.count_) {
+      call.client_ = nullptr;
       Release(std::move(c));
       return out;
     }
     const std::string why = c.context->errstr[0] ? c.context->errstr : "connection lost";
     redisFree(c.context);
-    if (pooled && attempt == 0 && out.empty()) continue;
-    Fail(why);
+    c.context = nullptr;
+    if (!call.pooled_ || attempt > 0 || !out.empty()) {
+      call.client_ = nullptr;
+      Fail(why);
+    }
+    try {
+      Launch(call);
+    } catch (...) {
+      call.client_ = nullptr;
+      throw;
+    }
   }
+}
+
+std::vector<RedisReply> RedisClient::Exchange(const std::vector<RedisCommand>& commands) {
+  Started call = Start(commands);
+  return Finish(call);
 }
 
 void RedisClient::EvalNoWait(std::string_view script, const std::vector<std::string_view>& keys,

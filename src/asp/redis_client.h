@@ -52,7 +52,38 @@ struct RedisReply {
 using RedisCommand = std::vector<std::string_view>;
 
 class RedisClient {
+  struct Connection {
+    redisContext* context = nullptr;
+    size_t pending = 0;   // replies owed to calls that did not wait for them
+    bool unsent = false;  // such calls still in the output buffer, since `queued_at`
+    std::chrono::steady_clock::time_point queued_at;
+    // Scripts this connection ran or sent by their text: its server knows their hash, since a
+    // server that restarted would have closed the connection.
+    std::vector<const char*> scripts;
+  };
+
  public:
+  // Commands that went out and whose replies are still to be read (Finish), so that the caller
+  // can do other work during the round trip. It keeps its connection until then; one that is
+  // never finished closes its connection, and Redis still runs what it was sent.
+  class Started {
+   public:
+    Started() = default;
+    Started(Started&& other) noexcept { *this = std::move(other); }
+    Started& operator=(Started&& other) noexcept;
+    ~Started();
+    bool active() const { return client_ != nullptr; }
+
+   private:
+    friend class RedisClient;
+    RedisClient* client_ = nullptr;
+    Connection connection_;
+    bool pooled_ = false;
+    bool sent_ = false;
+    std::string wire_;  // the commands, to send again on a new connection
+    size_t count_ = 0;
+  };
+
   explicit RedisClient(RedisAddress address);
   ~RedisClient();
   RedisClient(const RedisClient&) = delete;
@@ -62,6 +93,9 @@ class RedisClient {
   RedisReply Run(const RedisCommand& args);
   // Runs commands in one round trip, a reply for each; error replies are returned, not raised.
   std::vector<RedisReply> Pipeline(const std::vector<RedisCommand>& commands);
+  // Pipeline in two halves: Start sends, Finish reads the replies (and raises as Pipeline).
+  Started Start(const std::vector<RedisCommand>& commands);
+  std::vector<RedisReply> Finish(Started& call);
   // Runs a script with its keys and arguments. `script` must outlive the client: its address
   // finds the hash the server knows it by.
   RedisReply Eval(std::string_view script, const std::vector<std::string_view>& keys,
@@ -80,17 +114,8 @@ class RedisClient {
   static constexpr std::chrono::microseconds kSendDelay{1000};
 
  private:
-  struct Connection {
-    redisContext* context = nullptr;
-    size_t pending = 0;   // replies owed to calls that did not wait for them
-    bool unsent = false;  // such calls still in the output buffer, since `queued_at`
-    std::chrono::steady_clock::time_point queued_at;
-    // Scripts this connection ran or sent by their text: its server knows their hash, since a
-    // server that restarted would have closed the connection.
-    std::vector<const char*> scripts;
-  };
-
   std::vector<RedisReply> Exchange(const std::vector<RedisCommand>& commands);
+  void Launch(Started& call);
   std::string HashOf(std::string_view script, bool reload);
   Connection Acquire(bool& pooled);
   void Release(Connection connection);

@@ -442,6 +442,36 @@ class RedisApplication final : public ApplicationState {
 
 // --- the store ---------------------------------------------------------------------------------
 
+// A session's hold and image asked for ahead. Dropped unused (the page turned out not to want
+// its session at once), it reads the answer and gives back a hold it got, so that the session's
+// next request does not wait for the lease.
+class RedisOpening final : public SessionOpening {
+ public:
+  RedisOpening(RedisClient& redis, std::string cookie, std::string token)
+      : redis(redis),
+        cookie(std::move(cookie)),
+        key(kPrefix + "session:" + this->cookie),
+        hold(kPrefix + "session-hold:" + this->cookie),
+        token(std::move(token)) {}
+  ~RedisOpening() override {
+    if (!call.active()) return;
+    try {
+      const std::vector<RedisReply> r = redis.Finish(call);
+      if (!r[0].is_nil() && !r[0].is_error())
+        redis.EvalNoWait(kReleaseScript, {hold}, {token}, true);
+    } catch (const StateUnavailable&) {
+      // The lease frees the hold.
+    }
+  }
+
+  RedisClient& redis;
+  const std::string cookie;
+  const std::string key;   // the session's image
+  const std::string hold;  // its hold
+  const std::string token;
+  RedisClient::Started call;
+};
+
 class RedisStateStore final : public StateStore {
  public:
   RedisStateStore(const RedisAddress& address, RedisLeases leases)
@@ -454,16 +484,29 @@ class RedisStateStore final : public StateStore {
 
   std::shared_ptr<SessionState> OpenSession(std::string_view cookie, int32_t timeout_minutes,
                                             bool& is_new) override {
-    auto session = std::make_shared<SessionState>();
-    is_new = true;
-    if (IsCookie(cookie) && Load(cookie, *session)) {
-      is_new = false;
-      return session;
+    return Open(cookie, timeout_minutes, is_new, nullptr);
+  }
+
+  std::unique_ptr<SessionOpening> StartOpen(std::string_view cookie) override {
+    if (!IsCookie(cookie)) return nullptr;
+    auto opening = std::make_unique<RedisOpening>(redis_, std::string(cookie), NewToken());
+    try {
+      opening->call = redis_.Start(OpenCommands(*opening));
+    } catch (const StateUnavailable&) {
+      return nullptr;  // OpenSession tells
     }
-    session->id = NewId();
-    session->cookie = NewSessionCookie();
-    session->timeout_minutes = timeout_minutes;
-    return session;
+    return opening;
+  }
+
+  std::shared_ptr<SessionState> FinishOpen(std::unique_ptr<SessionOpening> opening,
+                                           std::string_view cookie, int32_t timeout_minutes,
+                                           bool& is_new) override {
+    auto* started = dynamic_cast<RedisOpening*>(opening.get());
+    if (started && started->cookie != cookie) {
+      opening.reset();
+      started = nullptr;
+    }
+    return Open(cookie, timeout_minutes, is_new, started);
   }
 
   // The request does not wait for the reply, nor, mostly, sends the script by itself: it goes
@@ -554,6 +597,20 @@ class RedisStateStore final : public StateStore {
   }
 
  private:
+  std::shared_ptr<SessionState> Open(std::string_view cookie, int32_t timeout_minutes, bool& is_new,
+                                     RedisOpening* started) {
+    auto session = std::make_shared<SessionState>();
+    is_new = true;
+    if (IsCookie(cookie) && Load(cookie, *session, started)) {
+      is_new = false;
+      return session;
+    }
+    session->id = NewId();
+    session->cookie = NewSessionCookie();
+    session->timeout_minutes = timeout_minutes;
+    return session;
+  }
+
   static bool IsCookie(std::string_view cookie) {
     return cookie.size() == 24 &&
            std::all_of(cookie.begin(), cookie.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
@@ -570,19 +627,31 @@ class RedisStateStore final : public StateStore {
     return static_cast<int32_t>(n % 2147483647);
   }
 
+  std::string NewToken() { return process_token_ + ":" + std::to_string(++requests_); }
+
+  // Takes the hold and reads the image in one round trip. The image comes along even while
+  // another request holds the session: the common case costs one round trip, and the image of
+  // a miss is thrown away.
+  std::vector<RedisCommand> OpenCommands(const RedisOpening& opening) const {
+    return {{"SET", opening.hold, opening.token, "NX", "PX", lease_text_}, {"GET", opening.key}};
+  }
+
   // Takes the session's hold (waiting while another request has it) and reads its image;
-  // false, holding nothing, for a session that is unknown or unreadable.
-  bool Load(std::string_view cookie, SessionState& session) {
-    const std::string key = SessionKey(cookie);
-    const std::string hold = HoldKey(cookie);
-    const std::string token = process_token_ + ":" + std::to_string(++requests_);
-    const std::string lease = std::to_string(leases_.session.count());
+  // false, holding nothing, for a session that is unknown or unreadable. The first answer is
+  // that of `started` when the request asked ahead.
+  bool Load(std::string_view cookie, SessionState& session, RedisOpening* started) {
+    std::unique_ptr<RedisOpening> own;
+    if (!started) {
+      own = std::make_unique<RedisOpening>(redis_, std::string(cookie), NewToken());
+      started = own.get();
+    }
+    const RedisOpening& opening = *started;
+    const std::string& hold = opening.hold;
+    const std::string& token = opening.token;
     Backoff backoff;
     for (;;) {
-      // The image comes along even while another request holds the session: one round trip
-      // for the common case, and the image of a miss is thrown away.
-      std::vector<RedisReply> r =
-          redis_.Pipeline({{"SET", hold, token, "NX", "PX", lease}, {"GET", key}});
+      std::vector<RedisReply> r = started->call.active() ? redis_.Finish(started->call)
+                                                         : redis_.Pipeline(OpenCommands(opening));
       for (const RedisReply& each : r) {
         if (each.is_error()) throw StateUnavailable("Redis: " + each.text);
       }
@@ -639,6 +708,7 @@ class RedisStateStore final : public StateStore {
   RedisClient redis_;
   const std::string process_token_;
   const RedisLeases leases_;
+  const std::string lease_text_ = std::to_string(leases_.session.count());  // ms
   std::atomic<uint64_t> requests_{0};
   std::mutex touch_mutex_;
   std::set<std::string> touched_;  // cookies of sessions a deferring page left closed

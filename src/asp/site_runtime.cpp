@@ -439,7 +439,31 @@ void SiteRuntime::EndSessions(Worker& worker, bool all) {
   }
 }
 
+std::unique_ptr<SessionOpening> SiteRuntime::OpenAhead(const HttpRequest& request) {
+  if (!store_->shared()) return nullptr;
+  {
+    std::lock_guard guard(opens_at_once_mutex_);
+    if (!opens_at_once_.contains(request.path)) return nullptr;
+  }
+  return store_->StartOpen(SessionCookieOf(request));
+}
+
+void SiteRuntime::RememberOpensAtOnce(const std::string& path, bool opens_at_once) {
+  // Paths that requests made up could grow the set without end: past this many, some pages
+  // go without.
+  constexpr size_t kMostPaths = 1000;
+  if (!store_->shared()) return;
+  std::lock_guard guard(opens_at_once_mutex_);
+  if (!opens_at_once) {
+    opens_at_once_.erase(path);
+  } else if (opens_at_once_.size() < kMostPaths) {
+    opens_at_once_.insert(path);
+  }
+}
+
 HttpResponse SiteRuntime::Handle(const HttpRequest& request, bool can_stream) {
+  // Dropped unused on the ways out below that run no page.
+  std::unique_ptr<SessionOpening> opening = OpenAhead(request);
   std::optional<Site::Found> found = site_.Find(request.path);
   if (!found) return ErrorResponse(404, "Not Found");
   fs::path file = std::move(found->path);
@@ -459,7 +483,7 @@ HttpResponse SiteRuntime::Handle(const HttpRequest& request, bool can_stream) {
   if (!regular || site_.IsHidden(file)) return ErrorResponse(404, "Not Found");
   if (Site::IsPage(file)) {
     if (site_.InUploadFolder(file)) return ErrorResponse(403, "Forbidden");
-    return RunPage(request, file, can_stream);
+    return RunPage(request, file, can_stream, std::move(opening));
   }
   if (request.method != "GET" && request.method != "HEAD") {
     HttpResponse r = ErrorResponse(405, "Method Not Allowed");
@@ -512,8 +536,8 @@ void SiteRuntime::OpenDeferredSession(PageContext& c, const std::string& cookie,
 }
 
 // A page that may flush runs on a thread of its own, so that this one can send what it sends.
-HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& file,
-                                  bool can_stream) {
+HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& file, bool can_stream,
+                                  std::unique_ptr<SessionOpening> opening) {
   std::shared_ptr<const CompiledPage> page;
   std::optional<PageError> error;
   try {
@@ -521,8 +545,12 @@ HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& fi
   } catch (const PageError& e) {
     error = e;
   }
+  const bool opens_at_once = page && page->directives.enable_session_state && page->names_session;
+  RememberOpensAtOnce(request.path, opens_at_once);
+  if (!opens_at_once) opening.reset();
   if (!can_stream || !page)
-    return RunCompiledPage(request, file, page, error ? &*error : nullptr, nullptr);
+    return RunCompiledPage(request, file, page, error ? &*error : nullptr, nullptr,
+                           std::move(opening));
   // A page of a session that a streaming page holds must not wait for it here: that page may
   // be waiting for this very thread to send what it wrote. Such a page runs aside too (and
   // this thread saw the other's mark, if both came through it, before it came here).
@@ -533,7 +561,8 @@ HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& fi
     aside = aside || streaming_sessions_.contains(cookie);
     if (aside) streaming_sessions_.insert(cookie);
   }
-  if (!aside) return RunCompiledPage(request, file, page, nullptr, nullptr);
+  if (!aside) return RunCompiledPage(request, file, page, nullptr, nullptr, std::move(opening));
+  opening.reset();  // rare enough to open again on the page's own thread
   auto stream = std::make_shared<ResponseStream>();
   auto own = std::make_shared<const HttpRequest>(request);
   threads_.Run([this, own, file, page, stream, cookie = std::move(cookie)] {
@@ -557,7 +586,8 @@ HttpResponse SiteRuntime::RunPage(const HttpRequest& request, const fs::path& fi
 
 HttpResponse SiteRuntime::RunCompiledPage(const HttpRequest& request, const fs::path& file,
                                           std::shared_ptr<const CompiledPage> page,
-                                          const PageError* error, ResponseStream* stream) {
+                                          const PageError* error, ResponseStream* stream,
+                                          std::unique_ptr<SessionOpening> opening) {
   PageContext c;
   c.request = &request;
   c.site = &site_;
@@ -587,7 +617,8 @@ HttpResponse SiteRuntime::RunCompiledPage(const HttpRequest& request, const fs::
           OpenDeferredSession(c, cookie, new_session);
         };
       } else {
-        c.session = store_->OpenSession(cookie, options_.session_timeout, new_session);
+        c.session =
+            store_->FinishOpen(std::move(opening), cookie, options_.session_timeout, new_session);
         if (c.session->code_page) c.code_page = c.session->code_page;
         if (new_session) c.session_cookie = SessionCookieHeader(*c.session);
       }

@@ -54,12 +54,19 @@ class SiteRuntime {
   friend class Worker;
   HttpResponse ServeFile(const HttpRequest& request, const std::filesystem::path& file);
   HttpResponse RunPage(const HttpRequest& request, const std::filesystem::path& file,
-                       bool can_stream);
+                       bool can_stream, std::unique_ptr<SessionOpening> opening);
   // Runs a page (or reports `error`, its compile error); with `stream`, the response's head
   // may have gone out already, and the response returned holds only the rest of its body.
+  // `opening` is the page's session asked for ahead, if it was.
   HttpResponse RunCompiledPage(const HttpRequest& request, const std::filesystem::path& file,
                                std::shared_ptr<const CompiledPage> page, const PageError* error,
-                               ResponseStream* stream);
+                               ResponseStream* stream,
+                               std::unique_ptr<SessionOpening> opening = nullptr);
+  // A store in another process is asked for the session as the request comes in, when its
+  // path led to a page that opens its session at once the last time, so that the round trip
+  // runs while the page is found; `opens_at_once` remembers what the page turned out to do.
+  std::unique_ptr<SessionOpening> OpenAhead(const HttpRequest& request);
+  void RememberOpensAtOnce(const std::string& path, bool opens_at_once);
   // Opens the session a page left closed, when the page reaches it after all.
   void OpenDeferredSession(PageContext& c, const std::string& cookie, bool& is_new);
   std::unique_ptr<Worker> AcquireWorker();
@@ -91,6 +98,8 @@ class SiteRuntime {
   // The session cookies of the pages running on `threads_`, once per page.
   std::mutex streaming_mutex_;
   std::unordered_multiset<std::string> streaming_sessions_;
+  std::mutex opens_at_once_mutex_;
+  std::unordered_set<std::string> opens_at_once_;  // request paths
   // Last: its threads may still run pages that use everything above.
   PageThreads threads_;
 };

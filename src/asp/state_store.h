@@ -133,6 +133,13 @@ class StateUnavailable : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// A session's opening that a store started ahead of the request's need (StateStore::StartOpen).
+// One that is dropped without FinishOpen lets the session go again.
+class SessionOpening {
+ public:
+  virtual ~SessionOpening() = default;
+};
+
 class StateStore {
  public:
   virtual ~StateStore() = default;
@@ -141,6 +148,17 @@ class StateStore {
   // or expired.
   virtual std::shared_ptr<SessionState> OpenSession(std::string_view cookie,
                                                     int32_t timeout_minutes, bool& is_new) = 0;
+  // Where the store is in another process: sends for the session of `cookie` already, so that
+  // the round trip runs while the request finds and prepares its page, and FinishOpen picks up
+  // the answer. Nothing where that gains nothing, or the cookie could not be a session's; never
+  // raises (FinishOpen does).
+  virtual std::unique_ptr<SessionOpening> StartOpen(std::string_view /*cookie*/) { return nullptr; }
+  // OpenSession, for the same cookie as a StartOpen that gave `opening` (or none).
+  virtual std::shared_ptr<SessionState> FinishOpen(std::unique_ptr<SessionOpening> /*opening*/,
+                                                   std::string_view cookie, int32_t timeout_minutes,
+                                                   bool& is_new) {
+    return OpenSession(cookie, timeout_minutes, is_new);
+  }
   // Keeps what the request changed (unless the session was abandoned, or `keep` is false for
   // a request that failed half way) and lets the next request of the session in.
   virtual void CloseSession(SessionState& session, bool keep) = 0;
