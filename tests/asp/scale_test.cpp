@@ -353,6 +353,20 @@ TEST_F(ScaleTest, ALongRequestKeepsItsHoldAndOneThatLostItWritesNothing) {
       << logged;
 }
 
+// A page's session is asked for as its request comes in once the page was seen to open it at
+// once. A page that runs on a thread of its own opens it there instead, and the hold asked for
+// ahead must be given back, not left to its lease (1 s here) while the page waits for it.
+TEST_F(ScaleTest, ASessionAskedForAheadAndNotTakenIsGivenBackAtOnce) {
+  const std::string cookie = CookieOf(Get(servers_[0].port, "/scale/flush.asp"));
+  ASSERT_FALSE(cookie.empty());
+  for (int n = 2; n <= 4; ++n) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(Get(servers_[0].port, "/scale/flush.asp", Header(cookie)).body,
+              std::to_string(n) + "\n");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(700));
+  }
+}
+
 // A page that never names Session leaves it closed (no round trip), renews its expiry a
 // moment later all the same, and opens it when it runs a page that uses it.
 TEST_F(ScaleTest, PagesThatDoNotNameTheSessionLeaveItClosed) {
