@@ -126,14 +126,8 @@ void ListCharts(const ChartOptions& o) {
       const Ref<TyxChart> chart = t.charts->Seq(seq);
       if (!chart) continue;
       std::string line = t.table.ToUtf8() + " / " + chart->ChartName().ToUtf8() + ":";
-      chart->Properties().ForEach([&](TyProperty& p) {
-        if (!p.FileSave() || EqualsNoCase(p.Name(), u"ChartName") ||
-            EqualsNoCase(p.Name(), u"ChartSeq"))
-          return;
-        const Variant v = p.TypedValue();
-        if (v.is_empty() || v.is_null()) return;
-        const String text = ToString(v);
-        if (!text.empty()) line += " " + p.Name().ToUtf8() + "=" + text.ToUtf8();
+      ForEachSavedSetting(*chart, [&](const String& name, const String& text) {
+        line += " " + name.ToUtf8() + "=" + text.ToUtf8();
       });
       std::printf("%s\n", line.c_str());
     }

@@ -122,15 +122,8 @@ void SaveCharts(const std::string& path, const ProjectCharts& charts) {
       if (!chart) continue;
       w.Start(u"Chart");
       w.Attribute(u"ChartName", chart->ChartName());
-      chart->Properties().ForEach([&](TyProperty& p) {
-        if (!p.FileSave() || EqualsNoCase(p.Name(), u"ChartName") ||
-            EqualsNoCase(p.Name(), u"ChartSeq"))
-          return;
-        const Variant v = p.TypedValue();
-        if (v.is_empty() || v.is_null()) return;
-        const String text = ToString(v);
-        if (!text.empty()) w.Attribute(p.Name(), text);
-      });
+      ForEachSavedSetting(*chart,
+                          [&](const String& name, const String& text) { w.Attribute(name, text); });
       w.End();
     }
     w.End();
@@ -149,6 +142,19 @@ void SaveCharts(const std::string& path, const ProjectCharts& charts) {
 
 Ref<Object> ChartsObject(ProjectCharts charts) {
   return MakeRef<ChartsByTable>(std::move(charts));
+}
+
+void ForEachSavedSetting(TyxChart& chart,
+                         const std::function<void(const String& name, const String& text)>& each) {
+  chart.Properties().ForEach([&](TyProperty& p) {
+    if (!p.FileSave() || EqualsNoCase(p.Name(), u"ChartName") ||
+        EqualsNoCase(p.Name(), u"ChartSeq"))
+      return;
+    const Variant v = p.TypedValue();
+    if (v.is_empty() || v.is_null()) return;
+    const String text = ToString(v);
+    if (!text.empty()) each(p.Name(), text);
+  });
 }
 
 }  // namespace qv::cli

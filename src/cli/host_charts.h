@@ -4,6 +4,7 @@
 // templates as the script object CHARTS, whose Item(table) is that table's TyxCharts.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,6 +34,12 @@ void SaveCharts(const std::string& path, const ProjectCharts& charts);
 
 // The list of one table, made when `create` asks; null when there is none.
 TyxCharts* ChartsOf(ProjectCharts& charts, StringView table, bool create);
+
+// Calls `each` with the name and text of every setting of a chart that the file keeps, in
+// the chart's order: neither its name nor its place, which the file writes as the chart's own
+// attributes, nor empty values.
+void ForEachSavedSetting(TyxChart& chart,
+                         const std::function<void(const String& name, const String& text)>& each);
 
 // The object scripts see as CHARTS: Item(table) gives the table's TyxCharts (an empty list for
 // a table without charts), Count the number of tables with charts.
