@@ -64,10 +64,33 @@ String CreateAppFolder(StringView app_root, StringView setting) {
   return String();
 }
 
+// The folder the pages store a field's uploads in, from the application's root: the rule of
+// the script library's qvUploadDir, which the package's pages follow. It drops empty, "~", "."
+// and ".." parts rather than resolving them, and falls back to "upload/" when nothing is left,
+// so a setting with no name of its own ("", "~/", "..") still has a folder, and it is that
+// folder, not the setting's literal path, that must carry the marker.
+String PageUploadFolder(StringView setting) {
+  String out;
+  size_t from = 0;
+  const StringView path = TrimBlanks(setting);
+  while (from <= path.size()) {
+    size_t end = from;
+    while (end < path.size() && path[end] != u'/' && path[end] != u'\\')
+      ++end;
+    const StringView part = path.substr(from, end - from);
+    if (!part.empty() && part != u"~" && part != u"." && part != u"..") {
+      out.Append(part);
+      out.Append(u"/");
+    }
+    from = end + 1;
+  }
+  return out.empty() ? String(u"upload/") : out;
+}
+
 // An upload folder, marked as one: a script that lands in it (by whatever way) is never run
 // as a page. The root itself is never marked, which would stop every page.
 void CreateUploadFolder(StringView app_root, StringView setting) {
-  const String path = CreateAppFolder(app_root, setting);
+  const String path = CreateAppFolder(app_root, PageUploadFolder(setting));
   if (path.empty() ||
       fs::ToNative(path).lexically_normal() ==
           fs::ToNative(app_root.empty() ? StringView(u".") : app_root).lexically_normal())
@@ -146,12 +169,16 @@ int16_t CopyDatabase(Tyx& tyx, bool check_only) {
   const String app_root = WithTrailingSlash(AppRootOf(tyx));
   // A dry run leaves the disk alone, these two folders included.
   if (!check_only) {
-    CreateUploadFolder(app_root, tyx.UploadPath());
+    // The folder the setting names, as the project asks; then the one the pages store in,
+    // which differs when the setting has odd parts or none.
+    CreateAppFolder(app_root, tyx.UploadPath());
+    if (vars.ProjErr.empty()) CreateUploadFolder(app_root, tyx.UploadPath());
     for (int16_t t = 1; t <= db->Tables().Count() && vars.ProjErr.empty(); ++t) {
       const Ref<TyxTable> table = db->Tables().Seq(t);
       for (int16_t f = 1; table && f <= table->Fields().Count(); ++f) {
         const Ref<TyxField> field = table->Fields().Seq(f);
-        if (field) CreateUploadFolder(app_root, field->FldUploadPath());
+        if (field && !TrimBlanks(field->FldUploadPath()).empty())
+          CreateUploadFolder(app_root, field->FldUploadPath());
       }
     }
     if (vars.ProjErr.empty()) CreateAppFolder(app_root, tyx.AuditTrailPath());

@@ -77,6 +77,27 @@ TEST_F(CopyActionsTest, DatabaseFilesTravelWithTheApplication) {
   EXPECT_EQ(Vars().ProjErr, u"");
 }
 
+// The marker goes where the pages will store, which the setting's literal path need not be:
+// no name of its own falls back to "upload/", and odd parts are dropped, not resolved.
+TEST_F(CopyActionsTest, UploadFoldersAreMarkedWhereThePagesStore) {
+  ASSERT_TRUE(db_->Tables().Add(u"t"));
+  TyxTable& table = *db_->Tables().Item(Variant(String(u"t")));
+  ASSERT_TRUE(table.Fields().Add(u"pic"));
+  table.Fields().Item(Variant(String(u"pic")))->SetFldUploadPath(u" pics/../docs\\ ");
+  for (const char16_t* setting : {u"", u"~/", u" .. "}) {
+    std::filesystem::remove_all(scratch_.Native("site"));
+    tyx_->SetUploadPath(setting);
+    EXPECT_EQ(CopyDatabase(*tyx_, false), 0);
+    EXPECT_TRUE(OutExists("upload/.quorvex-uploads")) << String(setting).ToUtf8();
+    EXPECT_TRUE(OutExists("pics/docs/.quorvex-uploads"));
+    EXPECT_FALSE(OutExists(".quorvex-uploads"));  // never the root: no page would run
+  }
+  tyx_->SetUploadPath(u"~/files/");
+  CopyDatabase(*tyx_, false);
+  EXPECT_TRUE(OutExists("files/.quorvex-uploads"));
+  EXPECT_EQ(Vars().ProjErr, u"");
+}
+
 TEST_F(CopyActionsTest, StylesheetComesFromTheTemplateAndTheProject) {
   // The setting names the stylesheet template; a relative path is taken from the data folder.
   WriteRegValue(u"HKCU", Vars().SettingsKey, u"CssFile", 1, Variant(scratch_.Path("t.css")));
