@@ -139,6 +139,13 @@ void RunNew(const NewOptions& o) {
     FailWith(title + u": " + String::FromUtf8(o.project_file) +
              u" already exists! Use --force to replace it.");
   }
+  // Found out before the load, which may take long on a large database.
+  std::error_code ec;
+  const fs::path folder = file.parent_path().empty() ? fs::path(".") : file.parent_path();
+  if (!fs::is_directory(folder, ec) || fs::is_directory(file, ec)) {
+    FailWith(title + u": Saving project file \"" + String::FromUtf8(o.project_file) +
+             u"\" failed! " + StandardErrorText(kErrPathNotFound));
+  }
   try {
     Ref<Tyx> tyx = CreateTyx();
     tyx->AddProj(String::FromUtf8(o.name.empty() ? file.stem().string() : o.name));
@@ -147,7 +154,7 @@ void RunNew(const NewOptions& o) {
     tyx->SetSQLQuote(ChooseQuoteStyle(o, args));
     tyx->Services().LoadDB(*tyx, args);
     if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
-    SaveProjectFile(*tyx, String::FromUtf8(o.project_file));
+    SaveProject(*tyx, o.project_file);
     const TyxDatabase* db = tyx->Databases().Find(tyx->CurrentDbName);
     std::printf("%s: %d tables and views from %s\n", o.project_file.c_str(),
                 db ? db->Tables().Count() : 0, db ? db->DBDBMSName().ToUtf8().c_str() : "");

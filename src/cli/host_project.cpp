@@ -47,7 +47,9 @@ void SaveProject(Tyx& tyx, const std::string& project_file) {
   try {
     SaveProjectFile(tyx, String::FromUtf8(project_file));
   } catch (const Error& e) {
-    FailWith(e.description());
+    // The platform's words alone ("Path not found") leave the user guessing which file.
+    FailWith(ProductMessage(u"Saving project file \"" + String::FromUtf8(project_file) +
+                            u"\" failed! " + e.description()));
   }
 }
 

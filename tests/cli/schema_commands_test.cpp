@@ -100,6 +100,10 @@ TEST(SchemaCommands, FailuresExitNonZeroWithTheirWords) {
                           std::string("sqlite:") + QV_SHARED_DATA + "/sqlite/chinook.sqlite"})
                 .status,
             0);
+  // A project file that can't be written is named, before the database is read.
+  const auto no_folder = Quorvex(dir, {"new", "gone/x.qvp", "--db", "sqlite:none.db"});
+  EXPECT_NE(no_folder.status, 0);
+  EXPECT_EQ(no_folder.err, "Quorvex: Saving project file \"gone/x.qvp\" failed! Path not found\n");
   const auto no_table = Quorvex(dir, {"show", "ok.qvp", "Nope"});
   EXPECT_NE(no_table.status, 0);
   EXPECT_TRUE(Has(no_table.err, "Quorvex: Table Nope not found!")) << no_table.err;
