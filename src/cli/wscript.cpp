@@ -2,6 +2,7 @@
 #include "cli/wscript.h"
 
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <optional>
@@ -61,18 +62,17 @@ void ConsoleStream::Write(StringView text) {
 
 const DispatchTable<ConsoleStream>& ConsoleStream::Table() {
   using S = ConsoleStream;
-  static const auto table =
-      DispatchTable<S>(u"TextStream")
-          .Method<[](S& s, EchoArg text) { s.Write(text.text); }>(u"Write")
-          .Method<[](S& s, std::optional<EchoArg> text) {
-            String line = text ? text->text : String();
-            line.Append(u'\n');
-            s.Write(line);
-          }>(u"WriteLine")
-          .Method<[](S& s, int32_t count) {
-            for (int32_t i = 0; i < count; ++i)
-              s.Write(u"\n");
-          }>(u"WriteBlankLines");
+  static const auto table = DispatchTable<S>(u"TextStream")
+                                .Method<[](S& s, EchoArg text) { s.Write(text.text); }>(u"Write")
+                                .Method<[](S& s, std::optional<EchoArg> text) {
+                                  String line = text ? text->text : String();
+                                  line.Append(u'\n');
+                                  s.Write(line);
+                                }>(u"WriteLine")
+                                .Method<[](S& s, int32_t count) {
+                                  for (int32_t i = 0; i < count; ++i)
+                                    s.Write(u"\n");
+                                }>(u"WriteBlankLines");
   return table;
 }
 
@@ -192,13 +192,12 @@ String ConsoleInput::Read(int32_t count) {
 
 const DispatchTable<ConsoleInput>& ConsoleInput::Table() {
   using I = ConsoleInput;
-  static const auto table =
-      DispatchTable<I>(u"TextStream")
-          .Method<&I::ReadLine>(u"ReadLine")
-          .Method<&I::Read>(u"Read")
-          .Method<&I::ReadAll>(u"ReadAll")
-          .Method<[](I& in) { in.ReadLine(); }>(u"SkipLine")
-          .Property<&I::AtEnd>(u"AtEndOfStream");
+  static const auto table = DispatchTable<I>(u"TextStream")
+                                .Method<&I::ReadLine>(u"ReadLine")
+                                .Method<&I::Read>(u"Read")
+                                .Method<&I::ReadAll>(u"ReadAll")
+                                .Method<[](I& in) { in.ReadLine(); }>(u"SkipLine")
+                                .Property<&I::AtEnd>(u"AtEndOfStream");
   return table;
 }
 
@@ -277,6 +276,10 @@ const DispatchTable<CounterObject>& CounterObject::Table() {
 }
 
 bool ReadScriptFile(const std::string& path, String& text) {
+  // A folder opens as a stream on Linux and only fails (with an exception) on the first read;
+  // cscript calls it a script it can't find.
+  std::error_code ec;
+  if (std::filesystem::is_directory(path, ec)) return false;
   std::ifstream in(path, std::ios::binary);
   if (!in) return false;
   const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());

@@ -101,9 +101,11 @@ TEST(HostScript, ExitStatusArgumentsAndErrorReports) {
   EXPECT_EQ(hard.out, "");
   EXPECT_FALSE(std::filesystem::exists(dir / "no")) << hard.err;
 
-  const auto absent = Quorvex(dir, {"script", "absent.vbs"});
-  EXPECT_EQ(absent.status, 1);
-  EXPECT_TRUE(Has(absent.err, "Can not find script file")) << absent.err;
+  for (const char* file : {"absent.vbs", "."}) {  // a folder is no script either
+    const auto absent = Quorvex(dir, {"script", file});
+    EXPECT_EQ(absent.status, 1);
+    EXPECT_TRUE(Has(absent.err, "Can not find script file")) << absent.err;
+  }
 }
 
 TEST(HostOptions, StandBeforeOrAfterTheCommand) {
