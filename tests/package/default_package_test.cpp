@@ -47,6 +47,10 @@ class ChinookApp : public ::testing::Test {
                             "FldSelectFilterFld=Country"})
                   .status,
               0);
+    ASSERT_EQ(
+        Quorvex(dir, {"set", "app.qvp", "--table", "Customer", "--field", "Country", "FldEdit=0"})
+            .status,
+        0);
     // The user's code file replaces the footer of the layout.
     std::ofstream(dir / "user.vbs") << "Function USER_qvFooter(text)\r\n"
                                        "  USER_qvFooter = \"Chinook &amp; \" & text\r\n"
@@ -175,6 +179,15 @@ TEST_F(ChinookApp, AddRefuseEditCopyDeleteAGenre) {
   EXPECT_EQ(app_->Post("/Customeradd.asp", customer + "&x_Country=Canada&x_SupportRepId=3").status,
             302);
   EXPECT_EQ(app_->Post("/Customeradd.asp", customer + "&x_Country=&x_SupportRepId=3").status, 302);
+  // Where the edit form leaves the parent out, the record's own value holds the lookup: on the
+  // server, and in the browser through a stand-in that is never sent.
+  const std::string rep = "qvtoken=" + token +
+                          "&x_FirstName=Jennifer&x_LastName=Peterson&x_Email=j%40r.ca"
+                          "&x_SupportRepId=3&key=";
+  EXPECT_TRUE(Has(app_->Post("/Customeredit.asp", rep + "1").body, "Support Rep Id is not valid."));
+  EXPECT_EQ(app_->Post("/Customeredit.asp", rep + "15").status, 302);
+  EXPECT_TRUE(Has(app_->Get("/Customeredit.asp?key=1").body,
+                  "<input type=\"hidden\" id=\"qv_x_Country\" value=\"Brazil\">"));
 
   r = app_->Post("/Genreedit.asp", "qvtoken=" + token + "&key=" + key + "&x_Name=Cool+Jazz");
   EXPECT_EQ(r.status, 302);
