@@ -8,18 +8,10 @@
 
 #include "automation/date_time.h"
 #include "automation/error.h"
+#include "automation/error_of.h"
 
 namespace qv {
 namespace {
-
-int ErrorOf(auto&& f) {
-  try {
-    f();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 TEST(Convert, WholeNumbersFromCurrencyAndTextForms) {
   EXPECT_EQ(ToInteger(Variant::Currency(25000)), 2);  // 2.5 to the even 2

@@ -5,18 +5,10 @@
 #include <gtest/gtest.h>
 
 #include "automation/convert.h"
+#include "automation/error_of.h"
 
 namespace qv {
 namespace {
-
-int32_t ErrorOf(auto&& f) {
-  try {
-    f();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 TEST(Properties, AddRefusesDuplicatesAndKeepsOldFlags) {
   Ref<TyProperties> bag = MakeRef<TyProperties>();

@@ -8,20 +8,12 @@
 #include <vector>
 
 #include "automation/convert.h"
+#include "automation/error_of.h"
 #include "model/collection_errors.h"
 #include "model/collection_keys.h"
 
 namespace qv {
 namespace {
-
-int32_t ErrorOf(auto&& f) {
-  try {
-    f();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 std::vector<std::string> Walk(CSuperCollection& c) {
   std::vector<std::string> out;

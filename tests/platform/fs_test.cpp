@@ -8,21 +8,13 @@
 
 #include "automation/date_time.h"
 #include "automation/error.h"
+#include "automation/error_of.h"
 #include "templates/scratch_folder.h"
 
 namespace qv {
 namespace {
 
 using testing::ScratchFolder;
-
-int32_t ErrorOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 TEST(FsPaths, BackslashesAndSlashesMeanTheSame) {
   EXPECT_EQ(fs::NormalizeSeparators(u"\\a\\b/c"), u"/a/b/c");

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "automation/convert.h"
+#include "automation/error_of.h"
 #include "root/create_tyx.h"
 #include "root/root_fixture.h"
 
@@ -15,15 +16,6 @@ namespace qv {
 namespace {
 
 using TyxTest = RootFixture;
-
-int32_t ErrorOf(auto&& f) {
-  try {
-    f();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
-}
 
 TEST_F(TyxTest, SettingsAreRegisteredInFileOrderWithTheirFlags) {
   Ref<Tyx> tyx = CreateTyx();

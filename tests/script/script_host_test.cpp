@@ -3,6 +3,7 @@
 // BuildCode, validation and the user's overrides.
 #include <chrono>
 
+#include "automation/error_of.h"
 #include "schema/project_loader.h"
 #include "script/script_fixture.h"
 #include "script/system_library.h"
@@ -17,15 +18,6 @@ using ScriptHost = ScriptFixture;
 
 String Page(StringView body) {
   return u"Function qvScriptEngine()\r\n" + String(body) + u"\r\nEnd Function\r\n";
-}
-
-int32_t ErrorOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
 }
 
 TEST_F(ScriptHost, BuiltInSetupListsEveryProcedureAndRefusesASecondInitialize) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "automation/error.h"
+#include "automation/error_of.h"
 #include "support/tyx_vars.h"
 #include "templates/scratch_folder.h"
 
@@ -61,15 +62,6 @@ Ref<TyxSession> NewSession(StringView value, StringView ifile = u"", StringView 
   s->SessLocation = u"loc";
   s->SessLocType = u"after";
   return s;
-}
-
-int32_t ErrorOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
 }
 
 String Wrap(std::string_view attributes, std::string_view body) {

@@ -10,21 +10,13 @@
 
 #include "automation/convert.h"
 #include "automation/dispatch.h"
+#include "automation/error_of.h"
 
 namespace qv::vbs {
 namespace {
 
 std::string Utf8(const Variant& v) {
   return ToString(v).ToUtf8();
-}
-
-int32_t ErrorOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const Error& e) {
-    return e.number();
-  }
-  return 0;
 }
 
 // A host object that records the calls a script makes on it and calls back into the engine.
