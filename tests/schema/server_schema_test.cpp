@@ -1,13 +1,11 @@
-// Both readers against the PostgreSQL and MariaDB servers of scripts/db through ODBC: the test
-// schema's keys, unique and required columns, names that need quotes, and the words of a
-// wrong password and of a server that is down. Each test skips when its server isn't up.
+// The record reader against the PostgreSQL and MariaDB servers of scripts/db through ODBC: the
+// test schema's keys, unique and required columns and names that need quotes. The project's
+// side and a wrong password are the `quorvex new` test's, a server that is down the ODBC
+// layer's. Each test skips when its server isn't up.
 #include <gtest/gtest.h>
 
-#include "model/tyx.h"
-#include "schema/project_loader.h"
 #include "schema/tyx_schema.h"
 #include "schema_test_support.h"
-#include "support/scratch_home.h"
 #include "support/tyx_vars.h"
 
 namespace qv {
@@ -104,61 +102,6 @@ TEST_P(ServerSchemaTest, RecordsOfTheTestSchema) {
   EXPECT_TRUE(notes->TblGen);
   ASSERT_EQ(notes->TblFldCnt, 2);
   EXPECT_TRUE(notes->TblFields.fld[0].FldIsPrimaryKey);
-}
-
-TEST_P(ServerSchemaTest, ProjectLoadOfTheTestSchema) {
-  testing::ScratchHome home;
-  schema_testing::UseServerOdbcIni();
-  SharedStatus().SetMode(StatusMode::kQuiet);
-  Ref<Tyx> tyx = MakeRef<Tyx>();
-  tyx->PrepareRoot();
-  LoadDbRequest request;
-  request.db_type = u"ODBC";
-  request.db_name = GetParam().dsn;
-  request.uid = u"qv";
-  request.pwd = u"qv";
-  LoadDB(*tyx, request);
-  ASSERT_EQ(Vars().ProjErr, u"") << Vars().ProjErr.ToUtf8();
-  TyxDatabase* db = tyx->Databases().Find(GetParam().dsn);
-  ASSERT_NE(db, nullptr);
-  EXPECT_EQ(db->DBType(), u"ODBC");
-  EXPECT_EQ(db->DBUID(), u"qv");
-  EXPECT_EQ(db->DBConnstr(), u"");
-  TyxTable* categories = db->Tables().list().ByName(u"categories");
-  ASSERT_NE(categories, nullptr);
-  EXPECT_EQ(categories->TblKey(), u"category_id");
-  EXPECT_EQ(categories->TblCaption(), u"categories");
-  TyxField* name = categories->Fields().list().ByName(u"name");
-  ASSERT_NE(name, nullptr);
-  EXPECT_TRUE(name->FldRequired());
-  EXPECT_TRUE(name->FldUniqueIdx());
-  EXPECT_EQ(name->FldQuoteS(), u"'");
-  TyxTable* lines = db->Tables().list().ByName(u"order_lines");
-  ASSERT_NE(lines, nullptr);
-  EXPECT_EQ(lines->TblKey(), u"line_no,order_id");
-  EXPECT_EQ(lines->TblCaption(), u"order lines");
-}
-
-TEST_P(ServerSchemaTest, WrongPasswordAndServerDown) {
-  TyxSchema refused = Read(u"wrong");
-  EXPECT_EQ(Vars().ProjErr,
-            u"Quorvex: Unable to connect to Data Source! User ID / Password not valid!");
-  EXPECT_FALSE(refused.loaded());
-
-  testing::ScratchHome home;
-  schema_testing::UseServerOdbcIni();
-  SharedStatus().SetMode(StatusMode::kQuiet);
-  Ref<Tyx> tyx = MakeRef<Tyx>();
-  tyx->PrepareRoot();
-  LoadDbRequest down;
-  down.db_type = u"ODBC";
-  down.db_name = u"qv_down";
-  down.uid = u"qv";
-  down.pwd = u"qv";
-  LoadDB(*tyx, down);
-  const std::string err = Vars().ProjErr.ToUtf8();
-  EXPECT_EQ(err.rfind("Quorvex: \r\nError #1:\r\n   ADO Error   #", 0), 0u) << err;
-  EXPECT_EQ(tyx->Databases().Count(), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Servers, ServerSchemaTest, ::testing::Values(kPostgres, kMaria),
