@@ -79,26 +79,19 @@ TEST_F(RunControlsTest, WritesTheTreeInOrderAndCheckModeFindsIt) {
 
   EXPECT_EQ(RunControls(*tyx_, false), 0);
   ASSERT_EQ(Vars().ProjErr, u"");
-  const std::string tag =
-      "<meta name=\"generator\" content=\"Quorvex v" + Vars().LibVersion.ToUtf8() + "\" />\r\n";
-  EXPECT_EQ(Out("Album_list.asp"), "<html><head>" + tag + "</head>\r\nlist of Album\r\n");
-  EXPECT_EQ(Out("Artist_list.asp"), "<html><head>" + tag + "</head>\r\nlist of Artist\r\n");
-  EXPECT_EQ(Out("edit/Album_edit.asp"), "  edit Album\r\n\r\n");  // space="false": as it is
-  EXPECT_FALSE(OutExists("Artist_edit.asp"));                     // not among Artist's system pages
-  EXPECT_FALSE(OutExists("Album_rpt.asp"));  // report controls are for reports only
+  // What each kind of page holds, and the copies, are the `quorvex generate` test's; here,
+  // which pages each table gets.
+  EXPECT_TRUE(OutExists("Album_list.asp"));
+  EXPECT_TRUE(OutExists("Artist_list.asp"));
+  EXPECT_TRUE(OutExists("edit/Album_edit.asp"));
+  EXPECT_FALSE(OutExists("Artist_edit.asp"));  // not among Artist's system pages
+  EXPECT_FALSE(OutExists("Album_rpt.asp"));    // report controls are for reports only
   EXPECT_FALSE(OutExists("Genre_list.asp"));
   // A field page per generated field of Album, none for Artist, whose TblGen is off.
   EXPECT_EQ(Out("Album_AlbumId_fld.asp"), "AlbumId\r\n");
-  EXPECT_EQ(Out("Album_Title_fld.asp"), "Title\r\n");
   EXPECT_FALSE(OutExists("Artist_ArtistId_fld.asp"));
-  EXPECT_EQ(Out("default.asp"), "<head>" + tag + "</head>home\r\n");
-  EXPECT_EQ(Out("web.config"), "<config/>\r\n");
-  EXPECT_EQ(Out("static/images/logo.gif"), "GIF89a");
-  EXPECT_EQ(Out("static/notes.txt"), "notes");
-  EXPECT_EQ(Out("js/lib/x.js"), "x");
-  EXPECT_TRUE(OutExists("shop.css"));
-  EXPECT_TRUE(OutExists("chinook.sqlite"));           // the embedded database travels along
-  EXPECT_TRUE(OutExists("upload/.quorvex-uploads"));  // marked: the server runs no page there
+  EXPECT_TRUE(OutExists("static/notes.txt"));
+  EXPECT_TRUE(OutExists("js/lib/x.js"));
   EXPECT_TRUE(OutExists("audit"));
   EXPECT_EQ(Vars().PagesTotal, 3);
   EXPECT_EQ(Vars().PagesDone, 3);
