@@ -3,12 +3,12 @@
 // that names nothing (refused before anything changes), --dry-run, and an unreachable
 // database. Also `quorvex new` on names that need quotes.
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <filesystem>
 #include <fstream>
 
 #include "cli/run_quorvex.h"
+#include "platform/data/data_test_support.h"
 
 namespace qv {
 namespace {
@@ -17,17 +17,7 @@ using cli_testing::FreshDir;
 using cli_testing::Has;
 using cli_testing::Quorvex;
 using cli_testing::Slurp;
-
-void Exec(const std::filesystem::path& file, const char* sql) {
-  sqlite3* db = nullptr;
-  ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
-  char* message = nullptr;
-  const int rc = sqlite3_exec(db, sql, nullptr, nullptr, &message);
-  const std::string words = message ? message : "";
-  sqlite3_free(message);
-  sqlite3_close(db);
-  ASSERT_EQ(rc, SQLITE_OK) << words;
-}
+constexpr auto Exec = data::testing::ExecSqlite;
 
 TEST(SyncCommands, CheckListsAndSyncMerges) {
   const auto dir = FreshDir("sync");

@@ -1,8 +1,6 @@
 // CheckDB, SynchronizeDB, the custom view and report steps and the load-time comparison over
 // real SQLite files that change between two loads: the counts, what each item keeps and
 // renews, and the questions asked.
-#include <sqlite3.h>
-
 #include <filesystem>
 #include <string>
 
@@ -37,16 +35,7 @@ class SqliteSyncTest : public sync_testing::SyncTest {
   String ConnStr() const {
     return u"Provider=SQLite;Data Source=" + String::FromUtf8(file_.string());
   }
-  void Exec(const char* sql) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(file_.c_str(), &db), SQLITE_OK);
-    char* message = nullptr;
-    const int rc = sqlite3_exec(db, sql, nullptr, nullptr, &message);
-    const std::string words = message ? message : "";
-    sqlite3_free(message);
-    sqlite3_close(db);
-    ASSERT_EQ(rc, SQLITE_OK) << words;
-  }
+  void Exec(const char* sql) { data::testing::ExecSqlite(file_, sql); }
   int16_t Check(DifferenceList* found = nullptr) { return CheckDB(*tyx_, found); }
 
   std::filesystem::path file_;

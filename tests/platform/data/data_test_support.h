@@ -28,9 +28,8 @@ inline std::filesystem::path ScratchDir(const std::string& name) {
   return dir;
 }
 
-// Builds a SQLite file from a script through the real library.
-inline std::filesystem::path MakeSqliteFile(const std::filesystem::path& file, const char* sql) {
-  std::filesystem::remove(file);
+// Runs a script on a SQLite file (made if missing) through the real library.
+inline void ExecSqlite(const std::filesystem::path& file, const char* sql) {
   sqlite3* db = nullptr;
   EXPECT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
   char* message = nullptr;
@@ -38,6 +37,12 @@ inline std::filesystem::path MakeSqliteFile(const std::filesystem::path& file, c
   EXPECT_EQ(rc, SQLITE_OK) << (message ? message : "");
   sqlite3_free(message);
   sqlite3_close(db);
+}
+
+// Builds a SQLite file anew from a script.
+inline std::filesystem::path MakeSqliteFile(const std::filesystem::path& file, const char* sql) {
+  std::filesystem::remove(file);
+  ExecSqlite(file, sql);
   return file;
 }
 
