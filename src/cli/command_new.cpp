@@ -40,10 +40,26 @@ struct NewOptions {
 // An Access file is read from its physical path; its DBPath, the folder of the application
 // that the generated pages find the copy in, stays empty: the copy goes beside the pages, as
 // a SQLite file's does, not into the application below a copy of the source's own folders.
+// A file named by a short URL is kept with its full path: the project is used from other
+// folders than the one it was made in (check, sync and generate find the file, and the copy
+// that goes with the application, from it).
+std::string WithFullPath(const std::string& source) {
+  for (const char* scheme : {"sqlite:", "access:"}) {
+    const size_t n = std::char_traits<char>::length(scheme);
+    if (source.rfind(scheme, 0) != 0) continue;
+    const std::string file = source.substr(n);
+    if (file.empty() || file == ":memory:") return source;
+    std::error_code ec;
+    const std::filesystem::path full = std::filesystem::absolute(file, ec).lexically_normal();
+    return ec ? source : scheme + full.string();
+  }
+  return source;
+}
+
 std::vector<Variant> LoadDbArguments(const NewOptions& o) {
   const bool odbc = o.source.rfind("odbc:", 0) == 0;
   const bool access = o.source.rfind("access:", 0) == 0;
-  const String rest = String::FromUtf8(o.source.substr(odbc ? 5 : access ? 7 : 0));
+  const String rest = String::FromUtf8(WithFullPath(o.source).substr(odbc ? 5 : access ? 7 : 0));
   const StringView type = odbc ? u"ODBC" : access ? u"ACCESS" : u"CONNECTIONSTRING";
   return {
       Variant(odbc ? rest : String()),
@@ -171,7 +187,8 @@ void AddNewCommand(CLI::App& app) {
   CLI::App* cmd = app.add_subcommand("new", "Create a project from a live database");
   cmd->add_option("project-file", options->project_file, "The project file to write")->required();
   cmd->add_option("--db", options->source,
-                  "The database: sqlite:FILE, odbc:DSN, access:FILE.mdb or a connection string")
+                  "The database: sqlite:FILE, odbc:DSN, access:FILE.mdb (the project keeps the "
+                  "file's full path) or a connection string")
       ->required();
   cmd->add_option("--user", options->user, "User name for odbc:DSN and access:FILE");
   cmd->add_option("--password", options->password, "Password for odbc:DSN and access:FILE");

@@ -31,6 +31,8 @@ TEST(SyncCommands, CheckListsAndSyncMerges) {
   ASSERT_EQ(made.status, 0) << made.err;
   EXPECT_FALSE(Has(made.out, "could not read")) << made.out;  // every odd name was read
   ASSERT_EQ(Quorvex(dir, {"check", "shop.qvp"}).status, 0);
+  // The file named by a relative path is found from any folder.
+  EXPECT_EQ(Quorvex(dir / "home", {"check", "../shop.qvp"}, "HOME=.").status, 0);
   ASSERT_EQ(Quorvex(dir, {"set", "shop.qvp", "--table", "old_orders", "TblCaption=Orders"}).status,
             0);
   ASSERT_EQ(Quorvex(dir, {"set", "shop.qvp", "--table", "customers", "--field", "name",
