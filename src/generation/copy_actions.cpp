@@ -40,6 +40,24 @@ size_t FindNoCase(StringView text, StringView what, size_t from = 0) {
   return ToLower(text).view().find(ToLower(what).view(), from);
 }
 
+// Why a folder could not be made when a file stands at its place or at one of its parents'
+// (the destination given as a file, most often): " (... is a file)", else "".
+String FileInTheWay(StringView path) {
+  std::error_code ec;
+  for (std::filesystem::path at = std::filesystem::absolute(fs::ToNative(path), ec);
+       !ec && at.has_relative_path(); at = at.parent_path()) {
+    if (at.filename().empty()) continue;  // the trailing "/" of a folder's path
+    const auto status = std::filesystem::status(at, ec);
+    if (ec) {
+      ec.clear();
+      continue;
+    }
+    if (status.type() == std::filesystem::file_type::directory) return String();
+    return u" (" + fs::FromNative(at) + u" is a file)";
+  }
+  return String();
+}
+
 // Creates a folder the generated application expects (uploads, audit trail) below the root,
 // unless its name would climb out of the root; gives its path, or "" when none was made.
 String CreateAppFolder(StringView app_root, StringView setting) {
@@ -49,18 +67,18 @@ String CreateAppFolder(StringView app_root, StringView setting) {
   const String path = String(app_root) + fs::NormalizeSeparators(name);
   if (!PathIsInside(app_root.empty() ? StringView(u".") : app_root, path)) return String();
   // The run stops here, with the folder named: a bare "Path not found" would leave the user
-  // guessing which of the application's folders could not be made. A file standing where a
-  // folder belongs doesn't always make the library report a failure, hence the second look.
+  // guessing which of the application's folders could not be made. The platform's call, not
+  // generation's, which keeps quiet about failures (a refused permission among them).
   String failure;
   try {
-    CreateFolders(path);
+    fs::CreateFolders(path);
     if (!fs::FolderExists(path)) failure = StandardErrorText(kErrPathNotFound);
   } catch (const Error& e) {
     failure = e.description();
   }
   if (failure.empty()) return path;
-  Vars().ProjErr =
-      Vars().ProductTitle + u": Creating folder \"" + Absolute(path) + u"\" failed! " + failure;
+  Vars().ProjErr = Vars().ProductTitle + u": Creating folder \"" + Absolute(path) + u"\" failed! " +
+                   failure + FileInTheWay(path);
   return String();
 }
 

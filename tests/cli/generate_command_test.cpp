@@ -189,7 +189,9 @@ TEST(GenerateCommand, BadInputEndsWithTheEnginesWords) {
   run = Quorvex(dir, {"generate", "chin.qvp", "--dest", "taken", "--template", "pack.zip",
                       "--refresh-template"});
   EXPECT_EQ(run.status, 1);
-  EXPECT_TRUE(Has(run.err, "/taken/upload/\" failed! Path not found")) << run.err;
+  EXPECT_TRUE(Has(run.err, "/taken/upload/\" failed! Path not found (" + (dir / "taken").string() +
+                               " is a file)\n"))
+      << run.err;
   EXPECT_EQ(Slurp(dir / "taken"), "mine");
 
   run = Quorvex(dir, {"gencheck", "chin.qvp", "--dest", "site", "--template", "none.zip"});
