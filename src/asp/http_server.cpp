@@ -356,6 +356,9 @@ void HttpServer::Start() {
   }
   unsigned threads =
       s.options.threads ? s.options.threads : std::max(1u, std::thread::hardware_concurrency());
+  // The library's default reuse (SO_REUSEADDR) lets a server start again at once on the port
+  // it just left; asking for more (SO_REUSEPORT) would let a second server take its share of
+  // a busy port's connections without a word.
   unsigned flags =
       MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_EPOLL | MHD_USE_TURBO | MHD_ALLOW_SUSPEND_RESUME;
   if (v6) flags |= MHD_USE_IPv6;
@@ -365,7 +368,7 @@ void HttpServer::Start() {
       MHD_OPTION_CONNECTION_LIMIT, s.options.connection_limit, MHD_OPTION_CONNECTION_TIMEOUT,
       s.options.connection_timeout, MHD_OPTION_CONNECTION_MEMORY_LIMIT, s.options.header_memory,
       MHD_OPTION_URI_LOG_CALLBACK, &Impl::Begin, &s, MHD_OPTION_NOTIFY_COMPLETED, &Impl::Completed,
-      &s, MHD_OPTION_LISTENING_ADDRESS_REUSE, 1u, MHD_OPTION_END);
+      &s, MHD_OPTION_END);
   if (!s.daemon) {
     throw std::runtime_error("cannot listen on " + s.options.bind + ":" +
                              std::to_string(s.options.port) + " (the port may be in use)");

@@ -289,6 +289,15 @@ TEST_F(ServeTest, FlushedAndUnbufferedOutputLeavesBeforeThePageEnds) {
   EXPECT_EQ(unbuffered.body, "row\r\n");
 }
 
+TEST_F(ServeTest, APortInUseIsRefusedNotShared) {
+  HttpOptions http;
+  http.port = port();
+  http.threads = 1;
+  http.access_log = false;
+  HttpServer second(*plain_->runtime, http);
+  EXPECT_THROW(second.Start(), std::runtime_error);  // else it would take half the requests
+}
+
 TEST_F(ServeTest, ServerMembers) {
   const std::string encode = Get(port(), "/server.asp?case=encode").body;
   EXPECT_EQ(encode,
