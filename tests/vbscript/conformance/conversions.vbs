@@ -134,3 +134,12 @@ CheckEach Array("Abs(rndSc.Eval(""Rnd"") - 0.7055475) < 1E-7", True, _
 CheckEach Array("CStr(0.1 + 0.2)", "0.3", "CStr(1234567890123456)", "1.23456789012346E+15", _
   "CStr(0 * -1.5)", "0", "CStr(CSng(1.1))", "1.1", "CStr(CCur(-1.5))", "-1.5", _
   "CStr(CCur(1.2345))", "1.2345")
+' Products widen Integer to Long to Double as they grow, and print in the same rule; a Single
+' prints with 7 digits, and Hex of a negative shows its two's complement.
+CheckEach Array("TypeName(5040 * 8)", "Long", "TypeName(479001600 * 13)", "Double", _
+  "CStr(479001600 * 13 * 14 * 15)", "1307674368000", "CStr(2432902008176640000 * 1)", _
+  "2.43290200817664E+18", "CStr(1.5511210043331E+25 * 1)", "1.5511210043331E+25", _
+  "CStr(CSng(1 / 3))", "0.3333333", "CStr(CSng(16777217))", "1.677722E+07", _
+  "CStr(CDbl(CSng(0.1)))", "0.100000001490116", "CStr(Atn(1) * 4)", "3.14159265358979", _
+  "Hex(-255)", "FF01", "Hex(CInt(-32768))", "8000", "Hex(-2147483648)", "80000000")
+CheckError "x = CCur(922337203685477) * 18", 6, "a Currency product past its range"

@@ -73,6 +73,8 @@ d.RemoveAll
 d.CompareMode = vbTextCompare
 d.Add ChrW(201) & "t" & ChrW(201), 1
 CheckEach Array("d.Exists(ChrW(233) & ""T"" & ChrW(233))", True, "d.CompareMode", CLng(1))
+d(ChrW(233) & "T" & ChrW(233)) = d(ChrW(233) & "t" & ChrW(233)) + 1
+CheckEach Array("d.Keys()(0) = ChrW(201) & ""t"" & ChrW(201)", True, "d.Items()(0)", 2)
 
 ' HashVal, as Windows computes it.
 Set d = CreateObject("Scripting.Dictionary")

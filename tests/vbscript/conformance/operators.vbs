@@ -140,3 +140,7 @@ Select Case "abc"
     picked = "else"
 End Select
 Check picked, "else", "Case with a negated number"
+' Two variables, a number and a text: the number is less, whatever the text says; against literal
+' text the number compares as text.
+Dim numVar, textVar : numVar = 9 : textVar = "10"
+CheckEach Array("numVar < textVar", True, "1E+300 < textVar", False, "numVar > ""10""", True)

@@ -131,7 +131,9 @@ CheckEach Array("AscB(""A"")", CByte(65), "LenB(LeftB(""ABC"", 3))", CLng(3), _
   "AscB(ChrB(200))", CByte(200), "ChrB(65) & ChrB(0)", "A", _
   "ChrB(65) & ChrB(0) & ChrB(66) & ChrB(0)", "AB", "LenB(""x"" & ChrB(65))", CLng(3), _
   "LeftB(""ABC"", 3) & ChrB(0)", "AB", "LeftB(""ABC"", 4)", "AB", "RightB(""ABC"", 2)", "C", _
-  "AscB(MidB(""AB"", 3))", CByte(66))
+  "AscB(MidB(""AB"", 3))", CByte(66), "InStrB(""ID42NAME"", ""NAME"")", CLng(9), _
+  "InStrB(3, ""ID42NAME"", ""I"")", CLng(0), "IsNull(MidB(Null, 1))", True, _
+  "LeftB(""ID42"", 4) & ""|"" & MidB(""ID42"", 5, 4)", "ID|42")
 CheckError "x = AscB("""")", 5, "AscB of empty text"
 
 ' --- Slices, searches, Replace, case, trim, repetition and character codes at their edges.
