@@ -271,20 +271,6 @@ TEST(SqliteOpenTest, BadFilesEndInClearErrors) {
   EXPECT_FALSE(std::filesystem::exists(dir / "nowhere.db")) << "opening must never create a file";
 }
 
-TEST(SqliteOpenTest, ShortUrlAndChinookSample) {
-  Connection cn;
-  cn.Open(u"sqlite:" + String::FromUtf8(testing::SharedData("sqlite/chinook.sqlite")));
-  auto tables = cn.OpenSchema(adSchemaTables, {Variant(), Variant(), Variant(), String(u"TABLE")});
-  EXPECT_EQ(tables->RecordCount(), 11);
-  auto keys = cn.OpenSchema(adSchemaPrimaryKeys, {Variant(), Variant(), String(u"PlaylistTrack")});
-  EXPECT_EQ(Column(*keys, u"COLUMN_NAME"), (std::vector<String>{u"PlaylistId", u"TrackId"}));
-  Recordset rs;
-  rs.Open(u"SELECT * FROM Invoice WHERE 0=1", cn);
-  EXPECT_EQ(rs.Fields(u"InvoiceDate").Type(), adDBTimeStamp);
-  rs.Open(u"SELECT InvoiceDate, Total FROM Invoice WHERE InvoiceId = 1", cn);
-  EXPECT_EQ(rs.Fields(u"InvoiceDate").Value().type(), VarType::Date);
-}
-
 TEST(SqlitePoolTest, OnlyConnectionsBackInTheirOpeningStateAreReused) {
   const auto dir = ScratchDir("pool");
   const auto file =
