@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "cli/run_quorvex.h"
+#include "platform/data/db_servers.h"
 
 namespace qv {
 namespace {
@@ -13,32 +14,21 @@ using cli_testing::FreshDir;
 using cli_testing::Has;
 using cli_testing::Quorvex;
 
-std::filesystem::path ServerDir() {
-  const char* dir = std::getenv("QV_DB_DIR");
-  return dir ? dir : "/tmp/quorvex-db";
-}
+using db_testing::Server;
 
-std::string OdbcEnv() {
-  const std::string dir = ServerDir().string();
-  return "ODBCSYSINI=" + dir + " ODBCINI=" + dir + "/odbc.ini";
+// The child inherits the data sources that the server fixture points this process at.
+std::string OdbcName(const Server& server) {
+  return "odbc:" + std::string(server.dsn).substr(4);  // "DSN=qv_pg" -> "odbc:qv_pg"
 }
-
-struct Server {
-  const char* name;
-  const char* marker;
-  const char* dsn;
-};
 
 class ServerCommands : public ::testing::TestWithParam<Server> {};
 
 TEST_P(ServerCommands, NewProjectAndWrongPassword) {
-  if (!std::filesystem::exists(ServerDir() / GetParam().marker)) {
-    GTEST_SKIP() << GetParam().name << " is not running here; skipping";
-  }
+  QV_SKIP_WITHOUT(GetParam());
   const auto dir = FreshDir(std::string("db-") + GetParam().name);
-  const std::string db = std::string("odbc:") + GetParam().dsn;
+  const std::string db = OdbcName(GetParam());
   const auto made =
-      Quorvex(dir, {"new", "app.qvp", "--db", db, "--user", "qv", "--password", "qv"}, OdbcEnv());
+      Quorvex(dir, {"new", "app.qvp", "--db", db, "--user", "qv", "--password", "qv"});
   ASSERT_EQ(made.status, 0) << made.err;
   const auto tables = Quorvex(dir, {"tables", "app.qvp"});
   ASSERT_EQ(tables.status, 0) << tables.err;
@@ -50,8 +40,8 @@ TEST_P(ServerCommands, NewProjectAndWrongPassword) {
   ASSERT_EQ(field.status, 0) << field.err;
   EXPECT_TRUE(Has(field.out, "FldUniqueIdx")) << field.out;
 
-  const auto refused = Quorvex(
-      dir, {"new", "bad.qvp", "--db", db, "--user", "qv", "--password", "wrong"}, OdbcEnv());
+  const auto refused =
+      Quorvex(dir, {"new", "bad.qvp", "--db", db, "--user", "qv", "--password", "wrong"});
   EXPECT_NE(refused.status, 0);
   EXPECT_EQ(refused.err.substr(refused.err.rfind("Quorvex: ")),
             "Quorvex: Unable to connect to Data Source! User ID / Password not valid!\n");
@@ -59,8 +49,7 @@ TEST_P(ServerCommands, NewProjectAndWrongPassword) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Servers, ServerCommands,
-                         ::testing::Values(Server{"PostgreSQL", "pg.ok", "qv_pg"},
-                                           Server{"MariaDB", "maria.ok", "qv_maria"}),
+                         ::testing::Values(db_testing::kPostgres, db_testing::kMaria),
                          [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace

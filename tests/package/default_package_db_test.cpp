@@ -4,9 +4,8 @@
 // added record. Skips when a server is not up.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 #include "package/served_app.h"
+#include "platform/data/db_servers.h"
 
 namespace qv::package_testing {
 namespace {
@@ -14,37 +13,22 @@ namespace {
 namespace sfs = std::filesystem;
 using cli_testing::Has;
 
-sfs::path ServerDir() {
-  const char* dir = std::getenv("QV_DB_DIR");
-  return dir ? dir : "/tmp/quorvex-db";
-}
-
-struct Server {
-  const char* name;
-  const char* marker;
-  const char* dsn;
-};
+using db_testing::Server;
 
 class PackageOnServer : public ::testing::TestWithParam<Server> {};
 
 TEST_P(PackageOnServer, EveryPageAnswersAndARecordGoesRound) {
-  if (!sfs::exists(ServerDir() / GetParam().marker)) {
-    GTEST_SKIP() << GetParam().name << " is not running here; skipping";
-  }
-  const std::string odbc = ServerDir().string();
-  // The pages open their connection in this process, through the same data sources.
-  setenv("ODBCSYSINI", odbc.c_str(), 1);
-  setenv("ODBCINI", (odbc + "/odbc.ini").c_str(), 1);
+  QV_SKIP_WITHOUT(GetParam());
+  // The pages open their connection in this process, and the command in a child of it, through
+  // the data sources that the server fixture points this process at.
   const auto dir = cli_testing::FreshDir(std::string("package-") + GetParam().name);
-  const std::string env = "ODBCSYSINI=" + odbc + " ODBCINI=" + odbc + "/odbc.ini";
+  const std::string dsn = std::string(GetParam().dsn).substr(4);  // "DSN=qv_pg" -> "qv_pg"
   using cli_testing::Quorvex;
-  ASSERT_EQ(
-      Quorvex(dir, {"new", "app.qvp", "--db", std::string("odbc:") + GetParam().dsn}, env).status,
-      0);
-  ASSERT_EQ(
-      Quorvex(dir, {"set", "app.qvp", "--table", "products", "TblAuditTrail=True"}, env).status, 0);
+  ASSERT_EQ(Quorvex(dir, {"new", "app.qvp", "--db", "odbc:" + dsn}).status, 0);
+  ASSERT_EQ(Quorvex(dir, {"set", "app.qvp", "--table", "products", "TblAuditTrail=True"}).status,
+            0);
   const cli_testing::Run run =
-      Quorvex(dir, {"generate", "app.qvp", "--dest", "site", "--overwrite", "all"}, env);
+      Quorvex(dir, {"generate", "app.qvp", "--dest", "site", "--overwrite", "all"});
   ASSERT_EQ(run.status, 0) << run.err;
   ServedApp app(dir / "site");
 
@@ -100,8 +84,7 @@ TEST_P(PackageOnServer, EveryPageAnswersAndARecordGoesRound) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Servers, PackageOnServer,
-                         ::testing::Values(Server{"PostgreSQL", "pg.ok", "qv_pg"},
-                                           Server{"MariaDB", "maria.ok", "qv_maria"}),
+                         ::testing::Values(db_testing::kPostgres, db_testing::kMaria),
                          [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
