@@ -61,7 +61,9 @@ inline std::string RunAdoScript(const std::string& name, const Dialect& d) {
       "\r\nConst TABLEOPTS = " + Quoted(d.table_options) +
       "\r\nConst SCRATCH = " + Quoted(scratch) + "\r\n";
   code += ReadText(std::string(QV_SOURCE_DIR) + "/tests/vbscript/conformance/support/prelude.vbs") +
-          "\r\nqvWholeNumbersAlike = True\r\n" + ReadText(dir + name);
+          "\r\nqvWholeNumbersAlike = True\r\n" +
+          ReadText(std::string(QV_SOURCE_DIR) + "/tests/ado/ado_prelude.vbs") +
+          ReadText(dir + name);
   vbs::Engine engine;
   RegisterAdoClasses(engine.Registry());
   try {

@@ -3,13 +3,7 @@
 ' again; Clone shares the records with its own position; Resync and Seek; Save and Open.
 Dim cn, rs, rs2, t, n
 t = TBL & "batch"
-Set cn = CreateObject("ADODB.Connection")
-cn.Open CONN
-On Error Resume Next
-cn.Execute "DROP TABLE " & t
-Err.Clear
-On Error GoTo 0
-cn.Execute "CREATE TABLE " & t & " (" & KEYCOL & ", name VARCHAR(40) NOT NULL, qty INTEGER)"
+Set cn = OpenWithFreshTable(t, KEYCOL & ", name VARCHAR(40) NOT NULL, qty INTEGER")
 cn.Execute "INSERT INTO " & t & " (name, qty) VALUES ('alpha', 1)"
 cn.Execute "INSERT INTO " & t & " (name, qty) VALUES ('beta', 2)"
 cn.Execute "INSERT INTO " & t & " (name, qty) VALUES ('gamma', 3)"

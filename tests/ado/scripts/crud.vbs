@@ -2,14 +2,8 @@
 ' RecordsAffected, generated keys, Requery and two recordsets open at once on one connection.
 Dim cn, rs, rs2, n, t, newId
 t = TBL & "crud"
-Set cn = CreateObject("ADODB.Connection")
-cn.Open CONN
+Set cn = OpenWithFreshTable(t, KEYCOL & ", name VARCHAR(40) NOT NULL, qty INTEGER")
 Check cn.State, 1, "open state"
-On Error Resume Next
-cn.Execute "DROP TABLE " & t
-Err.Clear
-On Error GoTo 0
-cn.Execute "CREATE TABLE " & t & " (" & KEYCOL & ", name VARCHAR(40) NOT NULL, qty INTEGER)"
 
 cn.Execute "INSERT INTO " & t & " (name, qty) VALUES ('alpha', 1)", n
 Check n, 1, "RecordsAffected of an insert"

@@ -1,13 +1,7 @@
 ' 1,000 rows inserted through a prepared Command in one transaction, then read in pages.
 Dim cn, cmd, rs, i, t, page, seen, rows
 t = TBL & "paging"
-Set cn = CreateObject("ADODB.Connection")
-cn.Open CONN
-On Error Resume Next
-cn.Execute "DROP TABLE " & t
-Err.Clear
-On Error GoTo 0
-cn.Execute "CREATE TABLE " & t & " (n INTEGER PRIMARY KEY, label VARCHAR(20))"
+Set cn = OpenWithFreshTable(t, "n INTEGER PRIMARY KEY, label VARCHAR(20)")
 
 Set cmd = CreateObject("ADODB.Command")
 Set cmd.ActiveConnection = cn

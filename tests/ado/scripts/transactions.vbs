@@ -2,13 +2,7 @@
 ' calls fail as ADO's do outside a transaction.
 Dim cn, rs, t, level
 t = TBL & "trans"
-Set cn = CreateObject("ADODB.Connection")
-cn.Open CONN
-On Error Resume Next
-cn.Execute "DROP TABLE " & t
-Err.Clear
-On Error GoTo 0
-cn.Execute "CREATE TABLE " & t & " (n INTEGER)"
+Set cn = OpenWithFreshTable(t, "n INTEGER")
 level = cn.BeginTrans
 Check level, 1, "BeginTrans gives the level"
 cn.Execute "INSERT INTO " & t & " VALUES (1)"

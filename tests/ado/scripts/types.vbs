@@ -2,15 +2,9 @@
 ' Unicode text, NULLs, dates, money, Booleans and bytes; and text that looks like SQL stays text.
 Dim cn, cmd, rs, t, bytes, i, hostile, when
 t = TBL & "types"
-Set cn = CreateObject("ADODB.Connection")
-cn.Open CONN
-On Error Resume Next
-cn.Execute "DROP TABLE " & t
-Err.Clear
-On Error GoTo 0
-cn.Execute "CREATE TABLE " & t & " (" & KEYCOL & ", txt VARCHAR(100), num INTEGER, " & _
+Set cn = OpenWithFreshTable(t, KEYCOL & ", txt VARCHAR(100), num INTEGER, " & _
   "big BIGINT, dbl DOUBLE PRECISION, amount " & MONEYTYPE & ", flag " & BOOLTYPE & ", " & _
-  "stamp " & DATETYPE & ", data " & BLOBTYPE & ")" & TABLEOPTS
+  "stamp " & DATETYPE & ", data " & BLOBTYPE)
 
 Set cmd = CreateObject("ADODB.Command")
 Set cmd.ActiveConnection = cn
