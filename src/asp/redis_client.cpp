@@ -326,12 +326,6 @@ void AppendWire(std::string& wire, const RedisCommand& command) {
   }
 }
 
-bool Append(redisContext* c, const RedisCommand& command) {
-  std::string wire;
-  AppendWire(wire, command);
-  return redisAppendFormattedCommand(c, wire.data(), wire.size()) == REDIS_OK;
-}
-
 }  // namespace
 
 RedisClient::Started& RedisClient::Started::operator=(Started&& other) noexcept {
@@ -424,26 +418,17 @@ std::vector<RedisReply> RedisClient::Exchange(const std::vector<RedisCommand>& c
   return Finish(call);
 }
 
-void RedisClient::EvalNoWait(std::string_view script, const std::vector<std::string_view>& keys,
-                             const std::vector<std::string_view>& args, bool at_once) {
-  const std::string hash = HashOf(script, false);
-  const std::string count = std::to_string(keys.size());
+template <typename Wire>
+void RedisClient::Queue(size_t replies, bool at_once, const Wire& wire) {
   // A write to a pooled connection that died with a Redis that went away since is tried once
   // more on a new one, as in Exchange.
   for (int attempt = 0;; ++attempt) {
     bool pooled = false;
     Connection c = Acquire(pooled);
-    // Nobody waits to load the script again should the server refuse the hash: a connection
-    // that has not run it yet sends its text, which the server keeps by the hash too.
-    const bool known =
-        std::find(c.scripts.begin(), c.scripts.end(), script.data()) != c.scripts.end();
-    RedisCommand all{known ? "EVALSHA" : "EVAL", known ? std::string_view(hash) : script, count};
-    all.insert(all.end(), keys.begin(), keys.end());
-    all.insert(all.end(), args.begin(), args.end());
-    bool queued = Append(c.context, all);
+    const std::string text = wire(c);
+    bool queued = redisAppendFormattedCommand(c.context, text.data(), text.size()) == REDIS_OK;
     if (queued) {
-      if (!known) c.scripts.push_back(script.data());
-      ++c.pending;
+      c.pending += replies;
       if (!c.unsent) c.queued_at = std::chrono::steady_clock::now();
       c.unsent = true;
       queued = !at_once || Send(c);
@@ -457,6 +442,34 @@ void RedisClient::EvalNoWait(std::string_view script, const std::vector<std::str
     if (pooled && attempt == 0) continue;
     Fail(why);
   }
+}
+
+void RedisClient::EvalNoWait(std::string_view script, const std::vector<std::string_view>& keys,
+                             const std::vector<std::string_view>& args, bool at_once) {
+  const std::string hash = HashOf(script, false);
+  const std::string count = std::to_string(keys.size());
+  Queue(1, at_once, [&](Connection& c) {
+    // Nobody waits to load the script again should the server refuse the hash: a connection
+    // that has not run it yet sends its text, which the server keeps by the hash too. (A
+    // connection whose write fails is dropped, so noting the script early does no harm.)
+    const bool known =
+        std::find(c.scripts.begin(), c.scripts.end(), script.data()) != c.scripts.end();
+    if (!known) c.scripts.push_back(script.data());
+    RedisCommand all{known ? "EVALSHA" : "EVAL", known ? std::string_view(hash) : script, count};
+    all.insert(all.end(), keys.begin(), keys.end());
+    all.insert(all.end(), args.begin(), args.end());
+    std::string text;
+    AppendWire(text, all);
+    return text;
+  });
+}
+
+void RedisClient::SendNoWait(const std::vector<RedisCommand>& commands, bool at_once) {
+  assert(!commands.empty());
+  std::string text;
+  for (const RedisCommand& command : commands)
+    AppendWire(text, command);
+  Queue(commands.size(), at_once, [&](Connection&) { return text; });
 }
 
 RedisReply RedisClient::Run(const RedisCommand& args) {

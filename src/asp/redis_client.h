@@ -106,6 +106,8 @@ class RedisClient {
   // the log. Raises StateUnavailable only when the script cannot be queued.
   void EvalNoWait(std::string_view script, const std::vector<std::string_view>& keys,
                   const std::vector<std::string_view>& args, bool at_once = false);
+  // Commands queued the same way, replies unread.
+  void SendNoWait(const std::vector<RedisCommand>& commands, bool at_once = false);
 
   const RedisAddress& address() const { return address_; }
 
@@ -115,6 +117,9 @@ class RedisClient {
 
  private:
   std::vector<RedisReply> Exchange(const std::vector<RedisCommand>& commands);
+  // The common part of EvalNoWait and SendNoWait: `wire` gives a connection's commands.
+  template <typename Wire>
+  void Queue(size_t replies, bool at_once, const Wire& wire);
   void Launch(Started& call);
   std::string HashOf(std::string_view script, bool reload);
   Connection Acquire(bool& pooled);

@@ -1,8 +1,9 @@
 // The Redis store. A request costs one round trip: opening its session (take the hold and read
-// the image, two commands sent together). Closing it is one script (write the image only when
-// it changed, renew the expiry, drop the hold) that nobody waits for, sent along with the
-// server's next call. Each Application write is one script too, which waits while another
-// request holds Application.Lock. Scripts go by their hash.
+// the image, two commands sent together). Closing it (write the image only when it changed,
+// renew the expiry, drop the hold) is two plain commands while the hold is surely the
+// request's own, else one script that checks the hold first; nobody waits for either, which go
+// along with the server's next call. Each Application write is one script too, which waits while
+// another request holds Application.Lock. Scripts go by their hash.
 //
 // Holds carry a token and a lease. While a request runs, a thread of its process renews the
 // leases it holds, so only a process that died or hangs loses them; a request whose hold was
@@ -12,7 +13,9 @@
 // Keys, all under "quorvex:":
 //   session:<cookie>       the session's image; expires with the session's time-out
 //   session-hold:<cookie>  the token of the request that holds the session, with a lease
-//   session-ends           sorted set of cookies by the time each session ends (ms)
+//   session-ends           sorted set of cookies by when each session is due to end (ms,
+//                          by the clock of the server that last saw it): only its key's
+//                          expiry in Redis says that it ended
 //   session-last           hash of the last image by cookie, for Session_OnEnd after expiry
 //   session-id             the last SessionID handed out
 //   application            hash of the values by name in lower case
@@ -114,18 +117,25 @@ redis.call('hdel', KEYS[2], ARGV[1])
 return ended
 )lua";
 
-// KEYS: ends, last. {cookie, last image, ...} of sessions whose time ran out, each handed to
-// one caller only.
+// KEYS: ends, last. ARGV: the prefix of session keys. {cookie, last image, ...} of sessions
+// whose time ran out, each handed to one caller only. A session is over only once its key
+// expired, which Redis decides by its own clock: one that is due by the servers' clocks but
+// whose key still lives is put back for when the key expires.
 constexpr std::string_view kSweepScript = R"lua(
 local now = redis.call('time')
-local due = redis.call('zrangebyscore', KEYS[1], '-inf', now[1] * 1000 + math.floor(now[2] / 1000),
-                       'LIMIT', 0, 100)
+local ms = now[1] * 1000 + math.floor(now[2] / 1000)
+local due = redis.call('zrangebyscore', KEYS[1], '-inf', ms, 'LIMIT', 0, 100)
 local out = {}
 for _, cookie in ipairs(due) do
-  redis.call('zrem', KEYS[1], cookie)
-  out[#out + 1] = cookie
-  out[#out + 1] = redis.call('hget', KEYS[2], cookie) or ''
-  redis.call('hdel', KEYS[2], cookie)
+  local left = redis.call('pttl', ARGV[1] .. cookie)
+  if left > 0 then
+    redis.call('zadd', KEYS[1], ms + left, cookie)
+  else
+    redis.call('zrem', KEYS[1], cookie)
+    out[#out + 1] = cookie
+    out[#out + 1] = redis.call('hget', KEYS[2], cookie) or ''
+    redis.call('hdel', KEYS[2], cookie)
+  end
 end
 return out
 )lua";
@@ -470,6 +480,7 @@ class RedisOpening final : public SessionOpening {
   const std::string hold;  // its hold
   const std::string token;
   RedisClient::Started call;
+  std::chrono::steady_clock::time_point asked;  // when the hold was last asked for
 };
 
 class RedisStateStore final : public StateStore {
@@ -491,6 +502,7 @@ class RedisStateStore final : public StateStore {
     if (!IsCookie(cookie)) return nullptr;
     auto opening = std::make_unique<RedisOpening>(redis_, std::string(cookie), NewToken());
     try {
+      opening->asked = std::chrono::steady_clock::now();
       opening->call = redis_.Start(OpenCommands(*opening));
     } catch (const StateUnavailable&) {
       return nullptr;  // OpenSession tells
@@ -530,6 +542,10 @@ class RedisStateStore final : public StateStore {
     const std::string timeout = std::to_string(int64_t{session.timeout_minutes} * 60);
     if ((mode == "s" || mode == "t") && !session.hold_token.empty() &&
         session.renewed_from.empty()) {
+      if (HoldIsSure(session)) {
+        CloseHeld(session, image, timeout);
+        return;
+      }
       redis_.EvalNoWait(
           kKeepScript,
           {SessionKey(session.cookie), HoldKey(session.cookie), kSessionEnds, kSessionLast},
@@ -569,7 +585,8 @@ class RedisStateStore final : public StateStore {
   std::vector<std::shared_ptr<SessionState>> TakeExpired(bool all) override {
     std::vector<std::shared_ptr<SessionState>> out;
     if (all) return out;  // the other servers carry on with the sessions
-    const RedisReply r = redis_.Eval(kSweepScript, {kSessionEnds, kSessionLast}, {});
+    const RedisReply r =
+        redis_.Eval(kSweepScript, {kSessionEnds, kSessionLast}, {kPrefix + "session:"});
     for (size_t i = 0; i + 1 < r.items.size(); i += 2) {
       auto session = std::make_shared<SessionState>();
       session->cookie = r.items[i].text;
@@ -611,6 +628,48 @@ class RedisStateStore final : public StateStore {
     return session;
   }
 
+  // The close of a session whose hold is surely the request's own, in plain commands, which
+  // cost Redis a fraction of a script's call. The time the session is due to end comes from
+  // this server's clock, which may differ from the others' and Redis's: the sweep goes by the
+  // key's expiry in Redis all the same. An empty `image` renews the expiry of an unchanged one.
+  void CloseHeld(const SessionState& session, const std::string& image,
+                 const std::string& timeout) {
+    const std::string key = SessionKey(session.cookie);
+    std::vector<RedisCommand> commands;
+    if (image.empty()) {
+      commands.push_back({"EXPIRE", key, timeout});
+    } else {
+      commands.push_back({"SET", key, image, "EX", timeout});
+    }
+    std::string ends_at;
+    if (session.watch_end) {
+      if (!image.empty()) commands.push_back({"HSET", kSessionLast, session.cookie, image});
+      const auto now = std::chrono::duration_cast<std::chrono::milliseconds>(
+          std::chrono::system_clock::now().time_since_epoch());
+      ends_at = std::to_string(now.count() + int64_t{session.timeout_minutes} * 60000);
+      commands.push_back({"ZADD", kSessionEnds, ends_at, session.cookie});
+    }
+    const std::string hold = HoldKey(session.cookie);
+    commands.push_back({"DEL", hold});
+    redis_.SendNoWait(commands);
+  }
+
+  // Whether the request's hold on its session is surely still its own, so that it may write
+  // the session and drop the hold without the script that checks the hold's token first.
+  //
+  // Nobody else takes a hold before its lease runs out, and nobody but its request drops it.
+  // The lease starts when Redis sets the hold, which is after `hold_asked` by this process's
+  // steady clock. So while less than half the lease has passed since then, the hold is ours,
+  // and the other half covers what could still delay the commands: the wait of a queued close
+  // for a call to ride along with (a few milliseconds at most, see RedisClient::kSendDelay),
+  // the trip to Redis, and a Redis host's clock running faster than ours. Past half the lease
+  // the request may have been stalled long enough to lose its hold, and the checked script
+  // decides. What this cannot cover is this process frozen between the check and the write for
+  // half a lease, or Redis's clock stepped forward by as much: with the default lease, 15 s.
+  bool HoldIsSure(const SessionState& session) const {
+    return std::chrono::steady_clock::now() - session.hold_asked < leases_.session / 2;
+  }
+
   static bool IsCookie(std::string_view cookie) {
     return cookie.size() == 24 &&
            std::all_of(cookie.begin(), cookie.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
@@ -645,11 +704,12 @@ class RedisStateStore final : public StateStore {
       own = std::make_unique<RedisOpening>(redis_, std::string(cookie), NewToken());
       started = own.get();
     }
-    const RedisOpening& opening = *started;
+    RedisOpening& opening = *started;
     const std::string& hold = opening.hold;
     const std::string& token = opening.token;
     Backoff backoff;
     for (;;) {
+      if (!opening.call.active()) opening.asked = std::chrono::steady_clock::now();
       std::vector<RedisReply> r = started->call.active() ? redis_.Finish(started->call)
                                                          : redis_.Pipeline(OpenCommands(opening));
       for (const RedisReply& each : r) {
@@ -663,6 +723,7 @@ class RedisStateStore final : public StateStore {
         session.cookie = std::string(cookie);
         session.loaded_image = std::move(r[1].text);
         session.hold_token = token;
+        session.hold_asked = opening.asked;
         keeper_.Hold(hold, token, leases_.session);
         return true;
       }

@@ -91,6 +91,9 @@ struct SessionState {
   // that it writes back only a session that changed, and the token of its hold.
   std::string loaded_image;
   std::string hold_token;
+  // When the request asked for its hold, by this process's clock: the lease runs from a moment
+  // after this, so the hold is surely still the request's while the lease is not nearly over.
+  std::chrono::steady_clock::time_point hold_asked;
   // The cookie the session had when this request opened it, once RenewSession gave it another:
   // a shared store moves the session from the old key to the new one when it closes.
   std::string renewed_from;
