@@ -1,5 +1,6 @@
 // The Prompter: scripted answers and their safe defaults, the log of questions and answers,
-// refused answers, and the interactive prompter reading a terminal's lines.
+// refused answers, and the interactive prompter reading a terminal's lines. Which prompter a
+// host option chooses is the command tests' (--answer, --no-input, --quiet).
 #include "platform/prompter.h"
 
 #include <gtest/gtest.h>
@@ -184,60 +185,6 @@ TEST(InteractivePrompterTest, ReadsLinesWithPrefixesNumbersAndRetries) {
   EXPECT_NE(text.find("That is none of the choices."), std::string::npos) << text;
   EXPECT_NE(text.find("(Enter for No)"), std::string::npos) << text;
   EXPECT_NE(text.find("n1 -> old name or number"), std::string::npos) << text;
-}
-
-TEST(CurrentPrompterTest, HostChoosesAndTheDefaultNeverWaits) {
-  // Tests run without a terminal on stdin: the default prompter answers safely at once.
-  SetCurrentPrompter(nullptr);
-  Prompter& fallback = CurrentPrompter();
-  EXPECT_EQ(&fallback, &CurrentPrompter());
-  if (dynamic_cast<ScriptedPrompter*>(&fallback)) {
-    EXPECT_EQ(fallback.AskYesNoCancel(u"T", u"?", YesNoCancel::kNo), YesNoCancel::kNo);
-  }
-  auto scripted = std::make_unique<ScriptedPrompter>(Strings({u"Cancel"}), nullptr);
-  ScriptedPrompter* raw = scripted.get();
-  SetCurrentPrompter(std::move(scripted));
-  EXPECT_EQ(&CurrentPrompter(), raw);
-  EXPECT_EQ(CurrentPrompter().AskYesNoCancel(u"T", u"?", YesNoCancel::kNo), YesNoCancel::kCancel);
-  SetCurrentPrompter(nullptr);
-}
-
-}  // namespace
-}  // namespace qv
-
-#include "platform/prompt_setup.h"
-#include "support/status.h"
-#include "support/tyx_vars.h"
-
-namespace qv {
-namespace {
-
-TEST(PromptSetupTest, HostOptionsChooseThePrompterAndTheStatusMode) {
-  HostPromptOptions options;
-  options.answers = {"Keep", "skip all"};
-  options.quiet = true;
-  ApplyHostPromptOptions(options);
-  EXPECT_EQ(SharedStatus().mode(), StatusMode::kQuiet);
-  auto* scripted = dynamic_cast<ScriptedPrompter*>(&CurrentPrompter());
-  ASSERT_NE(scripted, nullptr);
-  EXPECT_EQ(scripted->remaining(), 2u);
-  ::testing::internal::CaptureStderr();
-  EXPECT_EQ(CurrentPrompter().ChooseButton(u"T", u"?", u"Keep", u"Overwrite", 1), 0u);
-  EXPECT_TRUE(CurrentPrompter().AskOverwrite(u"T", u"F").all);
-  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");  // quiet: no echo
-
-  options = HostPromptOptions();
-  options.never_ask = true;
-  ApplyHostPromptOptions(options);
-  EXPECT_EQ(SharedStatus().mode(), StatusMode::kAuto);
-  ASSERT_NE(dynamic_cast<ScriptedPrompter*>(&CurrentPrompter()), nullptr);
-  ::testing::internal::CaptureStderr();
-  EXPECT_EQ(CurrentPrompter().AskYesNoCancel(u"Copy", u"Overwrite?", YesNoCancel::kNo),
-            YesNoCancel::kNo);
-  EXPECT_NE(::testing::internal::GetCapturedStderr().find("Quorvex asks"), std::string::npos);
-
-  SetCurrentPrompter(nullptr);
-  ResetVars();
 }
 
 }  // namespace
