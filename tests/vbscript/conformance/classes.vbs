@@ -79,6 +79,11 @@ End Sub
 events = ""
 MakeOne
 Check events, "init;term;", "a local instance ends with its procedure"
+Class Noisy
+  Private Sub Class_Terminate() : Err.Raise 5 : End Sub
+End Class
+Set p2 = New Noisy : Set p2 = Nothing
+Check Err.Number, CLng(0), "an error in Class_Terminate stays there"
 
 Set b = New Box
 b("a") = 1
