@@ -1402,16 +1402,12 @@ std::unique_ptr<Proc> CompileExpression(const Expr& expr, Module& module, const 
 
 std::unique_ptr<Proc> Link(CompiledUnit& unit, Module& module) {
   for (const auto& name : unit.variables) {
-    GlobalSlot* slot = module.Slot(name);
-    if (slot->kind != SlotKind::Variable) {
-      slot->kind = SlotKind::Variable;
-      slot->value.Clear();
-    }
+    const Variant gone = module.Redefine(*module.Slot(name), SlotKind::Variable);
   }
   for (auto& [name, value] : unit.constants) {
     GlobalSlot* slot = module.Slot(name);
-    slot->kind = SlotKind::Constant;
-    slot->value = value;
+    const Variant gone = module.Redefine(*slot, SlotKind::Constant);
+    slot->fixed = value;
   }
   for (auto& proc : unit.procs)
     module.Define(module.AddProc(std::move(proc)));
@@ -1419,7 +1415,7 @@ std::unique_ptr<Proc> Link(CompiledUnit& unit, Module& module) {
     module.AddProc(std::move(proc));
   for (auto& cls : unit.classes) {
     GlobalSlot* slot = module.Slot(cls->name);
-    slot->kind = SlotKind::Class;
+    const Variant gone = module.Redefine(*slot, SlotKind::Class);
     slot->cls = cls.get();
     module.AddClass(cls);
   }
@@ -1444,22 +1440,18 @@ LinkedUnit LinkKeeping(CompiledUnit& unit, Module& module) {
 void Relink(const LinkedUnit& linked, Module& module) {
   // The same steps as Link, in the same order, over definitions the module already owns.
   for (const auto& name : linked.variables) {
-    GlobalSlot* slot = module.Slot(name);
-    if (slot->kind != SlotKind::Variable) {
-      slot->kind = SlotKind::Variable;
-      slot->value.Clear();
-    }
+    const Variant gone = module.Redefine(*module.Slot(name), SlotKind::Variable);
   }
   for (const auto& [name, value] : linked.constants) {
     GlobalSlot* slot = module.Slot(name);
-    slot->kind = SlotKind::Constant;
-    slot->value = value;
+    const Variant gone = module.Redefine(*slot, SlotKind::Constant);
+    slot->fixed = value;
   }
   for (const Proc* proc : linked.procs)
     module.Define(proc);
   for (ClassInfo* cls : linked.classes) {
     GlobalSlot* slot = module.Slot(cls->name);
-    slot->kind = SlotKind::Class;
+    const Variant gone = module.Redefine(*slot, SlotKind::Class);
     slot->cls = cls;
   }
 }

@@ -255,8 +255,8 @@ void Engine::AddObject(StringView name, Ref<Object> object, bool add_members) {
   }
   object_names_.emplace_back(name);
   GlobalSlot* slot = global.Slot(name);
-  slot->kind = SlotKind::HostObject;
-  slot->value = Variant(object.get());
+  const Variant gone = global.Redefine(*slot, SlotKind::HostObject);
+  slot->fixed = Variant(object.get());
   if (add_members && object) vm_->member_objects().push_back(object);
 }
 

@@ -1,6 +1,9 @@
 // Modules: their slots by name and the procedures and classes compiled into them.
 #include "vbscript/program.h"
 
+#include <cassert>
+#include <utility>
+
 #include "vbscript/vm.h"
 
 namespace qv::vbs {
@@ -29,11 +32,24 @@ Proc* Module::AddProc(std::unique_ptr<Proc> proc) {
   return procs_.back().get();
 }
 
+Variant Module::Redefine(GlobalSlot& slot, SlotKind to) {
+  assert(slot.consistent());
+  const bool was = slot.kind == SlotKind::Variable;
+  slot.kind = to;
+  if (!was) {
+    if (to == SlotKind::Variable) slot.value = Variant();
+    // A constant's value or a host object, which the name no longer stands for.
+    return std::exchange(slot.fixed, Variant());
+  }
+  if (to == SlotKind::Variable) return Variant();
+  if (vm_) vm_->DetachRefs(slot.value);
+  return std::exchange(slot.value, NoVariable());
+}
+
 void Module::Define(const Proc* proc) {
   GlobalSlot* slot = Slot(proc->name);
-  slot->kind = SlotKind::Procedure;
+  const Variant gone = Redefine(*slot, SlotKind::Procedure);
   slot->proc = proc;
-  slot->value.Clear();
   for (auto& p : procedures_) {
     if (EqualsNoCase(p->name, proc->name)) {
       p = proc;
@@ -53,16 +69,19 @@ void Module::Clear() {
 void Module::ClearDefinitions() {
   // Values go first, while classes and code are still there for Class_Terminate. The script's
   // variables go before host objects such as WScript, which Class_Terminate may still use.
-  for (const bool variables : {true, false}) {
-    for (auto& slot : slots_) {
-      if ((slot.kind == SlotKind::Variable) != variables) continue;
-      Variant gone = std::move(slot.value);
-      slot.value.Clear();
-      gone.Clear();
+  // By index: a Class_Terminate may add a slot, and a deque's iterators do not survive that.
+  for (size_t i = 0; i < slots_.size(); ++i) {
+    GlobalSlot& slot = slots_[i];
+    if (slot.kind == SlotKind::Variable) {
+      const Variant gone = std::exchange(slot.value, Variant());
     }
   }
-  for (auto& slot : slots_) {
-    slot.kind = SlotKind::Undefined;
+  for (size_t i = 0; i < slots_.size(); ++i) {
+    const Variant gone = std::move(slots_[i].fixed);
+  }
+  for (size_t i = 0; i < slots_.size(); ++i) {
+    GlobalSlot& slot = slots_[i];
+    const Variant gone = Redefine(slot, SlotKind::Undefined);
     slot.proc = nullptr;
     slot.cls = nullptr;
     slot.alias = nullptr;

@@ -2,9 +2,12 @@
 // the module-level slots that link table entries point at, and the modules that own both.
 #pragma once
 
+#include <cassert>
+#include <cstring>
 #include <deque>
 #include <memory>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "automation/object.h"
@@ -84,16 +87,52 @@ enum class Intrinsic : uint8_t {
   Err,
 };
 
+// The value of a module slot that holds no variable: a type no value has, above Array. The
+// dispatch loop's number checks reject it and IsPlain counts it as owning, so its fast paths
+// take a module variable's value as they take a local's, asking only the value's type, and
+// never read the marker as a number nor store over it; what they turn down goes to the general
+// paths, which look at the slot's kind.
+inline constexpr VarType kNoVariable = static_cast<VarType>(0x4000);
+[[gnu::always_inline]] inline bool HoldsVariable(const Variant& v) {
+  return v.type() != kNoVariable;
+}
+inline Variant NoVariable() {
+  Variant v;
+  auto* bytes = reinterpret_cast<unsigned char*>(&v);
+  std::memcpy(bytes, &kNoVariable, sizeof kNoVariable);
+  return v;
+}
+
 struct GlobalSlot {
   String name;
   SlotKind kind = SlotKind::Undefined;
-  Variant value;  // variable, constant or host object
+  // A variable's value, and kNoVariable for every other kind: the two always agree (every
+  // change of kind goes through SetKind, MakeVariable or Module::Redefine, which keep them so).
+  Variant value = NoVariable();
+  Variant fixed;  // a constant's value, the object of a host object or of a host member
   const Proc* proc = nullptr;
   ClassInfo* cls = nullptr;
   const BuiltinFunction* builtin = nullptr;
   Intrinsic intrinsic = Intrinsic::Eval;
   GlobalSlot* alias = nullptr;
   DispId member = kDispIdUnknown;
+
+  bool consistent() const {
+    const bool has_fixed =
+        kind == SlotKind::Constant || kind == SlotKind::HostObject || kind == SlotKind::HostMember;
+    return (kind == SlotKind::Variable) == HoldsVariable(value) && (has_fixed || fixed.is_empty());
+  }
+  // A name that held no variable becomes another that holds none (a name resolved).
+  void SetKind(SlotKind to) {
+    assert(kind != SlotKind::Variable && to != SlotKind::Variable && consistent());
+    kind = to;
+  }
+  // A name that held no variable becomes one, Empty.
+  void MakeVariable() {
+    assert(kind != SlotKind::Variable && consistent());
+    kind = SlotKind::Variable;
+    value = Variant();
+  }
 };
 
 // One member of a script class: a field, a Sub/Function, or a property's accessors.
@@ -149,6 +188,13 @@ class Module : public RefCounted {
   void AddClass(Ref<ClassInfo> cls) { classes_.push_back(std::move(cls)); }
   // Makes a procedure the current one of its name, replacing an earlier definition.
   void Define(const Proc* proc);
+  // Gives a slot of this module any other kind: a new variable starts Empty, every other kind
+  // holds the marker. Returns what a variable held, for the caller to release once the slot is
+  // in order, as its release may run a Class_Terminate that uses the name. A variable that
+  // stops being one may still be an argument passed ByRef to a running procedure: that
+  // reference becomes the argument's own copy, so that nothing reads the marker as a value or
+  // writes over it.
+  [[nodiscard]] Variant Redefine(GlobalSlot& slot, SlotKind to);
   const std::vector<const Proc*>& procedures() const { return procedures_; }
 
   // Drops values and classes, breaking the cycles between objects and the module.

@@ -39,9 +39,11 @@ Variant ForOperand(Variant v);
 
 // Moves between Variants that own nothing (numbers, Empty, Null...) are plain copies of their
 // sixteen bytes; only strings, objects and arrays need the counted paths of Variant itself.
+// Any type above Array counts as owning too: the marker of a module slot that holds no variable
+// (kNoVariable, program.h) is one, so that no plain store goes over it.
 [[gnu::always_inline]] inline bool IsPlain(const Variant& v) {
   const VarType t = v.type();
-  return t != VarType::String && t != VarType::Object && t != VarType::Array;
+  return t != VarType::String && t != VarType::Object && t < VarType::Array;
 }
 // Copies the type word and the payload as they were stored (two stores, two loads): one
 // 16-byte load of a value that two smaller stores just wrote would stall on store forwarding.

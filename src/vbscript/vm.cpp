@@ -73,23 +73,13 @@ constexpr IntrinsicName kIntrinsics[] = {
     {u"Err", Intrinsic::Err},
 };
 
-// The value a fused instruction reads from a module variable's slot: a variable's or a
-// constant's; null for anything else, whose load the general path does.
-[[gnu::always_inline]] inline const Variant* ReadableValue(const GlobalSlot& s) {
-  return s.kind == SlotKind::Variable || s.kind == SlotKind::Constant ? &s.value : nullptr;
-}
-[[gnu::always_inline]] inline bool IsReadable(const GlobalSlot& s) {
-  return s.kind == SlotKind::Variable || s.kind == SlotKind::Constant;
-}
-
 // The operands of a fused instruction on a module variable x: the right operand may be a
-// module variable too, read only while its slot holds a value.
+// module variable too. A slot that holds no variable fails the number check by its marker.
 [[gnu::always_inline]] inline int LoadFusedGlobal(const Instr& in, const Variant& x,
                                                   const Variant* locals, const Variant* consts,
                                                   GlobalSlot* const* globals, Operands& o) {
   if (!(in.flags & kFusedGlobal)) return LoadFused(in, in.b, x, locals, consts, o);
-  const Variant* y = ReadableValue(*globals[in.b]);
-  return y ? LoadOperands(x, *y, o) : 0;
+  return LoadOperands(x, globals[in.b]->value, o);
 }
 
 // The right operand of a fused instruction as a Number: an Integer held in the instruction, a
@@ -102,10 +92,7 @@ constexpr IntrinsicName kIntrinsics[] = {
     return true;
   }
   if (in.flags & kFusedLocal) return NumberOf(locals[in.b], n);
-  if (in.flags & kFusedGlobal) {
-    const Variant* y = ReadableValue(*globals[in.b]);
-    return y && NumberOf(*y, n);
-  }
+  if (in.flags & kFusedGlobal) return NumberOf(globals[in.b]->value, n);
   return NumberOf(consts[in.b], n);
 }
 
@@ -171,6 +158,14 @@ void Vm::ReleaseLocks(Variant* from, Variant* to) {
       array->Unlock();
       array->Release();
     }
+  }
+}
+
+void Vm::DetachRefs(const Variant& variable) {
+  // The argument's own stack slot: a callee's ByRef parameter holds Empty there, which is what
+  // a name that no longer is a variable reads, and an argument not passed yet holds its copy.
+  for (size_t i = 0, end = top_ - stack_; i < end; ++i) {
+    if (refs_[i] == &variable) refs_[i] = stack_ + i;
   }
 }
 
@@ -322,7 +317,7 @@ void Vm::Terminate(ScriptObject& object) noexcept {
 GlobalSlot& Vm::Resolve(GlobalSlot& slot, const Proc& proc) {
   if (slot.kind == SlotKind::Alias) {
     if (slot.alias->kind != SlotKind::Undefined) return *slot.alias;
-    slot.kind = SlotKind::Undefined;
+    slot.SetKind(SlotKind::Undefined);
     slot.alias = nullptr;
   }
   if (slot.kind != SlotKind::Undefined) return slot;
@@ -330,7 +325,7 @@ GlobalSlot& Vm::Resolve(GlobalSlot& slot, const Proc& proc) {
   if (Module* g = module ? module->global() : nullptr) {
     if (GlobalSlot* gs = g->FindSlot(slot.name); gs && gs->kind != SlotKind::Undefined) {
       if (gs->kind == SlotKind::Alias) return *gs;
-      slot.kind = SlotKind::Alias;
+      slot.SetKind(SlotKind::Alias);
       slot.alias = gs;
       return *gs;
     }
@@ -338,27 +333,27 @@ GlobalSlot& Vm::Resolve(GlobalSlot& slot, const Proc& proc) {
   for (const auto& object : member_objects_) {
     const DispId id = object->GetIdOfName(slot.name);
     if (id != kDispIdUnknown) {
-      slot.kind = SlotKind::HostMember;
-      slot.value = Variant(object.get());
+      slot.SetKind(SlotKind::HostMember);
+      slot.fixed = Variant(object.get());
       slot.member = id;
       return slot;
     }
   }
   for (const auto& i : kIntrinsics) {
     if (EqualsNoCase(i.name, slot.name)) {
-      slot.kind = SlotKind::Intrinsic;
+      slot.SetKind(SlotKind::Intrinsic);
       slot.intrinsic = i.which;
       return slot;
     }
   }
   if (const BuiltinFunction* fn = FindBuiltin(slot.name)) {
-    slot.kind = SlotKind::Builtin;
+    slot.SetKind(SlotKind::Builtin);
     slot.builtin = fn;
     return slot;
   }
   if (auto value = FindConstant(slot.name)) {
-    slot.kind = SlotKind::Constant;
-    slot.value = std::move(*value);
+    slot.SetKind(SlotKind::Constant);
+    slot.fixed = std::move(*value);
   }
   return slot;
 }
@@ -375,10 +370,11 @@ Variant& Vm::VarRef(Frame& f, uint8_t kind, int32_t slot) {
       break;
   }
   GlobalSlot& s = Resolve(*f.proc->globals[slot], *f.proc);
+  assert(s.consistent());
   if (s.kind == SlotKind::Variable) return s.value;
   if (s.kind == SlotKind::Undefined) {
     if (f.proc->option_explicit) RaiseNamed(kErrVariableUndefined, s.name);
-    s.kind = SlotKind::Variable;
+    s.MakeVariable();
     return s.value;
   }
   Raise(kErrIllegalAssignment);
@@ -387,18 +383,20 @@ Variant& Vm::VarRef(Frame& f, uint8_t kind, int32_t slot) {
 Variant& Vm::IndexTarget(Frame& f, uint8_t kind, int32_t slot) {
   if ((kind & kVarKindMask) == kVarGlobal) {
     GlobalSlot& s = Resolve(*f.proc->globals[slot], *f.proc);
-    if (s.kind == SlotKind::HostObject) return s.value;
+    if (s.kind == SlotKind::HostObject) return s.fixed;
   }
   return VarRef(f, kind, slot);
 }
 
 Variant Vm::LoadGlobalSlot(Frame& f, GlobalSlot& slot) {
   GlobalSlot& s = Resolve(slot, *f.proc);
+  assert(s.consistent());
   switch (s.kind) {
     case SlotKind::Variable:
+      return s.value;
     case SlotKind::Constant:
     case SlotKind::HostObject:
-      return s.value;
+      return s.fixed;
     case SlotKind::Procedure:
       return Call(*s.proc, nullptr, {});
     case SlotKind::Builtin: {
@@ -409,7 +407,7 @@ Variant Vm::LoadGlobalSlot(Frame& f, GlobalSlot& slot) {
     case SlotKind::Intrinsic:
       return CallIntrinsic(f, s.intrinsic, {}, true);
     case SlotKind::HostMember:
-      return s.value.as_object()->Invoke(s.member, kInvokeGet | kInvokeMethod, {});
+      return s.fixed.as_object()->Invoke(s.member, kInvokeGet | kInvokeMethod, {});
     case SlotKind::Class:
       Raise(kErrTypeMismatch);
     default:
@@ -422,14 +420,15 @@ Variant Vm::LoadGlobalSlot(Frame& f, GlobalSlot& slot) {
 
 void Vm::StoreGlobalSlot(Frame& f, GlobalSlot& slot, Variant value, bool is_set) {
   GlobalSlot& s = Resolve(slot, *f.proc);
+  assert(s.consistent());
   if (s.kind == SlotKind::HostMember) {
     Variant arg = std::move(value);
-    s.value.as_object()->Invoke(s.member, is_set ? kInvokeSet : kInvokeLet, Args(&arg, 1));
+    s.fixed.as_object()->Invoke(s.member, is_set ? kInvokeSet : kInvokeLet, Args(&arg, 1));
     return;
   }
   if (s.kind == SlotKind::Undefined) {
     if (f.proc->option_explicit) RaiseNamed(kErrVariableUndefined, s.name);
-    s.kind = SlotKind::Variable;
+    s.MakeVariable();
   }
   if (s.kind != SlotKind::Variable) Raise(kErrIllegalAssignment);
   s.value = std::move(value);
@@ -470,12 +469,13 @@ Variant Vm::CallSlot(Frame& f, GlobalSlot& slot, Variant* args, uint32_t argc, u
     case SlotKind::Variable:
     case SlotKind::Constant:
     case SlotKind::HostObject: {
-      Variant r = ApplyIndex(s.value, span, want);
-      if (s.value.is_object()) WriteBack(args, argc, mask);
+      const Variant& held = s.kind == SlotKind::Variable ? s.value : s.fixed;
+      Variant r = ApplyIndex(held, span, want);
+      if (held.is_object()) WriteBack(args, argc, mask);
       return r;
     }
     case SlotKind::HostMember: {
-      Variant r = s.value.as_object()->Invoke(
+      Variant r = s.fixed.as_object()->Invoke(
           s.member, want ? (kInvokeMethod | kInvokeGet) : kInvokeMethod, span);
       WriteBack(args, argc, mask);
       return r;
@@ -665,7 +665,8 @@ void Vm::Execute(Frame& f) {
       case Op::LoadGlobal:
       L_LoadGlobal : {
         GlobalSlot& s = *globals[ip[-1].a];
-        if (s.kind == SlotKind::Variable) {
+        assert(s.consistent());
+        if (HoldsVariable(s.value)) {
           PushCopy(sp++, s.value);
         } else {
           *sp = LoadGlobalSlot(f, s);
@@ -701,7 +702,7 @@ void Vm::Execute(Frame& f) {
             break;
           default: {
             GlobalSlot& s = *globals[ip[-1].a];
-            if (s.kind == SlotKind::Variable) {
+            if (HoldsVariable(s.value)) {
               s.value = std::move(v);
             } else {
               StoreGlobalSlot(f, s, std::move(v), ip[-1].flags & kSetFlag);
@@ -767,7 +768,7 @@ void Vm::Execute(Frame& f) {
       }
       case Op::ArgGlobal:
       L_ArgGlobal : {
-        if (GlobalSlot& v = *globals[ip[-1].a]; v.kind == SlotKind::Variable) {
+        if (GlobalSlot& v = *globals[ip[-1].a]; HoldsVariable(v.value)) {
           PushCopy(sp, v.value);
           refs_[sp - stack_] = &v.value;
           ++sp;
@@ -781,7 +782,7 @@ void Vm::Execute(Frame& f) {
             ++sp;
             break;
           }
-          if (!proc.option_explicit) s.kind = SlotKind::Variable;
+          if (!proc.option_explicit) s.MakeVariable();
         }
         if (s.kind == SlotKind::Variable) {
           *sp = s.value;
@@ -988,11 +989,9 @@ void Vm::Execute(Frame& f) {
         // script code can run meanwhile, so the array is read where it stands.
         if (ip[-1].n == 1 && (ip[-1].flags & kWantResult) && IsWhole(TypeOf(args[0]))) {
           const uint8_t kind = ip[-1].flags & kVarKindMask;
-          const Variant* held =
-              kind == kVarLocal ? &locals[ip[-1].a]
-              : kind == kVarGlobal && globals[ip[-1].a]->kind == SlotKind::Variable
-                  ? &globals[ip[-1].a]->value
-                  : nullptr;
+          const Variant* held = kind == kVarLocal    ? &locals[ip[-1].a]
+                                : kind == kVarGlobal ? &globals[ip[-1].a]->value
+                                                     : nullptr;
           const SafeArray* array = held && held->is_array() ? held->as_array() : nullptr;
           if (array && array->dimensions() == 1) {
             const ArrayBound& bound = array->bounds()[0];
@@ -1157,11 +1156,9 @@ void Vm::Execute(Frame& f) {
       }
       case Op::ForNextGlobal:
       L_ForNextGlobal:
-        if (GlobalSlot& slot = *globals[ip[-1].a]; slot.kind == SlotKind::Variable) {
-          counter = &slot.value;
-        } else {
-          counter = &VarRef(f, ip[-1].flags, ip[-1].a);
-        }
+        // A slot that holds no variable fails the number checks below by its marker.
+        counter = &globals[ip[-1].a]->value;
+        assert(globals[ip[-1].a]->consistent());
         goto for_next;
       case Op::ForNext:
       L_ForNext:
@@ -1192,11 +1189,14 @@ void Vm::Execute(Frame& f) {
             QV_NEXT();
           }
         }
+        // A module slot that holds no variable goes by what its name is now: an undefined one
+        // becomes a variable (Option Explicit permitting), anything else is refused.
+        Variant& general = HoldsVariable(var) ? var : VarRef(f, ip[-1].flags, ip[-1].a);
         if (!FastArith(
-                var, step, [](int64_t x, int64_t y) { return x + y; },
+                general, step, [](int64_t x, int64_t y) { return x + y; },
                 [](double x, double y) { return x + y; }))
-          StepCounter(var, step);
-        if (ForContinues(var, locals[ip[-1].n], step)) {
+          StepCounter(general, step);
+        if (ForContinues(general, locals[ip[-1].n], step)) {
           CheckTime();
           ip = code + ip[-1].b;
         }
@@ -1346,25 +1346,20 @@ void Vm::Execute(Frame& f) {
         QV_LOAD_JUMP(Gt, >)
         QV_LOAD_JUMP(Ge, >=)
 #undef QV_LOAD_JUMP
-        // The same on module variables. The fast path reads and writes a slot only while it
-        // holds a variable's value; otherwise the LoadGlobal the instruction stands for runs
-        // as compiled (a procedure of that name is called, Option Explicit is checked...).
-// A branch rather than a null pointer: the value's load then need not wait for the kind's.
-#define QV_GLOBAL_X(x)                             \
-  const GlobalSlot& x##_slot = *globals[ip[-1].a]; \
-  if (!IsReadable(x##_slot)) [[unlikely]]          \
-    goto L_LoadGlobal;                             \
-  const Variant* const x = &x##_slot.value
-// Where a fused instruction stores: a local, or a module variable while its slot holds one
-// that owns nothing. Releasing a module variable's object may run a Class_Terminate that
-// assigns to the same variable, so that store keeps to the general path.
-#define QV_STORE_TARGET(dst)                                                              \
-  Variant* dst = &locals[ip[-1].n];                                                       \
-  if (ip[-1].flags & kFusedStoreGlobal) {                                                 \
-    GlobalSlot& dst##_slot = *globals[ip[-1].n];                                          \
-    if (dst##_slot.kind != SlotKind::Variable || !IsPlain(dst##_slot.value)) [[unlikely]] \
-      goto L_LoadGlobal;                                                                  \
-    dst = &dst##_slot.value;                                                              \
+        // The same on module variables, read as locals are: a slot that holds no variable
+        // (a constant too) has the marker for its value, which no number check accepts and
+        // IsPlain counts as owning. Then the LoadGlobal the instruction stands for runs as
+        // compiled (a procedure of that name is called, Option Explicit is checked...).
+#define QV_GLOBAL_X(x) const Variant* const x = &globals[ip[-1].a]->value
+// Where a fused instruction stores: a local, or a module variable while it owns nothing.
+// Releasing a module variable's object may run a Class_Terminate that assigns to the same
+// variable, so that store keeps to the general path.
+#define QV_STORE_TARGET(dst)              \
+  Variant* dst = &locals[ip[-1].n];       \
+  if (ip[-1].flags & kFusedStoreGlobal) { \
+    dst = &globals[ip[-1].n]->value;      \
+    if (!IsPlain(*dst)) [[unlikely]]      \
+      goto L_LoadGlobal;                  \
   }
 #define QV_COVERED() ((ip[-1].flags & kFusedGlobal) ? 1 : 0)
 #define QV_LOAD_GLOBAL_ARITH(NAME, OP)                                                     \
@@ -1413,11 +1408,9 @@ void Vm::Execute(Frame& f) {
     L_LoadGlobal##NAME##Store : {                                                          \
       Operands o;                                                                          \
       if ((ip[-1].flags & kFusedStoreGlobal) && ip[-1].n == ip[-1].a) {                    \
-        /* s = s + k: one slot, asked once whether it holds a variable; a value that */    \
-        /* passes as an operand is a number, so the store has nothing to release. */       \
+        /* s = s + k: a value that passes as an operand is a variable's number, so the */  \
+        /* store has nothing to release. */                                                \
         Variant& v = globals[ip[-1].a]->value;                                             \
-        if (globals[ip[-1].a]->kind != SlotKind::Variable) [[unlikely]]                    \
-          goto L_LoadGlobal;                                                               \
         if (const int kind = LoadFusedGlobal(ip[-1], v, locals, consts, globals, o)) {     \
           PutResult<false>(v, kind, o, QV_WHOLE(OP), QV_REAL(OP));                         \
           ip += 2 + QV_COVERED();                                                          \
@@ -1439,9 +1432,8 @@ void Vm::Execute(Frame& f) {
       Variant& a = sp[-1];                                                                 \
       GlobalSlot& s = *globals[ip[-1].n];                                                  \
       Operands o;                                                                          \
-      if (const int kind = s.kind == SlotKind::Variable && IsPlain(s.value)                \
-                               ? LoadFused(ip[-1], ip[-1].b, a, locals, consts, o)         \
-                               : 0) {                                                      \
+      if (const int kind =                                                                 \
+              IsPlain(s.value) ? LoadFused(ip[-1], ip[-1].b, a, locals, consts, o) : 0) {  \
         PutResult<true>(s.value, kind, o, QV_WHOLE(OP), QV_REAL(OP));                      \
         new (--sp) Variant();                                                              \
         ++ip;                                                                              \
@@ -1489,8 +1481,7 @@ void Vm::Execute(Frame& f) {
         const Instr& right = ip[0];
         GlobalSlot& left_slot = *globals[ip[-1].a];
         const GlobalSlot& x_slot = *globals[right.a];
-        if (!IsReadable(left_slot) || !IsReadable(x_slot)) [[unlikely]]
-          goto L_LoadGlobal;
+        assert(left_slot.consistent() && x_slot.consistent());
         Number l, xv, k;
         if (!NumberOf(left_slot.value, l) || !NumberOf(x_slot.value, xv) ||
             !OperandNumber(right, locals, consts, globals, k))
@@ -1507,12 +1498,13 @@ void Vm::Execute(Frame& f) {
         const int32_t covered = ip[-1].b;
         if (const unsigned store = shape >> kLeftStore; store != kLeftNoStore) {
           const Instr& after = ip[covered];
-          // Stored back to the left variable, which held a number: no value to release.
+          // Stored back to the left variable, which held a number (so it is a variable): no
+          // value to release.
           GlobalSlot* target = &left_slot;
-          bool plain = left_slot.kind == SlotKind::Variable;
+          bool plain = true;
           if (!(ip[-1].flags & kLeftStoresBack)) {
             target = globals[after.n];
-            plain = target->kind == SlotKind::Variable && IsPlain(target->value);
+            plain = IsPlain(target->value);
           }
           if (plain && OperandNumber(after, locals, consts, globals, k)) {
             const Number r = store == 0   ? Compute(sum, k, QV_WHOLE(+), QV_REAL(+))
@@ -1532,7 +1524,7 @@ void Vm::Execute(Frame& f) {
       case Op::AddPopStoreGlobal:
       L_AddPopStoreGlobal : {
         GlobalSlot& s = *globals[ip[-1].n];
-        if (s.kind == SlotKind::Variable && IsPlain(s.value) && PopSum(s.value, sp)) {
+        if (IsPlain(s.value) && PopSum(s.value, sp)) {
           ++ip;
           QV_NEXT();
         }
@@ -1540,9 +1532,9 @@ void Vm::Execute(Frame& f) {
       }
       case Op::LoadGlobalStore:
       L_LoadGlobalStore : {
-        const Variant* x = ReadableValue(*globals[ip[-1].a]);
+        const Variant* x = &globals[ip[-1].a]->value;
         QV_STORE_TARGET(dst);
-        if (x && dst && IsPlain(*x) && IsPlain(*dst)) {
+        if (IsPlain(*x) && IsPlain(*dst)) {
           CopyPlain(*dst, *x);
           ++ip;
           QV_NEXT();
@@ -1566,10 +1558,9 @@ void Vm::Execute(Frame& f) {
         if (ip[-1].flags & kFusedStoreGlobal) {
           // A procedure's result handed to a module variable: only a plain variable slot
           // takes the short way; anything else runs the StoreGlobal that follows.
-          GlobalSlot& slot = *globals[ip[-1].n];
-          dst = slot.kind == SlotKind::Variable ? &slot.value : nullptr;
+          dst = &globals[ip[-1].n]->value;
         }
-        if (dst && IsPlain(x) && IsPlain(*dst)) {
+        if (IsPlain(x) && IsPlain(*dst)) {
           CopyPlain(*dst, x);
           ++ip;
           QV_NEXT();
@@ -1581,7 +1572,7 @@ void Vm::Execute(Frame& f) {
       // goes through the general store.
       L_StoreGlobal : {
         GlobalSlot& s = *globals[ip[-1].a];
-        if (s.kind == SlotKind::Variable && !(ip[-1].flags & kSetFlag) && IsPlain(sp[-1])) {
+        if (HoldsVariable(s.value) && !(ip[-1].flags & kSetFlag) && IsPlain(sp[-1])) {
           MoveInto(s.value, *--sp);
           QV_NEXT();
         }

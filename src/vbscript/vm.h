@@ -89,6 +89,8 @@ class Vm : public RefCounted {
   void Terminate(ScriptObject& object) noexcept;
   // Unlocks the arrays whose elements were passed ByRef from these stack slots.
   void ReleaseLocks(Variant* from, Variant* to);
+  // Makes every running reference to a variable (a ByRef argument) the argument's own copy.
+  void DetachRefs(const Variant& variable);
 
  private:
   struct Frame {

@@ -96,6 +96,29 @@ Check Err.Number, CLng(501), "a counter that became a function"
 Err.Clear
 On Error GoTo 0
 
+' A constant of code run earlier is read where a variable would be, but never written: in
+' every statement form, as a loop's end and as a counter.
+ExecuteGlobal "Const K5 = 5"
+ExecuteGlobal "t = 1 : t = t + K5 * 2 - 1 : e = t + K5 : a = K5 : b = 0 : For o = 1 To K5 : b = b + K5 : Next"
+CheckEach Array("t", 10, "e", 15, "a", 5, "b", 25, "o", 6)
+CheckErrors Array("K5 = K5 + 1", 501, "K5 = K5 * 2 - 1", 501, "For K5 = 1 To 2 : Next", 501, _
+  "t = 1 : K5 = t + a * 2", 501)
+Check K5, 5, "the constant after each try"
+
+' A variable passed ByRef whose name becomes a function or a constant during the call: the
+' parameter goes on as a copy of its own, Empty, and the new meaning of the name stays.
+Dim byref1, byref2
+Sub RedefineUnder(p, code)
+  ExecuteGlobal code
+  Check VarType(p), 0, "the parameter reads Empty: " & code
+  p = p & "written"
+  Check p, "written", "the parameter after: " & code
+End Sub
+byref1 = 1 : byref2 = 2
+RedefineUnder byref1, "Function byref1() : byref1 = ""fn"" : End Function"
+RedefineUnder byref2, "Const byref2 = 7"
+CheckEach Array("byref1", "fn", "byref2", 7)
+
 ' The time limit stops a For loop counting in a module variable.
 Set sc = CreateObject("MSScriptControl.ScriptControl")
 sc.Language = "VBScript"
