@@ -1487,14 +1487,8 @@ void Vm::Execute(Frame& f) {
             !OperandNumber(right, locals, consts, globals, k))
           goto L_LoadGlobal;
         const unsigned shape = ip[-1].n;
-        const unsigned inner = shape >> kLeftInner & 3;
-        const Number y = inner == 0   ? Compute(xv, k, QV_WHOLE(+), QV_REAL(+))
-                         : inner == 1 ? Compute(xv, k, QV_WHOLE(-), QV_REAL(-))
-                                      : Compute(xv, k, QV_WHOLE(*), QV_REAL(*));
-        const unsigned outer = shape >> kLeftOuter & 3;
-        const Number sum = outer == 0   ? Compute(l, y, QV_WHOLE(+), QV_REAL(+))
-                           : outer == 1 ? Compute(l, y, QV_WHOLE(-), QV_REAL(-))
-                                        : Compute(l, y, QV_WHOLE(*), QV_REAL(*));
+        const Number y = Compute(shape >> kLeftInner & 3, xv, k);
+        const Number sum = Compute(shape >> kLeftOuter & 3, l, y);
         const int32_t covered = ip[-1].b;
         if (const unsigned store = shape >> kLeftStore; store != kLeftNoStore) {
           const Instr& after = ip[covered];
@@ -1507,10 +1501,7 @@ void Vm::Execute(Frame& f) {
             plain = IsPlain(target->value);
           }
           if (plain && OperandNumber(after, locals, consts, globals, k)) {
-            const Number r = store == 0   ? Compute(sum, k, QV_WHOLE(+), QV_REAL(+))
-                             : store == 1 ? Compute(sum, k, QV_WHOLE(-), QV_REAL(-))
-                                          : Compute(sum, k, QV_WHOLE(*), QV_REAL(*));
-            PutNumber(target->value, FiniteNumber(r));
+            PutNumber(target->value, FiniteNumber(Compute(store, sum, k)));
             ip += covered + 2;
             QV_NEXT();
           }
