@@ -26,6 +26,7 @@ struct CustomViewOptions {
 };
 
 void RunCustomView(const CustomViewOptions& o) {
+  RequireName(o.name, u"A custom view");
   try {
     Ref<Tyx> tyx = OpenProject(o.project_file);
     const String file = String::FromUtf8(o.project_file);

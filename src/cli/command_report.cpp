@@ -24,6 +24,7 @@ struct ReportOptions {
 };
 
 void RunReport(const ReportOptions& o) {
+  RequireName(o.name, u"A report");
   try {
     Ref<Tyx> tyx = OpenProject(o.project_file);
     const String file = String::FromUtf8(o.project_file);

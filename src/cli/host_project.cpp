@@ -30,6 +30,13 @@ String ProductMessage(StringView words) {
   return text;
 }
 
+void RequireName(const std::string& name, StringView what) {
+  if (name.find_first_not_of(" \t") != std::string::npos) return;
+  String words(what);
+  words.Append(u" needs a name!");
+  FailWith(ProductMessage(words));
+}
+
 Ref<Tyx> OpenProject(const std::string& project_file) {
   Ref<Tyx> tyx;
   try {

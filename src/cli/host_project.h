@@ -20,6 +20,10 @@ Ref<Tyx> OpenProject(const std::string& project_file);
 // Writes the project back to its file; a failure ends the command with the error's words.
 void SaveProject(Tyx& tyx, const std::string& project_file);
 
+// Ends the command when the name a user gave a new table of the project (a custom view, a
+// report) is empty or only blanks: such a table could be neither named nor found again.
+void RequireName(const std::string& name, StringView what);
+
 // The product's prefix for a message: "Quorvex: " followed by the words.
 String ProductMessage(StringView words);
 

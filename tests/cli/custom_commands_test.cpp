@@ -68,6 +68,8 @@ TEST(CustomCommands, CustomViewsAndReportsOnAProject) {
   EXPECT_NE(no_source.status, 0);
   EXPECT_TRUE(Has(no_source.err, "Quorvex: Table/View Nothing not exist or loaded!"))
       << no_source.err;
+  const auto blank = Quorvex(dir, {"report", "app.qvp", "  ", "--from", "Invoice"});
+  EXPECT_EQ(blank.err, "Quorvex: A report needs a name!\n");
   EXPECT_EQ(ReadAll(dir / "app.qvp"), before);
   const auto missing_sql = Quorvex(dir, {"customview", "app.qvp", "NoSql"});
   EXPECT_NE(missing_sql.status, 0);
