@@ -65,7 +65,8 @@ int main(int argc, char** argv) {
   int i = 1;
   for (; i < argc; ++i) {
     const std::string arg = argv[i];
-    if (arg == "--prelude" && i + 1 < argc) {
+    if (arg == "--prelude") {
+      if (i + 1 >= argc) return Usage();  // not a script named "--prelude"
       preludes.push_back(argv[++i]);
     } else if (arg == "//nologo" || arg == "//NoLogo") {
       continue;
