@@ -134,7 +134,10 @@ void ListUnreadable(const TyxDatabase& db, bool dynamic) {
   db.Tables().list().ForEach([](TyxTable& t) {
     std::string why;
     if (!t.TblLoaded()) {
-      why = "its columns could not be read (try another --quote style)";
+      // The reader keeps no reason: name what refuses a query most often.
+      why =
+          "the database refused to read its columns (a view of a table that is gone, or a "
+          "name that needs another --quote style)";
     } else if (!t.TblGen() && !t.TblError().empty()) {
       why = t.TblError().ToUtf8();
     } else if (t.Fields().Count() == 0) {
