@@ -103,8 +103,39 @@ std::string Shown(const Variant& value) {
   }
 }
 
+// Whether the assignments switch generation on (TblGen=True, 1 or -1).
+bool SwitchesGenerationOn(const std::vector<std::string>& assignments) {
+  for (const std::string& a : assignments) {
+    const size_t eq = a.find('=');
+    if (eq == std::string::npos) continue;
+    const String name = String::FromUtf8(a.substr(0, eq));
+    const String value = ToLower(TrimBlanks(String::FromUtf8(a.substr(eq + 1))));
+    if (EqualsNoCase(name, u"TblGen") && (value == u"true" || value == u"1" || value == u"-1"))
+      return true;
+  }
+  return false;
+}
+
+// A project that loads its tables on demand has only listed a table until its fields are read:
+// switched on as it stands, it would generate nothing. Its fields are read first, since reading
+// gives the table its defaults and would undo the settings given with it.
+void LoadListedTable(Tyx& tyx, const SetOptions& o) {
+  if (o.table.empty() || !o.field.empty() || o.database || !tyx.DynamicLoadDB()) return;
+  if (!SwitchesGenerationOn(o.assignments)) return;
+  TyxDatabase* db = tyx.Databases().Find(tyx.CurrentDbName);
+  const TyxTable* table = db ? db->Tables().list().ByName(String::FromUtf8(o.table)) : nullptr;
+  if (!table || table->TblLoaded()) return;
+  try {
+    tyx.Services().LoadTable(tyx, Variant(String::FromUtf8(o.table)));
+  } catch (const Error& e) {
+    FailWith(e.description());
+  }
+  if (!tyx.ProjErr().empty()) FailWith(tyx.ProjErr());
+}
+
 void RunSet(const SetOptions& o) {
   Ref<Tyx> tyx = OpenProject(o.project_file);
+  LoadListedTable(*tyx, o);
   const Target target = FindTarget(*tyx, o);
   std::vector<std::string> lines;
   for (const std::string& assignment : o.assignments) {

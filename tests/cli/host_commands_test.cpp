@@ -204,6 +204,14 @@ TEST(EditingCommands, SetChangesProjectTableAndFieldSettings) {
       Quorvex(dir, {"set", "dyn.qvp", "--table", "Invoice", "--field", "Nope", "FldCaption=x"})
           .status,
       0);
+  // ...and when generation is switched on for it, so that it has pages to generate; the
+  // settings given with it stand.
+  ASSERT_EQ(
+      Quorvex(dir, {"set", "dyn.qvp", "--table", "Genre", "TblGen=1", "TblCaption=Styles"}).status,
+      0);
+  const std::string genre = Quorvex(dir, {"show", "dyn.qvp", "Genre"}).out;
+  EXPECT_TRUE(Has(genre, "TblLoaded            = True\n")) << genre;
+  EXPECT_TRUE(Has(genre, "TblCaption           = Styles\n")) << genre;
 }
 
 TEST(EditingCommands, ExtensionsAndSavedDefaults) {
