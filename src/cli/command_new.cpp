@@ -135,9 +135,10 @@ void ListUnreadable(const TyxDatabase& db, bool dynamic) {
     std::string why;
     if (!t.TblLoaded()) {
       // The reader keeps no reason: name what refuses a query most often.
-      why =
-          "the database refused to read its columns (a view of a table that is gone, or a "
-          "name that needs another --quote style)";
+      why = t.TblType() == u"VIEW"
+                ? "the database refused to read its columns (a view of a table that is gone, "
+                  "or a name that needs another --quote style)"
+                : "the database refused to read its columns (try another --quote style)";
     } else if (!t.TblGen() && !t.TblError().empty()) {
       why = t.TblError().ToUtf8();
     } else if (t.Fields().Count() == 0) {
