@@ -21,6 +21,7 @@
 //   application            hash of the values by name in lower case
 //   application-names      hash of each name as it was first written, by name in lower case
 //   application-order      sorted set of the names in lower case by when they were added
+//   application-version    counts the writes to Application, for the servers' copies of it
 //   application-lock       the token of the request in Application.Lock, with a lease
 //   application-started    set by the process that ran Application_OnStart
 #include "asp/redis_store.h"
@@ -28,8 +29,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cassert>
+#include <charconv>
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <thread>
 #include <unordered_map>
@@ -46,6 +49,7 @@ const std::string kApplicationNames = kPrefix + "application-names";
 const std::string kApplicationOrder = kPrefix + "application-order";
 const std::string kApplicationSeq = kPrefix + "application-seq";
 const std::string kApplicationLock = kPrefix + "application-lock";
+const std::string kApplicationVersion = kPrefix + "application-version";
 const std::string kApplicationStarted = kPrefix + "application-started";
 
 // KEYS: session, hold, ends, last, and the session's key under the cookie it had before the
@@ -140,12 +144,12 @@ end
 return out
 )lua";
 
-// KEYS: lock, values, names, order, seq. ARGV: token, op (put, remove, clear), key, name,
-// value. 0 when done; more (the lock's ms left, plus one) while another request holds the
-// lock.
+// KEYS: lock, values, names, order, seq, version. ARGV: token, op (put, remove, clear), key,
+// name, value. {0, the version this write made} when done; {ms to wait (what is left of the
+// lock's lease), 0} while another request holds the lock.
 constexpr std::string_view kApplicationWriteScript = R"lua(
 local owner = redis.call('get', KEYS[1])
-if owner and owner ~= ARGV[1] then return redis.call('pttl', KEYS[1]) + 1 end
+if owner and owner ~= ARGV[1] then return {math.max(redis.call('pttl', KEYS[1]), 1), 0} end
 if ARGV[2] == 'put' then
   redis.call('hset', KEYS[2], ARGV[3], ARGV[5])
   if redis.call('hsetnx', KEYS[3], ARGV[3], ARGV[4]) == 1 then
@@ -158,7 +162,7 @@ elseif ARGV[2] == 'remove' then
 else
   redis.call('del', KEYS[2], KEYS[3], KEYS[4])
 end
-return 0
+return {0, redis.call('incr', KEYS[6])}
 )lua";
 
 // KEYS: names, order. The names as first written, in the order they were added.
@@ -334,32 +338,135 @@ std::string FieldOf(StringView name) {
 
 // --- Application -------------------------------------------------------------------------------
 
+using Clock = std::chrono::steady_clock;
+
+// The Application values this process read, so that reading them again costs no round trip
+// while nobody changed Application. Every write counts up Application's version in Redis, and
+// reads of the version come along with calls a request makes anyway (its session's opening).
+//
+// What makes an answer from here right: the last version read, `version_`, was read by a
+// command sent at `seen_`, so Redis ran it after that moment, and every write that had ended
+// before it has a version up to `version_`. Each value kept was read after a version that equals
+// `version_`, so it is at least that new. A request that came in before `seen_` may take them.
+// Of two readings of the version, the one sent later holds, whichever Redis ran first.
+class ApplicationCache {
+ public:
+  // The image of `field` (none for a name without a value), when it is known as new as at
+  // `since`.
+  bool Find(const std::string& field, Clock::time_point since, std::optional<std::string>& image) {
+    std::lock_guard guard(mutex_);
+    if (seen_ < since) return false;
+    const auto it = values_.find(field);
+    if (it == values_.end()) return false;
+    image = it->second;
+    return true;
+  }
+
+  // Redis held `version` when a command sent at `asked` read it.
+  void Saw(long long version, Clock::time_point asked) {
+    std::lock_guard guard(mutex_);
+    See(version, asked);
+  }
+
+  // A value read right after reading `version` with a command sent at `asked`.
+  void Keep(long long version, Clock::time_point asked, const std::string& field,
+            std::optional<std::string> image) {
+    // Names made up by requests could grow the copy without end.
+    constexpr size_t kMostValues = 10000;
+    std::lock_guard guard(mutex_);
+    if (!See(version, asked)) return;
+    if (values_.size() >= kMostValues) values_.clear();
+    values_[field] = std::move(image);
+  }
+
+  // A write of this process made `version`: when it is the only write since the version the
+  // values are of, they stay right with it applied; else they are dropped. `field` empty
+  // means every value was removed; no `image`, that the value was.
+  void Wrote(long long version, const std::string& field, std::optional<std::string> image) {
+    std::lock_guard guard(mutex_);
+    if (version != version_ + 1 || version_ < 0) {
+      values_.clear();
+      version_ = -1;
+      return;
+    }
+    version_ = version;
+    if (field.empty()) {
+      values_.clear();
+    } else {
+      values_[field] = std::move(image);
+    }
+  }
+
+ private:
+  // False when the reading is older than the one the values go by and disagrees with it.
+  bool See(long long version, Clock::time_point asked) {
+    if (asked < seen_) return version == version_;
+    if (version != version_) values_.clear();
+    version_ = version;
+    seen_ = asked;
+    return true;
+  }
+
+  std::mutex mutex_;
+  long long version_ = -1;  // none yet
+  Clock::time_point seen_;
+  std::unordered_map<std::string, std::optional<std::string>> values_;  // images by field
+};
+
+long long VersionOf(const RedisReply& r) {
+  if (r.is_error()) throw StateUnavailable("Redis: " + r.text);
+  long long version = 0;  // none written yet, or lost with a Redis that restarted
+  if (!r.is_nil()) std::from_chars(r.text.data(), r.text.data() + r.text.size(), version);
+  return version;
+}
+
 class RedisApplication final : public ApplicationState {
  public:
   RedisApplication(RedisClient& redis, LeaseKeeper& keeper, std::string process_token,
                    std::chrono::milliseconds lease)
       : redis_(redis), keeper_(keeper), process_token_(std::move(process_token)), lease_(lease) {}
 
-  Variant Get(StringView name) override {
-    const RedisReply r = redis_.Run({"HGET", kApplication, FieldOf(name)});
-    if (r.is_nil()) return {};
-    std::string_view in = r.text;
+  // A request in Application.Lock reads from Redis: it must see every write made before its
+  // Lock, and the copy promises only those made before the request came in.
+  Variant Get(StringView name, const void* requester, Clock::time_point since) override {
+    read_ = true;
+    const std::string field = FieldOf(name);
+    std::optional<std::string> image;
+    if (InLock(requester) || !cache_.Find(field, since, image)) {
+      const Clock::time_point asked = Clock::now();
+      const std::vector<RedisReply> r =
+          redis_.Pipeline({{"GET", kApplicationVersion}, {"HGET", kApplication, field}});
+      if (r[1].is_error()) throw StateUnavailable("Redis: " + r[1].text);
+      if (!r[1].is_nil()) image = r[1].text;
+      cache_.Keep(VersionOf(r[0]), asked, field, image);
+    }
+    if (!image) return {};
+    std::string_view in = *image;
     StoredValue value;
     if (!StoredValue::Decode(in, value)) return {};
     return value.ToVariant();
   }
 
+  // Whether a request of this process read Application yet: until then, openings of sessions
+  // need not read its version.
+  bool read() const { return read_; }
+  ApplicationCache& cache() { return cache_; }
+
   void Put(StringView name, const Variant& value, const void* requester) override {
     std::string image;
     StoredValue::From(value, false).Encode(image);
-    Write("put", FieldOf(name), String::ToUtf8(name), image, requester);
+    const std::string field = FieldOf(name);
+    cache_.Wrote(Write("put", field, String::ToUtf8(name), image, requester), field, image);
   }
 
   void Remove(StringView name, const void* requester) override {
-    Write("remove", FieldOf(name), {}, {}, requester);
+    const std::string field = FieldOf(name);
+    cache_.Wrote(Write("remove", field, {}, {}, requester), field, std::nullopt);
   }
 
-  void RemoveAll(const void* requester) override { Write("clear", {}, {}, {}, requester); }
+  void RemoveAll(const void* requester) override {
+    cache_.Wrote(Write("clear", {}, {}, {}, requester), {}, std::nullopt);
+  }
 
   size_t Count() override {
     return static_cast<size_t>(std::max(0LL, redis_.Run({"HLEN", kApplication}).integer));
@@ -424,21 +531,28 @@ class RedisApplication final : public ApplicationState {
     redis_.Eval(kReleaseScript, {kApplicationLock}, {token});
   }
 
+  bool InLock(const void* requester) {
+    std::lock_guard guard(mutex_);
+    return depth_.contains(requester);
+  }
+
   std::string TokenOf(const void* requester) const {
     return process_token_ + ":" + std::to_string(reinterpret_cast<uintptr_t>(requester));
   }
 
-  void Write(std::string_view op, std::string_view field, std::string_view name,
-             std::string_view image, const void* requester) {
+  // Returns the version the write made.
+  long long Write(std::string_view op, std::string_view field, std::string_view name,
+                  std::string_view image, const void* requester) {
     const std::string token = TokenOf(requester);
     Backoff backoff;
     for (;;) {
-      const RedisReply r = redis_.Eval(
-          kApplicationWriteScript,
-          {kApplicationLock, kApplication, kApplicationNames, kApplicationOrder, kApplicationSeq},
-          {token, op, field, name, image});
-      if (r.integer == 0) return;
-      backoff.Wait(r.integer - 1);
+      const RedisReply r = redis_.Eval(kApplicationWriteScript,
+                                       {kApplicationLock, kApplication, kApplicationNames,
+                                        kApplicationOrder, kApplicationSeq, kApplicationVersion},
+                                       {token, op, field, name, image});
+      if (r.items.size() != 2) throw StateUnavailable("Redis: an unexpected answer to a write");
+      if (r.items[0].integer == 0) return r.items[1].integer;
+      backoff.Wait(r.items[0].integer);
     }
   }
 
@@ -448,6 +562,8 @@ class RedisApplication final : public ApplicationState {
   const std::chrono::milliseconds lease_;
   std::mutex mutex_;
   std::unordered_map<const void*, int> depth_;  // the requests of this process in Lock
+  ApplicationCache cache_;
+  std::atomic<bool> read_{false};
 };
 
 // --- the store ---------------------------------------------------------------------------------
@@ -481,6 +597,7 @@ class RedisOpening final : public SessionOpening {
   const std::string token;
   RedisClient::Started call;
   std::chrono::steady_clock::time_point asked;  // when the hold was last asked for
+  bool version = false;                         // Application's version was asked for too
 };
 
 class RedisStateStore final : public StateStore {
@@ -691,8 +808,14 @@ class RedisStateStore final : public StateStore {
   // Takes the hold and reads the image in one round trip. The image comes along even while
   // another request holds the session: the common case costs one round trip, and the image of
   // a miss is thrown away.
-  std::vector<RedisCommand> OpenCommands(const RedisOpening& opening) const {
-    return {{"SET", opening.hold, opening.token, "NX", "PX", lease_text_}, {"GET", opening.key}};
+  // Application's version comes along once this process reads Application, so that the
+  // request can read it from the process's copy.
+  std::vector<RedisCommand> OpenCommands(RedisOpening& opening) {
+    opening.version = application_.read();
+    std::vector<RedisCommand> out{{"SET", opening.hold, opening.token, "NX", "PX", lease_text_},
+                                  {"GET", opening.key}};
+    if (opening.version) out.push_back({"GET", kApplicationVersion});
+    return out;
   }
 
   // Takes the session's hold (waiting while another request has it) and reads its image;
@@ -715,6 +838,8 @@ class RedisStateStore final : public StateStore {
       for (const RedisReply& each : r) {
         if (each.is_error()) throw StateUnavailable("Redis: " + each.text);
       }
+      if (opening.version) application_.cache().Saw(VersionOf(r[2]), opening.asked);
+      session.hold_asked = opening.asked;
       if (r[0].is_nil()) {
         backoff.Wait(0);
         continue;
@@ -723,7 +848,6 @@ class RedisStateStore final : public StateStore {
         session.cookie = std::string(cookie);
         session.loaded_image = std::move(r[1].text);
         session.hold_token = token;
-        session.hold_asked = opening.asked;
         keeper_.Hold(hold, token, leases_.session);
         return true;
       }

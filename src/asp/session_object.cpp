@@ -1,7 +1,9 @@
 // Session and Application as scripts see them: named values (Contents, the default member),
 // StaticObjects, and each one's own members. Values go through StoredValue both ways, so a
 // page always works on its own copy of text and arrays.
+#include <algorithm>
 #include <cassert>
+#include <chrono>
 
 #include "asp/asp_error.h"
 #include "asp/collections.h"
@@ -252,11 +254,19 @@ class ApplicationValues : public Contents<ApplicationValues> {
   explicit ApplicationValues(PageContext& c) : c_(c) {}
   ApplicationState& state() { return c_.store->Application(); }
   const void* requester() const { return &c_; }
+  // Values as new as when the request came in are new enough for it. Its session, asked for
+  // as it came in, may have been asked for before the page's context was made.
+  std::chrono::steady_clock::time_point since() const {
+    const auto& session = c_.session;
+    if (session && session->hold_asked != std::chrono::steady_clock::time_point())
+      return std::min(c_.started, session->hold_asked);
+    return c_.started;
+  }
 
   size_t Count() { return state().Count(); }
   std::u16string NameAt(size_t i) { return state().NameAt(i); }
-  Variant ValueAt(size_t i) { return state().Get(NameAt(i)); }
-  Variant ValueOf(StringView name) { return state().Get(name); }
+  Variant ValueAt(size_t i) { return ValueOf(NameAt(i)); }
+  Variant ValueOf(StringView name) { return state().Get(name, requester(), since()); }
   void Store(StringView name, const Variant& v) { state().Put(name, v, requester()); }
   void RemoveName(StringView name) { state().Remove(name, requester()); }
   void RemoveAll() { state().RemoveAll(requester()); }

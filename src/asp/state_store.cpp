@@ -277,7 +277,7 @@ namespace {
 
 class MemoryApplication final : public ApplicationState {
  public:
-  Variant Get(StringView name) override {
+  Variant Get(StringView name, const void*, std::chrono::steady_clock::time_point) override {
     std::lock_guard guard(mutex_);
     const StoredValue* v = contents_.Find(name);
     return v ? v->ToVariant() : Variant();

@@ -91,8 +91,9 @@ struct SessionState {
   // that it writes back only a session that changed, and the token of its hold.
   std::string loaded_image;
   std::string hold_token;
-  // When the request asked for its hold, by this process's clock: the lease runs from a moment
-  // after this, so the hold is surely still the request's while the lease is not nearly over.
+  // When the request asked for its session, by this process's clock: the hold's lease runs
+  // from a moment after this, so the hold is surely still the request's while the lease is not
+  // nearly over.
   std::chrono::steady_clock::time_point hold_asked;
   // The cookie the session had when this request opened it, once RenewSession gave it another:
   // a shared store moves the session from the old key to the new one when it closes.
@@ -113,8 +114,11 @@ struct SessionState {
 class ApplicationState {
  public:
   virtual ~ApplicationState() = default;
-  // The value of a name (Empty when there is none).
-  virtual Variant Get(StringView name) = 0;
+  // The value of a name (Empty when there is none), at least as new as at `since`: a store
+  // outside this process may answer from what it read since then. The request of `requester`
+  // sees what its own writes and Lock leave.
+  virtual Variant Get(StringView name, const void* requester,
+                      std::chrono::steady_clock::time_point since) = 0;
   virtual void Put(StringView name, const Variant& value, const void* requester) = 0;
   virtual void Remove(StringView name, const void* requester) = 0;
   virtual void RemoveAll(const void* requester) = 0;

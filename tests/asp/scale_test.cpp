@@ -240,6 +240,29 @@ TEST_F(ScaleTest, ApplicationContentsKeepNamesAndOrderAcrossServers) {
             "Zeta=Integer;list=Variant();alpha=String;3;Zeta;3;x");
 }
 
+// A server keeps the Application values it read while nobody writes Application: the version
+// that every write counts up comes along with the session's opening, and a value read again
+// costs no round trip until the version moves.
+TEST_F(ScaleTest, ApplicationValuesAreReadAgainOnlyAfterAWrite) {
+  const std::string cookie = CookieOf(Get(servers_[1].port, "/scale/shared.asp?name=kept"));
+  ASSERT_FALSE(cookie.empty());
+  const auto reads = [&](uint16_t port, const std::string& query, std::string expected) {
+    const long before = CommandCalls()["hget"];
+    EXPECT_EQ(Get(port, "/scale/shared.asp?name=kept" + query, Header(cookie)).body, expected);
+    return CommandCalls()["hget"] - before;
+  };
+  reads(servers_[0].port, "", "");
+  EXPECT_EQ(reads(servers_[0].port, "&set=a", "aaa"), 0);  // its own write
+  EXPECT_EQ(reads(servers_[1].port, "", "aaa"), 1);        // moved: read once, then kept
+  EXPECT_EQ(reads(servers_[1].port, "", "aaa"), 0);
+  EXPECT_EQ(reads(servers_[1].port, "&set=b", "bbb"), 0);
+  EXPECT_EQ(reads(servers_[0].port, "", "bbb"), 1);
+  // A page without a session reads the version with the value the first time.
+  const long before = CommandCalls()["hget"];
+  EXPECT_EQ(Get(servers_[0].port, "/scale/counter.asp?read=1&name=kept").body, "b");
+  EXPECT_EQ(CommandCalls()["hget"] - before, 1);
+}
+
 TEST_F(ScaleTest, AbandonDeletesTheKeyAndEndsTheSessionOnce) {
   const Reply first = Get(servers_[0].port, "/session.asp?case=count");
   const std::string cookie = CookieOf(first);
