@@ -42,10 +42,21 @@ std::string ShippedPackage(const std::string& name) {
                                            (list.empty() ? std::string("none") : list) + ".")));
 }
 
+// A package given by the user: a run looks for a relative path in the data folder's
+// extensions/, so a file found from the current folder is kept with its full path.
+std::string GivenPackage(const std::string& path) {
+  namespace fs = std::filesystem;
+  std::error_code ec;
+  if (!fs::path(path).is_relative() || !fs::is_regular_file(path, ec)) return path;
+  const fs::path full = fs::absolute(path, ec).lexically_normal();
+  return ec ? path : full.string();
+}
+
 void AddExtension(const ExtensionOptions& o) {
   Ref<Tyx> tyx = OpenProject(o.project_file);
   const String name = String::FromUtf8(o.name);
-  const std::string package = o.template_path.empty() ? ShippedPackage(o.name) : o.template_path;
+  const std::string package =
+      o.template_path.empty() ? ShippedPackage(o.name) : GivenPackage(o.template_path);
   bool added = false;
   try {
     added = tyx->AddExtension(name, String::FromUtf8(package));

@@ -236,7 +236,22 @@ TEST(EditingCommands, ExtensionsAndSavedDefaults) {
   EXPECT_NE(unknown.status, 0);
   EXPECT_TRUE(Has(unknown.err, "No extension \"nope\" is shipped!")) << unknown.err;
   EXPECT_TRUE(Has(unknown.err, "api")) << unknown.err;
+  ASSERT_EQ(Quorvex(dir, {"extension", "remove", "app.qvp", "Maps"}).status, 0);
+  // The second run reuses the scripts of the first, and checks the extension's files for that.
+  for (int run = 1; run <= 2; ++run) {
+    const auto generated =
+        Quorvex(dir, {"generate", "app.qvp", "--dest", "site", "--overwrite", "all"});
+    EXPECT_EQ(generated.status, 0) << "run " << run << ": " << generated.err;
+  }
+  EXPECT_TRUE(std::filesystem::exists(dir / "site" / "Albumapi.asp"));
+  // A package named from the current folder is kept with its full path.
+  std::filesystem::copy_file(dir / "site" / "default.asp", dir / "mine.zip");
+  ASSERT_EQ(Quorvex(dir, {"extension", "add", "app.qvp", "Mine", "mine.zip"}).status, 0);
+  EXPECT_TRUE(Has(Quorvex(dir, {"extension", "list", "app.qvp"}).out,
+                  "Mine = " + (dir / "mine.zip").string() + "\n"));
+  ASSERT_EQ(Quorvex(dir, {"extension", "remove", "app.qvp", "Mine"}).status, 0);
   ASSERT_EQ(Quorvex(dir, {"extension", "remove", "app.qvp", "api"}).status, 0);
+  ASSERT_EQ(Quorvex(dir, {"extension", "add", "app.qvp", "Maps", "/packs/maps.zip"}).status, 0);
 
   // Saved defaults: a project's registry-backed settings and its extensions become what new
   // projects start from; settings that never go to the store stay out.
