@@ -146,7 +146,9 @@ return out
 
 // KEYS: lock, values, names, order, seq, version. ARGV: token, op (put, remove, clear), key,
 // name, value. {0, the version this write made} when done; {ms to wait (what is left of the
-// lock's lease), 0} while another request holds the lock.
+// lock's lease), 0} while another request holds the lock. Versions count on from the time in
+// microseconds at which the first write found none, so that after a Redis that lost its data
+// (a restart) they never repeat one that a server's copy may be of.
 constexpr std::string_view kApplicationWriteScript = R"lua(
 local owner = redis.call('get', KEYS[1])
 if owner and owner ~= ARGV[1] then return {math.max(redis.call('pttl', KEYS[1]), 1), 0} end
@@ -161,6 +163,10 @@ elseif ARGV[2] == 'remove' then
   redis.call('zrem', KEYS[4], ARGV[3])
 else
   redis.call('del', KEYS[2], KEYS[3], KEYS[4])
+end
+if redis.call('exists', KEYS[6]) == 0 then
+  local now = redis.call('time')
+  redis.call('set', KEYS[6], now[1] .. string.format('%06d', tonumber(now[2])))
 end
 return {0, redis.call('incr', KEYS[6])}
 )lua";

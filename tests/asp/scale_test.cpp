@@ -457,6 +457,11 @@ TEST_F(ScaleTest, AThousandConcurrentIncrementsUnderLockEndAtAThousand) {
 }
 
 TEST_F(ScaleTest, RedisStoppedAndRestartedUnderLoad) {
+  // A value both servers read before Redis lost it: neither answers from its copy afterwards,
+  // as Application's versions after the loss never repeat one from before.
+  const std::string cookie = CookieOf(Get(servers_[0].port, "/scale/shared.asp?name=lost&set=v"));
+  EXPECT_EQ(Get(servers_[1].port, "/scale/shared.asp?name=lost", Header(cookie)).body, "vvv");
+  const long long version = std::stoll(Redis("get quorvex:application-version"));
   std::atomic<bool> stop{false};
   std::atomic<int> ok_before{0}, unavailable{0}, ok_after{0}, other{0};
   std::atomic<bool> restarted{false};
@@ -501,6 +506,12 @@ TEST_F(ScaleTest, RedisStoppedAndRestartedUnderLoad) {
   EXPECT_NE(unavailable_body.find("503 Service Unavailable"), std::string::npos);
   EXPECT_TRUE(Alive(servers_[0]));
   EXPECT_TRUE(Alive(servers_[1]));
+  for (const Server& s : servers_) {
+    const Reply r = Get(s.port, "/scale/shared.asp?name=lost");
+    EXPECT_EQ(r.body, "");
+    EXPECT_EQ(Get(s.port, "/scale/shared.asp?name=lost", Header(CookieOf(r))).body, "");
+  }
+  EXPECT_GT(std::stoll(Redis("get quorvex:application-version")), version);
 }
 
 TEST(ScaleState, RedisAddressesAndWhatServeSaysAboutWrongOnes) {
