@@ -10,6 +10,7 @@
 #include <regex>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "cli/run_quorvex.h"
@@ -199,6 +200,23 @@ TEST(GenerateCommand, BadInputEndsWithTheEnginesWords) {
   EXPECT_TRUE(Has(run.err, "Quorvex: Template file not found! Generation aborted!")) << run.err;
   run = Quorvex(dir, {"generate", "chin.qvp", "--dest", "site", "--overwrite", "maybe"});
   EXPECT_NE(run.status, 0);
+
+  // A lookup of a table or column the project doesn't have stops the run before any page.
+  for (const auto& [table, display, missing] :
+       {std::tuple{"Artists", "Name", "the table Artists"},
+        std::tuple{"artist", "Title", "the column Title of Artist"}}) {
+    ASSERT_EQ(Quorvex(dir, {"set", "chin.qvp", "--table", "Album", "--field", "ArtistId",
+                            std::string("FldTagLnkTbl=") + table, "FldTagLnkFld=ArtistId",
+                            std::string("FldTagLnkDisplay=") + display})
+                  .status,
+              0);
+    run = Quorvex(dir, {"generate", "chin.qvp", "--dest", "lookup", "--template", "pack.zip"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Has(run.err, std::string("Quorvex: The lookup of field ArtistId of Album names ") +
+                                 missing + ", which the project doesn't have!"))
+        << run.err;
+    EXPECT_FALSE(sfs::exists(dir / "lookup" / "default.asp"));
+  }
 }
 
 // The phrase ids of a language file of ours, with their texts.
