@@ -663,12 +663,13 @@ class RedisStateStore final : public StateStore {
     }
     if (!session.hold_token.empty()) keeper_.Drop(session.hold_token);
     const std::string timeout = std::to_string(int64_t{session.timeout_minutes} * 60);
-    if ((mode == "s" || mode == "t") && !session.hold_token.empty() &&
-        session.renewed_from.empty()) {
-      if (HoldIsSure(session)) {
-        CloseHeld(session, image, timeout);
-        return;
-      }
+    // A new session has no hold to check: nobody else knows its cookie yet.
+    if ((mode == "s" || mode == "t") && session.renewed_from.empty() &&
+        (session.hold_token.empty() || HoldIsSure(session))) {
+      CloseWithoutCheck(session, image, timeout);
+      return;
+    }
+    if ((mode == "s" || mode == "t") && session.renewed_from.empty()) {
       redis_.EvalNoWait(
           kKeepScript,
           {SessionKey(session.cookie), HoldKey(session.cookie), kSessionEnds, kSessionLast},
@@ -751,12 +752,13 @@ class RedisStateStore final : public StateStore {
     return session;
   }
 
-  // The close of a session whose hold is surely the request's own, in plain commands, which
-  // cost Redis a fraction of a script's call. The time the session is due to end comes from
-  // this server's clock, which may differ from the others' and Redis's: the sweep goes by the
-  // key's expiry in Redis all the same. An empty `image` renews the expiry of an unchanged one.
-  void CloseHeld(const SessionState& session, const std::string& image,
-                 const std::string& timeout) {
+  // The close of a session whose hold is surely the request's own, or of a new one, in plain
+  // commands, which cost Redis a fraction of a script's call. The time the session is due to end
+  // comes from this server's clock, which may differ from the others' and Redis's: the sweep goes
+  // by the key's expiry in Redis all the same. An empty `image` renews the expiry of an unchanged
+  // one.
+  void CloseWithoutCheck(const SessionState& session, const std::string& image,
+                         const std::string& timeout) {
     const std::string key = SessionKey(session.cookie);
     std::vector<RedisCommand> commands;
     if (image.empty()) {
@@ -771,6 +773,11 @@ class RedisStateStore final : public StateStore {
           std::chrono::system_clock::now().time_since_epoch());
       ends_at = std::to_string(now.count() + int64_t{session.timeout_minutes} * 60000);
       commands.push_back({"ZADD", kSessionEnds, ends_at, session.cookie});
+    }
+    // The cookie of a new session may come back at once, to another server: it goes out now.
+    if (session.hold_token.empty()) {
+      redis_.SendNoWait(commands, true);
+      return;
     }
     const std::string hold = HoldKey(session.cookie);
     commands.push_back({"DEL", hold});
