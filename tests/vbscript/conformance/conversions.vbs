@@ -18,6 +18,12 @@ CheckErrors Array("x = CByte(""-1"")", 6, "x = CByte(256)", 6)
 Check CInt(-32768.5), CInt(-32768), "CInt rounds half to even at the edge"
 CheckErrors Array("x = CInt(32767.5)", 6, "x = CInt(-32768.51)", 6)
 Check CCur(0.000149), CCur(0.0001), "CCur keeps four places"
+' Text to Currency rounds the fifth place half to even; so does each step of a running sum.
+Dim curBal, curYear
+curBal = CCur(1000)
+For curYear = 1 To 3 : curBal = curBal + CCur(curBal * 0.05) : Next
+CheckEach Array("curBal", CCur(1157.625), "FormatCurrency(curBal, 3)", "$1,157.625", _
+  "CStr(CCur(""1.23455"") + CCur(""1.23465""))", "2.4692")
 CheckError "x = CCur(""#TRUE#"")", 13, "CCur of #TRUE#"
 
 CheckEach Array("CDate(""1"")", #12/31/1899#, "IsDate(""4"")", False)

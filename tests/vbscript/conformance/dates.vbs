@@ -87,6 +87,10 @@ CheckEach Array("CDate(""3/7/2006"")", #3/7/2006#, "CDate(""3-7-2006"")", #3/7/2
   "CDate(""14 2 3"")", #2/3/2014#, "CDate(""32 2 3"")", #2/3/1932#, _
   "CDate(""2 3 32"")", #2/3/1932#, "CDate(""99-1-1"")", #1/1/1999#, _
   "CDate(""1/2/3"")", #1/2/2003#, "CDate(""100-1-1"")", #1/1/100#)
+' Dates are numbers underneath, and year/month/day text may carry a time.
+CheckEach Array("CStr(CDate(36526.5))", "1/1/2000 12:00:00 PM", "TypeName(Int(#1/1/2000 6:00 PM#))", _
+  "Date", "Year(40000) & "" "" & Hour(0.75)", "2009 18", _
+  "CStr(CDate(""2021/03/05 14:00""))", "3/5/2021 2:00:00 PM")
 ' Two-digit years: 00-29 are this century, 30-99 the last.
 CheckEach Array("Year(CDate(""1/1/00""))", 2000, "Year(CDate(""1/1/29""))", 2029, _
   "Year(CDate(""1/1/30""))", 1930, "Year(CDate(""12/31/99""))", 1999)
