@@ -3,11 +3,11 @@
 // the database's end, which unloads its tables under the status window.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <string>
 
 #include "model/databases.h"
 #include "support/status.h"
+#include "support/temp_file.h"
 #include "support/tyx_vars.h"
 
 namespace qv {
@@ -143,21 +143,9 @@ TEST_F(TableTest, OneDatabaseOnlyAndProjErr) {
   EXPECT_EQ(dbs->Count(), 0);
 }
 
-std::string ReadAll(std::FILE* f) {
-  std::fflush(f);
-  std::rewind(f);
-  std::string out;
-  char buf[256];
-  size_t n;
-  while ((n = std::fread(buf, 1, sizeof buf, f)) > 0)
-    out.append(buf, n);
-  return out;
-}
-
 TEST_F(TableTest, DatabaseEndUnloadsTablesUnderTheStatusWindow) {
-  std::FILE* out = std::tmpfile();
-  ASSERT_NE(out, nullptr);
-  Vars().Status = MakeRef<TyxStatus>(StatusMode::kPlain, out);
+  testing::TempFile out;
+  Vars().Status = MakeRef<TyxStatus>(StatusMode::kPlain, out.get());
   Ref<TyxTable> kept;
   {
     Ref<TyxDatabase> db = MakeRef<TyxDatabase>();
@@ -167,7 +155,7 @@ TEST_F(TableTest, DatabaseEndUnloadsTablesUnderTheStatusWindow) {
     db->Tables().Item(Variant(u"Totals"))->SetTblType(u"REPORT");
     kept = db->Tables().Item(Variant(u"Orders"));
   }
-  const std::string shown = ReadAll(out);
+  const std::string shown = out.Text();
   EXPECT_NE(shown.find("Quorvex - Unloading Database..."), std::string::npos) << shown;
   EXPECT_NE(shown.find("Unloading TABLE Orders..."), std::string::npos) << shown;
   EXPECT_NE(shown.find("Unloading REPORT Totals..."), std::string::npos) << shown;
@@ -175,14 +163,12 @@ TEST_F(TableTest, DatabaseEndUnloadsTablesUnderTheStatusWindow) {
   EXPECT_EQ(kept->TblName(), u"Orders");  // a table held elsewhere outlives its list
 
   // A database without tables still opens and closes the window.
-  std::FILE* empty_out = std::tmpfile();
-  Vars().Status = MakeRef<TyxStatus>(StatusMode::kPlain, empty_out);
+  testing::TempFile empty_out;
+  Vars().Status = MakeRef<TyxStatus>(StatusMode::kPlain, empty_out.get());
   MakeRef<TyxDatabase>();
-  EXPECT_NE(ReadAll(empty_out).find("Unloading Database"), std::string::npos);
+  EXPECT_NE(empty_out.Text().find("Unloading Database"), std::string::npos);
   EXPECT_EQ(SharedStatus().handle(), 0);
   Vars().Status = nullptr;
-  std::fclose(out);
-  std::fclose(empty_out);
 }
 
 }  // namespace

@@ -3,12 +3,12 @@
 // against the live database when AutoSync is on, and progress.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <string>
 
 #include "persistence/load_sync_check.h"
 #include "persistence/project_file.h"
 #include "project_fixture.h"
+#include "support/temp_file.h"
 
 namespace qv::testing {
 namespace {
@@ -296,19 +296,13 @@ TEST_F(LoadTest, ProgressNamesEachTable) {
   BuildSmallProject(*tyx_);
   const String path = PathOf("progress.qvp");
   SaveProjectFile(*tyx_, path);
-  std::FILE* out = std::tmpfile();
-  ASSERT_NE(out, nullptr);
-  Vars().Status = MakeRef<TyxStatus>(StatusMode::kPlain, out);
+  TempFile out;
+  Vars().Status = MakeRef<TyxStatus>(StatusMode::kPlain, out.get());
   const Ref<Tyx> root = FreshRoot();
   LoadProjectFile(*root, path);
   ASSERT_EQ(root->ProjErr().ToUtf8(), "");
   EXPECT_EQ(SharedStatus().handle(), 0);  // the window is closed again
-  std::rewind(out);
-  std::string shown;
-  char buffer[4096];
-  while (size_t got = std::fread(buffer, 1, sizeof buffer, out))
-    shown.append(buffer, got);
-  std::fclose(out);
+  const std::string shown = out.Text();
   Vars().Status = MakeRef<TyxStatus>(StatusMode::kQuiet);
   EXPECT_NE(shown.find("Loading Project File..."), std::string::npos) << shown;
   EXPECT_LT(shown.find("Loading TABLE/VIEW \"Customers\"..."),

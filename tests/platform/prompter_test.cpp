@@ -5,38 +5,15 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <string>
 
 #include "automation/error.h"
+#include "support/temp_file.h"
 
 namespace qv {
 namespace {
 
-// A FILE* that a test fills or reads back.
-class TempFile {
- public:
-  TempFile() : file_(std::tmpfile()) {}
-  ~TempFile() { std::fclose(file_); }
-  std::FILE* get() const { return file_; }
-  std::string Text() const {
-    std::fflush(file_);
-    std::rewind(file_);
-    std::string text;
-    int c;
-    while ((c = std::fgetc(file_)) != EOF)
-      text.push_back(static_cast<char>(c));
-    return text;
-  }
-  void Fill(const std::string& text) const {
-    std::fputs(text.c_str(), file_);
-    std::fflush(file_);
-    std::rewind(file_);
-  }
-
- private:
-  std::FILE* file_;
-};
+using testing::TempFile;
 
 std::vector<String> Strings(std::initializer_list<const char16_t*> items) {
   std::vector<String> out;

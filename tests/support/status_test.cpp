@@ -11,6 +11,7 @@
 #include "automation/convert.h"
 #include "automation/error.h"
 #include "support/common.h"
+#include "support/temp_file.h"
 #include "support/tyx_vars.h"
 
 namespace qv {
@@ -19,25 +20,12 @@ namespace {
 // A surface whose output lands in a temporary file that the test reads back.
 class StatusTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    ResetVars();
-    out_ = std::tmpfile();
-    ASSERT_NE(out_, nullptr);
-  }
-  void TearDown() override {
-    std::fclose(out_);
-    ResetVars();
-  }
-  std::string Output() {
-    std::fflush(out_);
-    std::rewind(out_);
-    std::string text;
-    int c;
-    while ((c = std::fgetc(out_)) != EOF)
-      text.push_back(static_cast<char>(c));
-    return text;
-  }
-  std::FILE* out_ = nullptr;
+  void SetUp() override { ResetVars(); }
+  void TearDown() override { ResetVars(); }
+  std::string Output() const { return file_.Text(); }
+
+  testing::TempFile file_;
+  std::FILE* const out_ = file_.get();
 };
 
 TEST_F(StatusTest, PlainLinesShowTitleTextAndTenthsOfTheBar) {
