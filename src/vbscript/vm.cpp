@@ -1482,12 +1482,13 @@ void Vm::Execute(Frame& f) {
         GlobalSlot& left_slot = *globals[ip[-1].a];
         const GlobalSlot& x_slot = *globals[right.a];
         assert(left_slot.consistent() && x_slot.consistent());
-        Number l, xv, k;
-        if (!NumberOf(left_slot.value, l) || !NumberOf(x_slot.value, xv) ||
-            !OperandNumber(right, locals, consts, globals, k))
-          goto L_LoadGlobal;
+        // Each operand is read just before its operator, which keeps fewer values alive at once.
         const unsigned shape = ip[-1].n;
+        Number xv, k, l;
+        if (!NumberOf(x_slot.value, xv) || !OperandNumber(right, locals, consts, globals, k))
+          goto L_LoadGlobal;
         const Number y = Compute(shape >> kLeftInner & 3, xv, k);
+        if (!NumberOf(left_slot.value, l)) goto L_LoadGlobal;
         const Number sum = Compute(shape >> kLeftOuter & 3, l, y);
         const int32_t covered = ip[-1].b;
         if (const unsigned store = shape >> kLeftStore; store != kLeftNoStore) {
