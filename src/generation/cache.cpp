@@ -92,7 +92,14 @@ String TyxCache::NormalizeDate(const Variant& date) {
 }
 
 TyxCache::TyxCache() : file_(CacheFilePath()) {
-  fs::CreateFolders(fs::ParentFolderOf(file_));
+  const String folder = fs::ParentFolderOf(file_);
+  try {
+    fs::CreateFolders(folder);
+  } catch (Error& e) {
+    // The platform's words alone don't say which folder below the documents folder it was.
+    e.set_description(e.description() + u": " + folder);
+    throw;
+  }
   Load();
 }
 

@@ -18,8 +18,17 @@ namespace qv {
 
 namespace {
 
+// A failure goes on to the host with its number, and with the folder in its words: the
+// platform's text alone ("Path not found") leaves the user to guess which of the work folders
+// below the documents folder could not be made.
 void EnsureFolder(StringView folder) {
-  if (!fs::FolderExists(folder)) fs::CreateFolder(folder);
+  if (fs::FolderExists(folder)) return;
+  try {
+    fs::CreateFolder(folder);
+  } catch (Error& e) {
+    e.set_description(e.description() + u": " + folder);
+    throw;
+  }
 }
 
 // A file's date as the cache writes it.

@@ -194,6 +194,12 @@ TEST(GenerateCommand, BadInputEndsWithTheEnginesWords) {
                                " is a file)\n"))
       << run.err;
   EXPECT_EQ(Slurp(dir / "taken"), "mine");
+  // So is a documents folder that is a file: the work folder below it is named.
+  run = Quorvex(dir, {"generate", "chin.qvp", "--dest", "site", "--template", "pack.zip"},
+                "XDG_DOCUMENTS_DIR=" + (dir / "taken").string());
+  EXPECT_EQ(run.status, 1);
+  EXPECT_TRUE(Has(run.err, "Path not found: " + (dir / "taken").string() + "/Quorvex/Templates/"))
+      << run.err;
 
   run = Quorvex(dir, {"gencheck", "chin.qvp", "--dest", "site", "--template", "none.zip"});
   EXPECT_EQ(run.status, 2);
