@@ -9,7 +9,6 @@
 #include "automation/error.h"
 #include "cli/commands.h"
 #include "cli/host_project.h"
-#include "persistence/project_file.h"
 #include "root/create_tyx.h"
 #include "support/status.h"
 #include "support/tyx_vars.h"
@@ -29,11 +28,10 @@ void RunCustomView(const CustomViewOptions& o) {
   RequireName(o.name, u"A custom view");
   try {
     Ref<Tyx> tyx = OpenProject(o.project_file);
-    const String file = String::FromUtf8(o.project_file);
     tyx->Services().LoadCustomView(*tyx, Variant(String::FromUtf8(o.name)),
                                    Variant(String::FromUtf8(o.sql)), Variant(o.copy_fields));
     if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
-    SaveProjectFile(*tyx, file);
+    SaveProject(*tyx, o.project_file);
     const TyxDatabase* db = tyx->Databases().Find(tyx->CurrentDbName);
     const TyxTable* view = db ? db->Tables().list().ByName(String::FromUtf8(o.name)) : nullptr;
     std::printf("%s: custom view %s with %d fields\n", o.project_file.c_str(), o.name.c_str(),

@@ -10,7 +10,6 @@
 #include "automation/error.h"
 #include "cli/commands.h"
 #include "cli/host_project.h"
-#include "persistence/project_file.h"
 #include "platform/data/connection.h"
 #include "platform/data/connection_string.h"
 #include "root/create_tyx.h"

@@ -8,7 +8,6 @@
 #include "automation/error.h"
 #include "cli/commands.h"
 #include "cli/host_project.h"
-#include "persistence/project_file.h"
 #include "root/create_tyx.h"
 #include "support/status.h"
 #include "support/tyx_vars.h"
@@ -27,14 +26,13 @@ void RunReport(const ReportOptions& o) {
   RequireName(o.name, u"A report");
   try {
     Ref<Tyx> tyx = OpenProject(o.project_file);
-    const String file = String::FromUtf8(o.project_file);
     const bool made = tyx->Services().LoadReport(*tyx, Variant(String::FromUtf8(o.name)),
                                                  Variant(String::FromUtf8(o.from)));
     if (!made || !tyx->ProjErr().empty()) {
       FailWith(tyx->ProjErr().empty() ? Vars().ProductTitle + u": Report not made!"
                                       : tyx->ProjErr());
     }
-    SaveProjectFile(*tyx, file);
+    SaveProject(*tyx, o.project_file);
     std::printf("%s: report %s of %s\n", o.project_file.c_str(), o.name.c_str(), o.from.c_str());
     SharedStatus().SetMode(StatusMode::kQuiet);
   } catch (const Error& e) {

@@ -4,6 +4,8 @@
 // is converted as the setting's accessor converts it. Every assignment is made before the file
 // is written: one that fails leaves the file as it was.
 #include <cstdio>
+#include <cstdlib>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -27,30 +29,61 @@ struct SetOptions {
   std::vector<std::string> assignments;
 };
 
-// The object whose settings change and the words that name it in messages.
+// The object whose settings change and the words that name it in messages. A table or a
+// field also has its place in its list (TblSeq, FldSeq), which `move` changes.
 struct Target {
   Object* object = nullptr;
   TyProperties* bag = nullptr;
   String label;
+  StringView seq_name;
+  std::function<void(int16_t)> move;
+  int32_t count = 0;
 };
+
+// Gives an entry a new place in its list's order. The entries between its old place and the
+// new one shift by one, so that the places stay 1 to Count, each once: a project is saved, and
+// its pages made, by walking the places, and a gap or a twin would lose an entry.
+template <class T>
+void MoveTo(const NamedList<T>& list, T& moved, int16_t place) {
+  const int16_t from = NamedList<T>::SeqOf(moved);
+  list.ForEach([&](T& item) {
+    const int16_t s = NamedList<T>::SeqOf(item);
+    int16_t to = s;
+    if (&item == &moved) {
+      to = place;
+    } else if (from < place && s > from && s <= place) {
+      to = static_cast<int16_t>(s - 1);
+    } else if (place < from && s >= place && s < from) {
+      to = static_cast<int16_t>(s + 1);
+    }
+    if (to != s) item.Entry(T::kSeqIndex).SetValue(Variant(to));
+  });
+}
 
 Target FindTarget(Tyx& tyx, const SetOptions& o) {
   if (o.database && !o.table.empty())
     FailWith(ProductMessage(u"--database and --table can't go together!"));
   if (o.table.empty() && !o.database) {
     if (!o.field.empty()) FailWith(ProductMessage(u"--field needs --table!"));
-    return {&tyx, &tyx.Properties(), u"the project"};
+    return {&tyx, &tyx.Properties(), u"the project", {}, {}, 0};
   }
   TyxDatabase* db = tyx.Databases().Find(tyx.CurrentDbName);
   if (!db) FailWith(ProductMessage(u"Database not loaded!"));
   if (o.database) {
     if (!o.field.empty()) FailWith(ProductMessage(u"--field needs --table!"));
-    return {db, &db->Properties(), u"the database"};
+    return {db, &db->Properties(), u"the database", {}, {}, 0};
   }
   const String table_name = String::FromUtf8(o.table);
   TyxTable* table = db->Tables().list().ByName(table_name);
   if (!table) FailWith(ProductMessage(u"Table " + table_name + u" not found!"));
-  if (o.field.empty()) return {table, &table->Properties(), u"table " + table_name};
+  if (o.field.empty()) {
+    return {table,
+            &table->Properties(),
+            u"table " + table_name,
+            u"TblSeq",
+            [list = &db->Tables().list(), table](int16_t place) { MoveTo(*list, *table, place); },
+            db->Tables().Count()};
+  }
   const String field_name = String::FromUtf8(o.field);
   TyxField* field = table->Fields().list().ByName(field_name);
   if (!field && table->Fields().Count() == 0 && tyx.DynamicLoadDB()) {
@@ -67,7 +100,12 @@ Target FindTarget(Tyx& tyx, const SetOptions& o) {
   if (!field) {
     FailWith(ProductMessage(u"Field " + field_name + u" not found in " + table_name + u"!"));
   }
-  return {field, &field->Properties(), u"field " + table_name + u"." + field_name};
+  return {field,
+          &field->Properties(),
+          u"field " + table_name + u"." + field_name,
+          u"FldSeq",
+          [list = &table->Fields().list(), field](int16_t place) { MoveTo(*list, *field, place); },
+          table->Fields().Count()};
 }
 
 // Sets one NAME=VALUE and returns the value as the setting now reads.
@@ -79,6 +117,19 @@ Variant Assign(const Target& target, const std::string& assignment) {
   const String name = String::FromUtf8(assignment.substr(0, eq));
   const String value = String::FromUtf8(assignment.substr(eq + 1));
   // Only settings, not the object's operations or its other members, are edited here.
+  if (target.move && EqualsNoCase(name, target.seq_name)) {
+    const std::string text = assignment.substr(eq + 1);
+    char* end = nullptr;
+    const long place = std::strtol(text.c_str(), &end, 10);
+    if (text.empty() || *end != '\0' || place < 1 || place > target.count) {
+      FailWith(ProductMessage(name + u" of " + target.label + u" is its place in the list: give " +
+                              u"a number from 1 to " +
+                              String::FromUtf8(std::to_string(target.count)) + u", not '" + value +
+                              u"'!"));
+    }
+    target.move(static_cast<int16_t>(place));
+    return Variant(static_cast<int16_t>(place));
+  }
   const DispId id =
       target.bag->SlotOf(name) < 0 ? kDispIdUnknown : target.object->GetIdOfName(name);
   if (id == kDispIdUnknown) {

@@ -18,7 +18,6 @@
 #include "cli/commands.h"
 #include "cli/host_differences.h"
 #include "cli/host_project.h"
-#include "persistence/project_file.h"
 #include "platform/prompter.h"
 #include "support/status.h"
 #include "support/tyx_vars.h"
@@ -231,30 +230,6 @@ RenameMap ParseMaps(const std::vector<std::string>& maps, const DifferenceList& 
   return renames;
 }
 
-// Writes the project beside its file and renames it into place, so that a failure leaves
-// the old file whole.
-void SaveAtomically(Tyx& tyx, const std::string& project_file) {
-  namespace fs = std::filesystem;
-  const fs::path target(project_file);
-  fs::path temp = target;
-  temp += ".sync-tmp";
-  try {
-    SaveProjectFile(tyx, String::FromUtf8(temp.string()));
-  } catch (const Error& e) {
-    std::error_code ignored;
-    fs::remove(temp, ignored);
-    FailWith(e.description());
-  }
-  std::error_code failed;
-  fs::rename(temp, target, failed);
-  if (failed) {
-    std::error_code ignored;
-    fs::remove(temp, ignored);
-    FailWith(ProductMessage(u"cannot replace " + String::FromUtf8(project_file) + u": " +
-                            String::FromUtf8(failed.message())));
-  }
-}
-
 void RunSync(const SyncOptions& o) {
   if (o.keep_keys && o.update_keys) {
     FailWith(ProductMessage(u"--keep-keys and --update-keys exclude each other"));
@@ -297,7 +272,7 @@ void RunSync(const SyncOptions& o) {
     std::printf("%s: dry run, nothing written (%s)\n", o.project_file.c_str(), summary.c_str());
     return;
   }
-  SaveAtomically(*tyx, o.project_file);
+  SaveProject(*tyx, o.project_file);
   std::printf("%s: synchronised with the database (%s)\n", o.project_file.c_str(), summary.c_str());
 }
 

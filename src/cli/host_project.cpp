@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
+#include <filesystem>
 
 #include "automation/error.h"
 #include "cli/commands.h"
@@ -50,10 +51,22 @@ Ref<Tyx> OpenProject(const std::string& project_file) {
   return tyx;
 }
 
+// The project is written beside its file and then put in its place: a save that fails half
+// way (a value that won't convert, a table missing from the order) leaves the file as it was,
+// where the library's own Save leaves what it wrote so far.
 void SaveProject(Tyx& tyx, const std::string& project_file) {
+  namespace fs = std::filesystem;
+  std::error_code ec;
+  fs::path target(project_file);
+  if (fs::is_symlink(target, ec)) target = fs::canonical(target, ec);
+  if (ec) target = project_file;
+  const fs::path temporary = target.string() + ".saving";
   try {
-    SaveProjectFile(tyx, String::FromUtf8(project_file));
+    SaveProjectFile(tyx, String::FromUtf8(temporary.string()));
+    fs::rename(temporary, target, ec);
+    if (ec) throw Error(kErrPermissionDenied);
   } catch (const Error& e) {
+    fs::remove(temporary, ec);
     // The platform's words alone ("Path not found") leave the user guessing which file.
     FailWith(ProductMessage(u"Saving project file \"" + String::FromUtf8(project_file) +
                             u"\" failed! " + e.description()));

@@ -181,6 +181,8 @@ TEST(EditingCommands, SetChangesProjectTableAndFieldSettings) {
       {{"set", "app.qvp", "--database", "TblCaption=x"},
        "Unknown setting TblCaption of the database"},
       {{"set", "missing.qvp", "CSS=x"}, "Quorvex: "},
+      {{"set", "app.qvp", "--table", "Invoice", "TblSeq=99"},
+       "TblSeq of table Invoice is its place in the list: give a number from 1 to 11, not '99'!"},
   };
   for (const auto& f : failures) {
     const auto run = Quorvex(dir, f.args);
@@ -193,6 +195,14 @@ TEST(EditingCommands, SetChangesProjectTableAndFieldSettings) {
     EXPECT_LE(std::count(run.err.begin(), run.err.end(), '\n'), 4) << run.err;
   }
   EXPECT_EQ(Slurp(project), before);
+  // A new place moves the tables between the old one and it, and the project still saves
+  // every table, in the new order.
+  ASSERT_EQ(Quorvex(dir, {"set", "app.qvp", "--table", "Track", "TblSeq=2"}).status, 0);
+  const std::string order = Quorvex(dir, {"tables", "app.qvp"}).out;
+  EXPECT_TRUE(Has(order, "\n1    Album ")) << order;
+  EXPECT_TRUE(Has(order, "\n2    Track ")) << order;
+  EXPECT_TRUE(Has(order, "\n3    Artist ")) << order;
+  EXPECT_TRUE(Has(order, "\n11   PlaylistTrack ")) << order;
 
   // A project that loads tables on demand reads a table's fields when one of them is set.
   ASSERT_EQ(Quorvex(dir, {"new", "dyn.qvp", "--dynamic", "--db", "sqlite:" + kChinook}).status, 0);

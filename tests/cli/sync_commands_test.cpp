@@ -82,7 +82,7 @@ TEST(SyncCommands, CheckListsAndSyncMerges) {
   EXPECT_TRUE(Has(Quorvex(dir, {"show", "shop.qvp", "orders"}).out, "Orders"));
   EXPECT_TRUE(Has(Quorvex(dir, {"show", "shop.qvp", "orders", "amount"}).out, "Sum due"));
   EXPECT_TRUE(Has(Quorvex(dir, {"show", "shop.qvp", "customers", "name"}).out, "Full name"));
-  EXPECT_FALSE(std::filesystem::exists(dir / "shop.qvp.sync-tmp"));
+  EXPECT_FALSE(std::filesystem::exists(dir / "shop.qvp.saving"));
 
   // A custom view whose SQL no longer runs is listed, and the check fails for it.
   ASSERT_EQ(
