@@ -1,9 +1,10 @@
 // The Redis store. A request costs one round trip: opening its session (take the hold and read
-// the image, two commands sent together). Closing it (write the image only when it changed,
-// renew the expiry, drop the hold) is two plain commands while the hold is surely the
-// request's own, else one script that checks the hold first; nobody waits for either, which go
-// along with the server's next call. Each Application write is one script too, which waits while
-// another request holds Application.Lock. Scripts go by their hash.
+// the image, commands sent together). Closing it (write the image only when it changed, renew
+// the expiry, drop the hold) is plain commands while the hold is surely the request's own, else
+// one script that checks the hold first; nobody waits for either, which go along with the
+// server's next call. Each Application write is one script, which waits while another request
+// holds Application.Lock; the values a server read it keeps while nobody writes (see
+// ApplicationCache). Scripts go by their hash.
 //
 // Holds carry a token and a lease. While a request runs, a thread of its process renews the
 // leases it holds, so only a process that died or hangs loses them; a request whose hold was
@@ -90,11 +91,12 @@ if ARGV[1] ~= '' then redis.call('del', KEYS[2]) end
 return 1
 )lua";
 
-// The close of nearly every request (a held session kept under the cookie it came with) by a
-// script of its own: Redis builds a table of a script's keys and arguments on each call, and
-// kCloseScript's many were a good part of a request's cost in Redis. KEYS: session, hold, ends,
-// last. ARGV: token, time-out in s, SessionID, image ('' for one that did not change, whose
-// expiry is renewed), cookie ('' where no Session_OnEnd needs to know when sessions end).
+// The close of a held session kept under the cookie it came with, once its request ran long
+// enough that its hold may have been lost (see HoldIsSure), by a script of its own with fewer
+// keys and arguments than kCloseScript's, each of which Redis puts in a table on every call.
+// KEYS: session, hold, ends, last. ARGV: token, time-out in s, SessionID, image ('' for one that
+// did not change, whose expiry is renewed), cookie ('' where no Session_OnEnd needs to know when
+// sessions end).
 constexpr std::string_view kKeepScript = R"lua(
 if redis.call('get', KEYS[2]) ~= ARGV[1] then
   return redis.error_reply('session ' .. ARGV[3] .. ' was held past its lease and taken ' ..
