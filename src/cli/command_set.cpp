@@ -145,15 +145,6 @@ Variant Assign(const Target& target, const std::string& assignment) {
   }
 }
 
-std::string Shown(const Variant& value) {
-  if (value.is_empty() || value.is_null()) return {};
-  try {
-    return ToString(value).ToUtf8();
-  } catch (const Error&) {
-    return "(" + TypeNameOf(value).ToUtf8() + ")";
-  }
-}
-
 // Whether the assignments switch generation on (TblGen=True, 1 or -1).
 bool SwitchesGenerationOn(const std::vector<std::string>& assignments) {
   for (const std::string& a : assignments) {
@@ -191,7 +182,7 @@ void RunSet(const SetOptions& o) {
   std::vector<std::string> lines;
   for (const std::string& assignment : o.assignments) {
     const Variant now = Assign(target, assignment);
-    lines.push_back(assignment.substr(0, assignment.find('=')) + " = " + Shown(now));
+    lines.push_back(assignment.substr(0, assignment.find('=')) + " = " + ShownValue(now));
   }
   SaveProject(*tyx, o.project_file);
   for (const std::string& line : lines)

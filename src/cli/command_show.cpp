@@ -25,25 +25,6 @@ struct ShowOptions {
   std::string field;
 };
 
-std::string ValueText(const Variant& value) {
-  std::string text;
-  try {
-    text = value.is_empty() || value.is_null() ? std::string() : ToString(value).ToUtf8();
-  } catch (const Error&) {
-    text = "(" + TypeNameOf(value).ToUtf8() + ")";
-  }
-  std::string shown;
-  for (size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
-    if (text[i] == '\n' || text[i] == '\r') {
-      shown += "\\n";
-      continue;
-    }
-    shown += text[i];
-  }
-  return shown;
-}
-
 void PrintBag(const TyProperties& bag) {
   SharedStatus().SetMode(StatusMode::kQuiet);  // dropping the project at exit isn't news
   size_t width = 0;
@@ -51,7 +32,7 @@ void PrintBag(const TyProperties& bag) {
   bag.ForEach([&](TyProperty& p) {
     const std::string name = p.Name().ToUtf8();
     std::printf("%s%s = %s\n", name.c_str(), std::string(width - name.size(), ' ').c_str(),
-                ValueText(p.Value()).c_str());
+                ShownValue(p.Value()).c_str());
   });
 }
 

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "automation/convert.h"
 #include "automation/error.h"
 #include "cli/commands.h"
 #include "persistence/project_file.h"
@@ -36,6 +37,21 @@ void RequireName(const std::string& name, StringView what) {
   String words(what);
   words.Append(u" needs a name!");
   FailWith(ProductMessage(words));
+}
+
+std::string ShownValue(const Variant& value) {
+  std::string text;
+  try {
+    text = value.is_empty() || value.is_null() ? std::string() : ToString(value).ToUtf8();
+  } catch (const Error&) {
+    text = "(" + TypeNameOf(value).ToUtf8() + ")";
+  }
+  std::string shown;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
+    shown += text[i] == '\n' || text[i] == '\r' ? std::string("\\n") : std::string(1, text[i]);
+  }
+  return shown;
 }
 
 Ref<Tyx> OpenProject(const std::string& project_file) {

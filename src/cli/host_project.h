@@ -24,6 +24,10 @@ void SaveProject(Tyx& tyx, const std::string& project_file);
 // report) is empty or only blanks: such a table could be neither named nor found again.
 void RequireName(const std::string& name, StringView what);
 
+// A setting's value on one line of output: a line break shows as "\n", a value that is no
+// text as its type in brackets.
+std::string ShownValue(const Variant& value);
+
 // The product's prefix for a message: "Quorvex: " followed by the words.
 String ProductMessage(StringView words);
 
