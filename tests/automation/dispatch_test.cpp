@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "automation/convert.h"
+#include "automation/error_of.h"
 
 namespace qv {
 namespace {
@@ -65,12 +66,7 @@ TEST(Dispatch, MembersAnswerByNameInAnyCase) {
   EXPECT_EQ(c->TypeName(), u"Counter");
   EXPECT_NE(c->MemberCacheKey(), nullptr);
 
-  try {
-    c->Get(u"Item");
-    FAIL();
-  } catch (const Error& e) {
-    EXPECT_EQ(e.number(), 450);
-  }
+  EXPECT_EQ(ErrorOf([&] { c->Get(u"Item"); }), 450);
   try {
     c->Get(u"Missing");
     FAIL();
@@ -78,12 +74,7 @@ TEST(Dispatch, MembersAnswerByNameInAnyCase) {
     EXPECT_EQ(e.number(), 438);
     EXPECT_EQ(e.description(), u"Object doesn't support this property or method");
   }
-  try {
-    c->NewEnum();
-    FAIL();
-  } catch (const Error& e) {
-    EXPECT_EQ(e.number(), 451);
-  }
+  EXPECT_EQ(ErrorOf([&] { c->NewEnum(); }), 451);
 }
 
 // Bound members take their argument count and conversions from the C++ signature.
@@ -92,12 +83,7 @@ TEST(Dispatch, BoundMembersConvertArgumentsAndResults) {
   EXPECT_EQ(ToString(c->Call(u"Describe", {Variant(u"ab"), Variant(u"2"), Variant(int32_t{1})})),
             u"abab!");
   const auto error_of = [&](StringView name, std::initializer_list<Variant> args) {
-    try {
-      c->Call(name, args);
-    } catch (const Error& e) {
-      return e.number();
-    }
-    return 0;
+    return ErrorOf([&] { c->Call(name, args); });
   };
   EXPECT_EQ(error_of(u"Describe", {Variant(u"a"), Variant(u"x"), Variant(true)}), 13);
   EXPECT_EQ(error_of(u"Describe", {Variant(u"a"), Variant(int32_t{1})}), 450);
@@ -188,12 +174,7 @@ TEST(Dispatch, ArgumentsOfAParameterlessPropertyIndexItsValue) {
   shelf->Invoke(shelf->GetIdOfName(u"Rows"), kInvokeLet, let_args);
   EXPECT_EQ(shelf->row->cells[1], 7);
   // A plain value cannot be indexed.
-  try {
-    shelf->Get(u"Size", {Variant(1)});
-    FAIL();
-  } catch (const Error& e) {
-    EXPECT_EQ(e.number(), 450);
-  }
+  EXPECT_EQ(ErrorOf([&] { shelf->Get(u"Size", {Variant(1)}); }), 450);
 }
 
 }  // namespace
