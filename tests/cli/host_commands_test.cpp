@@ -72,12 +72,6 @@ TEST(HostScript, ExitStatusArgumentsAndErrorReports) {
       << runtime.err;
   EXPECT_TRUE(Has(runtime.err, "    t = \"a\" * 2\n    Code: 800A000D\n")) << runtime.err;
 
-  Write(dir / "syntax.vbs", "If x Then\nWScript.Echo 1\n");
-  const auto syntax = Quorvex(dir, {"script", "syntax.vbs"});
-  EXPECT_EQ(syntax.status, 1);
-  EXPECT_TRUE(Has(syntax.err, "Microsoft VBScript compilation error")) << syntax.err;
-  EXPECT_EQ(syntax.out, "");
-
   // A failure of the library reaches the script as a raised error with the engine's words.
   Write(dir / "library.vbs",
         "Set t = CreateObject(\"TyxClass.Tyx\")\nt.Load \"" + (dir / "none.qvp").string() +
