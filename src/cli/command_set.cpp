@@ -200,7 +200,9 @@ void AddSetCommand(CLI::App& app) {
                 "Change a setting of the project's database (SecUserLevelFld, ...)");
   cmd->add_option("--table", options->table, "Change a setting of this table or view");
   cmd->add_option("--field", options->field, "Change a setting of this field of the table");
-  cmd->add_option("settings", options->assignments, "NAME=VALUE pairs, e.g. RecPerPage=25")
+  cmd->add_option("settings", options->assignments,
+                  "NAME=VALUE pairs, e.g. RecPerPage=25; TblSeq=N or FldSeq=N moves the "
+                  "table or field to place N of its list")
       ->required();
   cmd->callback([options] { RunSet(*options); });
 }
