@@ -319,6 +319,12 @@ class SqliteBackend final : public Backend {
     return rowset;
   }
 
+  static ProviderError TooManyValues() {
+    return ProviderError(kErrProviderFailure,
+                         u"The statement has fewer placeholders than the parameters given.",
+                         String(kSource));
+  }
+
   StatementResult Run(StringView sql, std::span<const Variant> params) override {
     Revalidate();
     const TimedWork timed(*this);
@@ -343,6 +349,10 @@ class SqliteBackend final : public Backend {
                             u"No value given for one or more required parameters.",
                             String(kSource));
       }
+      // Values left over once the last statement has taken its own are refused before that
+      // statement runs, so a one-statement text with too many values changes nothing.
+      if (IsBlank(tail, end) && next_param + static_cast<size_t>(wanted) < params.size())
+        throw TooManyValues();
       for (int i = 1; i <= wanted; ++i)
         BindValue(raw, i, params[next_param++]);
       result = StatementResult();
@@ -360,11 +370,7 @@ class SqliteBackend final : public Backend {
       }
       result.rows_affected = ChangesRows(raw) ? sqlite3_changes(db_) : -1;
     }
-    if (next_param < params.size()) {
-      throw ProviderError(kErrProviderFailure,
-                          u"The statement has fewer placeholders than the parameters given.",
-                          String(kSource));
-    }
+    if (next_param < params.size()) throw TooManyValues();
     return result;
   }
 

@@ -40,6 +40,7 @@ TEST(Statements, PlaceholdersAndSeveralStatements) {
   const Variant two[] = {Variant(u"a"), Variant(u"b")};
   EXPECT_EQ(ErrorOf([&] { cn.Run(u"INSERT INTO t (name) VALUES (?)", two); }), kErrProviderFailure);
   EXPECT_GE(cn.GetErrors().Count(), 1);
+  EXPECT_EQ(ToLong(AllRows(*cn.Run(u"SELECT COUNT(*) FROM t").rows)[0][0]), 1);
 
   // Several statements run in order; each takes its own placeholders' values.
   const Variant names[] = {Variant(u"b"), Variant(u"c")};
