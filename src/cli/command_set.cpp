@@ -145,15 +145,17 @@ Variant Assign(const Target& target, const std::string& assignment) {
   }
 }
 
-// Whether the assignments switch generation on (TblGen=True, 1 or -1).
+// Whether the assignments switch generation on, the value read as the setting reads it.
 bool SwitchesGenerationOn(const std::vector<std::string>& assignments) {
   for (const std::string& a : assignments) {
     const size_t eq = a.find('=');
-    if (eq == std::string::npos) continue;
-    const String name = String::FromUtf8(a.substr(0, eq));
-    const String value = ToLower(TrimBlanks(String::FromUtf8(a.substr(eq + 1))));
-    if (EqualsNoCase(name, u"TblGen") && (value == u"true" || value == u"1" || value == u"-1"))
-      return true;
+    if (eq == std::string::npos || !EqualsNoCase(String::FromUtf8(a.substr(0, eq)), u"TblGen"))
+      continue;
+    try {
+      if (ToBool(Variant(String::FromUtf8(a.substr(eq + 1))))) return true;
+    } catch (const Error&) {
+      // Not a Boolean: the assignment itself says so.
+    }
   }
   return false;
 }
