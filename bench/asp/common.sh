@@ -19,7 +19,7 @@ serve() {
   local site=$1
   shift
   log=$work/serve${#pids[@]}.log
-  "$quorvex" serve "$site" --port 0 --workers 2 --no-access-log "$@" >/dev/null 2>"$log" &
+  "$quorvex" serve "$site" --port 0 --workers "${QV_BENCH_WORKERS:-2}" --no-access-log "$@" >/dev/null 2>"$log" &
   pid=$!
   pids+=("$pid")
   port=

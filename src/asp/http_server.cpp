@@ -6,6 +6,13 @@
 // A page that streams runs on a thread of the runtime while its connection is suspended; the
 // page's stream resumes it when there is a head or a piece of the body to send, and the body
 // goes out through a content reader that suspends the connection again when it has nothing.
+//
+// Each worker thread drives a daemon of the library of its own, all on one listening socket,
+// from a loop of ours rather than the library's, so that it can wait for more than the
+// library's sockets: a request whose session lives in another process (Redis) sends for it,
+// suspends its connection and lets the thread serve other requests until the answer is in.
+// A thread that slept on each of those round trips would pay two context switches a request,
+// which cost more than the round trip itself on a busy machine.
 #include "asp/http_server.h"
 
 #include <arpa/inet.h>
@@ -13,8 +20,14 @@
 #include <microhttpd.h>
 #include <netinet/in.h>
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
+
+#include <atomic>
+#include <cassert>
+#include <cerrno>
+#include <cstring>
 
 #include <chrono>
 #include <cstdio>
@@ -22,6 +35,7 @@
 #include <stdexcept>
 #include <thread>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "asp/multipart.h"
 #include "asp/response_stream.h"
@@ -36,7 +50,12 @@ struct Exchange {
   HttpRequest request;
   MHD_PostProcessor* post = nullptr;
   std::shared_ptr<ResponseStream> stream;  // of a page that streams
+  std::unique_ptr<SessionOpening> opening;  // the session asked for ahead
+  std::string session;                      // its cookie, where the store is shared
   bool headers_read = false;
+  bool split = false;      // the target is split into path and query
+  bool asked = false;      // OpenAhead ran
+  bool in_flight = false;  // `session` is in its loop's in_flight
   bool too_large = false;
   bool streamed = false;  // the body came through `stream`
   int status = 0;
@@ -126,17 +145,85 @@ void FreeBody(void* cls) {
 
 }  // namespace
 
+constexpr auto kMostWait = std::chrono::seconds(5);
+
 struct HttpServer::Impl {
+  // One worker thread and the daemon it drives. The library's sockets are all behind one
+  // descriptor (its epoll set), polled together with the descriptors of the session answers
+  // that suspended connections wait for.
+  struct Loop {
+    explicit Loop(Impl& server) : server(server) {}
+    ~Loop() {
+      if (wake >= 0) close(wake);
+    }
+    struct Waiting;
+    void Run();
+    int Timeout(std::chrono::steady_clock::time_point now) const;
+    static bool Due(Waiting& w, bool answered, std::chrono::steady_clock::time_point now);
+    void Wake() const {
+      const uint64_t one = 1;
+      [[maybe_unused]] const ssize_t n = write(wake, &one, sizeof one);
+    }
+
+    Impl& server;
+    MHD_Daemon* daemon = nullptr;
+    int wake = -1;  // an eventfd that Stop writes to
+    std::thread thread;
+    // A suspended connection and what it waits for: the answer to its session's opening, the
+    // end of a pause before it asks again (the session was held), or its turn (Finished).
+    struct Waiting {
+      enum class For : uint8_t { Answer, Pause, Turn };
+      MHD_Connection* connection;
+      Exchange* ex;
+      For what;
+      int fd;  // an Answer's
+      // An Answer past this goes on regardless, and FinishOpen waits with its own limit: a
+      // store that answers nothing must not hold a request for ever. A Pause ends here.
+      std::chrono::steady_clock::time_point until;
+    };
+    // Touched by this loop's thread only, and by Stop once the thread has ended.
+    std::vector<Waiting> waiting;
+    // The sessions of this loop's requests between asking for their session and their end.
+    // Another request of one of them waits its turn here, so that a request that waits for a
+    // session's hold can never be waiting for a request that this very thread has suspended.
+    std::unordered_set<std::string> in_flight;
+
+    void Suspend(MHD_Connection* connection, Exchange& ex, Waiting::For what, int fd = -1) {
+      MHD_suspend_connection(connection);
+      waiting.push_back({connection, &ex, what, fd, std::chrono::steady_clock::now() + kMostWait});
+    }
+    // The request no longer holds its session's place in this loop: the next of the session
+    // goes on.
+    void Finished(Exchange& ex) {
+      if (!ex.in_flight) return;
+      ex.in_flight = false;
+      in_flight.erase(ex.session);
+      for (auto it = waiting.begin(); it != waiting.end(); ++it) {
+        if (it->what != Waiting::For::Turn || it->ex->session != ex.session) continue;
+        MHD_resume_connection(it->connection);
+        waiting.erase(it);
+        return;
+      }
+    }
+  };
+
   Impl(SiteRuntime& runtime, HttpOptions options) : runtime(runtime), options(std::move(options)) {}
 
   SiteRuntime& runtime;
   HttpOptions options;
-  MHD_Daemon* daemon = nullptr;
-  // Streams of pages still running, whose connections may be suspended: Stop must wake them
-  // before the library may stop.
+  std::vector<std::unique_ptr<Loop>> loops;
+  uint16_t port = 0;
+  // Streams of pages still running, whose connections may be suspended: Stop must wake them,
+  // and the loops run until they are gone, before the library may stop.
   std::mutex streams_mutex;
   std::unordered_map<const ResponseStream*, std::shared_ptr<ResponseStream>> streams;
-  bool stopping = false;
+  bool stopping = false;  // under streams_mutex
+  std::atomic<bool> stop_loops{false};
+
+  bool Quiet() {
+    std::lock_guard lock(streams_mutex);
+    return streams.empty();
+  }
 
   static void* Begin(void*, const char* uri, MHD_Connection*) {
     auto* ex = new Exchange;
@@ -145,9 +232,11 @@ struct HttpServer::Impl {
   }
 
   static void Completed(void* cls, MHD_Connection*, void** con_cls, MHD_RequestTerminationCode) {
-    auto* self = static_cast<Impl*>(cls);
+    Loop& loop = *static_cast<Loop*>(cls);
+    Impl* self = &loop.server;
     auto* ex = static_cast<Exchange*>(*con_cls);
     if (!ex) return;
+    loop.Finished(*ex);
     if (ex->stream) {
       // A page still running for a client that went away runs to its end for nobody.
       ex->stream->Cancel();
@@ -220,11 +309,16 @@ struct HttpServer::Impl {
     return result;
   }
 
-  MHD_Result StartStream(MHD_Connection* connection, Exchange& ex,
+  // The page's thread resumes the connection; the library does not wake a loop that polls
+  // for it by itself, so the resume wakes the loop too.
+  MHD_Result StartStream(Loop& loop, MHD_Connection* connection, Exchange& ex,
                          std::shared_ptr<ResponseStream> stream) {
     ex.stream = std::move(stream);
     ex.stream->Attach([connection] { MHD_suspend_connection(connection); },
-                      [connection] { MHD_resume_connection(connection); });
+                      [connection, &loop] {
+                        MHD_resume_connection(connection);
+                        loop.Wake();
+                      });
     bool refused = false;
     {
       std::lock_guard lock(streams_mutex);
@@ -281,8 +375,9 @@ struct HttpServer::Impl {
     return true;
   }
 
-  MHD_Result Access(MHD_Connection* connection, const char* method, const char* version,
-                    const char* upload_data, size_t* upload_data_size, void** con_cls) {
+  MHD_Result Access(Loop& loop, MHD_Connection* connection, const char* method,
+                    const char* version, const char* upload_data, size_t* upload_data_size,
+                    void** con_cls) {
     auto* ex = static_cast<Exchange*>(*con_cls);
     if (!ex) return MHD_NO;
     if (!ex->headers_read) {
@@ -309,24 +404,48 @@ struct HttpServer::Impl {
     if (ex->stream) return SendStream(connection, *ex);
     if (ex->status) return MHD_YES;  // answered already
     if (ex->too_large) return Send(connection, *ex, ErrorResponse(413, "Payload Too Large"));
-    if (!SplitTarget(ex->request)) return Send(connection, *ex, ErrorResponse(400, "Bad Request"));
-    if (!ex->post) SplitRefusedMultipart(ex->request);
+    if (!ex->split) {
+      ex->split = true;
+      if (!SplitTarget(ex->request))
+        return Send(connection, *ex, ErrorResponse(400, "Bad Request"));
+      if (!ex->post) SplitRefusedMultipart(ex->request);
+      ex->session = runtime.SharedSessionOf(ex->request);
+    }
+    if (!ex->asked) {
+      if (!ex->session.empty() && loop.in_flight.contains(ex->session)) {
+        loop.Suspend(connection, *ex, Loop::Waiting::For::Turn);
+        return MHD_YES;
+      }
+      ex->asked = true;
+      ex->opening = runtime.OpenAhead(ex->request);
+      if (const int fd = ex->opening ? ex->opening->AnswerFd() : -1; fd >= 0) {
+        ex->in_flight = loop.in_flight.insert(ex->session).second;
+        assert(ex->in_flight);
+        loop.Suspend(connection, *ex, Loop::Waiting::For::Answer, fd);
+        return MHD_YES;
+      }
+    }
+    // Resumed by a server that is stopping: the request is dropped, and with it its opening,
+    // which lets its session go.
+    if (stop_loops) return MHD_NO;
     HttpResponse response;
     try {
-      response = runtime.Handle(ex->request, true);
+      response = runtime.Handle(ex->request, true, std::move(ex->opening));
     } catch (const std::exception& e) {
       std::fprintf(stderr, "%s: %s\n", ex->request.path.c_str(), e.what());
       response = ErrorResponse(500, "Internal Server Error");
     }
-    if (response.stream) return StartStream(connection, *ex, std::move(response.stream));
+    loop.Finished(*ex);
+    if (response.stream) return StartStream(loop, connection, *ex, std::move(response.stream));
     return Send(connection, *ex, std::move(response));
   }
 
   static MHD_Result AccessThunk(void* cls, MHD_Connection* connection, const char*,
                                 const char* method, const char* version, const char* upload_data,
                                 size_t* upload_data_size, void** con_cls) {
-    return static_cast<Impl*>(cls)->Access(connection, method, version, upload_data,
-                                           upload_data_size, con_cls);
+    Loop& loop = *static_cast<Loop*>(cls);
+    return loop.server.Access(loop, connection, method, version, upload_data, upload_data_size,
+                              con_cls);
   }
 };
 
@@ -335,6 +454,111 @@ HttpServer::HttpServer(SiteRuntime& runtime, HttpOptions options)
 
 HttpServer::~HttpServer() {
   Stop();
+}
+
+// The socket all the daemons accept on, made here so that each daemon gets a copy of its own
+// and the port is known before they start.
+static int Listen(const sockaddr_storage& address, bool v6, const std::string& where) {
+  const int fd = socket(v6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+  if (fd < 0) throw std::runtime_error("cannot listen on " + where + ": " + std::strerror(errno));
+  // Reuse of the address (SO_REUSEADDR) lets a server start again at once on the port it just
+  // left; asking for more (SO_REUSEPORT) would let a second server take its share of a busy
+  // port's connections without a word.
+  const int on = 1;
+  setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  if (v6) setsockopt(fd, IPPROTO_IPV6, IPV6_V6ONLY, &on, sizeof on);
+  const socklen_t length = v6 ? sizeof(sockaddr_in6) : sizeof(sockaddr_in);
+  if (bind(fd, reinterpret_cast<const sockaddr*>(&address), length) != 0 ||
+      listen(fd, SOMAXCONN) != 0) {
+    const int error = errno;
+    close(fd);
+    throw std::runtime_error("cannot listen on " + where + " (" +
+                             (error == EADDRINUSE ? std::string("the port is in use")
+                                                  : std::string(std::strerror(error))) +
+                             ")");
+  }
+  return fd;
+}
+
+int HttpServer::Impl::Loop::Timeout(std::chrono::steady_clock::time_point now) const {
+  long long ms = -1;
+  MHD_UNSIGNED_LONG_LONG library = 0;
+  if (MHD_get_timeout(daemon, &library) == MHD_YES)
+    ms = static_cast<long long>(std::min<MHD_UNSIGNED_LONG_LONG>(library, 60'000));
+  for (const Waiting& w : waiting) {
+    if (w.what == Waiting::For::Turn) continue;
+    const long long left =
+        std::max<long long>(0, std::chrono::ceil<std::chrono::milliseconds>(w.until - now).count());
+    ms = ms < 0 ? left : std::min(ms, left);
+  }
+  return static_cast<int>(ms);
+}
+
+// Moves a waiting connection on; true when it is to be resumed.
+bool HttpServer::Impl::Loop::Due(Waiting& w, bool answered,
+                                 std::chrono::steady_clock::time_point now) {
+  if (w.what == Waiting::For::Turn) return false;
+  SessionOpening& opening = *w.ex->opening;
+  switch (w.what) {
+    case Waiting::For::Turn:
+      return false;
+    case Waiting::For::Answer:
+      if (!answered) return now >= w.until;
+      if (const auto pause = opening.Settle(); pause.count() > 0) {
+        w.what = Waiting::For::Pause;
+        w.until = now + pause;
+        return false;
+      }
+      return true;
+    case Waiting::For::Pause:
+      if (now < w.until) return false;
+      opening.AskAgain();
+      w.fd = opening.AnswerFd();
+      if (w.fd < 0) return true;  // out of reach: FinishOpen tells
+      w.what = Waiting::For::Answer;
+      w.until = now + kMostWait;
+      return false;
+  }
+  return true;
+}
+
+void HttpServer::Impl::Loop::Run() {
+  const MHD_DaemonInfo* info = MHD_get_daemon_info(daemon, MHD_DAEMON_INFO_EPOLL_FD);
+  assert(info);
+  const int library = info->epoll_fd;
+  std::vector<pollfd> fds;
+  for (;;) {
+    const bool stopping = server.stop_loops;
+    // A stopping server's loop runs on until no connection of its daemon is suspended, which
+    // the library requires before it stops.
+    if (stopping && waiting.empty() && server.Quiet()) return;
+    fds.clear();
+    fds.push_back({library, POLLIN, 0});
+    fds.push_back({wake, POLLIN, 0});
+    for (const Waiting& w : waiting)
+      fds.push_back({w.what == Waiting::For::Answer ? w.fd : -1, POLLIN, 0});
+    const int timeout = stopping ? 10 : Timeout(std::chrono::steady_clock::now());
+    if (poll(fds.data(), fds.size(), timeout) < 0 && errno != EINTR) {
+      std::fprintf(stderr, "quorvex serve: poll: %s\n", std::strerror(errno));
+      continue;
+    }
+    if (fds[1].revents) {
+      uint64_t count = 0;
+      [[maybe_unused]] const ssize_t n = read(wake, &count, sizeof count);
+    }
+    const auto now = std::chrono::steady_clock::now();
+    size_t kept = 0;
+    for (size_t i = 0; i < waiting.size(); ++i) {
+      Waiting& w = waiting[i];
+      if (!stopping && !Due(w, fds[i + 2].revents != 0, now)) {
+        waiting[kept++] = w;
+        continue;
+      }
+      MHD_resume_connection(w.connection);
+    }
+    waiting.resize(kept);
+    MHD_run(daemon);
+  }
 }
 
 void HttpServer::Start() {
@@ -354,49 +578,73 @@ void HttpServer::Start() {
     if (inet_pton(AF_INET, s.options.bind.c_str(), &in->sin_addr) != 1)
       throw std::runtime_error("not an address to listen on: " + s.options.bind);
   }
-  unsigned threads =
+  const int listener =
+      Listen(address, v6, s.options.bind + ":" + std::to_string(s.options.port));
+  sockaddr_storage bound{};
+  socklen_t length = sizeof bound;
+  getsockname(listener, reinterpret_cast<sockaddr*>(&bound), &length);
+  AddressText(reinterpret_cast<const sockaddr*>(&bound), s.port);
+
+  const unsigned threads =
       s.options.threads ? s.options.threads : std::max(1u, std::thread::hardware_concurrency());
-  // The library's default reuse (SO_REUSEADDR) lets a server start again at once on the port
-  // it just left; asking for more (SO_REUSEPORT) would let a second server take its share of
-  // a busy port's connections without a word.
-  unsigned flags =
-      MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_EPOLL | MHD_USE_TURBO | MHD_ALLOW_SUSPEND_RESUME;
+  const unsigned limit = std::max(1u, (s.options.connection_limit + threads - 1) / threads);
+  unsigned flags = MHD_USE_EPOLL | MHD_USE_TURBO | MHD_ALLOW_SUSPEND_RESUME;
   if (v6) flags |= MHD_USE_IPv6;
-  s.daemon = MHD_start_daemon(
-      flags, s.options.port, nullptr, nullptr, &Impl::AccessThunk, &s, MHD_OPTION_SOCK_ADDR,
-      reinterpret_cast<sockaddr*>(&address), MHD_OPTION_THREAD_POOL_SIZE, threads,
-      MHD_OPTION_CONNECTION_LIMIT, s.options.connection_limit, MHD_OPTION_CONNECTION_TIMEOUT,
-      s.options.connection_timeout, MHD_OPTION_CONNECTION_MEMORY_LIMIT, s.options.header_memory,
-      MHD_OPTION_URI_LOG_CALLBACK, &Impl::Begin, &s, MHD_OPTION_NOTIFY_COMPLETED, &Impl::Completed,
-      &s, MHD_OPTION_END);
-  if (!s.daemon) {
-    throw std::runtime_error("cannot listen on " + s.options.bind + ":" +
-                             std::to_string(s.options.port) + " (the port may be in use)");
+  for (unsigned i = 0; i < threads; ++i) {
+    auto loop = std::make_unique<Impl::Loop>(s);
+    loop->wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    const int own = fcntl(listener, F_DUPFD_CLOEXEC, 0);
+    if (loop->wake >= 0 && own >= 0) {
+      loop->daemon = MHD_start_daemon(
+          flags, 0, nullptr, nullptr, &Impl::AccessThunk, loop.get(), MHD_OPTION_LISTEN_SOCKET,
+          own, MHD_OPTION_CONNECTION_LIMIT, limit, MHD_OPTION_CONNECTION_TIMEOUT,
+          s.options.connection_timeout, MHD_OPTION_CONNECTION_MEMORY_LIMIT, s.options.header_memory,
+          MHD_OPTION_URI_LOG_CALLBACK, &Impl::Begin, &s, MHD_OPTION_NOTIFY_COMPLETED,
+          &Impl::Completed, loop.get(), MHD_OPTION_END);
+    }
+    if (!loop->daemon) {
+      if (own >= 0) close(own);
+      close(listener);
+      Stop();
+      throw std::runtime_error("cannot serve on " + s.options.bind + ":" +
+                               std::to_string(s.port) + ": the HTTP library did not start");
+    }
+    s.loops.push_back(std::move(loop));
   }
+  close(listener);
+  for (const auto& loop : s.loops)
+    loop->thread = std::thread([l = loop.get()] { l->Run(); });
 }
 
 void HttpServer::Stop() {
-  if (impl_ && impl_->daemon) {
-    // Suspended connections must be resumed before the library stops; their pages run on,
-    // for nobody, and the runtime waits for them.
-    std::vector<std::shared_ptr<ResponseStream>> running;
-    {
-      std::lock_guard lock(impl_->streams_mutex);
-      impl_->stopping = true;
-      for (auto& [key, stream] : impl_->streams)
-        running.push_back(stream);
-    }
-    for (const auto& stream : running)
-      stream->Cancel();
-    MHD_stop_daemon(impl_->daemon);
-    impl_->daemon = nullptr;
+  if (!impl_ || impl_->loops.empty()) return;
+  Impl& s = *impl_;
+  // Suspended connections must be resumed before the library stops: pages that stream run
+  // on, for nobody, and the runtime waits for them; requests waiting for their session are
+  // dropped.
+  std::vector<std::shared_ptr<ResponseStream>> running;
+  {
+    std::lock_guard lock(s.streams_mutex);
+    s.stopping = true;
+    for (auto& [key, stream] : s.streams)
+      running.push_back(stream);
   }
+  for (const auto& stream : running)
+    stream->Cancel();
+  s.stop_loops = true;
+  for (const auto& loop : s.loops) {
+    if (!loop->thread.joinable()) continue;
+    loop->Wake();
+    loop->thread.join();
+  }
+  for (const auto& loop : s.loops) {
+    if (loop->daemon) MHD_stop_daemon(loop->daemon);
+  }
+  s.loops.clear();
 }
 
 uint16_t HttpServer::port() const {
-  if (!impl_->daemon) return 0;
-  const MHD_DaemonInfo* info = MHD_get_daemon_info(impl_->daemon, MHD_DAEMON_INFO_BIND_PORT);
-  return info ? info->port : impl_->options.port;
+  return impl_->loops.empty() ? 0 : impl_->port;
 }
 
 }  // namespace qv::asp

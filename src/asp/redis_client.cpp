@@ -341,6 +341,10 @@ RedisClient::Started& RedisClient::Started::operator=(Started&& other) noexcept 
   return *this;
 }
 
+int RedisClient::Started::fd() const {
+  return client_ && connection_.context ? connection_.context->fd : -1;
+}
+
 RedisClient::Started::~Started() {
   if (client_ && connection_.context) redisFree(connection_.context);
 }

@@ -73,6 +73,8 @@ class RedisClient {
     Started& operator=(Started&& other) noexcept;
     ~Started();
     bool active() const { return client_ != nullptr; }
+    // The socket the replies come in on, -1 when the call is over.
+    int fd() const;
 
    private:
     friend class RedisClient;

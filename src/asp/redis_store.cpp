@@ -207,10 +207,13 @@ return 0
 class Backoff {
  public:
   void Wait(long long lease_left_ms) {
-    auto pause = step_;
+    auto pause = Next();
     if (lease_left_ms > 0) pause = std::min(pause, std::chrono::milliseconds(lease_left_ms));
     std::this_thread::sleep_for(pause);
-    step_ = std::min(step_ * 2, std::chrono::milliseconds(8));
+  }
+  // The next pause, for a caller that waits in its own way.
+  std::chrono::milliseconds Next() {
+    return std::exchange(step_, std::min(step_ * 2, std::chrono::milliseconds(8)));
   }
 
  private:
@@ -588,15 +591,31 @@ class RedisOpening final : public SessionOpening {
         hold(kPrefix + "session-hold:" + this->cookie),
         token(std::move(token)) {}
   ~RedisOpening() override {
-    if (!call.active()) return;
     try {
-      const std::vector<RedisReply> r = redis.Finish(call);
-      if (!r[0].is_nil() && !r[0].is_error())
+      if (call.active()) answer = redis.Finish(call);
+      if (answer && !(*answer)[0].is_nil() && !(*answer)[0].is_error())
         redis.EvalNoWait(kReleaseScript, {hold}, {token}, true);
     } catch (const StateUnavailable&) {
       // The lease frees the hold.
     }
   }
+
+  int AnswerFd() const override { return call.fd(); }
+
+  std::chrono::milliseconds Settle() override {
+    if (!call.active()) return {};
+    try {
+      answer = redis.Finish(call);
+    } catch (const StateUnavailable&) {
+      return {};  // FinishOpen asks again, and tells
+    }
+    const RedisReply& hold_reply = (*answer)[0];
+    if (hold_reply.is_error() || !hold_reply.is_nil()) return {};
+    answer.reset();
+    return backoff.Next();
+  }
+
+  void AskAgain() override { ask(*this); }
 
   RedisClient& redis;
   const std::string cookie;
@@ -604,8 +623,13 @@ class RedisOpening final : public SessionOpening {
   const std::string hold;  // its hold
   const std::string token;
   RedisClient::Started call;
+  // The answer Settle read, for FinishOpen; it had the hold, or an error.
+  std::optional<std::vector<RedisReply>> answer;
   std::chrono::steady_clock::time_point asked;  // when the hold was last asked for
   bool version = false;                         // Application's version was asked for too
+  Backoff backoff;                              // between Settle's refusals
+  // Sends the opening's commands (again), leaving `call` inactive when Redis is out of reach.
+  std::function<void(RedisOpening&)> ask;
 };
 
 class RedisStateStore final : public StateStore {
@@ -626,12 +650,16 @@ class RedisStateStore final : public StateStore {
   std::unique_ptr<SessionOpening> StartOpen(std::string_view cookie) override {
     if (!IsCookie(cookie)) return nullptr;
     auto opening = std::make_unique<RedisOpening>(redis_, std::string(cookie), NewToken());
-    try {
-      opening->asked = std::chrono::steady_clock::now();
-      opening->call = redis_.Start(OpenCommands(*opening));
-    } catch (const StateUnavailable&) {
-      return nullptr;  // OpenSession tells
-    }
+    opening->ask = [this](RedisOpening& o) {
+      try {
+        o.asked = std::chrono::steady_clock::now();
+        o.call = redis_.Start(OpenCommands(o));
+      } catch (const StateUnavailable&) {
+        // FinishOpen asks again, and tells.
+      }
+    };
+    opening->ask(*opening);
+    if (!opening->call.active()) return nullptr;  // OpenSession tells
     return opening;
   }
 
@@ -847,9 +875,16 @@ class RedisStateStore final : public StateStore {
     const std::string& token = opening.token;
     Backoff backoff;
     for (;;) {
-      if (!opening.call.active()) opening.asked = std::chrono::steady_clock::now();
-      std::vector<RedisReply> r = started->call.active() ? redis_.Finish(started->call)
-                                                         : redis_.Pipeline(OpenCommands(opening));
+      std::vector<RedisReply> r;
+      if (opening.answer) {
+        r = std::move(*opening.answer);
+        opening.answer.reset();
+      } else if (opening.call.active()) {
+        r = redis_.Finish(opening.call);
+      } else {
+        opening.asked = std::chrono::steady_clock::now();
+        r = redis_.Pipeline(OpenCommands(opening));
+      }
       for (const RedisReply& each : r) {
         if (each.is_error()) throw StateUnavailable("Redis: " + each.text);
       }

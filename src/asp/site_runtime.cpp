@@ -448,6 +448,10 @@ std::unique_ptr<SessionOpening> SiteRuntime::OpenAhead(const HttpRequest& reques
   return store_->StartOpen(SessionCookieOf(request));
 }
 
+std::string SiteRuntime::SharedSessionOf(const HttpRequest& request) const {
+  return store_->shared() ? SessionCookieOf(request) : std::string();
+}
+
 void SiteRuntime::RememberOpensAtOnce(const std::string& path, bool opens_at_once) {
   // Paths that requests made up could grow the set without end: past this many, some pages
   // go without.
@@ -462,8 +466,12 @@ void SiteRuntime::RememberOpensAtOnce(const std::string& path, bool opens_at_onc
 }
 
 HttpResponse SiteRuntime::Handle(const HttpRequest& request, bool can_stream) {
-  // Dropped unused on the ways out below that run no page.
-  std::unique_ptr<SessionOpening> opening = OpenAhead(request);
+  return Handle(request, can_stream, OpenAhead(request));
+}
+
+HttpResponse SiteRuntime::Handle(const HttpRequest& request, bool can_stream,
+                                 std::unique_ptr<SessionOpening> opening) {
+  // `opening` is dropped unused on the ways out below that run no page.
   std::optional<Site::Found> found = site_.Find(request.path);
   if (!found) return ErrorResponse(404, "Not Found");
   fs::path file = std::move(found->path);

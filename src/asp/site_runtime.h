@@ -46,6 +46,16 @@ class SiteRuntime {
   // With `can_stream`, the response of a page that may send output before it ends comes back
   // at once with only its `stream` set; the page runs on, on a thread of the runtime's own.
   HttpResponse Handle(const HttpRequest& request, bool can_stream = false);
+  // Handle, for a request whose session OpenAhead asked for already (or null).
+  HttpResponse Handle(const HttpRequest& request, bool can_stream,
+                      std::unique_ptr<SessionOpening> opening);
+  // A store in another process is asked for the session as the request comes in, when its
+  // path led to a page that opens its session at once the last time, so that the round trip
+  // runs while the request waits its turn or the page is found; the HTTP server may serve
+  // other requests until the answer is in (SessionOpening::AnswerFd). Null otherwise.
+  std::unique_ptr<SessionOpening> OpenAhead(const HttpRequest& request);
+  // The session cookie a request came with, where the store is shared; empty otherwise.
+  std::string SharedSessionOf(const HttpRequest& request) const;
 
   const Site& site() const { return site_; }
   const RuntimeOptions& options() const { return options_; }
@@ -62,10 +72,7 @@ class SiteRuntime {
                                std::shared_ptr<const CompiledPage> page, const PageError* error,
                                ResponseStream* stream,
                                std::unique_ptr<SessionOpening> opening = nullptr);
-  // A store in another process is asked for the session as the request comes in, when its
-  // path led to a page that opens its session at once the last time, so that the round trip
-  // runs while the page is found; `opens_at_once` remembers what the page turned out to do.
-  std::unique_ptr<SessionOpening> OpenAhead(const HttpRequest& request);
+  // `opens_at_once` remembers what the page of a path turned out to do, for OpenAhead.
   void RememberOpensAtOnce(const std::string& path, bool opens_at_once);
   // Opens the session a page left closed, when the page reaches it after all.
   void OpenDeferredSession(PageContext& c, const std::string& cookie, bool& is_new);

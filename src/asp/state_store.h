@@ -145,6 +145,15 @@ class StateUnavailable : public std::runtime_error {
 class SessionOpening {
  public:
   virtual ~SessionOpening() = default;
+  // A descriptor that turns readable when the answer may have come, so that a caller with
+  // other requests to serve can do so meanwhile instead of sleeping in FinishOpen; -1 when
+  // there is nothing to wait for. Readable is a hint: FinishOpen still waits if need be.
+  virtual int AnswerFd() const { return -1; }
+  // For such a caller, once AnswerFd is readable: takes the answer in. Where it says that
+  // another request holds the session, the opening drops it and gives the pause to make before
+  // AskAgain, so that the caller need not sleep either; zero when FinishOpen may go on.
+  virtual std::chrono::milliseconds Settle() { return {}; }
+  virtual void AskAgain() {}
 };
 
 class StateStore {
