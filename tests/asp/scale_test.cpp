@@ -346,6 +346,40 @@ TEST_F(ScaleTest, RequestsOfOneSessionRunOneAtATimeAcrossServers) {
   EXPECT_EQ(Get(nginx_port_, "/scale/visit.asp", Header(cookie)).body, "42");
 }
 
+// A request whose session is held elsewhere waits without its thread: a server with one
+// worker goes on serving other sessions meanwhile, and a second request of the waiting
+// session on that server comes after the first.
+TEST_F(ScaleTest, AThreadServesOthersWhileItsRequestsWaitForTheirSession) {
+  Server one = StartQuorvex({kSite, "--port", "0", "--workers", "1", "--no-access-log", "--state",
+                             state_, "--state-lease", "1"},
+                            scratch_ / "serve-one.log");
+  ASSERT_NE(one.port, 0) << "quorvex serve did not start";
+  const std::string cookie = CookieOf(Get(one.port, "/scale/visit.asp"));
+  const std::string other = CookieOf(Get(one.port, "/scale/visit.asp"));
+  ASSERT_FALSE(cookie.empty());
+  ASSERT_FALSE(other.empty());
+
+  Reply slow, waiting, next;
+  std::thread holder(
+      [&] { slow = Get(servers_[0].port, "/scale/visit.asp?hold=2", Header(cookie)); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  std::thread first([&] { waiting = Get(one.port, "/scale/visit.asp", Header(cookie)); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  std::thread second([&] { next = Get(one.port, "/scale/visit.asp", Header(cookie)); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  const auto start = std::chrono::steady_clock::now();
+  const Reply meanwhile = Get(one.port, "/scale/visit.asp", Header(other));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1000));
+  EXPECT_EQ(meanwhile.body, "2");
+  holder.join();
+  first.join();
+  second.join();
+  EXPECT_EQ(slow.body, "2");
+  EXPECT_EQ(waiting.body, "3");
+  EXPECT_EQ(next.body, "4");
+  Stop(one);
+}
+
 // The servers run with leases of 1 s, renewed every third of a second while their request runs.
 // A request does not wait for its session to be written back, so the log is read after the
 // next request.
