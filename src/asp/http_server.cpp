@@ -189,15 +189,21 @@ struct HttpServer::Impl {
     std::unordered_set<std::string> in_flight;
 
     void Suspend(MHD_Connection* connection, Exchange& ex, Waiting::For what, int fd = -1) {
+      assert(what != Waiting::For::Turn || in_flight.contains(ex.session));
+      assert(what == Waiting::For::Turn || (ex.opening && fd >= 0));
       MHD_suspend_connection(connection);
       waiting.push_back({connection, &ex, what, fd, std::chrono::steady_clock::now() + kMostWait});
     }
-    // The request no longer holds its session's place in this loop: the next of the session
-    // goes on.
+    // A request is over, or leaves this loop: where no other request of its session is in
+    // flight now, the next one that waits its turn goes on (and looks again). Called for every
+    // request, and twice for some, which is harmless: a request that went on too early waits
+    // its turn again.
     void Finished(Exchange& ex) {
-      if (!ex.in_flight) return;
-      ex.in_flight = false;
-      in_flight.erase(ex.session);
+      if (ex.in_flight) {
+        in_flight.erase(ex.session);
+        ex.in_flight = false;
+      }
+      if (ex.session.empty() || in_flight.contains(ex.session)) return;
       for (auto it = waiting.begin(); it != waiting.end(); ++it) {
         if (it->what != Waiting::For::Turn || it->ex->session != ex.session) continue;
         MHD_resume_connection(it->connection);

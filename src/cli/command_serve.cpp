@@ -95,8 +95,10 @@ void Serve(const ServeArgs& a) {
   }
   const unsigned workers =
       a.workers ? a.workers : std::max(1u, std::thread::hardware_concurrency());
+  // An IPv6 address goes in brackets, so that the line is an address a browser takes.
+  const std::string host = a.bind.find(':') == std::string::npos ? a.bind : "[" + a.bind + "]";
   std::fprintf(stderr, "Serving %s on http://%s:%u/ with %u workers%s%s (Ctrl-C stops)\n",
-               runtime->site().root().c_str(), a.bind.c_str(), server.port(), workers,
+               runtime->site().root().c_str(), host.c_str(), server.port(), workers,
                a.dev ? " in dev mode" : "", a.state == "memory" ? "" : ", state in Redis");
   int signal = 0;
   sigwait(&stop, &signal);
