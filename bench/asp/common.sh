@@ -12,9 +12,9 @@ trap cleanup EXIT
 
 free_port() { python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1",0)); print(s.getsockname()[1])'; }
 
-# serve SITE [OPTION...]: `quorvex serve` with 2 workers and no access log; sets `port` to where
-# it listens and `pid` to its process (also added to `pids`). Its messages go to
-# $work/serveN.log, N counting the servers started so far.
+# serve SITE [OPTION...]: `quorvex serve` with 2 workers ($QV_BENCH_WORKERS to change) and no
+# access log; sets `port` to where it listens and `pid` to its process (also added to `pids`).
+# Its messages go to $work/serveN.log, N counting the servers started so far.
 serve() {
   local site=$1
   shift

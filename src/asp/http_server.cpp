@@ -27,10 +27,9 @@
 #include <atomic>
 #include <cassert>
 #include <cerrno>
-#include <cstring>
-
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <stdexcept>
 #include <thread>
@@ -49,7 +48,7 @@ namespace {
 struct Exchange {
   HttpRequest request;
   MHD_PostProcessor* post = nullptr;
-  std::shared_ptr<ResponseStream> stream;  // of a page that streams
+  std::shared_ptr<ResponseStream> stream;   // of a page that streams
   std::unique_ptr<SessionOpening> opening;  // the session asked for ahead
   std::string session;                      // its cookie, where the store is shared
   bool headers_read = false;
@@ -381,9 +380,8 @@ struct HttpServer::Impl {
     return true;
   }
 
-  MHD_Result Access(Loop& loop, MHD_Connection* connection, const char* method,
-                    const char* version, const char* upload_data, size_t* upload_data_size,
-                    void** con_cls) {
+  MHD_Result Access(Loop& loop, MHD_Connection* connection, const char* method, const char* version,
+                    const char* upload_data, size_t* upload_data_size, void** con_cls) {
     auto* ex = static_cast<Exchange*>(*con_cls);
     if (!ex) return MHD_NO;
     if (!ex->headers_read) {
@@ -584,8 +582,7 @@ void HttpServer::Start() {
     if (inet_pton(AF_INET, s.options.bind.c_str(), &in->sin_addr) != 1)
       throw std::runtime_error("not an address to listen on: " + s.options.bind);
   }
-  const int listener =
-      Listen(address, v6, s.options.bind + ":" + std::to_string(s.options.port));
+  const int listener = Listen(address, v6, s.options.bind + ":" + std::to_string(s.options.port));
   sockaddr_storage bound{};
   socklen_t length = sizeof bound;
   getsockname(listener, reinterpret_cast<sockaddr*>(&bound), &length);
@@ -602,8 +599,8 @@ void HttpServer::Start() {
     const int own = fcntl(listener, F_DUPFD_CLOEXEC, 0);
     if (loop->wake >= 0 && own >= 0) {
       loop->daemon = MHD_start_daemon(
-          flags, 0, nullptr, nullptr, &Impl::AccessThunk, loop.get(), MHD_OPTION_LISTEN_SOCKET,
-          own, MHD_OPTION_CONNECTION_LIMIT, limit, MHD_OPTION_CONNECTION_TIMEOUT,
+          flags, 0, nullptr, nullptr, &Impl::AccessThunk, loop.get(), MHD_OPTION_LISTEN_SOCKET, own,
+          MHD_OPTION_CONNECTION_LIMIT, limit, MHD_OPTION_CONNECTION_TIMEOUT,
           s.options.connection_timeout, MHD_OPTION_CONNECTION_MEMORY_LIMIT, s.options.header_memory,
           MHD_OPTION_URI_LOG_CALLBACK, &Impl::Begin, &s, MHD_OPTION_NOTIFY_COMPLETED,
           &Impl::Completed, loop.get(), MHD_OPTION_END);
@@ -612,8 +609,8 @@ void HttpServer::Start() {
       if (own >= 0) close(own);
       close(listener);
       Stop();
-      throw std::runtime_error("cannot serve on " + s.options.bind + ":" +
-                               std::to_string(s.port) + ": the HTTP library did not start");
+      throw std::runtime_error("cannot serve on " + s.options.bind + ":" + std::to_string(s.port) +
+                               ": the HTTP library did not start");
     }
     s.loops.push_back(std::move(loop));
   }

@@ -1,7 +1,7 @@
 // The HTTP side of `quorvex serve`, over libmicrohttpd: worker threads with keep-alive, each
 // serving other requests while one waits for its session from a shared store, bodies read as
-// they stream in (forms and multipart uploads through the library's post
-// processor), limits against hostile clients, and an access log line per request.
+// they stream in (forms and multipart uploads through the library's post processor), limits
+// against hostile clients, and an access log line per request.
 #pragma once
 
 #include <cstddef>
