@@ -670,6 +670,10 @@ class SqliteBackend final : public Backend {
 }  // namespace
 
 std::unique_ptr<Backend> OpenSqliteBackend(StringView path) {
+  // SQLite keeps count of its memory under one process-wide mutex unless told not to, so that
+  // the worker threads of a server queue on it at every allocation; nothing here reads those
+  // counts. It takes the setting only before its first use, and refuses it harmlessly after.
+  [[maybe_unused]] static const int uncounted = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
   const String file(path);
   if (file.empty()) {
     throw ProviderError(kErrProviderFailure,
