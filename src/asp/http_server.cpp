@@ -144,7 +144,8 @@ void FreeBody(void* cls) {
 
 }  // namespace
 
-constexpr auto kMostWait = std::chrono::seconds(5);
+// As long as a store may take to answer (RedisClient's command time-out).
+constexpr auto kMostWait = std::chrono::seconds(3);
 
 struct HttpServer::Impl {
   // One worker thread and the daemon it drives. The library's sockets are all behind one
@@ -176,8 +177,8 @@ struct HttpServer::Impl {
       Exchange* ex;
       For what;
       int fd;  // an Answer's
-      // An Answer past this goes on regardless, and FinishOpen waits with its own limit: a
-      // store that answers nothing must not hold a request for ever. A Pause ends here.
+      // An Answer past this gives up: a store that answers nothing must not hold a request
+      // for ever (and the request answers 503). A Pause ends here.
       std::chrono::steady_clock::time_point until;
     };
     // Touched by this loop's thread only, and by Stop once the thread has ended.
@@ -507,12 +508,17 @@ bool HttpServer::Impl::Loop::Due(Waiting& w, bool answered,
     case Waiting::For::Turn:
       return false;
     case Waiting::For::Answer:
-      if (!answered) return now >= w.until;
-      if (const auto pause = opening.Settle(); pause.count() > 0) {
-        w.what = Waiting::For::Pause;
-        w.until = now + pause;
-        return false;
+      if (answered) {
+        const std::optional<std::chrono::milliseconds> pause = opening.Settle();
+        if (pause && pause->count() > 0) {
+          w.what = Waiting::For::Pause;
+          w.until = now + *pause;
+          return false;
+        }
+        if (pause) return true;
       }
+      if (now < w.until) return false;
+      opening.GiveUp();
       return true;
     case Waiting::For::Pause:
       if (now < w.until) return false;

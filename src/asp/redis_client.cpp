@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <stdexcept>
@@ -16,8 +17,10 @@ namespace qv::asp {
 namespace {
 
 constexpr auto kConnectTimeout = std::chrono::milliseconds(1000);
-constexpr auto kCommandTimeout = std::chrono::milliseconds(3000);
 constexpr auto kQuietAfterFailure = std::chrono::milliseconds(250);
+// After a call that had no answer in kCommandTimeout: a Redis that hangs (or a network that
+// drops everything) would otherwise cost every request that long.
+constexpr auto kQuietAfterSilence = std::chrono::milliseconds(500);
 constexpr size_t kMostIdle = 64;
 
 timeval TimeVal(std::chrono::milliseconds ms) {
@@ -169,7 +172,7 @@ redisContext* RedisClient::Dial() {
   } else if (c->err) {
     why = c->errstr;
   } else {
-    redisSetTimeout(c, TimeVal(kCommandTimeout));
+    redisSetTimeout(c, TimeVal(RedisClient::kCommandTimeout));
     // AUTH and SELECT come with each new connection; their replies tell whether the
     // address is right.
     std::vector<std::string> steps;
@@ -338,6 +341,7 @@ RedisClient::Started& RedisClient::Started::operator=(Started&& other) noexcept 
   sent_ = other.sent_;
   wire_ = std::move(other.wire_);
   count_ = other.count_;
+  replies_ = std::move(other.replies_);
   return *this;
 }
 
@@ -358,8 +362,14 @@ void RedisClient::Launch(Started& call) {
                Send(call.connection_);
 }
 
+void RedisClient::Silent() {
+  quiet_until_ = (std::chrono::steady_clock::now() + kQuietAfterSilence).time_since_epoch().count();
+}
+
 RedisClient::Started RedisClient::Start(const std::vector<RedisCommand>& commands) {
   assert(!commands.empty());
+  if (std::chrono::steady_clock::now().time_since_epoch().count() < quiet_until_)
+    Fail("not answering a moment ago");
   Started call;
   for (const RedisCommand& command : commands)
     AppendWire(call.wire_, command);
@@ -369,6 +379,42 @@ RedisClient::Started RedisClient::Start(const std::vector<RedisCommand>& command
   return call;
 }
 
+// The replies owed to earlier calls that did not wait come first, mostly in the same read; a
+// failure among them goes to the log, as nobody waits for it.
+bool RedisClient::Collect(Started& call, bool& ok) {
+  Connection& c = call.connection_;
+  while (call.replies_.size() < call.count_) {
+    void* raw = nullptr;
+    if (c.context->err || redisGetReplyFromReader(c.context, &raw) != REDIS_OK) {
+      ok = false;
+      return false;
+    }
+    if (!raw) return false;
+    auto* r = static_cast<redisReply*>(raw);
+    if (c.pending == 0) {
+      call.replies_.push_back(Copy(*r));
+    } else {
+      --c.pending;
+      if (r->type == REDIS_REPLY_ERROR) {
+        std::fprintf(stderr, "state store: Redis: %.*s\n", static_cast<int>(r->len), r->str);
+        // Scripts flushed by hand: the next ones go by their text again.
+        if (std::string_view(r->str, r->len).starts_with("NOSCRIPT")) c.scripts.clear();
+      }
+    }
+    freeReplyObject(r);
+  }
+  return true;
+}
+
+bool RedisClient::TakeIn(Started& call) {
+  assert(call.active());
+  bool ok = call.sent_;
+  if (!ok || Collect(call, ok) || !ok) return true;
+  // Readable, so one read does not wait.
+  if (redisBufferRead(call.connection_.context) != REDIS_OK) return true;
+  return Collect(call, ok) || !ok;
+}
+
 std::vector<RedisReply> RedisClient::Finish(Started& call) {
   assert(call.active());
   // A pooled connection may have died with a Redis that went away since: such a call is
@@ -376,35 +422,26 @@ std::vector<RedisReply> RedisClient::Finish(Started& call) {
   // failed before any reply came back is retried, so no command runs twice.
   for (int attempt = 0;; ++attempt) {
     Connection& c = call.connection_;
-    // The replies owed to earlier calls that did not wait come first, mostly in the same read;
-    // a failure among them goes to the log, as nobody waits for it.
-    std::vector<RedisReply> out;
-    out.reserve(call.count_);
-    while (call.sent_ && out.size() < call.count_) {
-      void* raw = nullptr;
-      if (redisGetReply(c.context, &raw) != REDIS_OK || !raw) break;
-      auto* r = static_cast<redisReply*>(raw);
-      if (c.pending == 0) {
-        out.push_back(Copy(*r));
-      } else {
-        --c.pending;
-        if (r->type == REDIS_REPLY_ERROR) {
-          std::fprintf(stderr, "state store: Redis: %.*s\n", static_cast<int>(r->len), r->str);
-          // Scripts flushed by hand: the next ones go by their text again.
-          if (std::string_view(r->str, r->len).starts_with("NOSCRIPT")) c.scripts.clear();
-        }
-      }
-      freeReplyObject(r);
+    bool ok = call.sent_;
+    bool silent = false;  // the read timed out: Redis is there but does not answer
+    while (ok && !Collect(call, ok)) {
+      if (!ok) break;
+      ok = redisBufferRead(c.context) == REDIS_OK;
+      silent = !ok && (errno == EAGAIN || errno == EWOULDBLOCK);
     }
-    if (out.size() == call.count_) {
+    if (ok) {
       call.client_ = nullptr;
       Release(std::move(c));
-      return out;
+      return std::move(call.replies_);
     }
-    const std::string why = c.context->errstr[0] ? c.context->errstr : "connection lost";
+    const std::string why =
+        silent ? "no answer within " + std::to_string(kCommandTimeout.count() / 1000) + " s"
+        : c.context->errstr[0] ? c.context->errstr
+                               : "connection lost";
     redisFree(c.context);
     c.context = nullptr;
-    if (!call.pooled_ || attempt > 0 || !out.empty()) {
+    if (silent) Silent();
+    if (silent || !call.pooled_ || attempt > 0 || !call.replies_.empty()) {
       call.client_ = nullptr;
       Fail(why);
     }

@@ -84,6 +84,7 @@ class RedisClient {
     bool sent_ = false;
     std::string wire_;  // the commands, to send again on a new connection
     size_t count_ = 0;
+    std::vector<RedisReply> replies_;  // those in so far
   };
 
   explicit RedisClient(RedisAddress address);
@@ -98,6 +99,10 @@ class RedisClient {
   // Pipeline in two halves: Start sends, Finish reads the replies (and raises as Pipeline).
   Started Start(const std::vector<RedisCommand>& commands);
   std::vector<RedisReply> Finish(Started& call);
+  // For a caller that polls the call's fd() and found it readable: takes in what has come
+  // without waiting for more. True once Finish need not wait (the replies are in, or the
+  // connection failed, which Finish then tells).
+  bool TakeIn(Started& call);
   // Runs a script with its keys and arguments. `script` must outlive the client: its address
   // finds the hash the server knows it by.
   RedisReply Eval(std::string_view script, const std::vector<std::string_view>& keys,
@@ -112,13 +117,21 @@ class RedisClient {
   void SendNoWait(const std::vector<RedisCommand>& commands, bool at_once = false);
 
   const RedisAddress& address() const { return address_; }
+  // Redis did not answer a call in time: calls that wait for a reply fail at once for a moment,
+  // so that a Redis that hangs costs one request the time-out, not each of them.
+  void Silent();
 
   // How long a queued script waits at least for a call to ride along with before it goes out
   // alone.
   static constexpr std::chrono::microseconds kSendDelay{1000};
+  // How long a call waits for its reply before the connection counts as lost.
+  static constexpr std::chrono::milliseconds kCommandTimeout{3000};
 
  private:
   std::vector<RedisReply> Exchange(const std::vector<RedisCommand>& commands);
+  // Takes the call's replies out of what the connection has read; false while some are still
+  // to come, or, with `ok` cleared, when the connection failed.
+  static bool Collect(Started& call, bool& ok);
   // The common part of EvalNoWait and SendNoWait: `wire` gives a connection's commands.
   template <typename Wire>
   void Queue(size_t replies, bool at_once, const Wire& wire);

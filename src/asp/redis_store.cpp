@@ -602,20 +602,27 @@ class RedisOpening final : public SessionOpening {
 
   int AnswerFd() const override { return call.fd(); }
 
-  std::chrono::milliseconds Settle() override {
-    if (!call.active()) return {};
+  std::optional<std::chrono::milliseconds> Settle() override {
+    if (!call.active()) return std::chrono::milliseconds{};
+    if (!redis.TakeIn(call)) return std::nullopt;
     try {
       answer = redis.Finish(call);
     } catch (const StateUnavailable&) {
-      return {};  // FinishOpen asks again, and tells
+      return std::chrono::milliseconds{};  // FinishOpen asks again, and tells
     }
     const RedisReply& hold_reply = (*answer)[0];
-    if (hold_reply.is_error() || !hold_reply.is_nil()) return {};
+    if (hold_reply.is_error() || !hold_reply.is_nil()) return std::chrono::milliseconds{};
     answer.reset();
     return backoff.Next();
   }
 
   void AskAgain() override { ask(*this); }
+
+  void GiveUp() override {
+    call = RedisClient::Started();  // closes the connection, whose answer may still come
+    gave_up = true;
+    redis.Silent();
+  }
 
   RedisClient& redis;
   const std::string cookie;
@@ -628,6 +635,7 @@ class RedisOpening final : public SessionOpening {
   std::chrono::steady_clock::time_point asked;  // when the hold was last asked for
   bool version = false;                         // Application's version was asked for too
   Backoff backoff;                              // between Settle's refusals
+  bool gave_up = false;                         // GiveUp: no answer in time
   // Sends the opening's commands (again), leaving `call` inactive when Redis is out of reach.
   std::function<void(RedisOpening&)> ask;
 };
@@ -875,6 +883,10 @@ class RedisStateStore final : public StateStore {
     const std::string& token = opening.token;
     Backoff backoff;
     for (;;) {
+      if (opening.gave_up) {
+        throw StateUnavailable("Redis at " + redis_.address().Text() + ": no answer within " +
+                               std::to_string(RedisClient::kCommandTimeout.count() / 1000) + " s");
+      }
       std::vector<RedisReply> r;
       if (opening.answer) {
         r = std::move(*opening.answer);

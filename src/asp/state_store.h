@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -149,11 +150,15 @@ class SessionOpening {
   // other requests to serve can do so meanwhile instead of sleeping in FinishOpen; -1 when
   // there is nothing to wait for. Readable is a hint: FinishOpen still waits if need be.
   virtual int AnswerFd() const { return -1; }
-  // For such a caller, once AnswerFd is readable: takes the answer in. Where it says that
-  // another request holds the session, the opening drops it and gives the pause to make before
-  // AskAgain, so that the caller need not sleep either; zero when FinishOpen may go on.
-  virtual std::chrono::milliseconds Settle() { return {}; }
+  // For such a caller, once AnswerFd is readable: takes in what came, without waiting. Nothing
+  // while some of the answer is still to come (wait on AnswerFd again). Where the answer says
+  // that another request holds the session, the opening drops it and gives the pause to make
+  // before AskAgain, so that the caller need not sleep either; zero when FinishOpen may go on.
+  virtual std::optional<std::chrono::milliseconds> Settle() { return std::chrono::milliseconds{}; }
   virtual void AskAgain() {}
+  // For such a caller that waited as long as a store may take to answer: FinishOpen then
+  // raises StateUnavailable at once, instead of waiting for a store that hangs once more.
+  virtual void GiveUp() {}
 };
 
 class StateStore {
