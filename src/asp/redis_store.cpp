@@ -18,7 +18,7 @@
 //                          by the clock of the server that last saw it): only its key's
 //                          expiry in Redis says that it ended
 //   session-last           hash of the last image by cookie, for Session_OnEnd after expiry
-//   session-id             the last SessionID handed out
+//   session-id             the last SessionID given to a server, which takes them in blocks
 //   application            hash of the values by name in lower case
 //   application-names      hash of each name as it was first written, by name in lower case
 //   application-order      sorted set of the names in lower case by when they were added
@@ -848,10 +848,19 @@ class RedisStateStore final : public StateStore {
   static std::string HoldKey(std::string_view cookie) {
     return kPrefix + "session-hold:" + std::string(cookie);
   }
+  // SessionIDs come from a counter in Redis a block at a time, so that a new session costs its
+  // request no round trip of its own (a worker thread waits for that one); each server hands
+  // out the numbers of its own block.
   int32_t NewId() {
+    constexpr long long kBlock = 64;
+    std::lock_guard guard(id_mutex_);
+    if (next_id_ == id_end_) {
+      const long long last = redis_.Run({"INCRBY", kSessionId, std::to_string(kBlock)}).integer;
+      next_id_ = last - kBlock + 1;
+      id_end_ = last + 1;
+    }
     // SessionID is a Long: the counter wraps before it leaves one.
-    const long long n = redis_.Run({"INCR", kSessionId}).integer;
-    return static_cast<int32_t>(n % 2147483647);
+    return static_cast<int32_t>(next_id_++ % 2147483647);
   }
 
   std::string NewToken() { return process_token_ + ":" + std::to_string(++requests_); }
@@ -957,6 +966,9 @@ class RedisStateStore final : public StateStore {
   const RedisLeases leases_;
   const std::string lease_text_ = std::to_string(leases_.session.count());  // ms
   std::atomic<uint64_t> requests_{0};
+  std::mutex id_mutex_;
+  long long next_id_ = 0;  // the next SessionID of this server's block, up to id_end_
+  long long id_end_ = 0;
   std::mutex touch_mutex_;
   std::set<std::string> touched_;  // cookies of sessions a deferring page left closed
   LeaseKeeper keeper_;
