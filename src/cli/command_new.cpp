@@ -150,6 +150,21 @@ void ListUnreadable(const TyxDatabase& db, bool dynamic) {
   });
 }
 
+// An Access file is read through mdbtools, which reads its tables but cannot run its saved
+// queries: their pages would show nothing but that error. They stay in the project, fields
+// and all, for a user who moves the file to where they run; their pages are not generated.
+// Returns how many were left out.
+int LeaveOutAccessQueries(TyxDatabase& db) {
+  if (db.DBDBMSName() != u"ACCESS") return 0;
+  int left_out = 0;
+  db.Tables().list().ForEach([&](TyxTable& t) {
+    if (t.TblType() != u"VIEW" || !t.TblGen()) return;
+    t.SetTblGen(false);
+    ++left_out;
+  });
+  return left_out;
+}
+
 void RunNew(const NewOptions& o) {
   namespace fs = std::filesystem;
   const fs::path file(o.project_file);
@@ -173,11 +188,19 @@ void RunNew(const NewOptions& o) {
     tyx->SetSQLQuote(ChooseQuoteStyle(o, args));
     tyx->Services().LoadDB(*tyx, args);
     if (!tyx->ProjErr().empty()) FailWith(tyx->ProjErr());
+    TyxDatabase* db = tyx->Databases().Find(tyx->CurrentDbName);
+    const int left_out = db ? LeaveOutAccessQueries(*db) : 0;
     SaveProject(*tyx, o.project_file);
-    const TyxDatabase* db = tyx->Databases().Find(tyx->CurrentDbName);
     std::printf("%s: %d tables and views from %s\n", o.project_file.c_str(),
                 db ? db->Tables().Count() : 0, db ? db->DBDBMSName().ToUtf8().c_str() : "");
     if (db) ListUnreadable(*db, o.dynamic);
+    if (left_out > 0) {
+      std::printf(
+          "  %d saved queries get no pages: mdbtools reads an Access file's tables but "
+          "cannot run its queries (quorvex set %s --table NAME TblGen=1 generates one "
+          "all the same)\n",
+          left_out, o.project_file.c_str());
+    }
   } catch (const Error& e) {
     FailWith(e.description());
   }

@@ -3,6 +3,8 @@
 // stderr and leave no project file.
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include "cli/run_quorvex.h"
 
 namespace qv {
@@ -65,6 +67,11 @@ TEST(SchemaCommands, NewProjectFromAnAccessFile) {
   ASSERT_EQ(tables.status, 0) << tables.err;
   EXPECT_TRUE(Has(tables.out, "Order Details")) << tables.out;
   EXPECT_TRUE(Has(tables.out, "OrderID,ProductID")) << tables.out;
+  // mdbtools cannot run the file's saved queries: they stay, without pages, and `new` says so.
+  EXPECT_TRUE(Has(made.out, "18 saved queries get no pages")) << made.out;
+  EXPECT_TRUE(std::regex_search(tables.out, std::regex("Catalog +VIEW +7 +no\n"))) << tables.out;
+  EXPECT_TRUE(std::regex_search(tables.out, std::regex("Orders +TABLE +OrderID +14 +yes\n")))
+      << tables.out;
   // The file is read where it lies; the application finds its copy beside the pages.
   const std::string project = cli_testing::Slurp(dir / "nw.qvp");
   EXPECT_TRUE(Has(project, " DBPath=\"\" ")) << project.substr(0, 400);
