@@ -505,6 +505,37 @@ void RedisClient::EvalNoWait(std::string_view script, const std::vector<std::str
   });
 }
 
+void RedisClient::Abandon(Started& call, std::string_view script,
+                          const std::vector<std::string_view>& keys,
+                          const std::vector<std::string_view>& args) {
+  assert(call.active());
+  Connection c = std::move(call.connection_);
+  call.connection_.context = nullptr;
+  call.client_ = nullptr;
+  if (!call.sent_ || c.context->err) {
+    redisFree(c.context);
+    return;
+  }
+  // The script goes by its text: asking for its hash could wait for the very Redis that did
+  // not answer.
+  const std::string count = std::to_string(keys.size());
+  RedisCommand all{"EVAL", script, count};
+  all.insert(all.end(), keys.begin(), keys.end());
+  all.insert(all.end(), args.begin(), args.end());
+  std::string text;
+  AppendWire(text, all);
+  if (redisAppendFormattedCommand(c.context, text.data(), text.size()) != REDIS_OK) {
+    redisFree(c.context);
+    return;
+  }
+  c.pending += call.count_ - call.replies_.size() + 1;
+  if (std::find(c.scripts.begin(), c.scripts.end(), script.data()) == c.scripts.end())
+    c.scripts.push_back(script.data());
+  if (!c.unsent) c.queued_at = std::chrono::steady_clock::now();
+  c.unsent = true;
+  Release(std::move(c));
+}
+
 void RedisClient::SendNoWait(const std::vector<RedisCommand>& commands, bool at_once) {
   assert(!commands.empty());
   std::string text;

@@ -115,6 +115,11 @@ class RedisClient {
                   const std::vector<std::string_view>& args, bool at_once = false);
   // Commands queued the same way, replies unread.
   void SendNoWait(const std::vector<RedisCommand>& commands, bool at_once = false);
+  // Stops waiting for a started call, whose commands may still run: its connection goes back
+  // to the pool with a script queued after them, which Redis runs after them (one connection
+  // keeps its order), and their replies are dropped as they come.
+  void Abandon(Started& call, std::string_view script, const std::vector<std::string_view>& keys,
+               const std::vector<std::string_view>& args);
 
   const RedisAddress& address() const { return address_; }
   // Redis did not answer a call in time: calls that wait for a reply fail at once for a moment,

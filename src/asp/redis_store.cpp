@@ -618,8 +618,11 @@ class RedisOpening final : public SessionOpening {
 
   void AskAgain() override { ask(*this); }
 
+  // The question may still reach Redis and take the hold: the release queued behind it on
+  // the same connection gives the hold back then, so that the session's next request does not
+  // wait out the lease.
   void GiveUp() override {
-    call = RedisClient::Started();  // closes the connection, whose answer may still come
+    if (call.active()) redis.Abandon(call, kReleaseScript, {hold}, {token});
     gave_up = true;
     redis.Silent();
   }
