@@ -422,7 +422,7 @@ struct HttpServer::Impl {
         return MHD_YES;
       }
       ex->asked = true;
-      ex->opening = runtime.OpenAhead(ex->request);
+      ex->opening = runtime.OpenAhead(ex->request, ex->session);
       if (const int fd = ex->opening ? ex->opening->AnswerFd() : -1; fd >= 0) {
         ex->in_flight = loop.in_flight.insert(ex->session).second;
         assert(ex->in_flight);
@@ -502,12 +502,11 @@ int HttpServer::Impl::Loop::Timeout(std::chrono::steady_clock::time_point now) c
 // Moves a waiting connection on; true when it is to be resumed.
 bool HttpServer::Impl::Loop::Due(Waiting& w, bool answered,
                                  std::chrono::steady_clock::time_point now) {
-  if (w.what == Waiting::For::Turn) return false;
-  SessionOpening& opening = *w.ex->opening;
   switch (w.what) {
     case Waiting::For::Turn:
-      return false;
-    case Waiting::For::Answer:
+      return false;  // Finished lets it on
+    case Waiting::For::Answer: {
+      SessionOpening& opening = *w.ex->opening;
       if (answered) {
         const std::optional<std::chrono::milliseconds> pause = opening.Settle();
         if (pause && pause->count() > 0) {
@@ -520,10 +519,11 @@ bool HttpServer::Impl::Loop::Due(Waiting& w, bool answered,
       if (now < w.until) return false;
       opening.GiveUp();
       return true;
+    }
     case Waiting::For::Pause:
       if (now < w.until) return false;
-      opening.AskAgain();
-      w.fd = opening.AnswerFd();
+      w.ex->opening->AskAgain();
+      w.fd = w.ex->opening->AnswerFd();
       if (w.fd < 0) return true;  // out of reach: FinishOpen tells
       w.what = Waiting::For::Answer;
       w.until = now + kMostWait;

@@ -161,6 +161,10 @@ void RedisClient::Fail(const std::string& why) {
   throw StateUnavailable("Redis at " + address_.Text() + ": " + why);
 }
 
+void RedisClient::FailNoAnswer() {
+  Fail("no answer within " + std::to_string(kCommandTimeout.count() / 1000) + " s");
+}
+
 redisContext* RedisClient::Dial() {
   const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
   if (now < quiet_until_) Fail("not reachable a moment ago");
@@ -329,6 +333,17 @@ void AppendWire(std::string& wire, const RedisCommand& command) {
   }
 }
 
+// EVAL or EVALSHA (`how`) of a script's text or hash with its keys and arguments; `count`
+// holds the number of keys, and must outlive the command.
+RedisCommand ScriptCall(std::string_view how, std::string_view script, const std::string& count,
+                        const std::vector<std::string_view>& keys,
+                        const std::vector<std::string_view>& args) {
+  RedisCommand all{how, script, count};
+  all.insert(all.end(), keys.begin(), keys.end());
+  all.insert(all.end(), args.begin(), args.end());
+  return all;
+}
+
 }  // namespace
 
 RedisClient::Started& RedisClient::Started::operator=(Started&& other) noexcept {
@@ -434,14 +449,15 @@ std::vector<RedisReply> RedisClient::Finish(Started& call) {
       Release(std::move(c));
       return std::move(call.replies_);
     }
-    const std::string why =
-        silent ? "no answer within " + std::to_string(kCommandTimeout.count() / 1000) + " s"
-        : c.context->errstr[0] ? c.context->errstr
-                               : "connection lost";
+    const std::string why = c.context->errstr[0] ? c.context->errstr : "connection lost";
     redisFree(c.context);
     c.context = nullptr;
-    if (silent) Silent();
-    if (silent || !call.pooled_ || attempt > 0 || !call.replies_.empty()) {
+    if (silent) {
+      call.client_ = nullptr;
+      Silent();
+      FailNoAnswer();
+    }
+    if (!call.pooled_ || attempt > 0 || !call.replies_.empty()) {
       call.client_ = nullptr;
       Fail(why);
     }
@@ -496,11 +512,9 @@ void RedisClient::EvalNoWait(std::string_view script, const std::vector<std::str
     const bool known =
         std::find(c.scripts.begin(), c.scripts.end(), script.data()) != c.scripts.end();
     if (!known) c.scripts.push_back(script.data());
-    RedisCommand all{known ? "EVALSHA" : "EVAL", known ? std::string_view(hash) : script, count};
-    all.insert(all.end(), keys.begin(), keys.end());
-    all.insert(all.end(), args.begin(), args.end());
     std::string text;
-    AppendWire(text, all);
+    AppendWire(text, ScriptCall(known ? "EVALSHA" : "EVAL", known ? std::string_view(hash) : script,
+                                count, keys, args));
     return text;
   });
 }
@@ -519,11 +533,8 @@ void RedisClient::Abandon(Started& call, std::string_view script,
   // The script goes by its text: asking for its hash could wait for the very Redis that did
   // not answer.
   const std::string count = std::to_string(keys.size());
-  RedisCommand all{"EVAL", script, count};
-  all.insert(all.end(), keys.begin(), keys.end());
-  all.insert(all.end(), args.begin(), args.end());
   std::string text;
-  AppendWire(text, all);
+  AppendWire(text, ScriptCall("EVAL", script, count, keys, args));
   if (redisAppendFormattedCommand(c.context, text.data(), text.size()) != REDIS_OK) {
     redisFree(c.context);
     return;
@@ -571,10 +582,7 @@ RedisReply RedisClient::Eval(std::string_view script, const std::vector<std::str
   // A Redis that restarted since has forgotten the script: load it again and run it once more.
   for (int attempt = 0;; ++attempt) {
     const std::string hash = HashOf(script, attempt > 0);
-    RedisCommand all{"EVALSHA", hash, count};
-    all.insert(all.end(), keys.begin(), keys.end());
-    all.insert(all.end(), args.begin(), args.end());
-    RedisReply r = std::move(Exchange({all}).front());
+    RedisReply r = std::move(Exchange({ScriptCall("EVALSHA", hash, count, keys, args)}).front());
     if (r.is_error() && attempt == 0 && r.text.starts_with("NOSCRIPT")) continue;
     if (r.is_error()) Fail(r.text);
     return r;

@@ -125,6 +125,8 @@ class RedisClient {
   // Redis did not answer a call in time: calls that wait for a reply fail at once for a moment,
   // so that a Redis that hangs costs one request the time-out, not each of them.
   void Silent();
+  // Raises StateUnavailable for a call that had no answer in kCommandTimeout.
+  [[noreturn]] void FailNoAnswer();
 
   // How long a queued script waits at least for a call to ride along with before it goes out
   // alone.

@@ -895,10 +895,7 @@ class RedisStateStore final : public StateStore {
     const std::string& token = opening.token;
     Backoff backoff;
     for (;;) {
-      if (opening.gave_up) {
-        throw StateUnavailable("Redis at " + redis_.address().Text() + ": no answer within " +
-                               std::to_string(RedisClient::kCommandTimeout.count() / 1000) + " s");
-      }
+      if (opening.gave_up) redis_.FailNoAnswer();
       std::vector<RedisReply> r;
       if (opening.answer) {
         r = std::move(*opening.answer);

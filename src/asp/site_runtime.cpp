@@ -439,13 +439,14 @@ void SiteRuntime::EndSessions(Worker& worker, bool all) {
   }
 }
 
-std::unique_ptr<SessionOpening> SiteRuntime::OpenAhead(const HttpRequest& request) {
-  if (!store_->shared()) return nullptr;
+std::unique_ptr<SessionOpening> SiteRuntime::OpenAhead(const HttpRequest& request,
+                                                       std::string_view session) {
+  if (session.empty()) return nullptr;
   {
     std::lock_guard guard(opens_at_once_mutex_);
     if (!opens_at_once_.contains(request.path)) return nullptr;
   }
-  return store_->StartOpen(SessionCookieOf(request));
+  return store_->StartOpen(session);
 }
 
 std::string SiteRuntime::SharedSessionOf(const HttpRequest& request) const {
@@ -466,7 +467,7 @@ void SiteRuntime::RememberOpensAtOnce(const std::string& path, bool opens_at_onc
 }
 
 HttpResponse SiteRuntime::Handle(const HttpRequest& request, bool can_stream) {
-  return Handle(request, can_stream, OpenAhead(request));
+  return Handle(request, can_stream, OpenAhead(request, SharedSessionOf(request)));
 }
 
 HttpResponse SiteRuntime::Handle(const HttpRequest& request, bool can_stream,

@@ -53,7 +53,8 @@ class SiteRuntime {
   // path led to a page that opens its session at once the last time, so that the round trip
   // runs while the request waits its turn or the page is found; the HTTP server may serve
   // other requests until the answer is in (SessionOpening::AnswerFd). Null otherwise.
-  std::unique_ptr<SessionOpening> OpenAhead(const HttpRequest& request);
+  // `session` is what SharedSessionOf gave.
+  std::unique_ptr<SessionOpening> OpenAhead(const HttpRequest& request, std::string_view session);
   // The session cookie a request came with, where the store is shared; empty otherwise.
   std::string SharedSessionOf(const HttpRequest& request) const;
 
